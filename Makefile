@@ -1,0 +1,66 @@
+# The front door. Every target installs what it is missing (scripts/setup), then works in build/.
+# make demo and make test are the two to start with.
+
+BUILD := build
+PRESET ?= release
+
+.PHONY: help setup demo test bench lint format sanitize test-aarch64 clean
+
+help:
+	@echo "make demo          build, then render sample pictures into out/demo/"
+	@echo "make test          build and run every test"
+	@echo "make bench         build and run the benchmarks"
+	@echo "make lint          formatting, include rules, clang-tidy, shellcheck"
+	@echo "make format        reformat the sources in place"
+	@echo "make sanitize      the tests under the address, undefined and thread sanitizers"
+	@echo "make test-aarch64  foundation, raster and effect tests on 64-bit ARM (qemu)"
+	@echo "make setup         install what building and testing needs; nothing if all is there"
+	@echo "make clean         remove build/ and out/"
+
+setup:
+	@scripts/setup build
+
+demo: setup
+	@scripts/setup demo
+	cmake --preset release
+	cmake --build --preset release --target gxtext_tool
+	scripts/demo $(BUILD)/release out/demo
+
+test: setup
+	@scripts/setup demo
+	cmake --preset $(PRESET)
+	cmake --build --preset $(PRESET)
+	ctest --preset $(PRESET)
+
+bench: setup
+	@scripts/setup bench
+	cmake --preset release -DGXTEXT_BUILD_BENCH=ON
+	cmake --build --preset release
+	scripts/bench $(BUILD)/release
+
+lint: setup
+	@scripts/setup lint
+	cmake --preset release
+	scripts/lint $(BUILD)/release
+
+format:
+	@scripts/setup lint
+	scripts/lint --format
+
+sanitize: setup
+	@scripts/setup demo sanitize
+	cmake --preset asan
+	cmake --build --preset asan
+	ctest --preset asan
+	cmake --preset tsan
+	cmake --build --preset tsan
+	ctest --preset tsan
+
+test-aarch64: setup
+	@scripts/setup aarch64
+	cmake --preset aarch64
+	cmake --build --preset aarch64
+	ctest --preset aarch64
+
+clean:
+	rm -rf $(BUILD) out

@@ -1,0 +1,18 @@
+# The Android log: part of the NDK on the device, Debian's android-liblog elsewhere.
+# Defines the target AndroidLog::AndroidLog.
+find_path(AndroidLog_INCLUDE_DIR android/log.h PATH_SUFFIXES android)
+find_library(AndroidLog_LIBRARY log PATH_SUFFIXES android)
+
+include(FindPackageHandleStandardArgs)
+find_package_handle_standard_args(AndroidLog REQUIRED_VARS AndroidLog_LIBRARY AndroidLog_INCLUDE_DIR)
+
+if(AndroidLog_FOUND AND NOT TARGET AndroidLog::AndroidLog)
+    # Debian keeps the library in a folder that the loader does not search, so programs need its path.
+    get_filename_component(AndroidLog_DIR "${AndroidLog_LIBRARY}" DIRECTORY)
+    add_library(AndroidLog::AndroidLog UNKNOWN IMPORTED)
+    set_target_properties(AndroidLog::AndroidLog PROPERTIES
+        IMPORTED_LOCATION "${AndroidLog_LIBRARY}"
+        INTERFACE_INCLUDE_DIRECTORIES "${AndroidLog_INCLUDE_DIR}"
+        INTERFACE_LINK_OPTIONS "-Wl,-rpath,${AndroidLog_DIR}")
+endif()
+mark_as_advanced(AndroidLog_INCLUDE_DIR AndroidLog_LIBRARY)

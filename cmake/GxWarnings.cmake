@@ -1,0 +1,18 @@
+# Flags that every target of the project is compiled with. They are private to our targets: a parent
+# project that links the libraries keeps its own.
+option(GXTEXT_WERROR "Treat warnings as errors" OFF)
+
+# gxtext_target(<name>): warnings, hidden symbols and exact floating point.
+function(gxtext_target name)
+    target_compile_features(${name} PUBLIC cxx_std_20)
+    set_target_properties(${name} PROPERTIES
+        CXX_EXTENSIONS OFF
+        CXX_VISIBILITY_PRESET hidden
+        VISIBILITY_INLINES_HIDDEN ON
+        POSITION_INDEPENDENT_CODE ON)
+    # A fused multiply-add rounds once where the formulas round twice: the bytes would differ between
+    # machines.
+    target_compile_options(${name} PRIVATE
+        -ffp-contract=off -fno-fast-math -Wall -Wextra
+        $<$<BOOL:${GXTEXT_WERROR}>:-Werror>)
+endfunction()

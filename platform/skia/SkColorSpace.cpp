@@ -1,0 +1,3 @@
+#include "SkColorSpace.h"
+
+sk_sp<SkColorSpace> SkColorSpace::MakeSRGB() { return sk_make_sp<SkColorSpace>(); }
