@@ -1,0 +1,156 @@
+// The effect stack of one text: which effects it has, and the render that turns glyph masks into pixels.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "GxExport.h"
+#include "effect/GxECore.h"
+#include "effect/GxProperty.h"
+#include "raster/GxBitmap.h"
+#include "raster/GxGlyph.h"
+
+namespace GxFontEffect {
+
+// Ordered set of effects, each style at most once, and the four steps of a render:
+//
+//   stack.addText(0xFF202020);
+//   stack.initEffect(width, height);          // sizes of the output
+//   stack.setDstBitmap(&output);              // 32-bit, zero-filled
+//   stack.renderEffectLayer(x, y, &glyph);    // once per mask
+//   stack.doEffectPostProcessing();
+//   stack.compositeLayers(&output);           // straight alpha afterwards
+//
+// The stack owns its cores and its work bitmaps; the output, the masks and the records passed in are
+// borrowed. Add operations return the effect's id (0, 1, 2, ... in order of first addition) or -1; nothing else
+// reports errors: steps without a destination or after a failed allocation do nothing. One thread at a time.
+class GXTEXT_API GxEffect {
+public:
+    GxEffect();
+    // The pointer is not used.
+    explicit GxEffect(void* unused);
+    // Fresh cores with the same ids and copies of the records; no render state.
+    GxEffect(const GxEffect& other);
+    GxEffect& operator=(const GxEffect&) = delete;
+    virtual ~GxEffect();
+
+    // True when there is an effect, or the text fill is not opaque.
+    virtual bool hasEffects() const;
+    virtual bool hasEffect(int style) const;
+
+    // Adds the effect, or gives the one of that style new settings. A negative id asks for the next free one.
+    // -1 for a style without a core.
+    int addEffect(int id, int style, const GxProperty* property);
+    int addEffect(int style, const GxProperty* property);
+
+    // Angles in degrees, any value; sizes and distances in pixels, truncated and clamped to 0-100; opacities
+    // clamped to 0-1; colours 0xAARRGGBB, whose own alpha is replaced by the opacity. At most 256 stops are read;
+    // -1 when they are null with a positive count, and for a null pattern.
+    int addOuterShadowText(float angle, float distance, float size, uint32_t color, float opacity);
+    int addInnerShadowText(float angle, float distance, float size, uint32_t color, float opacity);
+    int addOuterGlowText(float size, uint32_t color, float opacity, int stopCount,
+                         const GxGradient* stops);
+    int addInnerGlowText(float size, uint32_t color, float opacity, int stopCount,
+                         const GxGradient* stops);
+    int addBevelText(int kind, float size, float depth, int technique, int direction, int soften,
+                     float opacity, float angle, float altitude, uint32_t highlightColor,
+                     float highlightOpacity, uint32_t shadowColor, float shadowOpacity);
+    int addEmbossText(int kind, float size, float depth, int technique, int direction, int soften,
+                      float opacity, float angle, float altitude, uint32_t highlightColor,
+                      float highlightOpacity, uint32_t shadowColor, float shadowOpacity);
+    // Scale 0-2.
+    int addLinearGradientText(float angle, float scale, float opacity, int stopCount,
+                              const GxGradient* stops);
+    int addRadialGradientText(float scale, float opacity, int stopCount, const GxGradient* stops);
+    // Position: GxStrokeProperty::Position. `cap` is carried only.
+    int addStrokeText(float size, uint32_t color, float opacity, int cap, int position);
+    // Scale 0-10. The pattern is copied by the core.
+    int addPatternText(GxBitmap* pattern, float scale, float opacity);
+    // Text fill. The colour's alpha applies to the whole image at the end, the opacity to the fill alone.
+    int addText(uint32_t color, float opacity);
+    int addText(uint32_t color);
+
+    // New core of that style, owned by the caller until releaseEffect(core); null for a style without one.
+    GxECoreBase* createEffect(int id, int style);
+    int getNewEffectId();
+    // False when no effect has the id.
+    bool removeEffect(int id);
+    // Removes all effects; ids start at 0 again. The two are the same.
+    void releaseEffect();
+    void cleanAllEffect();
+    // Destroys one core, taking it out of the stack if it is in it; null is ignored.
+    void releaseEffect(GxECoreBase* core);
+    // Drops the render's bitmaps.
+    void releaseBitmap();
+
+    // Null when the stack has none of that style.
+    GxECoreBase* getEffect(int style) const;
+    // The cores in render order, top of the stacking first in single-layer mode. Rebuilt by initEffect.
+    const std::vector<GxECoreBase*>& getLayers() const { return layers; }
+
+    // Box of all masks of the current render, in output pixels.
+    GxRect* getTextRect() { return &textRect; }
+    GxBitmap* getSrcBitmap() const { return srcBitmap; }
+    GxBitmap* getDstBitmap() const { return dstBitmap; }
+    // The setters borrow.
+    void setSrcBitmap(GxBitmap* bitmap) { srcBitmap = bitmap; }
+    void setDstBitmap(GxBitmap* bitmap) { dstBitmap = bitmap; }
+    uint32_t getMode() const { return mode; }
+
+    // Opacity of the text fill, clamped to 0-1. Below 1 every render uses two layers.
+    void setTextOpacity(float opacity);
+    float getTextOpacity() const { return textOpacity; }
+    void clearTextOpacity() { textOpacity = 1.0f; }
+
+    // Keeps what effects over the text (inside stroke, inner glow, inner shadow) paint within the glyphs: in
+    // single-layer mode, after those cores and before the text fill, every output pixel without coverage is
+    // cleared. Their plain arithmetic colours such pixels too. Off by default, since it presumes an output that
+    // starts empty.
+    void setConfineInside(bool confine) { confineInside = confine; }
+    bool getConfineInside() const { return confineInside; }
+
+    // Margins in pixels around the text: the widest effect decides each side.
+    int getLeftOffset() const;
+    int getRightOffset() const;
+    int getTopOffset() const;
+    int getBottomOffset() const;
+
+    // Zero-terminated key text of all effects in order of addition; the caller releases it with array delete.
+    // Null when memory runs out. The form with a colour gives the text fill that colour first.
+    char* getMapKey();
+    char* getMapKey(uint32_t color);
+
+    void initEffect(uint32_t width, uint32_t height);
+    void renderEffectLayer(int x, int y, const GxGlyph* glyph);
+    void doEffectPostProcessing();
+    void compositeLayers(GxBitmap* output);
+
+private:
+    bool isUnderEffect(GxECoreBase* core) const;
+    bool needsTwoLayers() const;
+    void orderSingleLayer();
+    void orderTwoLayers();
+    void clampTextRect();
+    void clearUncovered() const;
+    void chooseLayers(GxECoreBase* core, GxECore::ParamPostProcessing& param) const;
+    int addStops(int style, int stopCount, const GxGradient* stops, float opacity,
+                 const class StopRecordMaker& make);
+
+    std::vector<std::unique_ptr<GxECoreBase>> effects;
+    std::vector<GxECoreBase*> layers;
+    std::unique_ptr<GxBitmap> ownSrcBitmap;
+    GxBitmap* srcBitmap = nullptr;  // the own one unless a caller set another
+    GxBitmap* dstBitmap = nullptr;
+    std::unique_ptr<GxBitmap> backBitmap;
+    GxRect textRect;
+    bool textRectEmpty = true;
+    uint32_t mode = GXE_MODE_SINGLE_LAYER;
+    float textOpacity = 1.0f;
+    uint32_t textColor = 0xFF000000u;
+    int32_t nextId = 0;
+    int32_t textAlpha = -1;  // of the last text colour; -1 acts as 255
+    bool confineInside = false;
+};
+
+}  // namespace GxFontEffect

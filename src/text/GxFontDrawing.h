@@ -1,0 +1,51 @@
+// Draws the lines of a text object into coverage masks and drives the effect stack over them.
+#pragma once
+
+#include <memory>
+
+#include "GxExport.h"
+
+namespace GxFontEffect {
+
+class GxBitmap;
+class GxEffect;
+class GxString;
+class GxTextObject;
+class List;
+
+// Layout comes from the platform's text stack, rasterising from Skia. Each line becomes one 8-bit mask as wide as
+// its advance and as high as its ink, so that the effects run on the smallest bitmap. Not locked.
+class GXTEXT_API GxFontDrawing {
+public:
+    GxFontDrawing();
+    GxFontDrawing(const GxFontDrawing&) = delete;
+    GxFontDrawing& operator=(const GxFontDrawing&) = delete;
+    virtual ~GxFontDrawing();
+
+    // Font file of the text; null is ignored.
+    void SetFontPath(const char* path);
+    void SetFontFamilyName(const char* name);
+
+    // Renders the text's lines and effects into `destination`, a zero-filled 32-bit bitmap. Moves each line's
+    // background box by the effect margins and sets its width to the line's advance. A missing text, effect
+    // stack or font is logged and leaves the destination as it is.
+    void DrawTextEffect(GxTextObject* text, GxBitmap* destination);
+
+    // Hands the masks of `glyphs` to the stack, pen at (x, y) in 26.6 fixed point, last mask first for a negative
+    // direction.
+    void _DoRender(int x, int y, List* glyphs, GxEffect* effect, int direction);
+
+    // Deletes all masks.
+    void ClearGlyphList();
+
+private:
+    struct LineLayout;
+
+    void drawLines(GxTextObject* text, GxEffect* effect);
+
+    std::unique_ptr<GxString> familyName;
+    std::unique_ptr<GxString> fontPath;
+    std::unique_ptr<List> glyphList;  // of owned GxGlyph
+};
+
+}  // namespace GxFontEffect

@@ -1,0 +1,104 @@
+// The native side of one text widget: text, font, paint, view, lines and effects in, pixels out.
+#pragma once
+
+#include <hwui/Paint.h>
+
+#include <cstdint>
+#include <memory>
+
+#include "GxExport.h"
+
+namespace GxFontEffect {
+
+class GxEffect;
+class GxFontDrawing;
+class GxString;
+class GxTextObjectImpl;
+class GxView;
+class List;
+
+// In short:
+//
+//   GxTextObject text;
+//   text.Construct();
+//   text.SetFont("/fonts/Title.ttf");
+//   text.SetText(L"Hello");
+//   text.SetLineInfo(&lines);                        // List of new GxLineInfo, one per line
+//   const uint32_t* argb = text.RenderTextEffect(width, height);
+//
+// Built in two steps: the constructor cannot fail, Construct() can. Every operation on an unconstructed object
+// logs, records error 8 and returns false, null, -1 or what is said at the operation; a null argument is error 7.
+// Objects register themselves and may also be deleted by the registry (GxTextInstanceManager) when their last
+// binding is released. One thread at a time; objects on different threads may share fonts.
+class GXTEXT_API GxTextObject {
+public:
+    GxTextObject();
+    GxTextObject(const GxTextObject&) = delete;
+    GxTextObject& operator=(const GxTextObject&) = delete;
+    virtual ~GxTextObject();
+
+    // False with error 4 when called twice.
+    bool Construct();
+
+    // Lays out, draws and composes the text into a new image of width x height pixels and returns its pixels:
+    // 0xAARRGGBB words, straight alpha, rows packed. They belong to the object and stay valid until the next
+    // render or the object's end. The padding clip comes from the view and its bitmap size. Without a font
+    // drawing (error 8), for sizes below 0 and when memory runs out the previous frame's pixels are returned, null
+    // if there are none.
+    const uint32_t* RenderTextEffect(int width, int height);
+
+    // The registry's handle, 1 or more; -1 before Construct.
+    int GetRuntimeHandle() const;
+
+    // The object that has this handle, or null.
+    static GxTextObject* FindGxTextObject(int handle);
+
+    // Copies the text; null drops the stored one. Loads the system families for its scripts.
+    bool SetText(const GxString* text);
+    bool SetText(const wchar_t* text);
+    // Owned by the object, null when there is no text.
+    GxString* GetText() const;
+    // Registers a locale list for every script of the text and loads one not yet loaded family for each.
+    void SetTextLocaleListId();
+
+    // The family that was asked for by name; chooses among weights only.
+    bool SetFontFamilyName(const char* name);
+    // Font file, loaded once per process. False, without an error code, when it cannot be.
+    bool SetFont(const char* path);
+    // Font bytes under the name `path`. `data` is an array made with new[] and passes to the font manager whatever
+    // the outcome, but for a null path (error 7) and an unconstructed object.
+    bool SetFont(const char* path, char* data, unsigned size);
+    GxFontDrawing* GetFont() const;
+
+    // Takes over the GxLineInfo records of `lines` (each made with new); the list itself stays the caller's.
+    // Earlier records are deleted.
+    bool SetLineInfo(const List* lines);
+    // Owned by the object.
+    List* GetLineInfo() const;
+
+    bool SetTextStyle(bool bold, bool italic);
+    bool isBoldTextStyle() const;
+    bool isItalicTextStyle() const;
+
+    // Owned by the object.
+    GxEffect* GetEffect() const;
+    GxView* GetView() const;
+
+    // A copy; of a default paint before Construct.
+    android::Paint GetPaint() const;
+    void SetPaint(android::Paint& paint);
+
+    // 0xAARRGGBB boxes behind each line, drawn when enabled.
+    void SetBackgroundColor(uint32_t color, bool enabled);
+    // 0xAARRGGBB; its alpha fades the whole image, effects included. Opaque black before Construct.
+    void SetTextColor(uint32_t color);
+    uint32_t GetTextColor() const;
+
+private:
+    bool setText(const GxString* text, const wchar_t* wide);
+    bool requireConstructed(int site) const;
+
+    std::unique_ptr<GxTextObjectImpl> impl;
+};
+
+}  // namespace GxFontEffect
