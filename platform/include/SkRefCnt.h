@@ -1,4 +1,5 @@
-// Intrusive reference counting: SkRefCnt is the counted base, sk_sp the pointer that holds one count.
+// Intrusive reference counting: SkRefCnt is the counted base, sk_sp the pointer that holds one
+// count.
 #pragma once
 
 #include <atomic>
@@ -34,7 +35,8 @@ void SkSafeUnref(T* object) {
     if (object) object->unref();
 }
 
-// Holds one reference of a counted object. Built from a raw pointer it takes over the caller's count.
+// Holds one reference of a counted object. Built from a raw pointer it takes over the caller's
+// count.
 template <typename T>
 class sk_sp {
 public:

@@ -1,3 +1,5 @@
 #include "SkColorSpace.h"
 
-sk_sp<SkColorSpace> SkColorSpace::MakeSRGB() { return sk_make_sp<SkColorSpace>(); }
+sk_sp<SkColorSpace> SkColorSpace::MakeSRGB() {
+    return sk_make_sp<SkColorSpace>();
+}

@@ -1,0 +1,7 @@
+// How a rectangle changes the clip.
+#pragma once
+
+enum class SkClipOp {
+    kDifference,  // not offered by this canvas: the clip stays as it is
+    kIntersect,
+};

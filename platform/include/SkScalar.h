@@ -1,0 +1,4 @@
+// The floating-point type of all coordinates.
+#pragma once
+
+typedef float SkScalar;

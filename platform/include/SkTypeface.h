@@ -1,0 +1,58 @@
+// One font of a font file.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+#include "SkFontStyle.h"
+#include "SkRefCnt.h"
+#include "SkStream.h"
+#include "SkTypes.h"
+
+typedef uint32_t SkFontID;
+// Name of a table in the font file, for example 'cmap'.
+typedef uint32_t SkFontTableTag;
+
+namespace portable {
+class FontFace;
+}
+
+// Immutable and shared between threads freely.
+class SkTypeface : public SkRefCnt {
+public:
+    // Reads font number index of the stream. Takes the stream over; bytes that the stream borrows
+    // must outlive the typeface. Null for a null or empty stream, an index out of range, a font
+    // that cannot be read, and when memory runs out.
+    static sk_sp<SkTypeface> MakeFromStream(std::unique_ptr<SkStreamAsset> stream, int index = 0);
+    ~SkTypeface() override;
+
+    SkFontStyle fontStyle() const { return fStyle; }
+    bool isBold() const { return fStyle.weight() >= SkFontStyle::kSemiBold_Weight; }
+    bool isItalic() const { return fStyle.slant() != SkFontStyle::kUpright_Slant; }
+
+    // Never 0 and never used twice in a process.
+    SkFontID uniqueID() const { return fUniqueID; }
+
+    int countGlyphs() const;
+    // 0 when the font does not say.
+    int getUnitsPerEm() const;
+
+    // Bytes of a table; 0 when there is no such table.
+    size_t getTableSize(SkFontTableTag tag) const;
+    // Copies up to length bytes of a table from offset on into data and gives their number.
+    size_t getTableData(SkFontTableTag tag, size_t offset, size_t length, void* data) const;
+
+    // A stream over the whole font file; the index inside it goes to *ttcIndex unless that is null.
+    std::unique_ptr<SkStreamAsset> openStream(int* ttcIndex) const;
+
+    // The face behind the typeface, for the glyph code alone.
+    portable::FontFace& face() const { return *fFace; }
+
+private:
+    SkTypeface(std::unique_ptr<portable::FontFace> face, SkFontStyle style);
+
+    std::unique_ptr<portable::FontFace> fFace;
+    SkFontStyle fStyle;
+    SkFontID fUniqueID;
+};
