@@ -1,0 +1,33 @@
+#include "minikin/MinikinFont.h"
+
+#include <mutex>
+
+#include "minikin/FontFile.h"
+
+namespace minikin {
+
+struct MinikinFont::LazyFile {
+    std::once_flag once;
+    std::unique_ptr<FontFile> file;
+};
+
+MinikinFont::MinikinFont(int32_t uniqueId)
+    : mUniqueId(uniqueId), mLazyFile(std::make_unique<LazyFile>()) {}
+
+MinikinFont::~MinikinFont() = default;
+
+void MinikinFont::GetHorizontalAdvances(uint16_t* glyph_ids, uint32_t count,
+                                        const MinikinPaint& paint, const FontFakery& fakery,
+                                        float* outAdvances) const {
+    for (uint32_t i = 0; i < count; i++) {
+        outAdvances[i] = GetHorizontalAdvance(glyph_ids[i], paint, fakery);
+    }
+}
+
+const FontFile& MinikinFont::file() const {
+    std::call_once(mLazyFile->once,
+                   [this] { mLazyFile->file = std::make_unique<FontFile>(*this); });
+    return *mLazyFile->file;
+}
+
+}  // namespace minikin
