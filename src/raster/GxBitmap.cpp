@@ -69,7 +69,9 @@ GxBitmap& GxBitmap::operator=(const GxBitmap& other) {
     return *this;
 }
 
-GxBitmap::~GxBitmap() { std::free(data); }
+GxBitmap::~GxBitmap() {
+    std::free(data);
+}
 
 void GxBitmap::allocate() {
     size_t size = 0;

@@ -36,10 +36,11 @@ private:
 
 // An owned pixel buffer, rows packed: the row stride is width x bytesPerPixel bytes.
 //
-// Two kinds are in use. A 32-bit layer has the bytes R, G, B, A, premultiplied by alpha until the final
-// composite. An 8-bit mask holds coverage, 0 to 255. The buffer comes from the C allocator and is never
-// shared between bitmaps. Nothing reports errors: a size that does not fit or a failed allocation leaves
-// `data` null, and every consumer checks it. Not locked: one render at a time uses a bitmap.
+// Two kinds are in use. A 32-bit layer has the bytes R, G, B, A, premultiplied by alpha until the
+// final composite. An 8-bit mask holds coverage, 0 to 255. The buffer comes from the C allocator
+// and is never shared between bitmaps. Nothing reports errors: a size that does not fit or a failed
+// allocation leaves `data` null, and every consumer checks it. Not locked: one render at a time
+// uses a bitmap.
 class GXTEXT_API GxBitmap {
 public:
     enum Format : uint32_t { kColor32 = 1, kMask8 = 2, kEmpty = 4 };
@@ -49,13 +50,13 @@ public:
     // Zero-filled.
     GxBitmap(uint32_t width, uint32_t height, uint32_t bytesPerPixel);
 
-    // Copies width x height x bytesPerPixel bytes from `pixels`, which stay the caller's. Null pixels
-    // give a bitmap without data.
+    // Copies width x height x bytesPerPixel bytes from `pixels`, which stay the caller's. Null
+    // pixels give a bitmap without data.
     GxBitmap(uint32_t width, uint32_t height, const void* pixels, uint32_t bytesPerPixel);
 
-    // Crop of an 8-bit mask to `rect`; cells outside the source stay 0, a null rectangle copies nothing.
-    // Moves one byte per pixel and takes the source's pixel width as its row stride whatever the format:
-    // of a 32-bit source only a quarter of the buffer is filled.
+    // Crop of an 8-bit mask to `rect`; cells outside the source stay 0, a null rectangle copies
+    // nothing. Moves one byte per pixel and takes the source's pixel width as its row stride
+    // whatever the format: of a 32-bit source only a quarter of the buffer is filled.
     GxBitmap(const GxBitmap& source, const GxRect* rect);
 
     GxBitmap(const GxBitmap& other);

@@ -5,8 +5,8 @@
 
 namespace GxFontEffect {
 
-// Plain record. `pixels` is an array of width x height coverage bytes, rows packed; whoever made the record
-// releases it with array delete. The effect side reads pixels, width and height only.
+// Plain record. `pixels` is an array of width x height coverage bytes, rows packed; whoever made
+// the record releases it with array delete. The effect side reads pixels, width and height only.
 struct GxGlyph {
     uint8_t* pixels = nullptr;
     uint16_t width = 0;

@@ -15,11 +15,14 @@ namespace {
 
 constexpr std::array<float, GX_INT_SQRT_TABLE_SIZE> makeSqrtTable() {
     std::array<float, GX_INT_SQRT_TABLE_SIZE> table{};
-    // thousandths = round(1000 * sqrt(i)), found in integers: the largest t with (2t - 1)^2 <= 4e6 * i.
+    // thousandths = round(1000 * sqrt(i)), found in integers: the largest t with (2t - 1)^2 <= 4e6
+    // * i.
     int64_t thousandths = 0;
     for (int i = 0; i < GX_INT_SQRT_TABLE_SIZE; ++i) {
-        while ((2 * thousandths + 1) * (2 * thousandths + 1) <= int64_t{4000000} * i) ++thousandths;
-        table[static_cast<size_t>(i)] = static_cast<float>(static_cast<double>(thousandths) / 1000.0);
+        while ((2 * thousandths + 1) * (2 * thousandths + 1) <= int64_t{4000000} * i)
+            ++thousandths;
+        table[static_cast<size_t>(i)] =
+            static_cast<float>(static_cast<double>(thousandths) / 1000.0);
     }
     return table;
 }

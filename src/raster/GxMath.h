@@ -10,14 +10,14 @@
 
 namespace GxFontEffect {
 
-// Approximate square root: v times the reciprocal root that the exponent trick (0x5F3759DF minus half
-// of the bits) and one Newton step give. Single precision, evaluated left to right; within 0.18 % of the
-// root. Lighting is matched against this approximation, an exact root would change its bytes.
-// fsqrt(0) is 0; the answer for negative input is some number, never a trap.
+// Approximate square root: v times the reciprocal root that the exponent trick (0x5F3759DF minus
+// half of the bits) and one Newton step give. Single precision, evaluated left to right; within
+// 0.18 % of the root. Lighting is matched against this approximation, an exact root would change
+// its bytes. fsqrt(0) is 0; the answer for negative input is some number, never a trap.
 GXTEXT_API float fsqrt(float v);
 
-// Entry i is the square root of i rounded to three decimals, i = 0 ... 5489: distances up to 74 pixels
-// from squared integer offsets.
+// Entry i is the square root of i rounded to three decimals, i = 0 ... 5489: distances up to 74
+// pixels from squared integer offsets.
 inline constexpr int GX_INT_SQRT_TABLE_SIZE = 5490;
 GXTEXT_API extern const std::array<float, GX_INT_SQRT_TABLE_SIZE> GX_INT_SQRT_TABLE;
 

@@ -13,12 +13,17 @@ namespace {
 thread_local LogCapture* current = nullptr;
 }  // namespace
 
-LogCapture::LogCapture() : previous_(current) { current = this; }
-LogCapture::~LogCapture() { current = previous_; }
+LogCapture::LogCapture() : previous_(current) {
+    current = this;
+}
+LogCapture::~LogCapture() {
+    current = previous_;
+}
 
 std::vector<std::string> LogCapture::texts() const {
     std::vector<std::string> result;
-    for (const LogLine& line : lines_) result.push_back(line.text);
+    for (const LogLine& line : lines_)
+        result.push_back(line.text);
     return result;
 }
 
@@ -30,8 +35,8 @@ bool LogCapture::contains(const std::string& text) const {
 }  // namespace gxtest
 
 extern "C" __attribute__((visibility("default"))) int __android_log_print(int priority,
-                                                                         const char* tag,
-                                                                         const char* format, ...) {
+                                                                          const char* tag,
+                                                                          const char* format, ...) {
     char text[2048];
     va_list arguments;
     va_start(arguments, format);

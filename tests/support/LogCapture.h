@@ -1,5 +1,5 @@
-// Records what the library logs. Linking gxtext_test_support replaces __android_log_print in the test
-// program: lines are kept, and printed only when GXTEXT_TEST_LOG is set in the environment.
+// Records what the library logs. Linking gxtext_test_support replaces __android_log_print in the
+// test program: lines are kept, and printed only when GXTEXT_TEST_LOG is set in the environment.
 #pragma once
 
 #include <string>

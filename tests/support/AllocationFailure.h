@@ -1,0 +1,30 @@
+// Makes the n-th allocation of the calling thread fail, to prove that every one is handled.
+//
+// malloc, calloc, realloc and operator new are wrapped at link time, so this reaches whatever is
+// compiled into the test program, under the sanitizers too; allocations inside shared libraries go
+// on as usual.
+#pragma once
+
+#include <functional>
+
+namespace gxtest {
+
+// While it lives, the n-th allocation (from 1) of this thread returns null or throws
+// std::bad_alloc; earlier and later ones succeed.
+class AllocationFailure {
+public:
+    explicit AllocationFailure(int n);
+    ~AllocationFailure();
+    AllocationFailure(const AllocationFailure&) = delete;
+    AllocationFailure& operator=(const AllocationFailure&) = delete;
+
+    // The n-th allocation was reached.
+    bool triggered() const;
+};
+
+// Runs `body` with the 1st, 2nd, ... allocation failing until a run makes fewer allocations;
+// returns how many runs saw a failure. Calls `check(n)` after each run, outside the failing scope.
+int failEachAllocation(const std::function<void()>& body,
+                       const std::function<void(int)>& check = {});
+
+}  // namespace gxtest
