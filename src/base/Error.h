@@ -1,7 +1,7 @@
 // The calling thread's last error code.
 //
-// Every operation of the text, font and foundation classes that fails says so by its return value and
-// records one of these codes. A success never clears the code.
+// Every operation of the text, font and foundation classes that fails says so by its return value
+// and records one of these codes. A success never clears the code.
 #pragma once
 
 #include "GxExport.h"

@@ -13,8 +13,8 @@ namespace GxFontEffect {
 
 class GxProperty;
 
-// Which effect a core is. Style 9 has no core, but the layer order treats it like a stroke; 13 is the base
-// class's own default and counts as an effect beneath the text.
+// Which effect a core is. Style 9 has no core, but the layer order treats it like a stroke; 13 is
+// the base class's own default and counts as an effect beneath the text.
 enum GxEffectStyle : int {
     GXE_STYLE_OUTER_SHADOW = 1,
     GXE_STYLE_INNER_SHADOW = 2,
@@ -54,18 +54,19 @@ struct ParamRender {
 };
 
 struct ParamPostProcessing {
-    GxBitmap* dst = nullptr;       // the 32-bit layer to paint into
-    GxBitmap* src = nullptr;       // 8-bit mask of the whole text
-    GxRect* textRect = nullptr;    // box of all glyph masks, inside the mask
+    GxBitmap* dst = nullptr;     // the 32-bit layer to paint into
+    GxBitmap* src = nullptr;     // 8-bit mask of the whole text
+    GxRect* textRect = nullptr;  // box of all glyph masks, inside the mask
     uint32_t mode = GXE_MODE_SINGLE_LAYER;
-    GxBitmap* other = nullptr;     // the other layer, for cores that paint both; else null
+    GxBitmap* other = nullptr;  // the other layer, for cores that paint both; else null
 };
 
 }  // namespace GxECore
 
-// One effect. The stack makes it, gives it an id and a property record, and per render calls initEffect once,
-// render for every glyph and doPostProcessing once, where all painting happens. A core never fails a render:
-// null blocks, missing properties and missing bitmaps make it do nothing. Not locked.
+// One effect. The stack makes it, gives it an id and a property record, and per render calls
+// initEffect once, render for every glyph and doPostProcessing once, where all painting happens. A
+// core never fails a render: null blocks, missing properties and missing bitmaps make it do
+// nothing. Not locked.
 class GXTEXT_API GxECoreBase {
 public:
     GxECoreBase() = default;
@@ -104,7 +105,8 @@ protected:
     int32_t id = -1;
 };
 
-// A core whose record owns nothing: setProperty copies it whole. Cores that copy stops or bitmaps override it.
+// A core whose record owns nothing: setProperty copies it whole. Cores that copy stops or bitmaps
+// override it.
 template <typename Property>
 class GxPropertyCore : public GxECoreBase {
 public:

@@ -1,4 +1,5 @@
-// The effect stack of one text: which effects it has, and the render that turns glyph masks into pixels.
+// The effect stack of one text: which effects it has, and the render that turns glyph masks into
+// pixels.
 #pragma once
 
 #include <cstdint>
@@ -22,9 +23,10 @@ namespace GxFontEffect {
 //   stack.doEffectPostProcessing();
 //   stack.compositeLayers(&output);           // straight alpha afterwards
 //
-// The stack owns its cores and its work bitmaps; the output, the masks and the records passed in are
-// borrowed. Add operations return the effect's id (0, 1, 2, ... in order of first addition) or -1; nothing else
-// reports errors: steps without a destination or after a failed allocation do nothing. One thread at a time.
+// The stack owns its cores and its work bitmaps; the output, the masks and the records passed in
+// are borrowed. Add operations return the effect's id (0, 1, 2, ... in order of first addition) or
+// -1; nothing else reports errors: steps without a destination or after a failed allocation do
+// nothing. One thread at a time.
 class GXTEXT_API GxEffect {
 public:
     GxEffect();
@@ -39,14 +41,14 @@ public:
     virtual bool hasEffects() const;
     virtual bool hasEffect(int style) const;
 
-    // Adds the effect, or gives the one of that style new settings. A negative id asks for the next free one.
-    // -1 for a style without a core.
+    // Adds the effect, or gives the one of that style new settings. A negative id asks for the next
+    // free one. -1 for a style without a core.
     int addEffect(int id, int style, const GxProperty* property);
     int addEffect(int style, const GxProperty* property);
 
-    // Angles in degrees, any value; sizes and distances in pixels, truncated and clamped to 0-100; opacities
-    // clamped to 0-1; colours 0xAARRGGBB, whose own alpha is replaced by the opacity. At most 256 stops are read;
-    // -1 when they are null with a positive count, and for a null pattern.
+    // Angles in degrees, any value; sizes and distances in pixels, truncated and clamped to 0-100;
+    // opacities clamped to 0-1; colours 0xAARRGGBB, whose own alpha is replaced by the opacity. At
+    // most 256 stops are read; -1 when they are null with a positive count, and for a null pattern.
     int addOuterShadowText(float angle, float distance, float size, uint32_t color, float opacity);
     int addInnerShadowText(float angle, float distance, float size, uint32_t color, float opacity);
     int addOuterGlowText(float size, uint32_t color, float opacity, int stopCount,
@@ -67,11 +69,13 @@ public:
     int addStrokeText(float size, uint32_t color, float opacity, int cap, int position);
     // Scale 0-10. The pattern is copied by the core.
     int addPatternText(GxBitmap* pattern, float scale, float opacity);
-    // Text fill. The colour's alpha applies to the whole image at the end, the opacity to the fill alone.
+    // Text fill. The colour's alpha applies to the whole image at the end, the opacity to the fill
+    // alone.
     int addText(uint32_t color, float opacity);
     int addText(uint32_t color);
 
-    // New core of that style, owned by the caller until releaseEffect(core); null for a style without one.
+    // New core of that style, owned by the caller until releaseEffect(core); null for a style
+    // without one.
     GxECoreBase* createEffect(int id, int style);
     int getNewEffectId();
     // False when no effect has the id.
@@ -86,7 +90,8 @@ public:
 
     // Null when the stack has none of that style.
     GxECoreBase* getEffect(int style) const;
-    // The cores in render order, top of the stacking first in single-layer mode. Rebuilt by initEffect.
+    // The cores in render order, top of the stacking first in single-layer mode. Rebuilt by
+    // initEffect.
     const std::vector<GxECoreBase*>& getLayers() const { return layers; }
 
     // Box of all masks of the current render, in output pixels.
@@ -103,10 +108,10 @@ public:
     float getTextOpacity() const { return textOpacity; }
     void clearTextOpacity() { textOpacity = 1.0f; }
 
-    // Keeps what effects over the text (inside stroke, inner glow, inner shadow) paint within the glyphs: in
-    // single-layer mode, after those cores and before the text fill, every output pixel without coverage is
-    // cleared. Their plain arithmetic colours such pixels too. Off by default, since it presumes an output that
-    // starts empty.
+    // Keeps what effects over the text (inside stroke, inner glow, inner shadow) paint within the
+    // glyphs: in single-layer mode, after those cores and before the text fill, every output pixel
+    // without coverage is cleared. Their plain arithmetic colours such pixels too. Off by default,
+    // since it presumes an output that starts empty.
     void setConfineInside(bool confine) { confineInside = confine; }
     bool getConfineInside() const { return confineInside; }
 
@@ -116,8 +121,9 @@ public:
     int getTopOffset() const;
     int getBottomOffset() const;
 
-    // Zero-terminated key text of all effects in order of addition; the caller releases it with array delete.
-    // Null when memory runs out. The form with a colour gives the text fill that colour first.
+    // Zero-terminated key text of all effects in order of addition; the caller releases it with
+    // array delete. Null when memory runs out. The form with a colour gives the text fill that
+    // colour first.
     char* getMapKey();
     char* getMapKey(uint32_t color);
 
@@ -128,14 +134,13 @@ public:
 
 private:
     bool isUnderEffect(GxECoreBase* core) const;
+    int margin(int (GxECoreBase::*offset)()) const;
     bool needsTwoLayers() const;
     void orderSingleLayer();
     void orderTwoLayers();
     void clampTextRect();
     void clearUncovered() const;
     void chooseLayers(GxECoreBase* core, GxECore::ParamPostProcessing& param) const;
-    int addStops(int style, int stopCount, const GxGradient* stops, float opacity,
-                 const class StopRecordMaker& make);
 
     std::vector<std::unique_ptr<GxECoreBase>> effects;
     std::vector<GxECoreBase*> layers;

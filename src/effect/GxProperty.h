@@ -16,11 +16,11 @@ struct GxGradient {
     float position = 0.0f;  // 0-1 along the ramp
 };
 
-// Base of every record. Records are plain values; constructors store what they are given but for the
-// conversions said at each.
+// Base of every record. Records are plain values; constructors store what they are given but for
+// the conversions said at each.
 //
-// The key text describes a configuration in few bytes. Every record writes a letter, then its fields in one of
-// three forms (values are truncated toward zero first):
+// The key text describes a configuration in few bytes. Every record writes a letter, then its
+// fields in one of three forms (values are truncated toward zero first):
 //   hex    one byte per hexadecimal digit, most significant first, each 0x80 | digit
 //   short  one byte, 0x80 | (value & 0x7F)
 //   angle  degrees made 0-359, two bytes: 0x80 | (a >> 7), 0x80 | (a & 0x7F)
@@ -32,8 +32,9 @@ public:
     // Bytes that the key needs at most, without the final zero.
     virtual int getSequentialCharLength() const = 0;
 
-    // Writes the key bytes and a zero after them at *cursor and advances it past the bytes, not the zero: the
-    // buffer must hold getSequentialCharLength() + 1 bytes. False, and nothing written, for a null cursor.
+    // Writes the key bytes and a zero after them at *cursor and advances it past the bytes, not the
+    // zero: the buffer must hold getSequentialCharLength() + 1 bytes. False, and nothing written,
+    // for a null cursor.
     virtual bool toSequentialChar(char** cursor) const = 0;
 
     uint32_t color;  // 0xAARRGGBB
@@ -65,7 +66,8 @@ public:
     float size;      // blur, pixels
 };
 
-// Inner shadow: "I", then as the outer shadow. The angle is truncated and reduced modulo 360, keeping its sign.
+// Inner shadow: "I", then as the outer shadow. The angle is truncated and reduced modulo 360,
+// keeping its sign.
 class GXTEXT_API GxInnerShadowProperty : public GxProperty {
 public:
     GxInnerShadowProperty(float angle, float distance, float size, uint32_t color, float opacity);
@@ -119,8 +121,8 @@ public:
     bool toSequentialChar(char** cursor) const override;
 };
 
-// Linear gradient. The colour is 0, the angle truncated and reduced modulo 360 keeping its sign, the scale
-// clamped to 0-2. The stops are borrowed.
+// Linear gradient. The colour is 0, the angle truncated and reduced modulo 360 keeping its sign,
+// the scale clamped to 0-2. The stops are borrowed.
 class GXTEXT_API GxLinearGradientProperty : public GxProperty {
 public:
     GxLinearGradientProperty(float angle, float scale, float opacity, int stopCount,
@@ -147,8 +149,8 @@ public:
     bool toSequentialChar(char** cursor) const override;
 };
 
-// Bevel. The colour is 0, the depth clamped to 0-10, soften to 0-16; angle and altitude are truncated and reduced
-// modulo 360 and 90, keeping their signs.
+// Bevel. The colour is 0, the depth clamped to 0-10, soften to 0-16; angle and altitude are
+// truncated and reduced modulo 360 and 90, keeping their signs.
 class GXTEXT_API GxBevelProperty : public GxProperty {
 public:
     GxBevelProperty(int kind, float size, float depth, int technique, int direction, int soften,
@@ -156,8 +158,8 @@ public:
                     float highlightOpacity, uint32_t shadowColor, float shadowOpacity);
 
     int getSequentialCharLength() const override { return 30; }
-    // "B", kind short, size as two hex digits, depth in percent as four, technique, direction and soften
-    // short, angle, altitude short, highlight and shadow colours hex.
+    // "B", kind short, size as two hex digits, depth in percent as four, technique, direction and
+    // soften short, angle, altitude short, highlight and shadow colours hex.
     bool toSequentialChar(char** cursor) const override;
 
     int32_t kind;  // 1 lies inside the glyphs, any other value beneath them
@@ -190,8 +192,8 @@ public:
     GxPatternProperty(GxBitmap* pattern, float scale, float opacity);
 
     int getSequentialCharLength() const override { return 17; }
-    // "P", the low 32 bits of the bitmap's address hex, scale in percent as four hex digits, opacity in percent
-    // likewise: equal patterns in different bitmaps have different keys.
+    // "P", the low 32 bits of the bitmap's address hex, scale in percent as four hex digits,
+    // opacity in percent likewise: equal patterns in different bitmaps have different keys.
     bool toSequentialChar(char** cursor) const override;
 
     GxBitmap* pattern;  // 32-bit

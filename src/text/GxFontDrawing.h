@@ -13,8 +13,9 @@ class GxString;
 class GxTextObject;
 class List;
 
-// Layout comes from the platform's text stack, rasterising from Skia. Each line becomes one 8-bit mask as wide as
-// its advance and as high as its ink, so that the effects run on the smallest bitmap. Not locked.
+// Layout comes from the platform's text stack, rasterising from Skia. Each line becomes one 8-bit
+// mask as wide as its advance and as high as its ink, so that the effects run on the smallest
+// bitmap. Not locked.
 class GXTEXT_API GxFontDrawing {
 public:
     GxFontDrawing();
@@ -26,13 +27,13 @@ public:
     void SetFontPath(const char* path);
     void SetFontFamilyName(const char* name);
 
-    // Renders the text's lines and effects into `destination`, a zero-filled 32-bit bitmap. Moves each line's
-    // background box by the effect margins and sets its width to the line's advance. A missing text, effect
-    // stack or font is logged and leaves the destination as it is.
+    // Renders the text's lines and effects into `destination`, a zero-filled 32-bit bitmap. Moves
+    // each line's background box by the effect margins and sets its width to the line's advance. A
+    // missing text, effect stack or font is logged and leaves the destination as it is.
     void DrawTextEffect(GxTextObject* text, GxBitmap* destination);
 
-    // Hands the masks of `glyphs` to the stack, pen at (x, y) in 26.6 fixed point, last mask first for a negative
-    // direction.
+    // Hands the masks of `glyphs` to the stack, pen at (x, y) in 26.6 fixed point, last mask first
+    // for a negative direction.
     void _DoRender(int x, int y, List* glyphs, GxEffect* effect, int direction);
 
     // Deletes all masks.

@@ -26,10 +26,11 @@ class List;
 //   text.SetLineInfo(&lines);                        // List of new GxLineInfo, one per line
 //   const uint32_t* argb = text.RenderTextEffect(width, height);
 //
-// Built in two steps: the constructor cannot fail, Construct() can. Every operation on an unconstructed object
-// logs, records error 8 and returns false, null, -1 or what is said at the operation; a null argument is error 7.
-// Objects register themselves and may also be deleted by the registry (GxTextInstanceManager) when their last
-// binding is released. One thread at a time; objects on different threads may share fonts.
+// Built in two steps: the constructor cannot fail, Construct() can. Every operation on an
+// unconstructed object logs, records error 8 and returns false, null, -1 or what is said at the
+// operation; a null argument is error 7. Objects register themselves and may also be deleted by the
+// registry (GxTextInstanceManager) when their last binding is released. One thread at a time;
+// objects on different threads may share fonts.
 class GXTEXT_API GxTextObject {
 public:
     GxTextObject();
@@ -40,11 +41,11 @@ public:
     // False with error 4 when called twice.
     bool Construct();
 
-    // Lays out, draws and composes the text into a new image of width x height pixels and returns its pixels:
-    // 0xAARRGGBB words, straight alpha, rows packed. They belong to the object and stay valid until the next
-    // render or the object's end. The padding clip comes from the view and its bitmap size. Without a font
-    // drawing (error 8), for sizes below 0 and when memory runs out the previous frame's pixels are returned, null
-    // if there are none.
+    // Lays out, draws and composes the text into a new image of width x height pixels and returns
+    // its pixels: 0xAARRGGBB words, straight alpha, rows packed. They belong to the object and stay
+    // valid until the next render or the object's end. The padding clip comes from the view and its
+    // bitmap size. Without a font drawing (error 8), for sizes below 0 and when memory runs out the
+    // previous frame's pixels are returned, null if there are none.
     const uint32_t* RenderTextEffect(int width, int height);
 
     // The registry's handle, 1 or more; -1 before Construct.
@@ -58,20 +59,21 @@ public:
     bool SetText(const wchar_t* text);
     // Owned by the object, null when there is no text.
     GxString* GetText() const;
-    // Registers a locale list for every script of the text and loads one not yet loaded family for each.
+    // Registers a locale list for every script of the text and loads one not yet loaded family for
+    // each.
     void SetTextLocaleListId();
 
     // The family that was asked for by name; chooses among weights only.
     bool SetFontFamilyName(const char* name);
     // Font file, loaded once per process. False, without an error code, when it cannot be.
     bool SetFont(const char* path);
-    // Font bytes under the name `path`. `data` is an array made with new[] and passes to the font manager whatever
-    // the outcome, but for a null path (error 7) and an unconstructed object.
+    // Font bytes under the name `path`. `data` is an array made with new[] and passes to the font
+    // manager whatever the outcome, but for a null path (error 7) and an unconstructed object.
     bool SetFont(const char* path, char* data, unsigned size);
     GxFontDrawing* GetFont() const;
 
-    // Takes over the GxLineInfo records of `lines` (each made with new); the list itself stays the caller's.
-    // Earlier records are deleted.
+    // Takes over the GxLineInfo records of `lines` (each made with new); the list itself stays the
+    // caller's. Earlier records are deleted.
     bool SetLineInfo(const List* lines);
     // Owned by the object.
     List* GetLineInfo() const;

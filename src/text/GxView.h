@@ -29,7 +29,8 @@ public:
     int GetWidth() const { return width; }
     int GetHeight() const { return height; }
 
-    // The bitmap to render into: view size plus effect margins. False, and nothing stored, when negative.
+    // The bitmap to render into: view size plus effect margins. False, and nothing stored, when
+    // negative.
     bool SetBitmapWidth(int value);
     bool SetBitmapHeight(int value);
     int GetBitmapWidth() const { return bitmapSize->bitmapWidth; }

@@ -1,0 +1,35 @@
+#include "effect/GxCoreFactory.h"
+
+#include <new>
+
+#include "effect/filters/GxText.h"
+
+namespace GxFontEffect {
+
+namespace {
+
+template <typename Core>
+GxECoreBase* make() {
+    return new (std::nothrow) Core();
+}
+
+struct Entry {
+    GxEffectStyle style;
+    GxECoreBase* (*make)();
+};
+
+// One line per effect.
+constexpr Entry kEffects[] = {
+    {GXE_STYLE_TEXT, make<GxText>},
+};
+
+}  // namespace
+
+GxECoreBase* makeEffectCore(int style) {
+    for (const Entry& entry : kEffects) {
+        if (entry.style == style) return entry.make();
+    }
+    return nullptr;
+}
+
+}  // namespace GxFontEffect

@@ -1,0 +1,615 @@
+#include "effect/GxEffect.h"
+
+#include <android/log.h>
+
+#include <algorithm>
+#include <limits>
+#include <new>
+
+#include "effect/GxCoreFactory.h"
+#include "raster/GxBlender.h"
+#include "raster/GxMath.h"
+#include "raster/kernels/BlendPixel.h"
+
+namespace GxFontEffect {
+
+namespace {
+
+constexpr const char* kTag = "GxEffect";
+constexpr int kMaxStops = 256;
+
+// --- conversions of the add operations
+// ----------------------------------------------------------------------
+
+// 0 to period - 1.
+float wrapDegrees(float degrees, int32_t period) {
+    const int32_t a = toInt(degrees) % period;
+    return static_cast<float>(a < 0 ? a + period : a);
+}
+
+float clampPercent(float value) {
+    return static_cast<float>(toInt(clampFloat(value, 0.0f, 100.0f)));
+}
+
+float clampOpacity(float opacity) {
+    return clampFloat(opacity, 0.0f, 1.0f);
+}
+
+uint32_t alphaOf(float opacity) {
+    return static_cast<uint32_t>(toInt(clampOpacity(opacity) * 255.0f + 0.5f));
+}
+
+// The colour's own alpha is discarded.
+uint32_t premultiply(uint32_t color, float opacity) {
+    const uint32_t a = alphaOf(opacity);
+    const auto channel = [&](int shift) {
+        return ((a * (((color >> shift) & 0xFFu) + 1)) >> 8) << shift;
+    };
+    return a << 24 | channel(16) | channel(8) | channel(0);
+}
+
+uint32_t withAlpha(uint32_t color, float opacity) {
+    return (color & 0x00FFFFFFu) | alphaOf(opacity) << 24;
+}
+
+// A copy of the caller's stops with the effect's opacity folded into their colours.
+class Stops {
+public:
+    Stops(int count, const GxGradient* stops, float opacity)
+        : count_(std::clamp(count, 0, kMaxStops)) {
+        if (count_ > 0 && !stops) {
+            failed_ = true;
+            return;
+        }
+        for (int i = 0; i < count_; ++i)
+            stops_[i] = convert(stops[i], clampOpacity(opacity));
+    }
+
+    bool failed() const { return failed_; }
+    int count() const { return count_; }
+    const GxGradient* get() const { return count_ > 0 ? stops_ : nullptr; }
+
+private:
+    static GxGradient convert(const GxGradient& stop, float opacity) {
+        GxGradient result;
+        result.color = withAlpha(stop.color, stop.opacity * opacity);
+        result.opacity = clampOpacity(stop.opacity);
+        const auto hundredths = static_cast<float>(toInt(stop.position * 100.0f));
+        result.position = clampFloat(hundredths / 100.0f, 0.0f, 1.0f);
+        return result;
+    }
+
+    int count_;
+    bool failed_ = false;
+    GxGradient stops_[kMaxStops];
+};
+
+// --- layers
+// -------------------------------------------------------------------------------------------------
+
+// A stroke's position, or one that no stroke has.
+int strokePosition(GxECoreBase* core) {
+    const auto* stroke = dynamic_cast<const GxStrokeProperty*>(core->getProperty());
+    return stroke ? stroke->position : std::numeric_limits<int>::min();
+}
+
+bool isInsideBevel(GxECoreBase* core) {
+    const auto* bevel = dynamic_cast<const GxBevelProperty*>(core->getProperty());
+    return bevel && bevel->kind == 1;
+}
+
+bool isStroke(int style) {
+    return style == GXE_STYLE_STROKE || style == GXE_STYLE_UNUSED_STROKE;
+}
+
+int32_t saturate(int64_t value) {
+    return static_cast<int32_t>(std::clamp<int64_t>(value, std::numeric_limits<int32_t>::min(),
+                                                    std::numeric_limits<int32_t>::max()));
+}
+
+std::unique_ptr<GxBitmap> newBitmap(uint32_t width, uint32_t height, uint32_t bytesPerPixel) {
+    std::unique_ptr<GxBitmap> bitmap(new (std::nothrow) GxBitmap(width, height, bytesPerPixel));
+    if (bitmap && !bitmap->data) bitmap.reset();
+    return bitmap;
+}
+
+bool isLayer(const GxBitmap* bitmap) {
+    return bitmap && bitmap->data && bitmap->bytesPerPixel == 4;
+}
+
+bool isMask(const GxBitmap* bitmap) {
+    return bitmap && bitmap->data && bitmap->bytesPerPixel == 1;
+}
+
+kernels::Rgba* pixelsOf(const GxBitmap* layer) {
+    return reinterpret_cast<kernels::Rgba*>(layer->data);
+}
+
+}  // namespace
+
+GxEffect::GxEffect() {
+    __android_log_print(ANDROID_LOG_DEBUG, kTag, "GxEffect(%p)", this);
+}
+
+GxEffect::GxEffect(void* /*unused*/) {}
+
+GxEffect::GxEffect(const GxEffect& other)
+    : mode(other.mode),
+      textOpacity(other.textOpacity),
+      textColor(other.textColor),
+      nextId(other.nextId),
+      textAlpha(other.textAlpha),
+      confineInside(other.confineInside) {
+    for (const auto& core : other.effects) {
+        addEffect(core->getId(), core->getStyle(), core->getProperty());
+    }
+}
+
+GxEffect::~GxEffect() {
+    __android_log_print(ANDROID_LOG_DEBUG, kTag, "~GxEffect(%p)", this);
+}
+
+// --- the set of effects
+// -------------------------------------------------------------------------------------
+
+bool GxEffect::hasEffects() const {
+    return !effects.empty() || textOpacity < 1.0f;
+}
+
+bool GxEffect::hasEffect(int style) const {
+    return getEffect(style) != nullptr;
+}
+
+GxECoreBase* GxEffect::getEffect(int style) const {
+    for (const auto& core : effects) {
+        if (core->getStyle() == style) return core.get();
+    }
+    return nullptr;
+}
+
+int GxEffect::addEffect(int id, int style, const GxProperty* property) {
+    if (GxECoreBase* present = getEffect(style)) {
+        present->setProperty(property);
+        return present->getId();
+    }
+    // Room first: after it nothing fails but the core's own allocations, and an id handed out is
+    // kept.
+    try {
+        effects.reserve(effects.size() + 1);
+    } catch (const std::bad_alloc&) {
+        return -1;
+    }
+    const int32_t idBefore = nextId;
+    std::unique_ptr<GxECoreBase> core(createEffect(id, style));
+    if (!core) return -1;
+    core->setProperty(property);
+    if (property && !core->getProperty()) {
+        nextId = idBefore;
+        return -1;
+    }
+    effects.push_back(std::move(core));
+    return effects.back()->getId();
+}
+
+int GxEffect::addEffect(int style, const GxProperty* property) {
+    return addEffect(-1, style, property);
+}
+
+GxECoreBase* GxEffect::createEffect(int id, int style) {
+    GxECoreBase* core = makeEffectCore(style);
+    if (core) core->setId(id >= 0 ? id : getNewEffectId());
+    return core;
+}
+
+int GxEffect::getNewEffectId() {
+    if (nextId < 0) nextId = 0;
+    const int32_t id = nextId;
+    nextId = id == std::numeric_limits<int32_t>::max() ? -1 : id + 1;
+    return id;
+}
+
+bool GxEffect::removeEffect(int id) {
+    for (const auto& core : effects) {
+        if (core->getId() == id) {
+            releaseEffect(core.get());
+            return true;
+        }
+    }
+    return false;
+}
+
+void GxEffect::releaseEffect() {
+    layers.clear();
+    effects.clear();
+    nextId = 0;
+}
+
+void GxEffect::cleanAllEffect() {
+    releaseEffect();
+}
+
+void GxEffect::releaseEffect(GxECoreBase* core) {
+    if (!core) return;
+    std::erase(layers, core);
+    const auto owned = std::find_if(effects.begin(), effects.end(),
+                                    [&](const auto& effect) { return effect.get() == core; });
+    if (owned != effects.end()) {
+        effects.erase(owned);
+    } else {
+        delete core;
+    }
+}
+
+void GxEffect::releaseBitmap() {
+    ownSrcBitmap.reset();
+    srcBitmap = nullptr;
+    backBitmap.reset();
+    dstBitmap = nullptr;
+}
+
+void GxEffect::setTextOpacity(float opacity) {
+    textOpacity = clampOpacity(opacity);
+}
+
+// --- typed add operations
+// -----------------------------------------------------------------------------------
+
+int GxEffect::addOuterShadowText(float angle, float distance, float size, uint32_t color,
+                                 float opacity) {
+    const GxOuterShadowProperty record(wrapDegrees(angle, 360), clampPercent(distance),
+                                       clampPercent(size), premultiply(color, opacity),
+                                       clampOpacity(opacity));
+    return addEffect(GXE_STYLE_OUTER_SHADOW, &record);
+}
+
+int GxEffect::addInnerShadowText(float angle, float distance, float size, uint32_t color,
+                                 float opacity) {
+    const GxInnerShadowProperty record(wrapDegrees(angle, 360), clampPercent(distance),
+                                       clampPercent(size), premultiply(color, opacity),
+                                       clampOpacity(opacity));
+    return addEffect(GXE_STYLE_INNER_SHADOW, &record);
+}
+
+int GxEffect::addOuterGlowText(float size, uint32_t color, float opacity, int stopCount,
+                               const GxGradient* stops) {
+    const Stops copy(stopCount, stops, opacity);
+    if (copy.failed()) return -1;
+    const GxOuterGlowProperty record(clampPercent(size), withAlpha(color, opacity),
+                                     clampOpacity(opacity), copy.count(), copy.get());
+    return addEffect(GXE_STYLE_OUTER_GLOW, &record);
+}
+
+int GxEffect::addInnerGlowText(float size, uint32_t color, float opacity, int stopCount,
+                               const GxGradient* stops) {
+    const Stops copy(stopCount, stops, opacity);
+    if (copy.failed()) return -1;
+    const GxInnerGlowProperty record(clampPercent(size), withAlpha(color, opacity),
+                                     clampOpacity(opacity), copy.count(), copy.get());
+    return addEffect(GXE_STYLE_INNER_GLOW, &record);
+}
+
+int GxEffect::addBevelText(int kind, float size, float depth, int technique, int direction,
+                           int soften, float opacity, float angle, float altitude,
+                           uint32_t highlightColor, float highlightOpacity, uint32_t shadowColor,
+                           float shadowOpacity) {
+    const GxBevelProperty record(
+        kind, size, depth, technique, direction, soften, clampOpacity(opacity),
+        wrapDegrees(angle, 360), wrapDegrees(altitude, 90),
+        withAlpha(highlightColor, highlightOpacity), clampOpacity(highlightOpacity),
+        withAlpha(shadowColor, shadowOpacity), clampOpacity(shadowOpacity));
+    return addEffect(GXE_STYLE_BEVEL, &record);
+}
+
+int GxEffect::addEmbossText(int kind, float size, float depth, int technique, int direction,
+                            int soften, float opacity, float angle, float altitude,
+                            uint32_t highlightColor, float highlightOpacity, uint32_t shadowColor,
+                            float shadowOpacity) {
+    const GxEmbossProperty record(
+        kind, size, depth, technique, direction, soften, clampOpacity(opacity),
+        wrapDegrees(angle, 360), wrapDegrees(altitude, 90),
+        withAlpha(highlightColor, highlightOpacity), clampOpacity(highlightOpacity),
+        withAlpha(shadowColor, shadowOpacity), clampOpacity(shadowOpacity));
+    return addEffect(GXE_STYLE_EMBOSS, &record);
+}
+
+int GxEffect::addLinearGradientText(float angle, float scale, float opacity, int stopCount,
+                                    const GxGradient* stops) {
+    const Stops copy(stopCount, stops, opacity);
+    if (copy.failed()) return -1;
+    const GxLinearGradientProperty record(wrapDegrees(angle, 360), scale, clampOpacity(opacity),
+                                          copy.count(), copy.get());
+    return addEffect(GXE_STYLE_LINEAR_GRADIENT, &record);
+}
+
+int GxEffect::addRadialGradientText(float scale, float opacity, int stopCount,
+                                    const GxGradient* stops) {
+    const Stops copy(stopCount, stops, opacity);
+    if (copy.failed()) return -1;
+    const GxRadialGradientProperty record(0.0f, scale, clampOpacity(opacity), copy.count(),
+                                          copy.get());
+    return addEffect(GXE_STYLE_RADIAL_GRADIENT, &record);
+}
+
+int GxEffect::addStrokeText(float size, uint32_t color, float opacity, int cap, int position) {
+    const GxStrokeProperty record(clampPercent(size), premultiply(color, opacity),
+                                  clampOpacity(opacity), cap, position);
+    return addEffect(GXE_STYLE_STROKE, &record);
+}
+
+int GxEffect::addPatternText(GxBitmap* pattern, float scale, float opacity) {
+    if (!pattern) return -1;
+    const GxPatternProperty record(pattern, scale, clampOpacity(opacity));
+    return addEffect(GXE_STYLE_PATTERN, &record);
+}
+
+int GxEffect::addText(uint32_t color, float opacity) {
+    __android_log_print(ANDROID_LOG_DEBUG, kTag, "AddText(%p) - (color:%d/opacity:%f)", this,
+                        static_cast<int>(color), static_cast<double>(opacity));
+    textAlpha = static_cast<int32_t>(color >> 24);
+    const GxTextProperty record(premultiply(color, opacity), clampOpacity(opacity));
+    return addEffect(GXE_STYLE_TEXT, &record);
+}
+
+int GxEffect::addText(uint32_t color) {
+    __android_log_print(ANDROID_LOG_DEBUG, kTag, "AddText(%p) - (color:%x)", this, color);
+    textAlpha = static_cast<int32_t>(color >> 24);
+    const GxTextProperty record(color | 0xFF000000u, 1.0f);
+    return addEffect(GXE_STYLE_TEXT, &record);
+}
+
+// --- margins and key
+// ----------------------------------------------------------------------------------------
+
+int GxEffect::margin(int (GxECoreBase::*offset)()) const {
+    int widest = 0;
+    for (const auto& core : effects)
+        widest = std::max(widest, (core.get()->*offset)());
+    return widest;
+}
+
+int GxEffect::getLeftOffset() const {
+    return margin(&GxECoreBase::getLeftOffset);
+}
+int GxEffect::getRightOffset() const {
+    return margin(&GxECoreBase::getRightOffset);
+}
+int GxEffect::getTopOffset() const {
+    return margin(&GxECoreBase::getTopOffset);
+}
+int GxEffect::getBottomOffset() const {
+    return margin(&GxECoreBase::getBottomOffset);
+}
+
+char* GxEffect::getMapKey() {
+    size_t length = 0;
+    for (const auto& core : effects) {
+        if (const GxProperty* property = core->getProperty()) {
+            length += static_cast<size_t>(property->getSequentialCharLength());
+        }
+    }
+    // Zero-filled: glows and gradients write less than they reserve.
+    char* key = new (std::nothrow) char[length + 1]();
+    char* cursor = key;
+    for (const auto& core : effects) {
+        if (const GxProperty* property = core->getProperty()) property->toSequentialChar(&cursor);
+    }
+    return key;
+}
+
+char* GxEffect::getMapKey(uint32_t color) {
+    textColor = color;
+    addText(color, textOpacity);
+    return getMapKey();
+}
+
+// --- render
+// -------------------------------------------------------------------------------------------------
+
+void GxEffect::initEffect(uint32_t width, uint32_t height) {
+    __android_log_print(ANDROID_LOG_DEBUG, kTag, "InitEffect(%p)", this);
+    textRect = GxRect();
+    textRectEmpty = true;
+    releaseBitmap();
+    layers.clear();
+    try {
+        layers.reserve(effects.size());
+    } catch (const std::bad_alloc&) {
+        return;
+    }
+    for (const auto& core : effects)
+        layers.push_back(core.get());
+
+    mode = needsTwoLayers() ? GXE_MODE_TWO_LAYERS : GXE_MODE_SINGLE_LAYER;
+    ownSrcBitmap = newBitmap(width, height, 1);
+    srcBitmap = ownSrcBitmap.get();
+    if (mode == GXE_MODE_TWO_LAYERS) {
+        backBitmap = newBitmap(width, height, 4);
+        orderTwoLayers();
+    } else {
+        orderSingleLayer();
+    }
+
+    GxECore::ParamInit param{width, height, mode};
+    for (GxECoreBase* core : layers)
+        core->initEffect(&param);
+}
+
+bool GxEffect::needsTwoLayers() const {
+    if (textOpacity < 1.0f) return true;
+    return std::any_of(layers.begin(), layers.end(), [](GxECoreBase* core) {
+        const int style = core->getStyle();
+        return style == GXE_STYLE_EMBOSS ||
+               (isStroke(style) && strokePosition(core) == GxStrokeProperty::kCenter);
+    });
+}
+
+bool GxEffect::isUnderEffect(GxECoreBase* core) const {
+    const int style = core->getStyle();
+    switch (style) {
+        case GXE_STYLE_BASE:
+        case GXE_STYLE_OUTER_SHADOW:
+        case GXE_STYLE_OUTER_GLOW:
+            return true;
+        case GXE_STYLE_EMBOSS:
+            return mode != GXE_MODE_TWO_LAYERS;
+        case GXE_STYLE_STROKE:
+        case GXE_STYLE_UNUSED_STROKE: {
+            const int position = strokePosition(core);
+            return position == GxStrokeProperty::kOutside ||
+                   (position == GxStrokeProperty::kCenter && mode != GXE_MODE_TWO_LAYERS);
+        }
+        case GXE_STYLE_BEVEL:
+            return !isInsideBevel(core);
+        default:
+            return false;
+    }
+}
+
+// From the top of the stacking: effects over the text, the text, effects beneath it, newest first
+// in each group.
+void GxEffect::orderSingleLayer() {
+    const auto rank = [this](GxECoreBase* core) {
+        if (isUnderEffect(core)) return 2;
+        return core->getStyle() == GXE_STYLE_TEXT ? 1 : 0;
+    };
+    std::reverse(layers.begin(), layers.end());
+    // At most four ranks apart and a handful of cores: an insertion sort keeps the order and needs
+    // no memory.
+    for (size_t i = 1; i < layers.size(); ++i) {
+        for (size_t j = i; j > 0 && rank(layers[j - 1]) > rank(layers[j]); --j) {
+            std::swap(layers[j - 1], layers[j]);
+        }
+    }
+}
+
+// Newest first, the text fill last.
+void GxEffect::orderTwoLayers() {
+    std::reverse(layers.begin(), layers.end());
+    const auto text = std::find_if(layers.begin(), layers.end(), [](GxECoreBase* core) {
+        return core->getStyle() == GXE_STYLE_TEXT;
+    });
+    if (text != layers.end()) std::rotate(text, text + 1, layers.end());
+}
+
+void GxEffect::renderEffectLayer(int x, int y, const GxGlyph* glyph) {
+    if (glyph && srcBitmap) {
+        const GxRect box(x, y, saturate(int64_t{x} + glyph->width),
+                         saturate(int64_t{y} + glyph->height));
+        if (textRectEmpty) {
+            textRect = box;
+            textRectEmpty = false;
+        } else {
+            textRect.left = std::min(textRect.left, box.left);
+            textRect.top = std::min(textRect.top, box.top);
+            textRect.right = std::max(textRect.right, box.right);
+            textRect.bottom = std::max(textRect.bottom, box.bottom);
+        }
+        GxBlender().drawBitmap(x, y, srcBitmap, glyph->pixels, glyph->width, glyph->height,
+                               0xFF000000u);
+    }
+    GxECore::ParamRender param{x, y, glyph, dstBitmap};
+    for (GxECoreBase* core : layers)
+        core->render(&param);
+}
+
+void GxEffect::clampTextRect() {
+    const int32_t width = saturate(srcBitmap->width);
+    const int32_t height = saturate(srcBitmap->height);
+    textRect.left = std::clamp(textRect.left, 0, width);
+    textRect.top = std::clamp(textRect.top, 0, height);
+    textRect.right = std::clamp(textRect.right, 0, width);
+    textRect.bottom = std::clamp(textRect.bottom, 0, height);
+}
+
+void GxEffect::chooseLayers(GxECoreBase* core, GxECore::ParamPostProcessing& param) const {
+    param.dst = dstBitmap;
+    param.other = nullptr;
+    if (mode != GXE_MODE_TWO_LAYERS) return;
+
+    GxBitmap* back = backBitmap.get();
+    switch (core->getStyle()) {
+        case GXE_STYLE_BASE:
+        case GXE_STYLE_OUTER_SHADOW:
+        case GXE_STYLE_OUTER_GLOW:
+            param.dst = back;
+            break;
+        case GXE_STYLE_BEVEL:
+            if (!isInsideBevel(core)) param.dst = back;
+            break;
+        case GXE_STYLE_EMBOSS:
+            param.dst = back;
+            param.other = dstBitmap;
+            break;
+        case GXE_STYLE_STROKE:
+        case GXE_STYLE_UNUSED_STROKE: {
+            const int position = strokePosition(core);
+            if (position != GxStrokeProperty::kInside) param.dst = back;
+            if (position == GxStrokeProperty::kCenter) param.other = dstBitmap;
+            break;
+        }
+        default:
+            break;
+    }
+}
+
+void GxEffect::clearUncovered() const {
+    if (!isMask(srcBitmap) || !isLayer(dstBitmap)) return;
+    kernels::Rgba* pixels = pixelsOf(dstBitmap);
+    const uint64_t count = std::min(srcBitmap->pixelCount(), dstBitmap->pixelCount());
+    for (uint64_t i = 0; i < count; ++i) {
+        if (srcBitmap->data[i] == 0) pixels[i] = {};
+    }
+}
+
+void GxEffect::doEffectPostProcessing() {
+    __android_log_print(ANDROID_LOG_DEBUG, kTag, "DoEffectPostProcessing(%p) - start", this);
+    if (isMask(srcBitmap) && !textRectEmpty) {
+        clampTextRect();
+        if (!textRect.isEmpty()) {
+            GxECore::ParamPostProcessing param;
+            param.src = srcBitmap;
+            param.textRect = &textRect;
+            param.mode = mode;
+            bool confine = false;  // something over the text has painted, and the text has not
+            for (GxECoreBase* core : layers) {
+                const bool over = mode != GXE_MODE_TWO_LAYERS && !isUnderEffect(core) &&
+                                  core->getStyle() != GXE_STYLE_TEXT;
+                if (confine && !over) {
+                    clearUncovered();
+                    confine = false;
+                }
+                chooseLayers(core, param);
+                core->doPostProcessing(&param);
+                if (over) confine = confineInside;
+            }
+            if (confine) clearUncovered();
+        }
+    }
+    textRectEmpty = true;
+    __android_log_print(ANDROID_LOG_DEBUG, kTag, "DoEffectPostProcessing(%p) - end", this);
+}
+
+void GxEffect::compositeLayers(GxBitmap* output) {
+    __android_log_print(ANDROID_LOG_DEBUG, kTag, "CompositeLayers(%p) - start", this);
+    if (isLayer(output)) {
+        kernels::Rgba* pixels = pixelsOf(output);
+        const uint64_t count = output->pixelCount();
+        if (mode == GXE_MODE_TWO_LAYERS && isMask(srcBitmap) && isLayer(backBitmap.get())) {
+            const kernels::Rgba* back = pixelsOf(backBitmap.get());
+            const uint64_t shared =
+                std::min({count, srcBitmap->pixelCount(), backBitmap->pixelCount()});
+            for (uint64_t i = 0; i < shared; ++i) {
+                pixels[i] = kernels::mixLayers(back[i], pixels[i], srcBitmap->data[i]);
+            }
+        }
+        const uint32_t alpha = textAlpha < 0 ? 255u : static_cast<uint32_t>(textAlpha);
+        for (uint64_t i = 0; i < count; ++i) {
+            pixels[i] = kernels::fadeAndUnpremultiply(pixels[i], alpha);
+        }
+    }
+    releaseBitmap();
+    mode = GXE_MODE_SINGLE_LAYER;
+    __android_log_print(ANDROID_LOG_DEBUG, kTag, "CompositeLayers(%p) - end", this);
+}
+
+}  // namespace GxFontEffect
