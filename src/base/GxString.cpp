@@ -7,6 +7,7 @@
 #include <cstring>
 #include <cwchar>
 #include <new>
+#include <type_traits>
 #include <utility>
 
 #include "base/NativeError.h"
@@ -167,9 +168,10 @@ template <typename Char>
 bool Replace(const ImplPointer& impl, const Char* text, WideBuffer (*convert)(const Char*)) {
     if (!impl) return Fail(GXE_ERROR_NOT_CONSTRUCTED, kSiteSetUnconstructed);
     // Converted before the old text goes: the source may be a part of it.
-    WideBuffer copy = text ? convert(text) : nullptr;
+    WideBuffer copy;
+    if (text) copy = convert(text);
     if (text && !copy) return Fail(GXE_ERROR_INVALID_ARGUMENT, kSiteSetMemory);
-    impl->buffer = std::move(copy);
+    impl->buffer.swap(copy);
     return true;
 }
 
@@ -185,6 +187,10 @@ WideBuffer CopyPadded(const wchar_t* text, int length) {
     WideBuffer copy = AllocateText(wanted);
     if (copy) std::wmemcpy(copy.get(), text, wcsnlen(text, wanted));
     return copy;
+}
+
+constexpr uint32_t CodePoint(wchar_t c) {
+    return std::make_unsigned_t<wchar_t>(c);
 }
 
 int Utf8Units(uint32_t c) {
@@ -204,7 +210,7 @@ bool TakesTwoUtf16Units(uint32_t c) {
 int64_t Utf16Units(const wchar_t* text) {
     int64_t units = 1;
     for (; *text; text++)
-        units += TakesTwoUtf16Units(static_cast<uint32_t>(*text)) ? 2 : 1;
+        units += TakesTwoUtf16Units(CodePoint(*text)) ? 2 : 1;
     return units;
 }
 
@@ -427,7 +433,7 @@ int GxString::GetUTF8Size() const {
     if (!impl_) return FailNumber(GXE_ERROR_NOT_CONSTRUCTED, kSiteUtf8SizeUnconstructed);
     int64_t size = 1;
     for (const wchar_t* c = impl_->text(); *c; c++)
-        size += Utf8Units(static_cast<uint32_t>(*c));
+        size += Utf8Units(CodePoint(*c));
     if (size <= INT_MAX) return static_cast<int>(size);
     return FailNumber(GXE_ERROR_INVALID_ARGUMENT, kSiteUtf8SizeLength);
 }
@@ -463,7 +469,7 @@ uint16_t* GxString::GetUTF16() const {
     }
     uint16_t* out = units;
     for (; *text; text++) {
-        const uint32_t c = static_cast<uint32_t>(*text);
+        const uint32_t c = CodePoint(*text);
         if (TakesTwoUtf16Units(c)) {
             *out++ = static_cast<uint16_t>(0xD800 | (((c - 0x10000) >> 10) & 0x3FF));
             *out++ = static_cast<uint16_t>(0xDC00 | (c & 0x3FF));
