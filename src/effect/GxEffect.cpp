@@ -61,8 +61,7 @@ public:
             failed_ = true;
             return;
         }
-        for (int i = 0; i < count_; ++i)
-            stops_[i] = convert(stops[i], clampOpacity(opacity));
+        for (int i = 0; i < count_; ++i) stops_[i] = convert(stops[i], clampOpacity(opacity));
     }
 
     bool failed() const { return failed_; }
@@ -362,8 +361,7 @@ int GxEffect::addText(uint32_t color) {
 
 int GxEffect::margin(int (GxECoreBase::*offset)()) const {
     int widest = 0;
-    for (const auto& core : effects)
-        widest = std::max(widest, (core.get()->*offset)());
+    for (const auto& core : effects) widest = std::max(widest, (core.get()->*offset)());
     return widest;
 }
 
@@ -416,8 +414,7 @@ void GxEffect::initEffect(uint32_t width, uint32_t height) {
     } catch (const std::bad_alloc&) {
         return;
     }
-    for (const auto& core : effects)
-        layers.push_back(core.get());
+    for (const auto& core : effects) layers.push_back(core.get());
 
     mode = needsTwoLayers() ? GXE_MODE_TWO_LAYERS : GXE_MODE_SINGLE_LAYER;
     ownSrcBitmap = newBitmap(width, height, 1);
@@ -430,8 +427,7 @@ void GxEffect::initEffect(uint32_t width, uint32_t height) {
     }
 
     GxECore::ParamInit param{width, height, mode};
-    for (GxECoreBase* core : layers)
-        core->initEffect(&param);
+    for (GxECoreBase* core : layers) core->initEffect(&param);
 }
 
 bool GxEffect::needsTwoLayers() const {
@@ -508,8 +504,7 @@ void GxEffect::renderEffectLayer(int x, int y, const GxGlyph* glyph) {
                                0xFF000000u);
     }
     GxECore::ParamRender param{x, y, glyph, dstBitmap};
-    for (GxECoreBase* core : layers)
-        core->render(&param);
+    for (GxECoreBase* core : layers) core->render(&param);
 }
 
 void GxEffect::clampTextRect() {

@@ -57,8 +57,7 @@ void forEachPixel(int64_t x, int64_t y, const GxBitmap* destination, const Sourc
                   int64_t width, int64_t height, int64_t stride, Pixel pixel) {
     forEachRow<Destination>(x, y, destination, source, width, height, stride,
                             [&](Destination* d, const Source* s, int64_t count) {
-                                for (int64_t i = 0; i < count; ++i)
-                                    d[i] = pixel(d[i], s[i]);
+                                for (int64_t i = 0; i < count; ++i) d[i] = pixel(d[i], s[i]);
                             });
 }
 
@@ -81,8 +80,7 @@ void dstOverBytes(int x, int y, const GxBitmap* destination, const uint8_t* sour
         Rgba* d = pixels + top * destination->width;
         const auto* s =
             reinterpret_cast<const Source*>(source + (top - y) * int64_t{stride}) + (clip.left - x);
-        for (int64_t i = clip.left; i < clip.right; ++i, ++s)
-            d[i] = kernels::dstOver32(d[i], *s);
+        for (int64_t i = clip.left; i < clip.right; ++i, ++s) d[i] = kernels::dstOver32(d[i], *s);
     }
 }
 

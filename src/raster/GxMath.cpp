@@ -19,8 +19,7 @@ constexpr std::array<float, GX_INT_SQRT_TABLE_SIZE> makeSqrtTable() {
     // * i.
     int64_t thousandths = 0;
     for (int i = 0; i < GX_INT_SQRT_TABLE_SIZE; ++i) {
-        while ((2 * thousandths + 1) * (2 * thousandths + 1) <= int64_t{4000000} * i)
-            ++thousandths;
+        while ((2 * thousandths + 1) * (2 * thousandths + 1) <= int64_t{4000000} * i) ++thousandths;
         table[static_cast<size_t>(i)] =
             static_cast<float>(static_cast<double>(thousandths) / 1000.0);
     }

@@ -41,8 +41,7 @@ Pixel modelSrcOver8(Pixel d, int m, Pixel c) {
     if (a == 255) return {c[0], c[1], c[2], 255};
     const int inv = 255 - a;
     Pixel out;
-    for (int i = 0; i < 3; ++i)
-        out[i] = clamp(scale(d[i], inv) + scale(c[i], m));
+    for (int i = 0; i < 3; ++i) out[i] = clamp(scale(d[i], inv) + scale(c[i], m));
     out[3] = clamp(a + scale(d[3], inv));
     return out;
 }
@@ -60,8 +59,7 @@ Pixel modelDstOverNsa8(Pixel d, int m, Pixel c) {
     if (d[3] == 255 || m == 0) return d;
     if (d[3] == 0) return c;
     Pixel out;
-    for (int i = 0; i < 4; ++i)
-        out[i] = clamp(d[i] + scale(c[i], 255 - d[3]));
+    for (int i = 0; i < 4; ++i) out[i] = clamp(d[i] + scale(c[i], 255 - d[3]));
     return out;
 }
 
@@ -69,8 +67,7 @@ Pixel modelOther8(Pixel d, int m, Pixel c) {
     if (m == 0) return d;
     Pixel out;
     if (d[3] == 0) {
-        for (int i = 0; i < 4; ++i)
-            out[i] = scale(c[i], m);
+        for (int i = 0; i < 4; ++i) out[i] = scale(c[i], m);
         return out;
     }
     const int inv = 255 - d[3];
@@ -92,8 +89,7 @@ Pixel modelOther8(Pixel d, int m, Pixel c) {
 Pixel modelSrcOver32(Pixel d, Pixel s) {
     if (s[3] == 255) return s;
     Pixel out;
-    for (int i = 0; i < 4; ++i)
-        out[i] = clamp(scale(d[i], 255 - s[3]) + s[i]);
+    for (int i = 0; i < 4; ++i) out[i] = clamp(scale(d[i], 255 - s[3]) + s[i]);
     return out;
 }
 
@@ -101,8 +97,7 @@ Pixel modelDstOver32(Pixel d, Pixel s) {
     if (d[3] == 255 || s[3] == 0) return d;
     if (d[3] == 0) return s;
     Pixel out;
-    for (int i = 0; i < 4; ++i)
-        out[i] = clamp(d[i] + scale(s[i], 255 - d[3]));
+    for (int i = 0; i < 4; ++i) out[i] = clamp(d[i] + scale(s[i], 255 - d[3]));
     return out;
 }
 
@@ -193,8 +188,7 @@ TEST(GxBlender, HandWorkedMaskPixels) {
     };
     for (const Case& c : cases) {
         GxBitmap layer(1, 1, 4);
-        for (int i = 0; i < 4; ++i)
-            layer.data[i] = static_cast<uint8_t>(c.before[i]);
+        for (int i = 0; i < 4; ++i) layer.data[i] = static_cast<uint8_t>(c.before[i]);
         const auto mask = static_cast<uint8_t>(c.m);
         GxBlender().drawBitmapBlend8(0, 0, &layer, &mask, 1, 1, 1, c.color, c.mode);
         EXPECT_EQ(pixelAt(layer, 0, 0), c.after) << "mode " << c.mode << " mask " << c.m;
@@ -205,15 +199,13 @@ TEST(GxBlender, MaskModesEqualTheirFormulasForEveryAlpha) {
     Random random(11);
     GX_TRACE_SEED(random);
     std::vector<uint8_t> masks(256);
-    for (int m = 0; m < 256; ++m)
-        masks[m] = static_cast<uint8_t>(m);
+    for (int m = 0; m < 256; ++m) masks[m] = static_cast<uint8_t>(m);
     for (const MaskMode& mode : kMaskModes) {
         SCOPED_TRACE(mode.name);
         for (int dA = 0; dA < 256; ++dA) {
             const uint32_t color = uint32_t{random.edgeByte()} << 24 | (random.word() & 0xFFFFFF);
             GxBitmap before = randomLayer(random, 256, 1);
-            for (int m = 0; m < 256; ++m)
-                before.data[m * 4 + 3] = static_cast<uint8_t>(dA);
+            for (int m = 0; m < 256; ++m) before.data[m * 4 + 3] = static_cast<uint8_t>(dA);
             GxBitmap after(before);
             GxBlender().drawBitmapBlend8(0, 0, &after, masks.data(), 256, 1, 256, color, mode.mode);
             for (int m = 0; m < 256; ++m) {

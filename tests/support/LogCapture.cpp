@@ -22,8 +22,7 @@ LogCapture::~LogCapture() {
 
 std::vector<std::string> LogCapture::texts() const {
     std::vector<std::string> result;
-    for (const LogLine& line : lines_)
-        result.push_back(line.text);
+    for (const LogLine& line : lines_) result.push_back(line.text);
     return result;
 }
 

@@ -41,8 +41,7 @@ public:
     }
     std::vector<uint8_t> edgeBytes(size_t count) {
         std::vector<uint8_t> bytes(count);
-        for (uint8_t& b : bytes)
-            b = edgeByte();
+        for (uint8_t& b : bytes) b = edgeByte();
         return bytes;
     }
 

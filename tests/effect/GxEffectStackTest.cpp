@@ -1,0 +1,440 @@
+// Order, layers, margins and record conversions of the stack, with a recording core for every style
+// in place of the real filters: this program brings its own makeEffectCore.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstring>
+#include <functional>
+#include <limits>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "effect/GxCoreFactory.h"
+#include "effect/GxEffect.h"
+#include "effect/filters/GxText.h"
+
+namespace GxFontEffect {
+namespace {
+
+using testing::ElementsAre;
+
+constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
+constexpr float kInfinity = std::numeric_limits<float>::infinity();
+
+struct Call {
+    int style;
+    const GxBitmap* dst;
+    const GxBitmap* other;
+};
+std::vector<Call> calls;                                            // of doPostProcessing
+std::function<void(int, GxBitmap*)> paint = [](int, GxBitmap*) {};  // called by it
+std::array<int, 4> offsets[14];  // left, top, right, bottom per style
+
+// Records calls; copies its record, stops included, as the filters do.
+template <typename Property>
+class RecordingCore : public GxPropertyCore<Property> {
+public:
+    explicit RecordingCore(int style) : GxPropertyCore<Property>(style) {}
+    void doPostProcessing(GxECore::ParamPostProcessing* param) override {
+        calls.push_back({this->style, param->dst, param->other});
+        paint(this->style, param->dst);
+    }
+    int getLeftOffset() override { return offsets[this->style][0]; }
+    int getTopOffset() override { return offsets[this->style][1]; }
+    int getRightOffset() override { return offsets[this->style][2]; }
+    int getBottomOffset() override { return offsets[this->style][3]; }
+};
+
+template <typename Property>
+class RecordingStopsCore : public RecordingCore<Property> {
+public:
+    using RecordingCore<Property>::RecordingCore;
+    void setProperty(const GxProperty* source) override {
+        RecordingCore<Property>::setProperty(source);
+        if (!this->property || !source || this->property->stopCount == 0) return;
+        stops.assign(this->property->stops, this->property->stops + this->property->stopCount);
+        this->property->stops = stops.data();
+    }
+    std::vector<GxGradient> stops;
+};
+
+}  // namespace
+
+GxECoreBase* makeEffectCore(int style) {
+    switch (style) {
+        case 1:
+            return new RecordingCore<GxOuterShadowProperty>(1);
+        case 2:
+            return new RecordingCore<GxInnerShadowProperty>(2);
+        case 3:
+            return new RecordingStopsCore<GxOuterGlowProperty>(3);
+        case 4:
+            return new RecordingStopsCore<GxInnerGlowProperty>(4);
+        case 5:
+            return new RecordingCore<GxBevelProperty>(5);
+        case 6:
+            return new RecordingCore<GxEmbossProperty>(6);
+        case 7:
+            return new RecordingStopsCore<GxLinearGradientProperty>(7);
+        case 8:
+            return new RecordingStopsCore<GxRadialGradientProperty>(8);
+        case 10:
+            return new RecordingCore<GxStrokeProperty>(10);
+        case 11:
+            return new RecordingCore<GxPatternProperty>(11);
+        case 12:
+            return new RecordingCore<GxTextProperty>(12);
+        default:
+            return nullptr;
+    }
+}
+
+namespace {
+
+class GxEffectStack : public testing::Test {
+protected:
+    void SetUp() override {
+        calls.clear();
+        paint = [](int, GxBitmap*) {};
+        for (auto& side : offsets) side = {0, 0, 0, 0};
+    }
+
+    void add(int style, int detail = 1) {
+        switch (style) {
+            case 1:
+                stack.addOuterShadowText(0, 1, 2, 0, 1);
+                break;
+            case 2:
+                stack.addInnerShadowText(0, 1, 2, 0, 1);
+                break;
+            case 3:
+                stack.addOuterGlowText(1, 0, 1, 0, nullptr);
+                break;
+            case 4:
+                stack.addInnerGlowText(1, 0, 1, 0, nullptr);
+                break;
+            case 5:
+                stack.addBevelText(detail, 1, 1, 0, 0, 0, 1, 0, 0, 0, 1, 0, 1);
+                break;
+            case 6:
+                stack.addEmbossText(1, 1, 1, 0, 0, 0, 1, 0, 0, 0, 1, 0, 1);
+                break;
+            case 7:
+                stack.addLinearGradientText(0, 1, 1, 0, nullptr);
+                break;
+            case 8:
+                stack.addRadialGradientText(1, 1, 0, nullptr);
+                break;
+            case 10:
+                stack.addStrokeText(1, 0, 1, 0, detail);
+                break;
+            case 11:
+                stack.addPatternText(&pattern, 1, 1);
+                break;
+            case 12:
+                stack.addText(0xFF000000);
+                break;
+            default:
+                FAIL();
+        }
+    }
+
+    std::vector<int> layerStyles() const {
+        std::vector<int> styles;
+        for (GxECoreBase* core : stack.getLayers()) styles.push_back(core->getStyle());
+        return styles;
+    }
+
+    // A whole render of one covered pixel at (1, 1) of 4 x 4.
+    void render() {
+        stack.initEffect(4, 4);
+        stack.setDstBitmap(&output);
+        uint8_t coverage = 255;
+        GxGlyph glyph;
+        glyph.pixels = &coverage;
+        glyph.width = glyph.height = 1;
+        stack.renderEffectLayer(1, 1, &glyph);
+        stack.doEffectPostProcessing();
+    }
+
+    template <typename Property>
+    const Property& record(int style) {
+        return dynamic_cast<const Property&>(*stack.getEffect(style)->getProperty());
+    }
+
+    GxBitmap pattern{2, 2, 4};
+    GxBitmap output{4, 4, 4};
+    GxEffect stack;
+};
+
+// --- order
+// ------------------------------------------------------------------------------------------------------
+
+TEST_F(GxEffectStack, LayerOrders) {
+    struct Added {
+        int style;
+        int detail = 1;  // stroke position, bevel kind
+    };
+    struct Case {
+        std::vector<Added> added;
+        float opacity;
+        uint32_t mode;
+        std::vector<int> layers;
+    };
+    const Case cases[] = {
+        {{{12}, {1}}, 1, 0, {12, 1}},
+        {{{1}, {12}}, 1, 0, {12, 1}},
+        // Over the text newest first, the text, beneath it newest first.
+        {{{2}, {1}, {7}, {12}, {3}, {4}}, 1, 0, {4, 7, 2, 12, 3, 1}},
+        {{{12}, {10, 1}, {1}}, 1, 0, {12, 1, 10}},  // outside stroke: beneath
+        {{{12}, {10, 2}, {1}}, 1, 0, {10, 12, 1}},  // inside stroke: over
+        {{{12}, {10, 9}, {1}}, 1, 0, {10, 12, 1}},  // unknown position: over
+        {{{12}, {5, 1}, {8}}, 1, 0, {8, 5, 12}},    // inside bevel: over
+        {{{12}, {5, 0}, {11}}, 1, 0, {11, 12, 5}},  // other bevels: beneath
+        // Two layers: newest first, the text last.
+        {{{12}, {1}, {2}}, 0.5f, 1, {2, 1, 12}},
+        {{{1}, {12}, {2}, {3}}, 0.0f, 1, {3, 2, 1, 12}},
+        {{{12}, {10, 0}, {1}}, 1, 1, {1, 10, 12}},  // a centred stroke asks for them
+        {{{6}, {12}, {1}}, 1, 1, {1, 6, 12}},       // and so does an emboss
+        {{{1}, {2}}, 0.5f, 1, {2, 1}},
+        {{}, 1, 0, {}},
+    };
+    for (const Case& c : cases) {
+        stack.cleanAllEffect();
+        for (const Added& added : c.added) add(added.style, added.detail);
+        stack.setTextOpacity(c.opacity);
+        stack.initEffect(4, 4);
+        EXPECT_EQ(stack.getMode(), c.mode);
+        EXPECT_EQ(layerStyles(), c.layers) << testing::PrintToString(c.layers);
+    }
+}
+
+TEST_F(GxEffectStack, TargetsInSingleLayerMode) {
+    for (int style : {1, 2, 3, 4, 5, 7, 8, 10, 11, 12}) add(style);
+    render();
+    ASSERT_EQ(calls.size(), 10u);
+    for (const Call& call : calls) {
+        EXPECT_EQ(call.dst, &output) << call.style;
+        EXPECT_EQ(call.other, nullptr) << call.style;
+    }
+}
+
+TEST_F(GxEffectStack, TargetsInTwoLayerMode) {
+    struct Case {
+        int style, detail;
+        bool back, other;
+    };
+    const Case cases[] = {
+        {1, 1, true, false},   {2, 1, false, false},  {3, 1, true, false},   {4, 1, false, false},
+        {5, 0, true, false},   {5, 1, false, false},  {5, 2, true, false},   {6, 1, true, true},
+        {7, 1, false, false},  {8, 1, false, false},  {10, 0, true, true},   {10, 1, true, false},
+        {10, 2, false, false}, {10, 77, true, false}, {11, 1, false, false}, {12, 1, false, false},
+    };
+    for (const Case& c : cases) {
+        stack.cleanAllEffect();
+        calls.clear();
+        add(c.style, c.detail);
+        stack.setTextOpacity(0.5f);
+        render();
+        ASSERT_EQ(calls.size(), 1u);
+        EXPECT_EQ(calls[0].dst != &output, c.back) << c.style << " " << c.detail;
+        EXPECT_NE(calls[0].dst, nullptr);
+        EXPECT_EQ(calls[0].other, c.other ? &output : nullptr) << c.style << " " << c.detail;
+        stack.compositeLayers(&output);
+        EXPECT_EQ(stack.getMode(), 0u);
+        EXPECT_EQ(stack.getSrcBitmap(), nullptr);
+    }
+}
+
+TEST_F(GxEffectStack, OutsideTheTextTheBackLayerShows) {
+    add(1);
+    add(12);
+    stack.setTextOpacity(0.5f);
+    paint = [](int style, GxBitmap* dst) {
+        for (int i = 0; i < 16; ++i) {
+            const uint8_t shadow[4] = {0, 0, 200, 255}, fill[4] = {100, 0, 0, 255};
+            std::memcpy(dst->data + i * 4, style == 1 ? shadow : fill, 4);
+        }
+    };
+    render();
+    stack.compositeLayers(&output);
+    const auto pixel = [&](int i) {
+        return std::array<int, 4>{output.data[i * 4], output.data[i * 4 + 1],
+                                  output.data[i * 4 + 2], output.data[i * 4 + 3]};
+    };
+    EXPECT_EQ(pixel(5), (std::array<int, 4>{100, 0, 0, 255}));
+    EXPECT_EQ(pixel(0), (std::array<int, 4>{0, 0, 200, 255}));
+}
+
+// --- keeping inside effects inside
+// --------------------------------------------------------------------------------
+
+TEST_F(GxEffectStack, ConfinementClearsWhatLiesOutsideTheGlyphsBeforeTheFill) {
+    paint = [](int style, GxBitmap* dst) { std::memset(dst->data, style, size_t{16} * 4); };
+    const auto paintedOutside = [&] { return static_cast<int>(output.data[0]); };
+    for (int style : {2, 4, 7, 8, 11}) {
+        stack.cleanAllEffect();
+        add(style);
+        stack.setConfineInside(false);
+        render();
+        EXPECT_EQ(paintedOutside(), style);
+        stack.setConfineInside(true);
+        render();
+        EXPECT_EQ(paintedOutside(), 0) << style;
+        EXPECT_EQ(output.data[5 * 4], style) << "covered pixels stay";
+    }
+    // The pass comes before the text and what lies beneath it.
+    stack.cleanAllEffect();
+    add(2);
+    add(12);
+    std::vector<std::pair<int, int>> seen;  // style, first byte before it paints
+    paint = [&](int style, GxBitmap* dst) {
+        seen.emplace_back(style, dst->data[0]);
+        std::memset(dst->data, style, size_t{16} * 4);
+    };
+    std::memset(output.data, 0, 64);
+    render();
+    EXPECT_THAT(seen, ElementsAre(std::pair(2, 0), std::pair(12, 0)));
+    EXPECT_EQ(paintedOutside(), 12);
+    // Never in two-layer mode: the mix does it.
+    stack.setTextOpacity(0.5f);
+    seen.clear();
+    render();
+    EXPECT_EQ(seen.back(), (std::pair(12, 2)));
+}
+
+// --- margins and key
+// ----------------------------------------------------------------------------------------------
+
+TEST_F(GxEffectStack, TheWidestEffectDecidesEachMargin) {
+    add(1);
+    add(3);
+    add(12);
+    offsets[1] = {-5, 9, 3, 0};
+    offsets[3] = {4, 4, 4, -1};
+    EXPECT_EQ(stack.getLeftOffset(), 4);
+    EXPECT_EQ(stack.getTopOffset(), 9);
+    EXPECT_EQ(stack.getRightOffset(), 4);
+    EXPECT_EQ(stack.getBottomOffset(), 0);
+}
+
+TEST_F(GxEffectStack, KeyConcatenatesInOrderOfAddition) {
+    const GxGradient stop{0xFF000000, 1, 0.5f};
+    stack.addStrokeText(2, 0xFFFFFFFF, 1, 0, 1);
+    stack.addOuterGlowText(3, 0xFFFFFFFF, 1, 1, &stop);
+    stack.addText(0xFF000000);
+    const std::unique_ptr<char[]> key(stack.getMapKey());
+    EXPECT_STREQ(key.get(),
+                 "K\x82\x8F\x8F\x8F\x8F\x8F\x8F\x8F\x8F\x80\x81"
+                 "G\x83\x8F\x8F\x8F\x8F\x8F\x8F\x8F\x8F\x8F\x8F\x80\x80\x80\x80\x80\x80\xB2"
+                 "T\x8F\x8F\x80\x80\x80\x80\x80\x80");
+}
+
+// --- conversions of the add operations
+// ------------------------------------------------------------------------------
+
+TEST_F(GxEffectStack, AnglesAndPercentages) {
+    struct Case {
+        float angle, wrapped, size, clamped;
+    };
+    const Case cases[] = {{-30, 330, 5.9f, 5},
+                          {725.9f, 5, -3, 0},
+                          {-0.9f, 0, 100.5f, 100},
+                          {360, 0, 1e30f, 100},
+                          {kNaN, 0, kNaN, 0},
+                          {-359.5f, 1, 0.99f, 0},
+                          {kInfinity, static_cast<float>(INT32_MAX % 360), kInfinity, 100}};
+    for (const Case& c : cases) {
+        stack.addOuterShadowText(c.angle, c.size, c.size, 0, 1);
+        stack.addInnerShadowText(c.angle, c.size, c.size, 0, 1);
+        stack.addStrokeText(c.size, 0, 1, 7, -8);
+        const auto& outer = record<GxOuterShadowProperty>(1);
+        EXPECT_EQ(outer.angle, c.wrapped) << c.angle;
+        EXPECT_EQ(outer.distance, c.clamped) << c.size;
+        EXPECT_EQ(outer.size, c.clamped) << c.size;
+        EXPECT_EQ(record<GxInnerShadowProperty>(2).angle, c.wrapped);
+        EXPECT_EQ(record<GxStrokeProperty>(10).size, c.clamped);
+    }
+    EXPECT_EQ(record<GxStrokeProperty>(10).cap, 7);
+    EXPECT_EQ(record<GxStrokeProperty>(10).position, -8);
+}
+
+TEST_F(GxEffectStack, ColoursTakeTheOpacity) {
+    // Premultiplied: shadows and stroke. Opacity 0.2: a = trunc(51.5) = 51; 0xFF: 51 x 256 >> 8 =
+    // 51; 0x80: 51 x 129 >> 8 = 25.
+    stack.addOuterShadowText(0, 0, 0, 0x00FF8000, 0.2f);
+    stack.addStrokeText(0, 0x77FF8000, 0.2f, 0, 0);
+    EXPECT_EQ(record<GxOuterShadowProperty>(1).color, 0x33331900u);
+    EXPECT_EQ(record<GxStrokeProperty>(10).color, 0x33331900u);
+    // As alpha: glows and bevels.
+    stack.addOuterGlowText(0, 0x00FF8000, 0.2f, 0, nullptr);
+    EXPECT_EQ(record<GxOuterGlowProperty>(3).color, 0x33FF8000u);
+    stack.addBevelText(1, 2, 99, 3, 4, 99, 1, -30, -30, 0x00FF8000, 0.2f, 0xFF123456, kNaN);
+    const auto& bevel = record<GxBevelProperty>(5);
+    EXPECT_EQ(bevel.highlightColor, 0x33FF8000u);
+    EXPECT_EQ(bevel.shadowColor, 0x00123456u);
+    EXPECT_EQ(bevel.angle, 330.0f);
+    EXPECT_EQ(bevel.altitude, 60.0f);
+    EXPECT_EQ(bevel.soften, 16);
+    EXPECT_EQ(bevel.depth, 10.0f);
+    stack.addOuterShadowText(0, 0, 0, 0xFFFFFFFF, 7.0f);
+    EXPECT_EQ(record<GxOuterShadowProperty>(1).color, 0xFFFFFFFFu);
+    EXPECT_EQ(record<GxOuterShadowProperty>(1).opacity, 1.0f);
+}
+
+TEST_F(GxEffectStack, StopsFoldTheOpacityIn) {
+    const GxGradient stops[] = {{0x12345678, 0.5f, 0.999f},
+                                {0xFFFFFFFF, 3.0f, -0.5f},
+                                {0xFFFFFFFF, -1.0f, kInfinity},
+                                {0xFF000000, kNaN, kNaN}};
+    stack.addLinearGradientText(0, 1, 0.5f, 4, stops);
+    const auto& gradient = record<GxLinearGradientProperty>(7);
+    ASSERT_EQ(gradient.stopCount, 4);
+    // 0.5 x 0.5 x 255 + 0.5 = 64.25.
+    EXPECT_EQ(gradient.stops[0].color, 0x40345678u);
+    EXPECT_EQ(gradient.stops[0].opacity, 0.5f);
+    EXPECT_EQ(gradient.stops[0].position, 0.99f) << "two decimals, truncated";
+    // The stop's opacity counts as given: 3 x 0.5 is clamped to 1.
+    EXPECT_EQ(gradient.stops[1].color, 0xFFFFFFFFu);
+    EXPECT_EQ(gradient.stops[1].opacity, 1.0f);
+    EXPECT_EQ(gradient.stops[1].position, 0.0f);
+    EXPECT_EQ(gradient.stops[2].color, 0x00FFFFFFu);
+    EXPECT_EQ(gradient.stops[2].position, 1.0f);
+    EXPECT_EQ(gradient.stops[3].color, 0u);
+    EXPECT_EQ(gradient.stops[3].position, 0.0f);
+    EXPECT_EQ(record<GxLinearGradientProperty>(7).scale, 1.0f);
+    stack.addRadialGradientText(9, 1, -4, stops);
+    EXPECT_EQ(record<GxRadialGradientProperty>(8).stopCount, 0);
+    EXPECT_EQ(record<GxRadialGradientProperty>(8).scale, 2.0f);
+    EXPECT_EQ(record<GxRadialGradientProperty>(8).angle, 0.0f);
+    const std::vector<GxGradient> many(300);
+    stack.addInnerGlowText(1, 0, 1, 300, many.data());
+    EXPECT_EQ(record<GxInnerGlowProperty>(4).stopCount, 256);
+}
+
+TEST_F(GxEffectStack, MissingStopsAndPatternsAreRefused) {
+    EXPECT_EQ(stack.addOuterGlowText(1, 0, 1, 2, nullptr), -1);
+    EXPECT_EQ(stack.addInnerGlowText(1, 0, 1, 2, nullptr), -1);
+    EXPECT_EQ(stack.addLinearGradientText(0, 1, 1, 2, nullptr), -1);
+    EXPECT_EQ(stack.addRadialGradientText(1, 1, 2, nullptr), -1);
+    EXPECT_EQ(stack.addPatternText(nullptr, 1, 1), -1);
+    EXPECT_FALSE(stack.hasEffects());
+    EXPECT_EQ(stack.addPatternText(&pattern, -1, 9), 0);
+    EXPECT_EQ(record<GxPatternProperty>(11).scale, 0.0f);
+    EXPECT_EQ(record<GxPatternProperty>(11).opacity, 1.0f);
+}
+
+TEST_F(GxEffectStack, RecordsOfAnotherEffectAreIgnored) {
+    const GxTextProperty wrong(0, 1);
+    EXPECT_EQ(stack.addEffect(10, &wrong), -1) << "no stroke without a stroke's record";
+    EXPECT_EQ(stack.addEffect(10, nullptr), 0) << "but one without any";
+    stack.initEffect(4, 4);
+    EXPECT_EQ(stack.getMode(), 0u);
+    const std::unique_ptr<char[]> key(stack.getMapKey());
+    EXPECT_STREQ(key.get(), "");
+}
+
+}  // namespace
+}  // namespace GxFontEffect

@@ -1,0 +1,381 @@
+// The stack with the effects that exist: adding, ids, the text fill end to end, compositing.
+#include "effect/GxEffect.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "effect/filters/GxText.h"
+#include "support/AllocationFailure.h"
+#include "support/LogCapture.h"
+#include "support/Random.h"
+
+namespace GxFontEffect {
+namespace {
+
+using gxtest::LogCapture;
+using Pixel = std::array<int, 4>;  // R, G, B, A
+
+Pixel pixelAt(const GxBitmap& bitmap, int x, int y) {
+    const uint8_t* p = bitmap.data + (size_t{bitmap.width} * y + x) * 4;
+    return {p[0], p[1], p[2], p[3]};
+}
+
+// A mask from a picture: one character per pixel, ' ' 0, '#' 255, digits 0-9 in steps of 28.
+struct Mask {
+    explicit Mask(const std::vector<std::string>& rows) {
+        glyph.width = static_cast<uint16_t>(rows[0].size());
+        glyph.height = static_cast<uint16_t>(rows.size());
+        for (const std::string& row : rows) {
+            for (char c : row) pixels.push_back(c == '#' ? 255 : c == ' ' ? 0 : (c - '0') * 28);
+        }
+        glyph.pixels = pixels.data();
+    }
+    std::vector<uint8_t> pixels;
+    GxGlyph glyph;
+};
+
+// All steps of one render of `mask` at (x, y).
+GxBitmap render(GxEffect& stack, uint32_t width, uint32_t height, int x, int y, const Mask& mask) {
+    GxBitmap output(width, height, 4);
+    stack.initEffect(width, height);
+    stack.setDstBitmap(&output);
+    stack.renderEffectLayer(x, y, &mask.glyph);
+    stack.doEffectPostProcessing();
+    stack.compositeLayers(&output);
+    return output;
+}
+
+std::string keyOf(GxEffect& stack) {
+    const std::unique_ptr<char[]> key(stack.getMapKey());
+    return key.get();
+}
+
+TEST(GxText, FreshCore) {
+    GxText core;
+    EXPECT_EQ(core.getStyle(), 12);
+    EXPECT_EQ(core.getId(), -1);
+    EXPECT_EQ(core.getOpacity(), 1.0f);
+    for (int offset : {core.getOffset(), core.getLeftOffset(), core.getTopOffset(),
+                       core.getRightOffset(), core.getBottomOffset()}) {
+        EXPECT_EQ(offset, 0);
+    }
+    EXPECT_EQ(core.getProperty(), nullptr);
+    EXPECT_TRUE(core.initEffect(nullptr));
+    EXPECT_TRUE(core.render(nullptr));
+}
+
+TEST(GxText, KeepsACopyOfItsRecord) {
+    GxText core;
+    {
+        const GxTextProperty record(0xFF102030, 0.5f);
+        core.setProperty(&record);
+    }
+    core.setProperty(nullptr);
+    const GxStrokeProperty other(1, 2, 3, 4, 0);
+    core.setProperty(&other);
+    ASSERT_NE(core.getProperty(), nullptr);
+    EXPECT_EQ(core.getProperty()->color, 0xFF102030u);
+    EXPECT_EQ(core.getProperty()->opacity, 0.5f);
+}
+
+TEST(GxText, DoesNothingWithoutItsInputs) {
+    GxText core;
+    GxBitmap dst(2, 2, 4), src(2, 2, 1);
+    std::memset(src.data, 255, 4);
+    GxECore::ParamPostProcessing param;
+    param.dst = &dst;
+    param.src = &src;
+    core.doPostProcessing(&param);  // no record
+    const GxTextProperty record(0xFFFFFFFF, 1.0f);
+    core.setProperty(&record);
+    core.doPostProcessing(nullptr);
+    param.dst = nullptr;
+    core.doPostProcessing(&param);
+    param.dst = &dst;
+    param.src = nullptr;
+    core.doPostProcessing(&param);
+    EXPECT_EQ(std::count(dst.data, dst.data + 16, 0), 16);
+}
+
+TEST(GxEffect, StylesWithoutACoreAreRefused) {
+    GxEffect stack;
+    const GxTextProperty record(0, 1);
+    for (int style : {INT32_MIN, -1, 0, 5, 6, 9, 13, 14, INT32_MAX}) {
+        EXPECT_EQ(stack.addEffect(style, &record), -1) << style;
+        EXPECT_EQ(stack.createEffect(3, style), nullptr) << style;
+    }
+    EXPECT_FALSE(stack.hasEffects());
+    EXPECT_EQ(stack.addText(0xFFFFFFFF), 0) << "a refusal uses up no id";
+}
+
+TEST(GxEffect, IdsCountUpAndWrapToZero) {
+    GxEffect stack;
+    EXPECT_EQ(stack.getNewEffectId(), 0);
+    EXPECT_EQ(stack.getNewEffectId(), 1);
+    EXPECT_EQ(stack.addText(0xFF000000), 2);
+    EXPECT_EQ(stack.addText(0xFFFFFFFF), 2) << "a style occurs once";
+    EXPECT_FALSE(stack.removeEffect(7));
+    EXPECT_TRUE(stack.removeEffect(2));
+    EXPECT_EQ(stack.addText(0xFFFFFFFF), 3) << "ids are not reused";
+    stack.cleanAllEffect();
+    EXPECT_EQ(stack.getEffect(12), nullptr);
+    EXPECT_EQ(stack.addText(0xFFFFFFFF), 0);
+    EXPECT_EQ(stack.addEffect(42, 12, nullptr), 0) << "the core that is there keeps its id";
+}
+
+TEST(GxEffect, TextOpacityIsClampedAndCountsAsAnEffect) {
+    GxEffect stack;
+    EXPECT_FALSE(stack.hasEffects());
+    for (const auto& [given, stored] :
+         {std::pair{0.5f, 0.5f}, {-1.0f, 0.0f}, {2.0f, 1.0f}, {std::nanf(""), 0.0f}}) {
+        stack.setTextOpacity(given);
+        EXPECT_EQ(stack.getTextOpacity(), stored);
+        EXPECT_EQ(stack.hasEffects(), stored < 1.0f);
+    }
+    stack.clearTextOpacity();
+    EXPECT_EQ(stack.getTextOpacity(), 1.0f);
+}
+
+TEST(GxEffect, TextColourConversions) {
+    GxEffect stack;
+    stack.addText(0x80336699);
+    EXPECT_EQ(keyOf(stack), "T\x8F\x8F\x83\x83\x86\x86\x89\x89") << "alpha forced to 255";
+    // Opacity 0.5: a = trunc(0.5 x 255 + 0.5) = 128; 0x33: 128 x 52 >> 8 = 26 = 0x1A;
+    // 0x66: 128 x 103 >> 8 = 51 = 0x33; 0x99: 128 x 154 >> 8 = 77 = 0x4D.
+    stack.addText(0x12336699, 0.5f);
+    EXPECT_EQ(keyOf(stack), "T\x88\x80\x81\x8A\x83\x83\x84\x8D");
+    stack.addText(0xFF336699, std::nanf(""));
+    EXPECT_EQ(stack.getEffect(12)->getProperty()->color, 0u);
+}
+
+TEST(GxEffect, KeyWithAColourSetsTheFill) {
+    GxEffect stack;
+    EXPECT_EQ(keyOf(stack), "");
+    const std::unique_ptr<char[]> key(stack.getMapKey(0x00336699));
+    EXPECT_STREQ(key.get(), "T\x8F\x8F\x83\x83\x86\x86\x89\x89");
+}
+
+TEST(GxEffect, CopyHasCoresOfItsOwn) {
+    GxEffect stack;
+    stack.getNewEffectId();
+    stack.addText(0xFF112233);
+    stack.setTextOpacity(0.25f);
+    stack.setConfineInside(true);
+    GxEffect copy(stack);
+    EXPECT_EQ(copy.getEffect(12)->getId(), 1);
+    EXPECT_NE(copy.getEffect(12), stack.getEffect(12));
+    EXPECT_EQ(copy.getTextOpacity(), 0.25f);
+    EXPECT_TRUE(copy.getConfineInside());
+    EXPECT_EQ(copy.getNewEffectId(), 2);
+    stack.addText(0xFFFFFFFF);
+    EXPECT_EQ(keyOf(copy), "T\x8F\x8F\x81\x81\x82\x82\x83\x83");
+}
+
+TEST(GxEffect, ReleasingACoreTakesItOutOfTheStack) {
+    GxEffect stack;
+    stack.addText(0xFFFFFFFF);
+    stack.initEffect(4, 4);
+    ASSERT_EQ(stack.getLayers().size(), 1u);
+    stack.releaseEffect(stack.getEffect(12));
+    EXPECT_TRUE(stack.getLayers().empty());
+    EXPECT_FALSE(stack.hasEffect(12));
+    stack.releaseEffect(nullptr);
+    stack.releaseEffect(stack.createEffect(5, 12));  // one that was never added
+}
+
+// --- renders
+// ----------------------------------------------------------------------------------------------------
+
+TEST(GxEffect, PlainFillIsStraightAlpha) {
+    GxEffect stack;
+    stack.addText(0xFF4080C0);
+    const GxBitmap output = render(stack, 5, 3, 1, 1, Mask({"#9 4"}));
+    EXPECT_EQ(pixelAt(output, 1, 1), (Pixel{0x40, 0x80, 0xC0, 255}));
+    // m = 112: alpha 256 x 112 >> 8 = 112; R: 65 x 112 >> 8 = 28, back to straight 28 x 256 / 112
+    // = 64.
+    EXPECT_EQ(pixelAt(output, 4, 1), (Pixel{64, 128, 192, 112}));
+    for (const auto& [x, y] : {std::pair{0, 0}, {3, 1}, {1, 0}, {1, 2}}) {
+        EXPECT_EQ(pixelAt(output, x, y), (Pixel{0, 0, 0, 0}));
+    }
+}
+
+TEST(GxEffect, TextAlphaFadesTheWholeImage) {
+    GxEffect stack;
+    stack.addText(0x80FFFFFF);
+    const GxBitmap output = render(stack, 2, 1, 0, 0, Mask({"#4"}));
+    // 256 x 128 >> 8 = 128; the straight colour stays white.
+    EXPECT_EQ(pixelAt(output, 0, 0), (Pixel{255, 255, 255, 128}));
+    EXPECT_EQ(pixelAt(output, 1, 0)[3], (113 * 128) >> 8);
+    stack.addText(0x00FFFFFF);
+    EXPECT_EQ(pixelAt(render(stack, 1, 1, 0, 0, Mask({"#"})), 0, 0), (Pixel{0, 0, 0, 0}));
+}
+
+TEST(GxEffect, TwoLayerFillGetsItsEdgeFromTheMix) {
+    GxEffect stack;
+    stack.addText(0xFF4080C0);
+    stack.setTextOpacity(
+        0.5f);  // the caller's addText decides the fill, the mode follows the opacity
+    const GxBitmap output = render(stack, 3, 1, 0, 0, Mask({"#4 "}));
+    EXPECT_EQ(pixelAt(output, 0, 0), (Pixel{0x40, 0x80, 0xC0, 255}));
+    // Layer (40, 80, C0, FF) mixed with weight 112 over nothing: R 65 x 112 >> 8 = 28, A 112.
+    EXPECT_EQ(pixelAt(output, 1, 0), (Pixel{64, 128, 192, 112}));
+    EXPECT_EQ(pixelAt(output, 2, 0), (Pixel{0, 0, 0, 0}));
+}
+
+TEST(GxEffect, GlyphsUniteAndTheRectangleGrows) {
+    GxEffect stack;
+    stack.addText(0xFF000000);
+    stack.initEffect(10, 10);
+    const Mask first({"#9"}), second({"9#"});
+    stack.renderEffectLayer(4, 4, &first.glyph);
+    stack.renderEffectLayer(4, 4, &second.glyph);
+    stack.renderEffectLayer(-3, 7, &first.glyph);
+    EXPECT_EQ(stack.getSrcBitmap()->data[44], 255);
+    EXPECT_EQ(stack.getSrcBitmap()->data[45], 255);
+    const GxRect* box = stack.getTextRect();
+    EXPECT_THAT((std::array{box->left, box->top, box->right, box->bottom}),
+                testing::ElementsAre(-3, 4, 6, 8));
+    stack.doEffectPostProcessing();
+    EXPECT_EQ(box->left, 0) << "clamped to the mask";
+    // The next render starts a fresh rectangle.
+    stack.initEffect(10, 10);
+    stack.renderEffectLayer(8, 8, &first.glyph);
+    EXPECT_EQ(box->left, 8);
+}
+
+TEST(GxEffect, NothingIsPaintedWithoutGlyphsInside) {
+    GxEffect stack;
+    stack.addText(0xFF000000);
+    for (const auto& [x, y] : {std::pair{20, 0}, {-9, 0}, {0, INT32_MIN}, {INT32_MAX, INT32_MAX}}) {
+        const GxBitmap output = render(stack, 8, 4, x, y, Mask({"##"}));
+        EXPECT_EQ(std::count(output.data, output.data + 128, 0), 128) << x;
+    }
+    GxBitmap output(8, 4, 4);
+    stack.initEffect(8, 4);
+    stack.setDstBitmap(&output);
+    stack.renderEffectLayer(0, 0, nullptr);
+    stack.doEffectPostProcessing();
+    stack.compositeLayers(&output);
+    EXPECT_EQ(std::count(output.data, output.data + 128, 0), 128);
+}
+
+TEST(GxEffect, CompositeEqualsItsFormulas) {
+    gxtest::Random random(21);
+    GX_TRACE_SEED(random);
+    for (uint32_t t : {1u, 77u, 128u, 254u, 255u}) {
+        GxEffect stack;
+        stack.addText(t << 24);
+        stack.initEffect(64, 16);
+        GxBitmap output(64, 16, 4);
+        const std::vector<uint8_t> before = random.edgeBytes(64 * 16 * 4);
+        std::memcpy(output.data, before.data(), before.size());
+        stack.compositeLayers(&output);
+        for (size_t i = 0; i < before.size(); i += 4) {
+            const int alpha = ((before[i + 3] + 1) * static_cast<int>(t)) >> 8;
+            EXPECT_EQ(output.data[i + 3], alpha);
+            for (size_t channel = i; channel < i + 3; ++channel) {
+                const int faded = ((before[channel] + 1) * static_cast<int>(t)) >> 8;
+                const int expected = alpha == 0 ? 0 : std::min(255, faded * 256 / alpha);
+                ASSERT_EQ(output.data[channel], expected) << "t " << t << " alpha " << alpha;
+            }
+        }
+    }
+}
+
+TEST(GxEffect, WithoutATextColourAlphaIsFull) {
+    GxEffect stack;
+    GxBitmap output(1, 1, 4);
+    std::memset(output.data, 200, 4);
+    stack.initEffect(1, 1);
+    stack.compositeLayers(&output);
+    EXPECT_EQ(pixelAt(output, 0, 0)[3], 200);
+}
+
+TEST(GxEffect, StepsOutOfOrderDoNothing) {
+    GxEffect stack;
+    stack.addText(0xFFFFFFFF);
+    const Mask mask({"#"});
+    GxBitmap output(3, 3, 4);
+    stack.renderEffectLayer(0, 0, &mask.glyph);
+    stack.doEffectPostProcessing();
+    stack.compositeLayers(nullptr);
+    stack.compositeLayers(&output);
+    stack.initEffect(3, 3);
+    stack.renderEffectLayer(0, 0, &mask.glyph);
+    stack.doEffectPostProcessing();  // no destination
+    stack.compositeLayers(&output);
+    EXPECT_EQ(std::count(output.data, output.data + 36, 0), 36);
+    // A destination smaller and larger than the stack's size.
+    for (uint32_t size : {1u, 2u, 7u}) {
+        GxBitmap other(size, size, 4);
+        stack.setTextOpacity(0.5f);
+        stack.initEffect(3, 3);
+        stack.setDstBitmap(&other);
+        stack.renderEffectLayer(0, 0, &mask.glyph);
+        stack.doEffectPostProcessing();
+        stack.compositeLayers(&other);
+    }
+    stack.initEffect(0xFFFFFFFFu, 0xFFFFFFFFu);
+    stack.renderEffectLayer(0, 0, &mask.glyph);
+    stack.doEffectPostProcessing();
+    stack.compositeLayers(&output);
+    stack.initEffect(0, 0);
+    stack.renderEffectLayer(0, 0, &mask.glyph);
+    stack.doEffectPostProcessing();
+    stack.compositeLayers(&output);
+}
+
+TEST(GxEffect, LogsTheStepsOfARender) {
+    LogCapture log;
+    char self[32];
+    {
+        GxEffect stack;
+        snprintf(self, sizeof(self), "(%p)", static_cast<void*>(&stack));
+        stack.addText(0x80FF00AA);
+        stack.addText(0x00000001, 0.5f);
+        stack.initEffect(1, 1);
+        stack.doEffectPostProcessing();
+        GxBitmap output(1, 1, 4);
+        stack.compositeLayers(&output);
+    }
+    const std::string object = self;
+    EXPECT_THAT(
+        log.texts(),
+        testing::ElementsAre("GxEffect" + object, "AddText" + object + " - (color:80ff00aa)",
+                             "AddText" + object + " - (color:1/opacity:0.500000)",
+                             "InitEffect" + object, "DoEffectPostProcessing" + object + " - start",
+                             "DoEffectPostProcessing" + object + " - end",
+                             "CompositeLayers" + object + " - start",
+                             "CompositeLayers" + object + " - end", "~GxEffect" + object));
+    for (const auto& line : log.lines()) {
+        EXPECT_EQ(line.priority, 3);
+        EXPECT_EQ(line.tag, "GxEffect");
+    }
+    log.clear();
+    { GxEffect silent(&log); }
+    ASSERT_EQ(log.lines().size(), 1u) << "only the end is logged";
+}
+
+TEST(GxEffect, SurvivesEveryFailedAllocation) {
+    const Mask mask({"#4", "4#"});
+    const auto wholeRender = [&] {
+        GxEffect stack;
+        stack.addText(0xFFFFFFFF);
+        stack.setTextOpacity(0.5f);
+        const GxEffect copy(stack);
+        render(stack, 6, 6, 1, 1, mask);
+        const std::unique_ptr<char[]> key(stack.getMapKey());
+    };
+    EXPECT_GT(gxtest::failEachAllocation(wholeRender), 8);
+}
+
+}  // namespace
+}  // namespace GxFontEffect
