@@ -36,9 +36,10 @@ FontFamily::FontFamily(FamilyVariant variant, std::vector<Font>&& fonts)
 FontFamily::FontFamily(uint32_t localeListId, FamilyVariant variant, std::vector<Font>&& fonts,
                        bool isCustomFallback)
     : mLocaleListId(localeListId),
+      mLocales(localeListById(localeListId)),
       mVariant(variant),
       mFonts(std::move(fonts)),
-      mIsColorEmoji(localeListById(localeListId).emojiStyle() == EmojiStyle::EMOJI),
+      mIsColorEmoji(mLocales.emojiStyle() == EmojiStyle::EMOJI),
       mIsCustomFallback(isCustomFallback),
       mCoverageFont(getClosestMatch(FontStyle()).font) {
     static const SparseBitSet nothing;

@@ -44,8 +44,6 @@ public:
 
 private:
     bool parse(std::string_view tag);
-    void addLikelySubtags();
-    bool coversScriptsOf(const Locale& requested) const;
 
     uint32_t mLanguage = 0;  // up to four letters, first one most significant; 0 is invalid
     uint32_t mScript = 0;    // four letters likewise; 0 unknown

@@ -34,21 +34,16 @@ public:
     std::vector<Run> itemize(U16StringPiece text, FontStyle style, uint32_t localeListId,
                              FamilyVariant familyVariant) const;
 
-    // Whether any family has the code point or, with a selector, the sequence.
-    bool hasVariationSelector(uint32_t baseCodepoint, uint32_t variationSelector) const;
-
     const std::vector<std::shared_ptr<FontFamily>>& getFamilies() const { return mFamilies; }
     // Never used again in this process.
     uint32_t getId() const { return mId; }
 
 private:
-    const std::shared_ptr<FontFamily>& getFamilyForChar(uint32_t ch, uint32_t vs,
-                                                        uint32_t localeListId,
-                                                        FamilyVariant variant) const;
-    uint32_t calcFamilyScore(uint32_t ch, uint32_t vs, FamilyVariant variant, uint32_t localeListId,
-                             const FontFamily& family) const;
-    uint32_t calcCoverageScore(uint32_t ch, uint32_t vs, uint32_t localeListId,
-                               const FontFamily& family) const;
+    struct Request;
+    const FontFamily& familyFor(uint32_t codepoint, uint32_t selector,
+                                const Request& request) const;
+    const FontFamily* bestFamily(uint32_t codepoint, uint32_t selector,
+                                 const Request& request) const;
 
     const uint32_t mId;
     std::vector<std::shared_ptr<FontFamily>> mFamilies;

@@ -12,6 +12,8 @@
 
 namespace minikin {
 
+class LocaleList;
+
 // Immutable; safe from any thread. A family without fonts covers nothing and matches nothing.
 class FontFamily {
 public:
@@ -44,7 +46,11 @@ public:
     const SparseBitSet& getCoverage() const { return *mCoverage; }
 
 private:
+    friend class FontCollection;
+    const LocaleList& locales() const { return mLocales; }
+
     const uint32_t mLocaleListId;
+    const LocaleList& mLocales;
     const FamilyVariant mVariant;
     const std::vector<Font> mFonts;
     const bool mIsColorEmoji;

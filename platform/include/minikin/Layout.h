@@ -15,7 +15,7 @@
 
 namespace minikin {
 
-class LayoutPiece;
+struct LayoutPiece;
 
 // Direction of a line. LTR and RTL set the paragraph level, the DEFAULT values only where the text
 // has no strong character of its own; the FORCE values switch the bidi algorithm off.
@@ -74,11 +74,6 @@ public:
     const MinikinRect& getBounds() const { return mBounds; }
 
 private:
-    void appendBidiRuns(const U16StringPiece& text, const Range& range, Bidi bidiFlags,
-                        const MinikinPaint& paint);
-    void appendRun(const U16StringPiece& text, const Range& range, bool isRtl,
-                   const MinikinPaint& paint, const std::vector<uint32_t>& wordBreaks,
-                   uint32_t rangeStart);
     void appendPiece(const LayoutPiece& piece, uint32_t outOffset, float extraAdvance);
 
     std::vector<LayoutGlyph> mGlyphs;

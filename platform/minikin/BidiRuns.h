@@ -1,0 +1,21 @@
+// Runs of one direction, left to right.
+#pragma once
+
+#include <vector>
+
+#include "minikin/Layout.h"
+#include "minikin/Range.h"
+#include "minikin/U16StringPiece.h"
+
+namespace minikin {
+
+struct BidiRun {
+    Range range;
+    bool isRtl;
+};
+
+// Visual runs of the whole text, cut to `range`; empty ones are left out. Without memory for the
+// algorithm the range is one run in the direction asked for.
+std::vector<BidiRun> visualRuns(const U16StringPiece& text, const Range& range, Bidi bidiFlags);
+
+}  // namespace minikin

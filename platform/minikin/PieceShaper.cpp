@@ -1,0 +1,282 @@
+#include "minikin/PieceShaper.h"
+
+#include <hb-ot.h>
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+#include <string_view>
+
+#include "minikin/Unicode.h"
+
+namespace minikin {
+namespace {
+
+// HarfBuzz positions are 24.8 fixed point.
+constexpr float kFixedOne = 256.0f;
+// Beyond this the sums of positions would not fit 32 bits.
+constexpr float kMaxPixels = 1 << 21;
+
+// Letters further apart than this fraction of an em are not drawn as a ligature.
+constexpr float kMaxLigatureSpacing = 0.03f;
+
+float finiteOr0(float value) {
+    return std::isfinite(value) ? value : 0.0f;
+}
+
+hb_position_t toFixed(float pixels) {
+    return static_cast<hb_position_t>(std::clamp(pixels, -kMaxPixels, kMaxPixels) * kFixedOne);
+}
+
+float toPixels(hb_position_t fixed) {
+    return static_cast<float>(fixed) / kFixedOne;
+}
+
+unsigned toPpem(float pixels) {
+    return static_cast<unsigned>(std::clamp(pixels, 0.0f, kMaxPixels));
+}
+
+// HarfBuzz asks through these; `data` is the ScaledFont.
+hb_position_t glyphAdvance(hb_font_t* /*hbFont*/, void* data, hb_codepoint_t glyph,
+                           void* /*user*/) {
+    const auto* font = static_cast<const ScaledFont*>(data);
+    const MinikinFont& face = *font->faked.font->typeface();
+    return toFixed(finiteOr0(face.GetHorizontalAdvance(glyph, *font->paint, font->faked.fakery)));
+}
+
+void glyphAdvances(hb_font_t* /*hbFont*/, void* data, unsigned count, const hb_codepoint_t* glyphs,
+                   unsigned glyphStride, hb_position_t* advances, unsigned advanceStride,
+                   void* /*user*/) {
+    const auto* font = static_cast<const ScaledFont*>(data);
+    const MinikinFont& face = *font->faked.font->typeface();
+    std::vector<uint16_t> ids(count);
+    std::vector<float> widths(count);
+    const auto* glyphBytes = reinterpret_cast<const char*>(glyphs);
+    for (unsigned i = 0; i < count; i++, glyphBytes += glyphStride) {
+        ids[i] = static_cast<uint16_t>(*reinterpret_cast<const hb_codepoint_t*>(glyphBytes));
+    }
+    face.GetHorizontalAdvances(ids.data(), count, *font->paint, font->faked.fakery, widths.data());
+    auto* advanceBytes = reinterpret_cast<char*>(advances);
+    for (unsigned i = 0; i < count; i++, advanceBytes += advanceStride) {
+        *reinterpret_cast<hb_position_t*>(advanceBytes) = toFixed(finiteOr0(widths[i]));
+    }
+}
+
+hb_bool_t zeroOrigin(hb_font_t* /*hbFont*/, void* /*data*/, hb_codepoint_t /*glyph*/,
+                     hb_position_t* x, hb_position_t* y, void* /*user*/) {
+    *x = 0;
+    *y = 0;
+    return true;
+}
+
+hb_font_funcs_t* makeFontFuncs(bool measured) {
+    hb_font_funcs_t* funcs = hb_font_funcs_create();
+    if (measured) {
+        hb_font_funcs_set_glyph_h_advance_func(funcs, glyphAdvance, nullptr, nullptr);
+        hb_font_funcs_set_glyph_h_advances_func(funcs, glyphAdvances, nullptr, nullptr);
+    }
+    hb_font_funcs_set_glyph_h_origin_func(funcs, zeroOrigin, nullptr, nullptr);
+    hb_font_funcs_make_immutable(funcs);
+    return funcs;
+}
+
+// Advances as the glyphs are drawn, hinting included; everything else from the font file.
+hb_font_funcs_t* measuredAdvances() {
+    static hb_font_funcs_t* const funcs = makeFontFuncs(true);
+    return funcs;
+}
+
+// Bitmap strikes come in fixed sizes; the font file's own advances scale to any.
+hb_font_funcs_t* fileAdvances() {
+    static hb_font_funcs_t* const funcs = makeFontFuncs(false);
+    return funcs;
+}
+
+bool hasTable(hb_face_t* face, hb_tag_t tag) {
+    const HbBlobUniquePtr table(hb_face_reference_table(face, tag));
+    return hb_blob_get_length(table.get()) != 0;
+}
+
+std::vector<hb_feature_t> shapingFeatures(const MinikinPaint& paint) {
+    std::vector<hb_feature_t> features;
+    if (std::fabs(paint.letterSpacing) > kMaxLigatureSpacing) {
+        for (const hb_tag_t tag : {HB_TAG('l', 'i', 'g', 'a'), HB_TAG('c', 'l', 'i', 'g')}) {
+            features.push_back({tag, 0, HB_FEATURE_GLOBAL_START, HB_FEATURE_GLOBAL_END});
+        }
+    }
+    std::string_view settings = paint.fontFeatureSettings;
+    while (!settings.empty()) {
+        const size_t length = std::min(settings.find(','), settings.size());
+        hb_feature_t feature;
+        if (hb_feature_from_string(settings.data(), static_cast<int>(length), &feature) &&
+            feature.start == HB_FEATURE_GLOBAL_START && feature.end == HB_FEATURE_GLOBAL_END) {
+            features.push_back(feature);
+        }
+        settings.remove_prefix(std::min(length + 1, settings.size()));
+    }
+    return features;
+}
+
+// Scripts whose letters are joined by a stroke or a head line, which spacing would tear.
+bool allowsLetterSpacing(hb_script_t script) {
+    switch (script) {
+        case HB_SCRIPT_ARABIC:
+        case HB_SCRIPT_NKO:
+        case HB_SCRIPT_PSALTER_PAHLAVI:
+        case HB_SCRIPT_MANDAIC:
+        case HB_SCRIPT_MONGOLIAN:
+        case HB_SCRIPT_PHAGS_PA:
+        case HB_SCRIPT_DEVANAGARI:
+        case HB_SCRIPT_BENGALI:
+        case HB_SCRIPT_GURMUKHI:
+        case HB_SCRIPT_MODI:
+        case HB_SCRIPT_SHARADA:
+        case HB_SCRIPT_SYLOTI_NAGRI:
+        case HB_SCRIPT_TIRHUTA:
+        case HB_SCRIPT_OGHAM:
+            return false;
+        default:
+            return true;
+    }
+}
+
+bool isCommonOrInherited(hb_script_t script) {
+    return script == HB_SCRIPT_COMMON || script == HB_SCRIPT_INHERITED;
+}
+
+// Script of the characters from *position on, which moves behind the last one of that script.
+// Common and inherited characters belong to what is before them, at the beginning to what follows.
+hb_script_t nextScriptRun(const U16StringPiece& text, uint32_t* position) {
+    hb_unicode_funcs_t* unicode = hb_unicode_funcs_get_default();
+    hb_script_t script = HB_SCRIPT_COMMON;
+    for (uint32_t next = *position; next < text.size(); *position = next) {
+        const hb_script_t found = hb_unicode_script(unicode, nextCodePoint(text, &next));
+        if (found == script || isCommonOrInherited(found)) continue;
+        if (!isCommonOrInherited(script)) break;
+        script = found;
+    }
+    return script;
+}
+
+}  // namespace
+
+ScaledFont::ScaledFont(const FakedFont& fakedFont, const MinikinPaint& minikinPaint)
+    : faked(fakedFont),
+      paint(&minikinPaint),
+      hasColorBitmaps(
+          hasTable(hb_font_get_face(fakedFont.font->baseFont().get()), HB_TAG('C', 'B', 'D', 'T'))),
+      hbFont(hb_font_create_sub_font(fakedFont.font->baseFont().get())) {
+    const float width = paint->size * paint->scaleX;
+    hb_font_set_ppem(hbFont.get(), toPpem(width), toPpem(paint->size));
+    hb_font_set_scale(hbFont.get(), toFixed(width), toFixed(paint->size));
+    hb_font_set_funcs(hbFont.get(), hasColorBitmaps ? fileAdvances() : measuredAdvances(), this,
+                      nullptr);
+}
+
+MinikinRect ScaledFont::glyphBounds(uint32_t glyph) const {
+    MinikinRect bounds;
+    hb_glyph_extents_t extents;
+    if (hasColorBitmaps && hb_font_get_glyph_extents(hbFont.get(), glyph, &extents)) {
+        bounds.mLeft = std::round(toPixels(extents.x_bearing));
+        bounds.mTop = std::round(toPixels(-extents.y_bearing));
+        bounds.mRight = std::round(toPixels(extents.x_bearing + extents.width));
+        bounds.mBottom = std::round(toPixels(-extents.y_bearing - extents.height));
+    } else {
+        faked.font->typeface()->GetBounds(&bounds, glyph, *paint, faked.fakery);
+    }
+    const bool finite = std::isfinite(bounds.mLeft) && std::isfinite(bounds.mTop) &&
+                        std::isfinite(bounds.mRight) && std::isfinite(bounds.mBottom);
+    return finite ? bounds : MinikinRect();
+}
+
+PieceShaper::PieceShaper(const MinikinPaint& paint)
+    : mPaint(paint),
+      mLocales(localeListById(paint.localeListId)),
+      mFeatures(shapingFeatures(paint)),
+      mBuffer(hb_buffer_create()) {}
+
+const ScaledFont& PieceShaper::scaledFont(const FakedFont& fakedFont) {
+    return mFonts.try_emplace(fakedFont.font, fakedFont, mPaint).first->second;
+}
+
+LayoutPiece PieceShaper::shape(const U16StringPiece& word, const Range& range, bool isRtl) {
+    LayoutPiece piece;
+    piece.advances.resize(range.getLength());
+    const U16StringPiece text = word.substr(range);
+    std::vector<FontCollection::Run> items =
+        mPaint.font->itemize(text, mPaint.fontStyle, mPaint.localeListId, mPaint.familyVariant);
+    if (isRtl) std::reverse(items.begin(), items.end());
+
+    for (const FontCollection::Run& item : items) {
+        if (!item.fakedFont.font->typeface()) continue;
+        const ScaledFont& font = scaledFont(item.fakedFont);
+        const U16StringPiece itemText(text.data(), static_cast<size_t>(item.end));
+        auto position = static_cast<uint32_t>(item.start);
+        while (position < itemText.size()) {
+            const uint32_t start = position;
+            const hb_script_t script = nextScriptRun(itemText, &position);
+            const Range run(range.getStart() + start, range.getStart() + position);
+            shapeScriptRun(word, range.getStart(), run, script, isRtl, font, &piece);
+        }
+    }
+    return piece;
+}
+
+void PieceShaper::shapeScriptRun(const U16StringPiece& word, uint32_t pieceStart, const Range& run,
+                                 hb_script_t script, bool isRtl, const ScaledFont& font,
+                                 LayoutPiece* out) {
+    hb_buffer_t* buffer = mBuffer.get();
+    hb_buffer_clear_contents(buffer);
+    hb_buffer_set_script(buffer, script);
+    hb_buffer_set_direction(buffer, isRtl ? HB_DIRECTION_RTL : HB_DIRECTION_LTR);
+    if (!mLocales.empty()) hb_buffer_set_language(buffer, mLocales.languageFor(script));
+    hb_buffer_add_utf16(buffer, word.data(), static_cast<int>(word.size()), run.getStart(),
+                        static_cast<int>(run.getLength()));
+    hb_shape(font.hbFont.get(), buffer, mFeatures.data(), static_cast<unsigned>(mFeatures.size()));
+
+    const double letterSpace = allowsLetterSpacing(script)
+                                   ? double{mPaint.letterSpacing} * mPaint.size * mPaint.scaleX
+                                   : 0.0;
+    const auto bounded =
+        static_cast<float>(std::clamp(letterSpace, -double{kMaxPixels}, double{kMaxPixels}));
+    placeGlyphs(pieceStart, bounded, font, out);
+}
+
+void PieceShaper::placeGlyphs(uint32_t pieceStart, float letterSpace, const ScaledFont& font,
+                              LayoutPiece* out) {
+    unsigned count = 0;
+    const hb_glyph_info_t* infos = hb_buffer_get_glyph_infos(mBuffer.get(), &count);
+    const hb_glyph_position_t* positions = hb_buffer_get_glyph_positions(mBuffer.get(), nullptr);
+    if (count == 0) return;
+
+    const float halfSpace = letterSpace * 0.5f;
+    float x = out->advance;
+    const auto advanceOf = [&](unsigned glyph) -> float& {
+        return out->advances[infos[glyph].cluster - pieceStart];
+    };
+
+    advanceOf(0) += halfSpace;
+    x += halfSpace;
+    for (unsigned i = 0; i < count; i++) {
+        if (i > 0 && infos[i - 1].cluster != infos[i].cluster) {
+            advanceOf(i - 1) += halfSpace;
+            advanceOf(i) += halfSpace;
+            x += letterSpace;
+        }
+        const float yOffset = -toPixels(positions[i].y_offset);
+        const float xOffset = toPixels(positions[i].x_offset) + yOffset * mPaint.skewX;
+        out->glyphs.emplace_back(font.faked, infos[i].codepoint, x + xOffset, yOffset);
+
+        MinikinRect bounds = font.glyphBounds(infos[i].codepoint);
+        bounds.offset(x + xOffset, yOffset);
+        out->bounds.join(bounds);
+
+        const float xAdvance = toPixels(positions[i].x_advance);
+        advanceOf(i) += xAdvance;
+        x += xAdvance;
+    }
+    advanceOf(count - 1) += halfSpace;
+    out->advance = x + halfSpace;
+}
+
+}  // namespace minikin

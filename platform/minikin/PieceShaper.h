@@ -1,0 +1,67 @@
+// Shapes the pieces of a line: chooses fonts, runs HarfBuzz and places the glyphs.
+#pragma once
+
+#include <hb.h>
+
+#include <cstdint>
+#include <unordered_map>
+#include <vector>
+
+#include "minikin/FontCollection.h"
+#include "minikin/HbUtils.h"
+#include "minikin/Layout.h"
+#include "minikin/Locale.h"
+#include "minikin/MinikinPaint.h"
+#include "minikin/MinikinRect.h"
+#include "minikin/Range.h"
+#include "minikin/U16StringPiece.h"
+
+namespace minikin {
+
+// Glyphs of one piece in visual order, positions from its left edge.
+struct LayoutPiece {
+    std::vector<LayoutGlyph> glyphs;
+    std::vector<float> advances;  // one per UTF-16 unit
+    MinikinRect bounds;
+    float advance = 0.0f;
+};
+
+// A font at the paint's size, as HarfBuzz sees it. The paint is borrowed.
+struct ScaledFont {
+    ScaledFont(const FakedFont& fakedFont, const MinikinPaint& minikinPaint);
+    ScaledFont(const ScaledFont&) = delete;
+    ScaledFont& operator=(const ScaledFont&) = delete;
+
+    // Box around the glyph's ink, pixels from its origin; of no size for a blank.
+    MinikinRect glyphBounds(uint32_t glyph) const;
+
+    FakedFont faked;
+    const MinikinPaint* paint;
+    bool hasColorBitmaps;
+    HbFontUniquePtr hbFont;  // asks this object for advances
+};
+
+// Serves one layout: keeps its fonts and buffer from piece to piece. The paint is borrowed, its
+// numbers must be finite.
+class PieceShaper {
+public:
+    explicit PieceShaper(const MinikinPaint& paint);
+
+    // Shapes `range` of `word`; the rest of the word is context only.
+    LayoutPiece shape(const U16StringPiece& word, const Range& range, bool isRtl);
+
+private:
+    const ScaledFont& scaledFont(const FakedFont& fakedFont);
+    void shapeScriptRun(const U16StringPiece& word, uint32_t pieceStart, const Range& run,
+                        hb_script_t script, bool isRtl, const ScaledFont& font, LayoutPiece* out);
+    void placeGlyphs(uint32_t pieceStart, float letterSpace, const ScaledFont& font,
+                     LayoutPiece* out);
+
+    const MinikinPaint& mPaint;
+    const LocaleList& mLocales;
+    std::vector<hb_feature_t> mFeatures;
+    HbBufferUniquePtr mBuffer;
+    std::unordered_map<const Font*, ScaledFont> mFonts;
+};
+
+}  // namespace minikin
