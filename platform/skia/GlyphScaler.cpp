@@ -1,0 +1,492 @@
+#include "skia/GlyphScaler.h"
+
+#include FT_ADVANCES_H
+#include FT_BITMAP_H
+#include FT_COLOR_H
+#include FT_OUTLINE_H
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <new>
+
+#include "skia/Numbers.h"
+
+namespace portable {
+
+namespace {
+
+// Of the pixel size; Android's strength for fake bold.
+constexpr FT_Pos kEmboldenDivisor = 34;
+
+// Embedded pictures beyond this many pixels are left out: a few bytes of PNG can ask for gigabytes.
+constexpr uint64_t kMaxStrikePixels = 1 << 22;
+
+// Float to fixed point, truncated, with fractionBits bits after the point.
+FT_Fixed toFixed(float v, int fractionBits) {
+    const double scaled = std::ldexp(static_cast<double>(v), fractionBits);
+    constexpr double kMax = std::numeric_limits<int32_t>::max();
+    if (scaled != scaled) return 0;
+    return static_cast<FT_Fixed>(std::clamp(scaled, -kMax, kMax));
+}
+
+float fromFixed(FT_Fixed v) {
+    return static_cast<float>(static_cast<double>(v) / 65536.0);
+}
+
+// Box of FreeType coordinates (26.6, y upwards) to pixels.
+SkIRect placeBox(const FT_BBox& box, const GlyphPlacement& p) {
+    const double unit = p.scale / 64;
+    return SkIRect::MakeLTRB(floorToInt(static_cast<double>(box.xMin) * unit + p.dx),
+                             floorToInt(-static_cast<double>(box.yMax) * unit + p.dy),
+                             ceilToInt(static_cast<double>(box.xMax) * unit + p.dx),
+                             ceilToInt(-static_cast<double>(box.yMin) * unit + p.dy));
+}
+
+SkIRect emptyIfBlank(const SkIRect& box) {
+    return box.isEmpty() ? SkIRect::MakeEmpty() : box;
+}
+
+size_t pixelCount(const SkIRect& window) {
+    return static_cast<size_t>(window.fRight - window.fLeft) *
+           static_cast<size_t>(window.fBottom - window.fTop);
+}
+
+bool exceedsRaster(const FT_Outline& outline) {
+    // FreeType refuses outlines from 2^24 on; sums on the way there must not overflow either.
+    constexpr FT_Pos kLimit = 1 << 24;
+    return std::any_of(outline.points, outline.points + outline.n_points, [](const FT_Vector& p) {
+        return p.x <= -kLimit || p.x >= kLimit || p.y <= -kLimit || p.y >= kLimit;
+    });
+}
+
+// Running out of memory must not be taken for a glyph that the font does not have.
+bool succeeded(FT_Error error) {
+    if (FT_ERROR_BASE(error) == FT_Err_Out_Of_Memory) throw std::bad_alloc();
+    return error == 0;
+}
+
+// Coverage of pixel x in a bitmap's row.
+uint8_t coverageAt(const FT_Bitmap& bitmap, const uint8_t* row, unsigned x) {
+    switch (bitmap.pixel_mode) {
+        case FT_PIXEL_MODE_MONO:
+            return (row[x >> 3] >> (7 - (x & 7)) & 1) * 255;
+        case FT_PIXEL_MODE_GRAY2:
+            return (row[x >> 2] >> (6 - 2 * (x & 3)) & 3) * 85;
+        case FT_PIXEL_MODE_GRAY4:
+            return (row[x >> 1] >> (4 - 4 * (x & 1)) & 15) * 17;
+        case FT_PIXEL_MODE_GRAY:
+            return row[x];
+        case FT_PIXEL_MODE_BGRA:
+            return row[4 * static_cast<size_t>(x) + 3];
+        default:
+            return 0;
+    }
+}
+
+}  // namespace
+
+GlyphScaler::GlyphScaler(FontFace& face, const GlyphSettings& settings)
+    : fAccess(face), fFace(fAccess.ft()), fSettings(settings) {
+    if (settings.drawable()) this->select();
+}
+
+// Sets the face's size and finds what is left for the matrix: the sign of the horizontal scale, the
+// skew, and the ratio to the size wanted where FreeType cannot give that size.
+void GlyphScaler::select() {
+    fLoadFlags = this->loadFlags();
+    fLinearAdvance = fSettings.subpixel || fSettings.hinting == SkFontHinting::kNone;
+    fXX = fSettings.scaleX < 0 ? -1.0f : 1.0f;
+    fXY = fSettings.skewX;
+    if (FT_IS_SCALABLE(fFace)) {
+        this->selectScalable();
+    } else {
+        this->selectStrike();
+    }
+    if (!fReady) return;
+    FT_Matrix matrix = {toFixed(fXX, 16), -toFixed(fXY, 16), 0, toFixed(fYY, 16)};
+    FT_Set_Transform(fFace, &matrix, nullptr);
+}
+
+void GlyphScaler::selectScalable() {
+    const float width = std::fabs(fSettings.size * fSettings.scaleX);
+    const float height = fSettings.size;
+    const FT_F26Dot6 fixedWidth = toFixed(width, 6);
+    const FT_F26Dot6 fixedHeight = toFixed(height, 6);
+    FontFace::Scaling& current = fAccess.scaling();
+    if (!current.selected || current.width != fixedWidth || current.height != fixedHeight) {
+        current.selected = false;
+        current.selected = succeeded(FT_Set_Char_Size(fFace, fixedWidth, fixedHeight, 72, 72));
+        current.width = fixedWidth;
+        current.height = fixedHeight;
+    }
+    if (!current.selected) return;
+    fReady = true;
+    // FreeType goes no lower than 1; at other sizes a correction would spoil the hinting.
+    if (width >= 1 && height >= 1) return;
+    const float upem = fFace->units_per_EM;
+    const float xPpem = upem * fromFixed(fFace->size->metrics.x_scale) / 64;
+    const float yPpem = upem * fromFixed(fFace->size->metrics.y_scale) / 64;
+    fReady = xPpem > 0 && yPpem > 0;
+    if (!fReady) return;
+    fXX *= width / xPpem;
+    fXY *= height / yPpem;
+    fYY *= height / yPpem;
+}
+
+// The smallest strike that is not below the size wanted, else the largest.
+void GlyphScaler::selectStrike() {
+    const FT_Pos wanted = toFixed(fSettings.size, 6);
+    FT_Int best = -1;
+    FT_Pos bestPpem = 0;
+    for (FT_Int i = 0; i < fFace->num_fixed_sizes; ++i) {
+        const FT_Pos ppem = fFace->available_sizes[i].y_ppem;
+        const bool better = bestPpem < wanted ? ppem > bestPpem : ppem >= wanted && ppem < bestPpem;
+        if (best >= 0 && !better) continue;
+        best = i;
+        bestPpem = ppem;
+    }
+    fAccess.scaling().selected = false;
+    if (best < 0 || !succeeded(FT_Select_Size(fFace, best))) return;
+    const FT_Size_Metrics& strike = fFace->size->metrics;
+    if (strike.x_ppem == 0 || strike.y_ppem == 0) return;
+    const float yRatio = fSettings.size / strike.y_ppem;
+    fXX *= std::fabs(fSettings.size * fSettings.scaleX) / strike.x_ppem;
+    fXY *= yRatio;
+    fYY *= yRatio;
+    // There are no linear metrics for pictures, and nothing but pictures to load.
+    fLinearAdvance = false;
+    fLoadFlags &= ~FT_LOAD_NO_BITMAP;
+    fReady = true;
+}
+
+FT_Int32 GlyphScaler::loadFlags() const {
+    FT_Int32 flags = FT_LOAD_TARGET_NORMAL;
+    if (fSettings.hinting == SkFontHinting::kNone) {
+        flags = FT_LOAD_NO_HINTING;
+    } else if (fSettings.alias) {
+        flags = FT_LOAD_TARGET_MONO;
+    } else if (fSettings.hinting == SkFontHinting::kSlight) {
+        flags = FT_LOAD_TARGET_LIGHT;
+    }
+    flags |= fSettings.forceAutoHinting ? FT_LOAD_FORCE_AUTOHINT : FT_LOAD_NO_AUTOHINT;
+    if (!fSettings.embeddedBitmaps) flags |= FT_LOAD_NO_BITMAP;
+    return flags | FT_LOAD_IGNORE_GLOBAL_ADVANCE_WIDTH | FT_LOAD_COLOR;
+}
+
+bool GlyphScaler::load(SkGlyphID glyph) {
+    fAdvance = 0;
+    fContent = Content::kBlank;
+    fKind = fSettings.alias ? MaskKind::kBinary : MaskKind::kGrey;
+    fLayers.clear();
+    if (!fReady || !this->loadSlot(glyph)) return false;
+    this->readAdvance(glyph);
+    const FT_GlyphSlot slot = fFace->glyph;
+    if (slot->format == FT_GLYPH_FORMAT_BITMAP) {
+        this->readStrike();
+    } else if (slot->format == FT_GLYPH_FORMAT_OUTLINE) {
+        fContent = Content::kOutline;
+        this->readLayers(glyph);
+    }
+    return true;
+}
+
+bool GlyphScaler::loadSlot(FT_UInt glyph) {
+    FT_Int32 flags = fLoadFlags;
+    if (!(flags & FT_LOAD_NO_BITMAP) && this->bitmapTooLarge(glyph, flags)) {
+        if (!FT_IS_SCALABLE(fFace)) return false;
+        flags |= FT_LOAD_NO_BITMAP;
+    }
+    if (!succeeded(FT_Load_Glyph(fFace, glyph, flags))) return false;
+    // A picture in SVG can be used by nothing here; the font's outline can.
+    if (fFace->glyph->format != FT_GLYPH_FORMAT_BITMAP &&
+        fFace->glyph->format != FT_GLYPH_FORMAT_OUTLINE &&
+        !succeeded(FT_Load_Glyph(fFace, glyph, flags & ~FT_LOAD_COLOR))) {
+        return false;
+    }
+    if (fSettings.embolden) this->emboldenSlot();
+    return true;
+}
+
+bool GlyphScaler::bitmapTooLarge(FT_UInt glyph, FT_Int32 flags) {
+    if (!FT_HAS_FIXED_SIZES(fFace)) return false;
+    if (!succeeded(FT_Load_Glyph(fFace, glyph, flags | FT_LOAD_BITMAP_METRICS_ONLY))) return false;
+    const FT_GlyphSlot slot = fFace->glyph;
+    return slot->format == FT_GLYPH_FORMAT_BITMAP &&
+           static_cast<uint64_t>(slot->bitmap.width) * slot->bitmap.rows > kMaxStrikePixels;
+}
+
+// The shape grows to the right and upwards, the advance stays.
+void GlyphScaler::emboldenSlot() {
+    const FT_GlyphSlot slot = fFace->glyph;
+    if (slot->format == FT_GLYPH_FORMAT_OUTLINE) {
+        const FT_Pos em = FT_MulFix(fFace->units_per_EM, fFace->size->metrics.y_scale);
+        succeeded(FT_Outline_Embolden(&slot->outline, em / kEmboldenDivisor));
+    } else if (slot->format == FT_GLYPH_FORMAT_BITMAP && slot->bitmap.buffer) {
+        constexpr FT_Pos kOnePixel = 64;
+        if (succeeded(FT_GlyphSlot_Own_Bitmap(slot))) {
+            succeeded(FT_Bitmap_Embolden(slot->library, &slot->bitmap, kOnePixel, 0));
+        }
+    }
+}
+
+void GlyphScaler::readAdvance(FT_UInt glyph) {
+    const FT_GlyphSlot slot = fFace->glyph;
+    if (!fLinearAdvance) {
+        fAdvance = static_cast<float>(static_cast<double>(slot->advance.x) / 64);
+        return;
+    }
+    // Straight from hmtx when no hinting is involved; composite glyphs may report another advance.
+    FT_Fixed advance = 0;
+    if (FT_Get_Advance(fFace, glyph, fLoadFlags | FT_ADVANCE_FLAG_FAST_ONLY, &advance) != 0) {
+        advance = slot->linearHoriAdvance;
+    }
+    fAdvance = fXX * fromFixed(advance);
+}
+
+// The layers of a COLR glyph, bottom first, each with the alpha of its palette colour.
+void GlyphScaler::readLayers(FT_UInt glyph) {
+    FT_UInt layerGlyph = 0;
+    FT_UInt colorIndex = 0;
+    FT_LayerIterator iterator = {0, 0, nullptr};
+    if (!FT_Get_Color_Glyph_Layer(fFace, glyph, &layerGlyph, &colorIndex, &iterator)) return;
+
+    FT_Color* palette = nullptr;
+    FT_Palette_Data info = {};
+    if (FT_Palette_Select(fFace, 0, &palette) != 0 || FT_Palette_Data_Get(fFace, &info) != 0) {
+        palette = nullptr;
+    }
+    do {
+        // Index 0xFFFF, and any other beyond the palette, is the text colour: opaque here.
+        const bool inPalette = palette && colorIndex < info.num_palette_entries;
+        const uint8_t alpha = inPalette ? palette[colorIndex].alpha : 255;
+        fLayers.push_back({layerGlyph, alpha});
+    } while (FT_Get_Color_Glyph_Layer(fFace, glyph, &layerGlyph, &colorIndex, &iterator));
+    fContent = Content::kLayers;
+    fKind = MaskKind::kColor;
+}
+
+void GlyphScaler::readStrike() {
+    const FT_GlyphSlot slot = fFace->glyph;
+    const FT_Bitmap& bitmap = slot->bitmap;
+    if (!bitmap.buffer || bitmap.width == 0 || bitmap.rows == 0) return;
+    if (static_cast<uint64_t>(bitmap.width) * bitmap.rows > kMaxStrikePixels) return;
+
+    fStrike.width = static_cast<int>(bitmap.width);
+    fStrike.height = static_cast<int>(bitmap.rows);
+    fStrike.left = slot->bitmap_left;
+    fStrike.top = -slot->bitmap_top;
+    fStrike.pixels.resize(static_cast<size_t>(bitmap.width) * bitmap.rows);
+    // With a negative pitch the rows come bottom first, and buffer is still the first in memory.
+    const ptrdiff_t pitch = bitmap.pitch;
+    const uint8_t* row = bitmap.buffer;
+    if (pitch < 0) row -= pitch * static_cast<ptrdiff_t>(bitmap.rows - 1);
+    uint8_t* out = fStrike.pixels.data();
+    for (unsigned y = 0; y < bitmap.rows; ++y, row += pitch) {
+        for (unsigned x = 0; x < bitmap.width; ++x)
+            *out++ = coverageAt(bitmap, row, x);
+    }
+    fContent = Content::kStrike;
+    if (bitmap.pixel_mode == FT_PIXEL_MODE_BGRA) fKind = MaskKind::kColor;
+}
+
+SkIRect GlyphScaler::bounds(const GlyphPlacement& placement) {
+    switch (fContent) {
+        case Content::kBlank:
+            break;
+        case Content::kOutline: {
+            if (fFace->glyph->outline.n_contours == 0) break;
+            FT_BBox box;
+            FT_Outline_Get_CBox(&fFace->glyph->outline, &box);
+            return emptyIfBlank(placeBox(box, placement));
+        }
+        case Content::kLayers: {
+            FT_BBox all = {};
+            bool any = false;
+            for (const Layer& layer : fLayers) {
+                if (!this->loadSlot(layer.glyph)) continue;
+                const FT_GlyphSlot slot = fFace->glyph;
+                if (slot->format != FT_GLYPH_FORMAT_OUTLINE || slot->outline.n_contours == 0) {
+                    continue;
+                }
+                FT_BBox box;
+                FT_Outline_Get_CBox(&slot->outline, &box);
+                if (!any) all = box;
+                any = true;
+                all = {std::min(all.xMin, box.xMin), std::min(all.yMin, box.yMin),
+                       std::max(all.xMax, box.xMax), std::max(all.yMax, box.yMax)};
+            }
+            return any ? emptyIfBlank(placeBox(all, placement)) : SkIRect::MakeEmpty();
+        }
+        case Content::kStrike:
+            return emptyIfBlank(this->strikeBounds(placement));
+    }
+    return SkIRect::MakeEmpty();
+}
+
+void GlyphScaler::render(const GlyphPlacement& placement, const SkIRect& window, uint8_t* out) {
+    if (window.isEmpty()) return;
+    std::memset(out, 0, pixelCount(window));
+    switch (fContent) {
+        case Content::kBlank:
+            return;
+        case Content::kOutline:
+            this->renderOutline(placement, window, out);
+            return;
+        case Content::kLayers:
+            this->renderLayers(placement, window, out);
+            return;
+        case Content::kStrike:
+            this->renderStrike(placement, window, out);
+            return;
+    }
+}
+
+void GlyphScaler::renderLayers(const GlyphPlacement& placement, const SkIRect& window,
+                               uint8_t* out) {
+    const size_t count = pixelCount(window);
+    std::vector<uint8_t> mask(count);
+    for (const Layer& layer : fLayers) {
+        if (!this->loadSlot(layer.glyph)) continue;
+        if (fFace->glyph->format != FT_GLYPH_FORMAT_OUTLINE) continue;
+        std::fill(mask.begin(), mask.end(), uint8_t{0});
+        this->renderOutline(placement, window, mask.data());
+        for (size_t i = 0; i < count; ++i) {
+            const unsigned alpha = div255(mask[i] * layer.alpha);
+            out[i] = static_cast<uint8_t>(alpha + div255(out[i] * (255 - alpha)));
+        }
+    }
+}
+
+void GlyphScaler::renderOutline(const GlyphPlacement& placement, const SkIRect& window,
+                                uint8_t* out) {
+    // Shares everything but the points with the slot, which must stay as it is.
+    FT_Outline outline = fFace->glyph->outline;
+    if (outline.n_points <= 0 || outline.n_contours <= 0) return;
+    const double x0 = (placement.dx - window.fLeft) * 64;
+    const double y0 = (window.fBottom - placement.dy) * 64;
+    fPoints.assign(outline.points, outline.points + outline.n_points);
+    for (FT_Vector& p : fPoints) {
+        p.x = floorToInt(static_cast<double>(p.x) * placement.scale + x0 + 0.5);
+        p.y = floorToInt(static_cast<double>(p.y) * placement.scale + y0 + 0.5);
+    }
+    outline.points = fPoints.data();
+    if (exceedsRaster(outline)) return;
+    // Scaled outlines are filled by pixel centres alone, without FreeType's care for thin parts.
+    if (placement.scale != 1) outline.flags |= FT_OUTLINE_IGNORE_DROPOUTS;
+    if (fKind == MaskKind::kBinary) {
+        this->renderBinary(&outline, window, out);
+        return;
+    }
+    FT_Bitmap bitmap = {};
+    bitmap.width = static_cast<unsigned>(window.fRight - window.fLeft);
+    bitmap.rows = static_cast<unsigned>(window.fBottom - window.fTop);
+    bitmap.pitch = window.fRight - window.fLeft;
+    bitmap.buffer = out;
+    bitmap.num_grays = 256;
+    bitmap.pixel_mode = FT_PIXEL_MODE_GRAY;
+    // What the rasteriser refuses stays blank.
+    succeeded(FT_Outline_Get_Bitmap(fFace->glyph->library, &outline, &bitmap));
+}
+
+void GlyphScaler::renderBinary(FT_Outline* outline, const SkIRect& window, uint8_t* out) {
+    const unsigned width = static_cast<unsigned>(window.fRight - window.fLeft);
+    const unsigned height = static_cast<unsigned>(window.fBottom - window.fTop);
+    const unsigned pitch = (width + 7) / 8;
+    std::vector<uint8_t> bits(static_cast<size_t>(pitch) * height);
+    FT_Bitmap bitmap = {};
+    bitmap.width = width;
+    bitmap.rows = height;
+    bitmap.pitch = static_cast<int>(pitch);
+    bitmap.buffer = bits.data();
+    bitmap.pixel_mode = FT_PIXEL_MODE_MONO;
+    if (!succeeded(FT_Outline_Get_Bitmap(fFace->glyph->library, outline, &bitmap))) return;
+    const uint8_t* row = bits.data();
+    for (unsigned y = 0; y < height; ++y, row += pitch) {
+        for (unsigned x = 0; x < width; ++x)
+            *out++ = coverageAt(bitmap, row, x);
+    }
+}
+
+SkIRect GlyphScaler::strikeBounds(const GlyphPlacement& p) const {
+    const double left = fStrike.left;
+    const double top = fStrike.top;
+    const double right = left + fStrike.width;
+    const double bottom = top + fStrike.height;
+    // The corners' x are xx * x + xy * y: each extreme is a sum of extremes.
+    const double x0 = std::min(fXX * left, fXX * right) + std::min(fXY * top, fXY * bottom);
+    const double x1 = std::max(fXX * left, fXX * right) + std::max(fXY * top, fXY * bottom);
+    return SkIRect::MakeLTRB(floorToInt(x0 * p.scale + p.dx),
+                             floorToInt(fYY * top * p.scale + p.dy), ceilToInt(x1 * p.scale + p.dx),
+                             ceilToInt(fYY * bottom * p.scale + p.dy));
+}
+
+// Unscaled pictures keep to whole pixels.
+void GlyphScaler::copyStrike(const GlyphPlacement& p, const SkIRect& window, uint8_t* out) const {
+    const int dx = floorToInt(p.dx) + fStrike.left;
+    const int dy = floorToInt(p.dy) + fStrike.top;
+    for (int y = window.fTop; y < window.fBottom; ++y) {
+        for (int x = window.fLeft; x < window.fRight; ++x, ++out) {
+            const int sx = x - dx;
+            const int sy = y - dy;
+            if (sx < 0 || sy < 0 || sx >= fStrike.width || sy >= fStrike.height) continue;
+            *out = fStrike.pixels[static_cast<size_t>(sy) * fStrike.width + sx];
+        }
+    }
+}
+
+// Bilinear between pixel centres, nothing outside; x and y in the strike's pixels.
+float GlyphScaler::sampleStrike(double x, double y) const {
+    const int x0 = floorToInt(x - 0.5);
+    const int y0 = floorToInt(y - 0.5);
+    const float fx = static_cast<float>(x - 0.5 - x0);
+    const float fy = static_cast<float>(y - 0.5 - y0);
+    const auto at = [this](int px, int py) -> float {
+        if (px < 0 || py < 0 || px >= fStrike.width || py >= fStrike.height) return 0;
+        return fStrike.pixels[static_cast<size_t>(py) * fStrike.width + px];
+    };
+    const float top = at(x0, y0) * (1 - fx) + at(x0 + 1, y0) * fx;
+    const float bottom = at(x0, y0 + 1) * (1 - fx) + at(x0 + 1, y0 + 1) * fx;
+    return top * (1 - fy) + bottom * fy;
+}
+
+// Each pixel is the mean of n * n samples, n being how many pixels of the strike it spans: a box
+// when shrinking, bilinear when growing.
+void GlyphScaler::resampleStrike(const GlyphPlacement& p, const SkIRect& window,
+                                 uint8_t* out) const {
+    constexpr int kMaxSamples = 64;
+    const double xx = fXX * p.scale;
+    const double xy = fXY * p.scale;
+    const double yy = fYY * p.scale;
+    const double span = 1 / std::min(std::fabs(xx), std::fabs(yy));
+    const int n = std::clamp(ceilToInt(span), 1, kMaxSamples);
+    const auto mean = static_cast<float>(n * n);
+    for (int y = window.fTop; y < window.fBottom; ++y) {
+        for (int x = window.fLeft; x < window.fRight; ++x) {
+            float sum = 0;
+            for (int i = 0; i < n * n; ++i) {
+                const double deviceX = x + (i % n + 0.5) / n - p.dx;
+                const double sy = (y + (i / n + 0.5) / n - p.dy) / yy;
+                const double sx = (deviceX - xy * sy) / xx;
+                sum += this->sampleStrike(sx - fStrike.left, sy - fStrike.top);
+            }
+            *out++ = static_cast<uint8_t>(floorToInt(sum / mean + 0.5f));
+        }
+    }
+}
+
+void GlyphScaler::renderStrike(const GlyphPlacement& placement, const SkIRect& window,
+                               uint8_t* out) const {
+    const bool unchanged = fXX == 1 && fXY == 0 && fYY == 1 && placement.scale == 1;
+    if (unchanged) {
+        this->copyStrike(placement, window, out);
+    } else {
+        this->resampleStrike(placement, window, out);
+    }
+    if (fKind != MaskKind::kBinary) return;
+    const size_t count = pixelCount(window);
+    std::transform(out, out + count, out, [](uint8_t c) -> uint8_t { return c < 128 ? 0 : 255; });
+}
+
+}  // namespace portable

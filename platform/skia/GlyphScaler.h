@@ -1,0 +1,102 @@
+// Takes single glyphs out of a font: advance, box and coverage, by FreeType.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "SkRect.h"
+#include "SkTypes.h"
+#include "skia/FontFace.h"
+#include "skia/GlyphSettings.h"
+
+namespace portable {
+
+enum class MaskKind : uint8_t {
+    kBinary,  // pixels 0 or 255
+    kGrey,    // coverage, still without gamma
+    kColor,   // alpha of a colour glyph, blended as it is
+};
+
+// Where a glyph goes: its coordinates times scale, then moved, in pixels with y downwards.
+struct GlyphPlacement {
+    double scale = 1;
+    double dx = 0;
+    double dy = 0;
+};
+
+// Holds the face locked: make one, take the glyphs, drop it. Fonts lie about everything, so every
+// result has an answer: glyphs that cannot be loaded measure 0 and are blank, boxes are held within
+// ±kMaxCoordinate, and no more memory is used for a glyph than its window and its outline need.
+class GlyphScaler {
+public:
+    GlyphScaler(FontFace& face, const GlyphSettings& settings);
+    GlyphScaler(const GlyphScaler&) = delete;
+    GlyphScaler& operator=(const GlyphScaler&) = delete;
+
+    // Chooses the glyph that the calls below are about. False, and blank, when there is none.
+    bool load(SkGlyphID glyph);
+
+    // Pixels to the next glyph, at scale 1.
+    float advance() const { return fAdvance; }
+    MaskKind kind() const { return fKind; }
+
+    // The whole pixels that hold the glyph's control points; empty (all 0) when blank.
+    SkIRect bounds(const GlyphPlacement& placement);
+
+    // Writes the coverage inside window to out: rows of window's width, packed. Nothing of out is
+    // left unset. What cannot be drawn is 0.
+    void render(const GlyphPlacement& placement, const SkIRect& window, uint8_t* out);
+
+private:
+    struct Layer {
+        FT_UInt glyph;
+        uint8_t alpha;
+    };
+    // The glyph's bitmap as 8-bit coverage, and its corner in the strike's pixels, y downwards.
+    struct Strike {
+        std::vector<uint8_t> pixels;
+        int width = 0;
+        int height = 0;
+        int left = 0;
+        int top = 0;
+    };
+    void select();
+    void selectScalable();
+    void selectStrike();
+    FT_Int32 loadFlags() const;
+    bool loadSlot(FT_UInt glyph);
+    bool bitmapTooLarge(FT_UInt glyph, FT_Int32 flags);
+    void emboldenSlot();
+    void readAdvance(FT_UInt glyph);
+    void readLayers(FT_UInt glyph);
+    void readStrike();
+
+    SkIRect strikeBounds(const GlyphPlacement& placement) const;
+    void renderLayers(const GlyphPlacement& placement, const SkIRect& window, uint8_t* out);
+    void renderOutline(const GlyphPlacement& placement, const SkIRect& window, uint8_t* out);
+    void renderBinary(FT_Outline* outline, const SkIRect& window, uint8_t* out);
+    void renderStrike(const GlyphPlacement& placement, const SkIRect& window, uint8_t* out) const;
+    void copyStrike(const GlyphPlacement& placement, const SkIRect& window, uint8_t* out) const;
+    void resampleStrike(const GlyphPlacement& placement, const SkIRect& window, uint8_t* out) const;
+    float sampleStrike(double x, double y) const;
+
+    FontFace::Access fAccess;
+    FT_Face fFace;
+    GlyphSettings fSettings;
+    FT_Int32 fLoadFlags = 0;
+    bool fReady = false;
+    bool fLinearAdvance = false;
+    // What remains to be done to FreeType's glyphs, y downwards: (xx, xy; 0, yy).
+    float fXX = 1;
+    float fXY = 0;
+    float fYY = 1;
+
+    float fAdvance = 0;
+    MaskKind fKind = MaskKind::kGrey;
+    enum class Content { kBlank, kOutline, kLayers, kStrike } fContent = Content::kBlank;
+    std::vector<Layer> fLayers;
+    Strike fStrike;
+    std::vector<FT_Vector> fPoints;
+};
+
+}  // namespace portable
