@@ -3,6 +3,7 @@
 #include <unicode/ubidi.h>
 
 #include <memory>
+#include <new>
 
 namespace minikin {
 namespace {
@@ -24,16 +25,18 @@ UBiDiLevel paragraphLevel(Bidi bidiFlags) {
 std::vector<BidiRun> visualRuns(const U16StringPiece& text, const Range& range, Bidi bidiFlags) {
     std::vector<BidiRun> runs;
     if (range.isEmpty()) return runs;
-    const std::vector<BidiRun> whole = {{range, isRtl(bidiFlags)}};
-    if (isOverride(bidiFlags)) return whole;
+    if (isOverride(bidiFlags)) {
+        runs.push_back({range, isRtl(bidiFlags)});
+        return runs;
+    }
 
     const UBiDiUniquePtr bidi(ubidi_open());
-    if (!bidi) return whole;
+    if (!bidi) throw std::bad_alloc();
     UErrorCode status = U_ZERO_ERROR;
     ubidi_setPara(bidi.get(), reinterpret_cast<const UChar*>(text.data()),
                   static_cast<int32_t>(text.size()), paragraphLevel(bidiFlags), nullptr, &status);
     const int32_t count = ubidi_countRuns(bidi.get(), &status);
-    if (U_FAILURE(status)) return whole;
+    if (U_FAILURE(status)) throw std::bad_alloc();  // there is no other failure
 
     for (int32_t i = 0; i < count; i++) {
         int32_t start = 0;

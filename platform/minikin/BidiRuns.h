@@ -14,8 +14,7 @@ struct BidiRun {
     bool isRtl;
 };
 
-// Visual runs of the whole text, cut to `range`; empty ones are left out. Without memory for the
-// algorithm the range is one run in the direction asked for.
+// Visual runs of the whole text, cut to `range`; empty ones are left out.
 std::vector<BidiRun> visualRuns(const U16StringPiece& text, const Range& range, Bidi bidiFlags);
 
 }  // namespace minikin

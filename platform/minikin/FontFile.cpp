@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <climits>
 #include <cstdint>
+#include <new>
 #include <vector>
 
 #include "minikin/MinikinFont.h"
@@ -20,9 +21,11 @@ HbFontUniquePtr makeBaseFont(const MinikinFont& font) {
         HB_MEMORY_MODE_READONLY, nullptr, nullptr));
     const HbFaceUniquePtr face(
         hb_face_create(blob.get(), static_cast<unsigned>(font.GetFontIndex())));
+    if (face.get() == hb_face_get_empty()) throw std::bad_alloc();
     hb_face_make_immutable(face.get());
 
     HbFontUniquePtr base(hb_font_create(face.get()));
+    if (base.get() == hb_font_get_empty()) throw std::bad_alloc();
     std::vector<hb_variation_t> variations;
     for (const FontVariation& axis : font.GetAxes()) {
         variations.push_back({axis.axisTag, axis.value});
@@ -60,6 +63,7 @@ const SparseBitSet& FontFile::coverage() const {
     std::call_once(mCoverageOnce, [this] {
         const HbSetUniquePtr codepoints(hb_set_create());
         hb_face_collect_unicodes(hb_font_get_face(mBaseFont.get()), codepoints.get());
+        if (!hb_set_allocation_successful(codepoints.get())) throw std::bad_alloc();
         hb_codepoint_t first = HB_SET_VALUE_INVALID;
         hb_codepoint_t last = HB_SET_VALUE_INVALID;
         while (hb_set_next_range(codepoints.get(), &first, &last)) {

@@ -192,12 +192,10 @@ bool Locale::parse(std::string_view tag) {
     mLanguage = pack(language);
 
     size_t next = 1;
-    while (next < count && next <= 3 && isExtendedLanguage(subtags[next]))
-        next++;
+    while (next < count && next <= 3 && isExtendedLanguage(subtags[next])) next++;
     if (next < count && isScript(subtags[next])) mScript = packScript(subtags[next++]);
     if (next < count && isRegion(subtags[next])) mRegion = packRegion(subtags[next++]);
-    while (next < count && isVariant(subtags[next]))
-        mVariants.append("-").append(subtags[next++]);
+    while (next < count && isVariant(subtags[next])) mVariants.append("-").append(subtags[next++]);
     // What is left has to begin an extension or the private part.
     if (next < count && subtags[next].size() != 1) return false;
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <new>
 #include <string>
 #include <string_view>
 
@@ -166,6 +167,7 @@ ScaledFont::ScaledFont(const FakedFont& fakedFont, const MinikinPaint& minikinPa
       hasColorBitmaps(
           hasTable(hb_font_get_face(fakedFont.font->baseFont().get()), HB_TAG('C', 'B', 'D', 'T'))),
       hbFont(hb_font_create_sub_font(fakedFont.font->baseFont().get())) {
+    if (hbFont.get() == hb_font_get_empty()) throw std::bad_alloc();
     const float width = paint->size * paint->scaleX;
     hb_font_set_ppem(hbFont.get(), toPpem(width), toPpem(paint->size));
     hb_font_set_scale(hbFont.get(), toFixed(width), toFixed(paint->size));
@@ -232,7 +234,10 @@ void PieceShaper::shapeScriptRun(const U16StringPiece& word, uint32_t pieceStart
     if (!mLocales.empty()) hb_buffer_set_language(buffer, mLocales.languageFor(script));
     hb_buffer_add_utf16(buffer, word.data(), static_cast<int>(word.size()), run.getStart(),
                         static_cast<int>(run.getLength()));
-    hb_shape(font.hbFont.get(), buffer, mFeatures.data(), static_cast<unsigned>(mFeatures.size()));
+    const bool shaped = hb_shape_full(font.hbFont.get(), buffer, mFeatures.data(),
+                                      static_cast<unsigned>(mFeatures.size()), nullptr);
+    // Out of memory, or a font whose rules grow the text beyond all bounds: the run stays blank.
+    if (!shaped || !hb_buffer_allocation_successful(buffer)) return;
 
     const double letterSpace = allowsLetterSpacing(script)
                                    ? double{mPaint.letterSpacing} * mPaint.size * mPaint.scaleX
