@@ -1,0 +1,190 @@
+#include "base/File.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <climits>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "base/Error.h"
+#include "base/GxString.h"
+#include "support/AllocationFailure.h"
+#include "support/NativeErrors.h"
+#include "support/TempFolder.h"
+
+namespace {
+int syncs = 0;
+}  // namespace
+
+// NOLINTBEGIN(bugprone-reserved-identifier)
+extern "C" int __wrap_fsync(int) {
+    syncs++;
+    return 0;
+}
+// NOLINTEND(bugprone-reserved-identifier)
+
+namespace GxFontEffect {
+namespace {
+
+void expectError(int code, const std::function<void()>& operation) {
+    gxtest::expectNativeError("GX_File", code, operation);
+}
+
+class FileTest : public testing::Test {
+protected:
+    gxtest::TempFolder folder;
+    const std::string path = folder.path("caf\xC3\xA9.bin");
+};
+
+TEST_F(FileTest, WritesSeeksAndReadsBack) {
+    GxString name;
+    ASSERT_TRUE(name.Construct(path.c_str()));
+    File file;
+    ASSERT_TRUE(file.Construct(&name, "w+", false));
+    EXPECT_EQ(file.Write("abcdef", 2, 3), 3u);
+    EXPECT_EQ(file.Tell(), 6);
+    EXPECT_EQ(file.Seek(-2, SEEK_END), 0);
+    char back[8] = {};
+    EXPECT_EQ(file.Read(back, 1, 8), 2u);
+    EXPECT_STREQ(back, "ef");
+    EXPECT_NE(file.Eof(), 0);
+    EXPECT_EQ(file.Error(), 0);
+    EXPECT_EQ(fileno(file.GetFilePointer()), file.GetFileDescriptor());
+    EXPECT_EQ(file.Read(nullptr, 0, 1), 0u);
+    expectError(7, [&] { EXPECT_EQ(file.Read(nullptr, 1, 1), 0u); });
+    expectError(7, [&] { EXPECT_EQ(file.Write(nullptr, 1, 1), 0u); });
+    expectError(7, [&] { EXPECT_EQ(file.Read(back, SIZE_MAX, 2), 0u); });
+    EXPECT_TRUE(file.Close());
+    EXPECT_TRUE(file.Close()) << "harmless twice";
+    expectError(8, [&] { EXPECT_EQ(file.Read(back, 1, 1), 0u); });
+    expectError(4, [&] { EXPECT_FALSE(file.Construct(path.c_str(), "r")); });
+}
+
+TEST_F(FileTest, SyncsOnCloseWhenTheModeWrites) {
+    for (auto [mode, expected] : {std::pair{"w", 1}, {"a", 1}, {"rb", 0}, {"r+", 0}, {"w+b", 1}}) {
+        syncs = 0;
+        File file;
+        ASSERT_TRUE(file.Construct(path.c_str(), mode)) << mode;
+        EXPECT_TRUE(file.Close());
+        EXPECT_EQ(syncs, expected) << mode;
+    }
+    syncs = 0;
+    { EXPECT_TRUE(File().Construct(path.c_str(), "a")); }
+    EXPECT_EQ(syncs, 1) << "the destructor closes";
+}
+
+TEST_F(FileTest, KeepsTheStreamOpenWhenAsked) {
+    GxString name;
+    ASSERT_TRUE(name.Construct(path.c_str()));
+    FILE* stream = nullptr;
+    syncs = 0;
+    {
+        File file;
+        ASSERT_TRUE(file.Construct(&name, "w", true));
+        EXPECT_EQ(file.Write("x", 1, 1), 1u);
+        EXPECT_TRUE(file.Close());
+        stream = file.GetFilePointer();
+    }
+    EXPECT_EQ(syncs, 0);
+    ASSERT_NE(stream, nullptr);
+    EXPECT_EQ(fputs("yz", stream), 1);
+    EXPECT_EQ(fclose(stream), 0);
+    EXPECT_EQ(std::filesystem::file_size(path), 3u);
+}
+
+TEST_F(FileTest, FailedConstructLeavesItUnconstructed) {
+    GxString bare, empty;
+    ASSERT_TRUE(empty.Construct(L""));
+    File file;
+    expectError(7, [&] { EXPECT_FALSE(file.Construct(static_cast<const char*>(nullptr), "r")); });
+    expectError(7, [&] { EXPECT_FALSE(file.Construct(path.c_str(), nullptr)); });
+    expectError(7, [&] { EXPECT_FALSE(file.Construct(&bare, "r", false)); });
+    expectError(11, [&] { EXPECT_FALSE(file.Construct(&empty, "r", false)); });
+    expectError(11, [&] { EXPECT_FALSE(file.Construct("", "r")); });
+    expectError(11, [&] { EXPECT_FALSE(file.Construct(path.c_str(), "no mode")); });
+    char c;
+    expectError(8, [&] { EXPECT_EQ(file.Read(&c, 1, 1), 0u); });
+    expectError(8, [&] { EXPECT_EQ(file.Write(&c, 1, 1), 0u); });
+    expectError(8, [&] { EXPECT_EQ(file.Seek(0, SEEK_SET), -1); });
+    expectError(8, [&] { EXPECT_EQ(file.Tell(), -1); });
+    expectError(8, [&] { EXPECT_EQ(file.Eof(), -1); });
+    expectError(8, [&] { EXPECT_EQ(file.Error(), -1); });
+    expectError(8, [&] { EXPECT_EQ(file.GetFilePointer(), nullptr); });
+    expectError(8, [&] { EXPECT_EQ(file.GetFileDescriptor(), -1); });
+    expectError(8, [&] { EXPECT_FALSE(file.Close()); });
+    EXPECT_TRUE(file.Construct(path.c_str(), "w"));
+}
+
+TEST_F(FileTest, SaysWhyOpeningFailed) {
+    File file;
+    const gxtest::LogCapture log;
+    EXPECT_FALSE(file.Construct(folder.path("missing").c_str(), "r"));
+    ASSERT_EQ(log.lines().size(), 2u);
+    EXPECT_EQ(log.lines()[0],
+              (gxtest::LogLine{ANDROID_LOG_ERROR, "GX_File",
+                               "OpenFile - Fail to open file. errno = " + std::to_string(ENOENT)}));
+    EXPECT_THAT(log.lines()[1].text, testing::StartsWith("@ Native Error 11 : "));
+}
+
+TEST_F(FileTest, UnwrittenDataIsAFailedClose) {
+    if (access("/dev/full", W_OK) != 0) GTEST_SKIP() << "no device that is always full";
+    File file;
+    ASSERT_TRUE(file.Construct("/dev/full", "w"));
+    EXPECT_EQ(file.Write("x", 1, 1), 1u);
+    expectError(1, [&] { EXPECT_FALSE(file.Close()); });
+}
+
+TEST_F(FileTest, PathOperationsTakeBothKindsOfText) {
+    folder.write("caf\xC3\xA9.bin", "x");
+    const std::string moved = folder.path("moved");
+    GxString from, to, bare;
+    ASSERT_TRUE(from.Construct(path.c_str()));
+    ASSERT_TRUE(to.Construct(moved.c_str()));
+    gxtest::expectSilence([&] {
+        EXPECT_EQ(File::IsAccessible(&from, R_OK), 0);
+        EXPECT_EQ(File::Rename(&from, &to), 0);
+        EXPECT_EQ(File::IsAccessible(path.c_str(), F_OK), -1);
+        EXPECT_EQ(File::Rename(moved.c_str(), path.c_str()), 0);
+        EXPECT_EQ(File::Unlink(path.c_str()), 0);
+        EXPECT_EQ(File::Unlink(&from), -1);
+    });
+
+    const char* none = nullptr;
+    expectError(7, [&] { EXPECT_EQ(File::IsAccessible(none, R_OK), -1); });
+    expectError(7, [&] { EXPECT_EQ(File::Unlink(none), -1); });
+    expectError(7, [&] { EXPECT_EQ(File::Rename(none, "abc"), -1); });
+    expectError(7, [&] { EXPECT_EQ(File::IsAccessible(&bare, R_OK), -1); });
+    expectError(7, [&] { EXPECT_EQ(File::Rename(&from, &bare), -1); });
+}
+
+TEST_F(FileTest, LogsWhichPathOperationHadNoPath) {
+    const char* none = nullptr;
+    gxtest::LogCapture log;
+    File::IsAccessible(none, R_OK);
+    File::Unlink(none);
+    File::Rename("abc", none);
+    GxString bare;
+    File().Construct(&bare, "r", false);
+    for (const char* text :
+         {"IsAccessible() - pathSize < 0", "Unlink() - pathSize < 0",
+          "Rename() - pathSize < 0 : old 4, new -1", "OpenFile() - pathSize < 0"}) {
+        EXPECT_TRUE(log.contains(text)) << text;
+    }
+}
+
+TEST_F(FileTest, SurvivesEveryFailedAllocation) {
+    GxString name;
+    ASSERT_TRUE(name.Construct(path.c_str()));
+    gxtest::failEachAllocation([&] {
+        File file;
+        Error::SetError(0);
+        const bool opened = file.Construct(&name, "w", false);
+        EXPECT_EQ(opened, Error::GetError() == 0);
+    });
+}
+
+}  // namespace
+}  // namespace GxFontEffect
