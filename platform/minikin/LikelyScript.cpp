@@ -12,7 +12,7 @@ struct ScriptLanguages {
     std::string_view languages;
 };
 
-// Living languages of CLDR's likely subtags whose script is not Latin, with the three-letter twins
+// Languages of CLDR's likely subtags whose script is not Latin, with the three-letter twins
 // of two-letter codes that are in use.
 constexpr ScriptLanguages kLanguages[] = {
     {"Ahom", "aho"},
@@ -22,6 +22,7 @@ constexpr ScriptLanguages kLanguages[] = {
      "kzh lah lki lrc luz mde mfa mki mvy mzn oru ota phl prd pus rmt scl sdh shu skr snd "
      "swb trw uig urd wni zdj"},
     {"Armn", "hy hye"},
+    {"Avst", "ae ave"},
     {"Bamu", "bax"},
     {"Bass", "bsq"},
     {"Beng", "as bn asm ben bpy grt mni rkt syl unr unx"},

@@ -1,0 +1,173 @@
+#include "minikin/LocaleList.h"
+
+#include <gtest/gtest.h>
+#include <unicode/uchar.h>
+#include <unicode/uloc.h>
+
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "minikin/LikelyScript.h"
+#include "minikin/Locale.h"
+#include "minikin/Unicode.h"
+
+namespace {
+
+using minikin::EmojiStyle;
+using minikin::Locale;
+using minikin::LocaleList;
+using minikin::registerLocaleList;
+
+uint32_t score(const char* requested, const char* supported) {
+    return Locale(requested).scoreFor(LocaleList(supported).locales());
+}
+
+TEST(LocaleListTest, SameStringSameIdOtherSpellingOtherId) {
+    const uint32_t first = registerLocaleList("und-Arab,fa");
+    EXPECT_NE(first, 0u);
+    EXPECT_EQ(registerLocaleList("und-Arab,fa"), first);
+    const uint32_t second = registerLocaleList("und-arab,fa");
+    EXPECT_EQ(second, first + 1);
+    // Duplicates parse away, the string stays another one.
+    EXPECT_EQ(registerLocaleList("und-Arab,fa,fa"), second + 1);
+    EXPECT_EQ(minikin::localeListById(second + 1).locales().size(), 2u);
+}
+
+TEST(LocaleListTest, ListsWithoutALocaleAreNoListAndTakeNoId) {
+    const uint32_t before = registerLocaleList("x-marker-before,de");
+    for (const char* text : {"", ",", ",,,", "x", "english-is-not-a-tag-x", "i-klingon", "en--US",
+                             "e\xC3\xA9", "12", "-", "und_"}) {
+        EXPECT_EQ(registerLocaleList(text), 0u) << text;
+    }
+    EXPECT_EQ(registerLocaleList("x-marker-after,de"), before + 1);
+    EXPECT_TRUE(minikin::localeListById(0).empty());
+    EXPECT_TRUE(minikin::localeListById(0xFFFFFFFF).empty());
+}
+
+TEST(LocaleListTest, AtMostTwelveLocales) {
+    std::string tags;
+    for (char c = 'a'; c <= 'z'; c++) tags += std::string(1, c) + "a,";
+    EXPECT_EQ(LocaleList(tags).locales().size(), minikin::kLocaleLimit);
+}
+
+TEST(LocaleListTest, TagsAreCompletedByTheLikelyScript) {
+    const struct {
+        const char* tag;
+        const char* completed;
+    } cases[] = {
+        {"en", "en-Latn"},
+        {"EN-us", "en-Latn-US"},
+        {"ja", "ja-Jpan"},
+        {"zh-TW", "zh-Hant-TW"},
+        {"zh-SG", "zh-Hans-SG"},
+        {"zh_Hant_HK", "zh-Hant-HK"},
+        {"iw", "he-Hebr"},
+        {"sr-ME", "sr-Latn-ME"},
+        {"de-1996", "de-Latn-1996"},
+        {"zh-yue-Hant", "zh-Hant"},
+        {"und", "und"},
+        {"und-Arab", "und-Arab"},
+        {"und-Zsye", "und-Zsye"},
+        {"es-419", "es-Latn-419"},
+        {"ar-u-nu-latn", "ar-Arab"},
+    };
+    for (const auto& c : cases) EXPECT_EQ(Locale(c.tag).toString(), c.completed) << c.tag;
+}
+
+TEST(LocaleListTest, LikelyScriptsAgreeWithIcu) {
+    const std::string letters = "abcdefghijklmnopqrstuvwxyz";
+    int compared = 0;
+    for (const char a : letters) {
+        for (const char b : letters) {
+            for (const std::string region : {"", "TW", "PK", "CN", "IN", "ME", "US"}) {
+                const std::string language{a, b};
+                const std::string tag = region.empty() ? language : language + "_" + region;
+                char full[ULOC_FULLNAME_CAPACITY];
+                char script[ULOC_SCRIPT_CAPACITY];
+                UErrorCode status = U_ZERO_ERROR;
+                uloc_addLikelySubtags(tag.c_str(), full, sizeof(full), &status);
+                uloc_getScript(full, script, sizeof(script), &status);
+                if (U_FAILURE(status) || script[0] == 0) continue;
+                EXPECT_EQ(minikin::likelyScript(language, region), script) << tag;
+                compared++;
+            }
+        }
+    }
+    EXPECT_GT(compared, 1000);
+}
+
+TEST(LocaleListTest, EmojiStyles) {
+    EXPECT_EQ(Locale("und-Zsye").emojiStyle(), EmojiStyle::EMOJI);
+    EXPECT_EQ(Locale("und-Zsym").emojiStyle(), EmojiStyle::TEXT);
+    EXPECT_EQ(Locale("en-US-u-em-emoji").emojiStyle(), EmojiStyle::EMOJI);
+    EXPECT_EQ(Locale("en-u-ca-buddhist-em-text").emojiStyle(), EmojiStyle::TEXT);
+    EXPECT_EQ(Locale("en-u-em-default").emojiStyle(), EmojiStyle::DEFAULT);
+    EXPECT_EQ(Locale("en-t-em-emoji").emojiStyle(), EmojiStyle::EMPTY);
+    EXPECT_EQ(Locale("en-x-u-em-emoji").emojiStyle(), EmojiStyle::EMPTY);
+    EXPECT_EQ(LocaleList("en,fr-u-em-text,und-Zsye").emojiStyle(), EmojiStyle::TEXT);
+}
+
+TEST(LocaleListTest, ScoresRankLanguageScriptAndEmojiStyle) {
+    const struct {
+        const char* requested;
+        const char* supported;
+        uint32_t score;
+    } cases[] = {
+        {"ja", "ja", 3},
+        {"ja", "ko", 0},  // Han and Hangul do not make kana
+        {"und-Hani", "ko", 1},
+        {"und-Hani", "ja", 1},
+        {"zh-Hans", "zh-Hans", 3},
+        {"zh-Hans", "zh-Hant,zh-Bopo", 0},
+        {"zh-Hanb", "zh-Hant", 0},
+        {"zh-Hanb", "zh-Hant,zh-Bopo", 3},  // neither alone, both together
+        {"zh-Hanb", "zh-Hant,ja-Bopo", 1},
+        {"ar", "und-Arab", 1},
+        {"und-Arab", "und-Arab", 3},
+        {"en", "und-Arab", 0},
+        {"en-u-em-emoji", "und-Zsye", 2},
+        {"und-Zsye", "und-Zsye", 4},
+        {"en", "", 0},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(score(c.requested, c.supported), c.score) << c.requested << " " << c.supported;
+    }
+}
+
+TEST(LocaleListTest, ShapingLanguageIsTheFirstThatSupportsTheScript) {
+    const LocaleList list("en,ja,zh-Hant");
+    const auto name = [](hb_language_t language) {
+        return std::string(hb_language_to_string(language));
+    };
+    EXPECT_EQ(name(list.languageFor(HB_SCRIPT_LATIN)), "en-latn");
+    EXPECT_EQ(name(list.languageFor(HB_SCRIPT_HAN)), "ja-jpan");
+    EXPECT_EQ(name(list.languageFor(HB_SCRIPT_KATAKANA)), "ja-jpan");
+    EXPECT_EQ(name(list.languageFor(HB_SCRIPT_THAI)), "en-latn");
+    EXPECT_EQ(LocaleList("").languageFor(HB_SCRIPT_THAI), HB_LANGUAGE_INVALID);
+}
+
+TEST(LocaleListTest, ThreadsGetOneIdForOneString) {
+    std::vector<uint32_t> ids(4 * 50);
+    std::vector<std::thread> threads;
+    for (size_t t = 0; t < 4; t++) {
+        threads.emplace_back([&ids, t] {
+            for (size_t i = 0; i < 50; i++) {
+                ids[t * 50 + i] = registerLocaleList("fr-x-thread" + std::to_string(i));
+                EXPECT_FALSE(minikin::localeListById(ids[t * 50 + i]).empty());
+            }
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
+    for (size_t i = 50; i < ids.size(); i++) EXPECT_EQ(ids[i], ids[i - 50]);
+}
+
+TEST(UnicodeTest, EmojiModifierBasesAgreeWithIcu) {
+    for (UChar32 c = 0; c <= 0x10FFFF; c++) {
+        ASSERT_EQ(minikin::isEmojiModifierBase(static_cast<uint32_t>(c)),
+                  static_cast<bool>(u_hasBinaryProperty(c, UCHAR_EMOJI_MODIFIER_BASE)))
+            << c;
+    }
+}
+
+}  // namespace
