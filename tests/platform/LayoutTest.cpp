@@ -1,0 +1,673 @@
+#include "minikin/Layout.h"
+
+#include <ft2build.h>
+#include FT_FREETYPE_H
+#include <gtest/gtest.h>
+#include <hb-ot.h>
+
+#include <chrono>
+#include <cmath>
+#include <limits>
+#include <numeric>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "hwui/MinikinUtils.h"
+#include "hwui/Paint.h"
+#include "hwui/Typeface.h"
+#include "minikin/LocaleList.h"
+#include "support/Fonts.h"
+#include "support/Random.h"
+
+namespace {
+
+using android::MinikinUtils;
+using android::Paint;
+using android::Typeface;
+using gxtest::loadFont;
+using gxtest::makeFamily;
+using minikin::Bidi;
+using minikin::Layout;
+
+constexpr uint32_t kAntiAlias = 0x001;
+constexpr uint32_t kLinear = 0x040;
+constexpr uint32_t kSubpixel = 0x080;
+
+// One step of the 24.8 fixed point that HarfBuzz counts in.
+constexpr float kStep = 1.0f / 256;
+
+const uint16_t* units(const std::u16string& text) {
+    return reinterpret_cast<const uint16_t*>(text.data());
+}
+
+struct Glyph {
+    uint32_t id;
+    uint32_t cluster;
+    float x;
+    float y;
+};
+
+struct ShapedText {
+    std::vector<Glyph> glyphs;
+    float advance = 0;
+};
+
+// HarfBuzz over the font file with FreeType's unhinted advances: what a layout of one piece has to
+// agree with.
+class Reference {
+public:
+    explicit Reference(const char* font, float size, int face = 0) : mSize(size) {
+        const std::vector<char>& bytes = gxtest::fontBytes(font);
+        hb_blob_t* blob = hb_blob_create(bytes.data(), static_cast<unsigned>(bytes.size()),
+                                         HB_MEMORY_MODE_READONLY, nullptr, nullptr);
+        hb_face_t* hbFace = hb_face_create(blob, static_cast<unsigned>(face));
+        hb_font_t* base = hb_font_create(hbFace);
+        mFont = hb_font_create_sub_font(base);
+        hb_font_destroy(base);
+        hb_face_destroy(hbFace);
+        hb_blob_destroy(blob);
+
+        FT_Init_FreeType(&mLibrary);
+        FT_New_Memory_Face(mLibrary, reinterpret_cast<const FT_Byte*>(bytes.data()),
+                           static_cast<FT_Long>(bytes.size()), face, &mFace);
+        FT_Set_Char_Size(mFace, static_cast<FT_F26Dot6>(size * 64),
+                         static_cast<FT_F26Dot6>(size * 64), 72, 72);
+        const int scale = static_cast<int>(size * 256);
+        hb_font_set_scale(mFont, scale, scale);
+        hb_font_set_ppem(mFont, static_cast<unsigned>(size), static_cast<unsigned>(size));
+        hb_font_funcs_t* funcs = hb_font_funcs_create();
+        hb_font_funcs_set_glyph_h_advance_func(funcs, advance, nullptr, nullptr);
+        hb_font_set_funcs(mFont, funcs, mFace, nullptr);
+        hb_font_funcs_destroy(funcs);
+    }
+    ~Reference() {
+        hb_font_destroy(mFont);
+        FT_Done_Face(mFace);
+        FT_Done_FreeType(mLibrary);
+    }
+    Reference(const Reference&) = delete;
+    Reference& operator=(const Reference&) = delete;
+
+    ShapedText shape(const std::u16string& text, bool rtl, size_t start = 0,
+                     size_t count = std::u16string::npos,
+                     const std::vector<std::string>& features = {}, const char* language = "") {
+        count = std::min(count, text.size() - start);
+        hb_buffer_t* buffer = hb_buffer_create();
+        hb_buffer_add_utf16(buffer, units(text), static_cast<int>(text.size()),
+                            static_cast<unsigned>(start), static_cast<int>(count));
+        hb_buffer_set_direction(buffer, rtl ? HB_DIRECTION_RTL : HB_DIRECTION_LTR);
+        hb_buffer_set_script(buffer, scriptOf(text.substr(start, count)));
+        hb_buffer_set_language(buffer, hb_language_from_string(language, -1));
+        std::vector<hb_feature_t> parsed;
+        for (const std::string& feature : features) {
+            parsed.emplace_back();
+            hb_feature_from_string(feature.c_str(), -1, &parsed.back());
+        }
+        hb_shape(mFont, buffer, parsed.data(), static_cast<unsigned>(parsed.size()));
+        const ShapedText result = read(buffer, start);
+        hb_buffer_destroy(buffer);
+        return result;
+    }
+
+private:
+    static hb_position_t advance(hb_font_t* /*font*/, void* data, hb_codepoint_t glyph,
+                                 void* /*user*/) {
+        auto* face = static_cast<FT_Face>(data);
+        if (FT_Load_Glyph(face, glyph, FT_LOAD_NO_HINTING | FT_LOAD_NO_BITMAP)) return 0;
+        // 16.16 to 24.8
+        return static_cast<hb_position_t>(face->glyph->linearHoriAdvance / 256);
+    }
+
+    static hb_script_t scriptOf(const std::u16string& text) {
+        for (const char16_t unit : text) {
+            const hb_script_t script = hb_unicode_script(hb_unicode_funcs_get_default(), unit);
+            if (script != HB_SCRIPT_COMMON && script != HB_SCRIPT_INHERITED) return script;
+        }
+        return HB_SCRIPT_COMMON;
+    }
+
+    static ShapedText read(hb_buffer_t* buffer, size_t start) {
+        unsigned count = 0;
+        const hb_glyph_info_t* infos = hb_buffer_get_glyph_infos(buffer, &count);
+        const hb_glyph_position_t* positions = hb_buffer_get_glyph_positions(buffer, &count);
+        ShapedText result;
+        for (unsigned i = 0; i < count; i++) {
+            result.glyphs.push_back(
+                {infos[i].codepoint, infos[i].cluster - static_cast<uint32_t>(start),
+                 result.advance + positions[i].x_offset / 256.0f, -positions[i].y_offset / 256.0f});
+            result.advance += positions[i].x_advance / 256.0f;
+        }
+        return result;
+    }
+
+    float mSize;
+    hb_font_t* mFont = nullptr;
+    FT_Library mLibrary = nullptr;
+    FT_Face mFace = nullptr;
+};
+
+class LayoutTest : public testing::Test {
+protected:
+    LayoutTest() {
+        paint.setJavaFlags(kAntiAlias | kSubpixel);
+        paint.getSkFont().setSize(40);
+    }
+
+    void setFonts(const std::vector<std::shared_ptr<minikin::FontFamily>>& families,
+                  int weight = 400, int italic = 0) {
+        auto copy = families;
+        typeface.reset(Typeface::createFromFamilies(std::move(copy), weight, italic));
+    }
+    void setFont(const char* name, int face = 0) { setFonts({makeFamily(loadFont(name, face))}); }
+
+    Layout layOut(const std::u16string& text, Bidi bidi = Bidi::DEFAULT_LTR) const {
+        return layOutPart(text, 0, text.size(), bidi);
+    }
+    // A part with the whole text as context.
+    Layout layOutPart(const std::u16string& text, size_t start, size_t count,
+                      Bidi bidi = Bidi::DEFAULT_LTR) const {
+        return MinikinUtils::doLayout(&paint, bidi, typeface.get(), units(text), text.size(), start,
+                                      count, 0, text.size(), nullptr);
+    }
+
+    static std::vector<uint32_t> glyphs(const Layout& layout) {
+        std::vector<uint32_t> ids;
+        for (size_t i = 0; i < layout.nGlyphs(); i++) {
+            ids.push_back(layout.getGlyphId(static_cast<int>(i)));
+        }
+        return ids;
+    }
+
+    // Advances of the clusters of a shaped text, per unit.
+    static std::vector<float> unitAdvances(const ShapedText& shaped, size_t count) {
+        std::vector<float> advances(count);
+        for (size_t i = 0; i < shaped.glyphs.size(); i++) {
+            const float end =
+                i + 1 < shaped.glyphs.size() ? shaped.glyphs[i + 1].x : shaped.advance;
+            advances[shaped.glyphs[i].cluster] += end - shaped.glyphs[i].x;
+        }
+        return advances;
+    }
+
+    static void expectSame(const Layout& layout, const ShapedText& expected) {
+        ASSERT_EQ(layout.nGlyphs(), expected.glyphs.size());
+        for (int i = 0; i < static_cast<int>(layout.nGlyphs()); i++) {
+            const Glyph& glyph = expected.glyphs[static_cast<size_t>(i)];
+            EXPECT_EQ(layout.getGlyphId(i), glyph.id) << i;
+            // One step per advance may be lost to truncation.
+            EXPECT_NEAR(layout.getX(i), glyph.x, kStep * (i + 1.0f)) << i;
+            EXPECT_NEAR(layout.getY(i), glyph.y, kStep) << i;
+        }
+        EXPECT_NEAR(layout.getAdvance(), expected.advance,
+                    kStep * (1.0f + static_cast<float>(layout.nGlyphs())));
+    }
+
+    Paint paint;
+    std::unique_ptr<Typeface> typeface;
+};
+
+TEST_F(LayoutTest, SingleWordsAgreeWithHarfBuzz) {
+    const struct {
+        const char* font;
+        int face;
+        std::u16string text;
+        bool rtl;
+    } cases[] = {
+        {gxtest::kNotoSans, 0, u"Typography", false},
+        {gxtest::kNotoSans, 0, u"AVATAR", false},
+        {gxtest::kDejaVuSans, 0, u"o\u0308ffice", false},
+        {gxtest::kNotoArabic, 0, u"\u0645\u0631\u062D\u0628\u0627", true},
+        {gxtest::kNotoArabic, 0, u"\u0644\u0627\u064E\u0651", true},
+        {gxtest::kNotoDevanagari, 0, u"\u0939\u093F\u0928\u094D\u0926\u0940", false},
+        {gxtest::kNotoDevanagari, 0, u"\u0915\u094D\u0937\u0924\u094D\u0930\u093F\u092F", false},
+        {gxtest::kNotoThai, 0, u"\u0E2A\u0E27\u0E31\u0E2A\u0E14\u0E35\u0E04\u0E23\u0E31\u0E1A",
+         false},
+        {gxtest::kNotoHebrew, 0, u"\u05E9\u05C1\u05B8\u05DC\u05D5\u05B9\u05DD", true},
+        {gxtest::kNotoCjk, 0, u"\u304B\u305F\u304B\u306A", false},
+        {gxtest::kNotoCjk, 1, u"\uD55C\uAD6D\uC5B4", false},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.font << " face " << c.face);
+        setFont(c.font, c.face);
+        const Layout layout = layOut(c.text);
+        const ShapedText expected = Reference(c.font, 40, c.face).shape(c.text, c.rtl);
+        expectSame(layout, expected);
+        for (const uint32_t id : glyphs(layout)) EXPECT_NE(id, 0u);
+        float sum = 0;
+        for (const float advance : layout.getAdvances()) sum += advance;
+        EXPECT_NEAR(sum, layout.getAdvance(), kStep);
+        EXPECT_EQ(layout.getAdvances().size(), c.text.size());
+    }
+}
+
+TEST_F(LayoutTest, AdvancesStandAtTheFirstUnitOfEachCluster) {
+    setFont(gxtest::kNotoDevanagari);
+    const std::u16string text = u"\u0915\u093F\u0916\u0917";  // the sign I goes before its letter
+    const Layout layout = layOut(text);
+    const ShapedText expected = Reference(gxtest::kNotoDevanagari, 40).shape(text, false);
+    const std::vector<float> advances = unitAdvances(expected, text.size());
+    EXPECT_EQ(advances[1], 0);
+    for (size_t i = 0; i < text.size(); i++) {
+        EXPECT_NEAR(layout.getCharAdvance(i), advances[i], 3 * kStep) << i;
+    }
+    setFont(gxtest::kNotoCjk);
+    const Layout pair = layOut(u"\U00020BB7a");
+    EXPECT_NEAR(pair.getCharAdvance(0), 40, kStep);
+    EXPECT_EQ(pair.getCharAdvance(1), 0);
+    EXPECT_GT(pair.getCharAdvance(2), 0);
+}
+
+TEST_F(LayoutTest, LettersJoinAcrossTheRangeButNotAcrossSpaces) {
+    setFont(gxtest::kNotoArabic);
+    const std::u16string word = u"\u0628\u0628\u0628";
+    Reference reference(gxtest::kNotoArabic, 40);
+    // The middle letter alone keeps its medial form because its neighbours are in the context.
+    expectSame(layOutPart(word, 1, 1), reference.shape(word, true, 1, 1));
+    const auto medial = glyphs(layOutPart(word, 1, 1));
+    const auto isolated = glyphs(layOut(u"\u0628"));
+    EXPECT_NE(medial, isolated);
+    // Without the neighbours in the context it stands alone.
+    const Layout alone = MinikinUtils::doLayout(&paint, Bidi::DEFAULT_LTR, typeface.get(),
+                                                units(word), 3, 1, 1, 1, 1, nullptr);
+    EXPECT_EQ(glyphs(alone), isolated);
+    // A space ends the joining, a joiner does not.
+    const auto spaced = glyphs(layOut(u"\u0628 \u0628"));
+    ASSERT_EQ(spaced.size(), 3u);
+    EXPECT_EQ(spaced.front(), isolated.front());
+    EXPECT_EQ(spaced.back(), isolated.back());
+    EXPECT_NE(glyphs(layOut(u"\u0628\u200D")), isolated);
+}
+
+TEST_F(LayoutTest, NothingKernsAcrossASpace) {
+    setFont(gxtest::kNotoSans);
+    const float whole = layOut(u"AV AV").getAdvance();
+    const float parts = 2 * layOut(u"AV").getAdvance() + layOut(u" ").getAdvance();
+    EXPECT_FLOAT_EQ(whole, parts);
+    EXPECT_LT(layOut(u"AV").getAdvance(), layOut(u"A").getAdvance() + layOut(u"V").getAdvance());
+}
+
+TEST_F(LayoutTest, MixedDirectionsComeInVisualOrder) {
+    setFonts({makeFamily(loadFont(gxtest::kNotoSans)), makeFamily(loadFont(gxtest::kNotoHebrew))});
+    const auto id = [this](const std::u16string& letter) { return glyphs(layOut(letter)).at(0); };
+    const uint32_t a = id(u"a");
+    const uint32_t b = id(u"b");
+    const uint32_t alef = id(u"\u05D0");
+    const uint32_t bet = id(u"\u05D1");
+    const uint32_t space = id(u" ");
+    const uint32_t one = id(u"1");
+    const uint32_t two = id(u"2");
+    using Ids = std::vector<uint32_t>;
+
+    const std::u16string mixed = u"ab \u05D0\u05D1 1";
+    EXPECT_EQ(glyphs(layOut(mixed)), (Ids{a, b, space, one, space, bet, alef}));
+    EXPECT_EQ(glyphs(layOut(mixed, Bidi::LTR)), (Ids{a, b, space, one, space, bet, alef}));
+    EXPECT_EQ(glyphs(layOut(mixed, Bidi::RTL)), (Ids{one, space, bet, alef, space, a, b}));
+    EXPECT_EQ(glyphs(layOut(mixed, Bidi::DEFAULT_RTL)), glyphs(layOut(mixed)));
+    EXPECT_EQ(glyphs(layOut(mixed, Bidi::FORCE_LTR)), (Ids{a, b, space, alef, bet, space, one}));
+    EXPECT_EQ(glyphs(layOut(mixed, Bidi::FORCE_RTL)), (Ids{one, space, bet, alef, space, b, a}));
+
+    // The default direction only counts without a strong character.
+    EXPECT_EQ(glyphs(layOut(u"ab", Bidi::DEFAULT_RTL)), (Ids{a, b}));
+    EXPECT_EQ(glyphs(layOut(u"\u05D0b", Bidi::DEFAULT_LTR)), (Ids{b, alef}));
+    EXPECT_EQ(glyphs(layOut(u"12", Bidi::DEFAULT_RTL)), (Ids{one, two}));
+    // The context decides for a part, and the part alone would not.
+    EXPECT_EQ(glyphs(layOutPart(u"\u05D0 1 2", 2, 3)), (Ids{one, space, two}));
+    EXPECT_EQ(glyphs(layOutPart(u"\u05D0 a b", 0, 3)), (Ids{a, space, alef}));
+    // Positions run from left to right whatever the direction.
+    const Layout layout = layOut(mixed);
+    for (int i = 1; i < static_cast<int>(layout.nGlyphs()); i++) {
+        EXPECT_GT(layout.getX(i), layout.getX(i - 1));
+    }
+}
+
+TEST_F(LayoutTest, IdeographsStandAloneAndLanguagesShapeThem) {
+    setFont(gxtest::kNotoCjk);
+    const std::u16string text = u"\u4E00\u76F4\u9AA8";
+    const Layout layout = layOut(text);
+    ASSERT_EQ(layout.nGlyphs(), 3u);
+    for (int i = 0; i < 3; i++) EXPECT_FLOAT_EQ(layout.getX(i), 40.0f * static_cast<float>(i));
+
+    Reference reference(gxtest::kNotoCjk, 40);
+    paint.setMinikinLocaleListId(minikin::registerLocaleList("zh-Hans"));
+    const std::u16string bone = u"\u9AA8";
+    const Layout chinese = layOut(bone);
+    EXPECT_NE(glyphs(chinese), glyphs(layOutPart(text, 3, 0)));
+    expectSame(chinese, reference.shape(bone, false, 0, 1, {}, "zh-hans"));
+    paint.setMinikinLocaleListId(minikin::registerLocaleList("ja"));
+    EXPECT_NE(glyphs(layOut(bone)), glyphs(chinese));
+}
+
+TEST_F(LayoutTest, VariationSequencesGiveOneGlyph) {
+    setFont(gxtest::kNotoCjk);
+    const Layout plain = layOut(u"\u5026");
+    const Layout variant = layOut(u"\u5026\U000E0101");
+    const ShapedText expected = Reference(gxtest::kNotoCjk, 40).shape(u"\u5026\U000E0101", false);
+    ASSERT_EQ(variant.nGlyphs(), 1u);
+    EXPECT_EQ(variant.getGlyphId(0), expected.glyphs[0].id);
+    EXPECT_NE(variant.getGlyphId(0), plain.getGlyphId(0));
+    EXPECT_EQ(variant.getAdvances().size(), 3u);
+}
+
+TEST_F(LayoutTest, FontsFollowTheFamiliesAndFakeTheStyle) {
+    // A bold user font before regular fallbacks: only these are emboldened.
+    setFonts({makeFamily(loadFont(gxtest::kNotoSansBold)), makeFamily(loadFont(gxtest::kNotoThai))},
+             700, 1);
+    const Layout layout = layOut(u"a\u0E01");
+    ASSERT_EQ(layout.nGlyphs(), 2u);
+    const auto& families = typeface->fFontCollection->getFamilies();
+    EXPECT_EQ(layout.getFont(0), families[0]->getFont(0)->typeface().get());
+    EXPECT_EQ(layout.getFont(1), families[1]->getFont(0)->typeface().get());
+    EXPECT_EQ(layout.getFakery(0), minikin::FontFakery(false, true));
+    EXPECT_EQ(layout.getFakery(1), minikin::FontFakery(true, true));
+}
+
+TEST_F(LayoutTest, FakeBoldGrowsTheInkNotTheAdvance) {
+    setFont(gxtest::kNotoSans);
+    const Layout plain = layOut(u"Hn");
+    setFonts({makeFamily(loadFont(gxtest::kNotoSans))}, 700);
+    const Layout bold = layOut(u"Hn");
+    EXPECT_FLOAT_EQ(bold.getAdvance(), plain.getAdvance());
+    EXPECT_GT(bold.getBounds().mRight, plain.getBounds().mRight);
+    EXPECT_LT(bold.getBounds().mTop, plain.getBounds().mTop);
+    setFonts({makeFamily(loadFont(gxtest::kNotoSans))}, 400, 1);
+    EXPECT_GT(layOut(u"H").getBounds().mRight, plain.getBounds().mLeft);
+}
+
+TEST_F(LayoutTest, SizeIsCutToWholePixelsUnlessLinear) {
+    setFont(gxtest::kNotoSans);
+    const float at42 = [this] {
+        paint.getSkFont().setSize(42);
+        return layOut(u"width").getAdvance();
+    }();
+    paint.getSkFont().setSize(42.7f);
+    EXPECT_FLOAT_EQ(layOut(u"width").getAdvance(), at42);
+    paint.setJavaFlags(kAntiAlias | kLinear);
+    EXPECT_NEAR(layOut(u"width").getAdvance(), at42 * 42.7f / 42, 0.2f);
+    EXPECT_GT(layOut(u"width").getAdvance(), at42 + 0.5f);
+}
+
+TEST_F(LayoutTest, ScaleStretchesAndSkewMovesRaisedMarks) {
+    setFont(gxtest::kNotoThai);
+    const std::u16string text = u"\u0E01\u0E35\u0E49";  // two marks stacked on a letter
+    const Layout plain = layOut(text);
+    paint.getSkFont().setScaleX(2);
+    const Layout wide = layOut(text);
+    EXPECT_NEAR(wide.getAdvance(), 2 * plain.getAdvance(), 6 * kStep);
+    paint.getSkFont().setScaleX(1);
+    paint.getSkFont().setSkewX(-0.5f);
+    const Layout skewed = layOut(text);
+    ASSERT_EQ(skewed.nGlyphs(), plain.nGlyphs());
+    for (int i = 0; i < static_cast<int>(plain.nGlyphs()); i++) {
+        EXPECT_NEAR(skewed.getX(i), plain.getX(i) - 0.5f * plain.getY(i), kStep);
+    }
+}
+
+TEST_F(LayoutTest, LetterSpacingSurroundsClustersButNotJoinedScripts) {
+    setFont(gxtest::kNotoSans);
+    const std::u16string text = u"a\u0301b c";  // three clusters and a space
+    const Layout plain = layOut(text);
+    paint.setLetterSpacing(0.1f);
+    const Layout spaced = layOut(text);
+    EXPECT_NEAR(spaced.getAdvance(), plain.getAdvance() + 4 * 4, 0.01f);
+    EXPECT_NEAR(spaced.getX(0), plain.getX(0) + 2, 0.01f);
+    EXPECT_NEAR(spaced.getCharAdvance(2), plain.getCharAdvance(2) + 4, 0.01f);
+    paint.setLetterSpacing(-0.05f);
+    EXPECT_NEAR(layOut(text).getAdvance(), plain.getAdvance() - 4 * 2, 0.01f);
+    EXPECT_NEAR(layOut(text).getX(0), plain.getX(0) - 1, 0.01f);
+
+    for (const auto& [font, word] : {std::pair(gxtest::kNotoArabic, u"\u0628\u0628"),
+                                     std::pair(gxtest::kNotoDevanagari, u"\u0915\u0916")}) {
+        setFont(font);
+        paint.setLetterSpacing(0);
+        const float tight = layOut(word).getAdvance();
+        paint.setLetterSpacing(0.5f);
+        EXPECT_FLOAT_EQ(layOut(word).getAdvance(), tight) << font;
+    }
+}
+
+TEST_F(LayoutTest, WideLetterSpacingTakesLigaturesApart) {
+    setFont(gxtest::kDejaVuSans);
+    const size_t ligature = layOut(u"office").nGlyphs();
+    ASSERT_LT(ligature, 6u);
+    paint.setLetterSpacing(0.03f);
+    EXPECT_EQ(layOut(u"office").nGlyphs(), ligature);
+    paint.setLetterSpacing(0.031f);
+    EXPECT_EQ(layOut(u"office").nGlyphs(), 6u);
+    paint.setLetterSpacing(-0.031f);
+    EXPECT_EQ(layOut(u"office").nGlyphs(), 6u);
+    // The paint's own settings come later and win.
+    paint.setFontFeatureSettings("liga");
+    EXPECT_EQ(layOut(u"office").nGlyphs(), ligature);
+}
+
+TEST_F(LayoutTest, FeatureSettingsAreReadOneByOne) {
+    setFont(gxtest::kDejaVuSans);
+    const size_t ligature = layOut(u"office").nGlyphs();
+    for (const char* off : {"-liga", "'liga' off", "\"liga\" 0", "liga=0", "kern, liga 0",
+                            ",,liga off,", "%%%,-liga"}) {
+        paint.setFontFeatureSettings(off);
+        EXPECT_EQ(layOut(u"office").nGlyphs(), 6u) << off;
+    }
+    for (const char* ignored :
+         {"", ",", "liga[0:3]=0", "li ga", "nonsense is ignored", "\xFF\xFE"}) {
+        paint.setFontFeatureSettings(ignored);
+        EXPECT_EQ(layOut(u"office").nGlyphs(), ligature) << ignored;
+    }
+    paint.setFontFeatureSettings("'kern' off");
+    const ShapedText expected =
+        Reference(gxtest::kDejaVuSans, 40).shape(u"AVAV", false, 0, 4, {"-kern"});
+    expectSame(layOut(u"AVAV"), expected);
+}
+
+TEST_F(LayoutTest, WordSpacingWidensSpaces) {
+    setFont(gxtest::kNotoSans);
+    const Layout plain = layOut(u"a b\u2003c");
+    paint.setWordSpacing(7);
+    const Layout spaced = layOut(u"a b\u2003c");
+    EXPECT_FLOAT_EQ(spaced.getAdvance(), plain.getAdvance() + 7);
+    EXPECT_FLOAT_EQ(spaced.getCharAdvance(1), plain.getCharAdvance(1) + 7);
+    EXPECT_FLOAT_EQ(spaced.getX(2), plain.getX(2) + 7);
+}
+
+TEST_F(LayoutTest, BoundsHoldTheInkInWholePixels) {
+    setFont(gxtest::kNotoSans);
+    const Layout layout = layOut(u"Hg");
+    minikin::MinikinRect bounds;
+    layout.getBounds(&bounds);
+    EXPECT_EQ(bounds, layout.getBounds());
+    EXPECT_EQ(bounds.mTop, std::floor(bounds.mTop));
+    EXPECT_EQ(bounds.mBottom, std::ceil(bounds.mBottom));
+    // Capital height 714 and descent of g 240 of 1000 units.
+    EXPECT_NEAR(bounds.mTop, -29, 1);
+    EXPECT_NEAR(bounds.mBottom, 10, 1);
+    EXPECT_GE(bounds.mLeft, 0);
+    EXPECT_LE(bounds.mRight, layout.getAdvance() + 1);
+    // Blanks around the ink do not count.
+    EXPECT_EQ(layOut(u"Hg ").getBounds(), bounds);
+    const Layout indented = layOut(u" Hg");
+    EXPECT_FLOAT_EQ(indented.getBounds().mLeft - bounds.mLeft, indented.getX(1));
+}
+
+TEST_F(LayoutTest, BlankLinesHaveNoHeightAndStandAtTheLastBlank) {
+    setFont(gxtest::kNotoSans);
+    const Layout layout = layOut(u"   ");
+    const float width = layOut(u" ").getAdvance();
+    EXPECT_FLOAT_EQ(layout.getAdvance(), 3 * width);
+    EXPECT_EQ(layout.getBounds(), minikin::MinikinRect(2 * width, 0, 2 * width, 0));
+}
+
+TEST_F(LayoutTest, ColorBitmapsAreMeasuredByTheFontFile) {
+    setFont(gxtest::kNotoColorEmoji);
+    const Layout layout = layOut(u"\U0001F600");
+    ASSERT_EQ(layout.nGlyphs(), 1u);
+    EXPECT_NEAR(layout.getAdvance(), 40 * 2550.0f / 2048, 0.1f);
+    const minikin::MinikinRect bounds = layout.getBounds();
+    EXPECT_GT(bounds.mRight - bounds.mLeft, 35);
+    EXPECT_LT(bounds.mTop, -20);
+    EXPECT_EQ(bounds.mTop, std::round(bounds.mTop));
+}
+
+TEST_F(LayoutTest, EmptyRangesAndEmptyCollectionsGiveNothing) {
+    setFont(gxtest::kNotoSans);
+    for (const Layout& layout : {layOut(u""), layOutPart(u"abc", 1, 0), layOutPart(u"abc", 3, 0)}) {
+        EXPECT_EQ(layout.nGlyphs(), 0u);
+        EXPECT_EQ(layout.getAdvance(), 0);
+        EXPECT_TRUE(layout.getAdvances().empty());
+        EXPECT_EQ(layout.getBounds(), minikin::MinikinRect());
+    }
+    setFonts({});
+    EXPECT_EQ(layOut(u"abc").nGlyphs(), 0u);
+    EXPECT_EQ(layOut(u"abc").getAdvances(), std::vector<float>(3));
+    setFonts({nullptr, makeFamily(nullptr)});
+    EXPECT_EQ(layOut(u"abc").nGlyphs(), 0u);
+}
+
+TEST_F(LayoutTest, RangesOutsideTheTextAreCutOff) {
+    setFont(gxtest::kNotoSans);
+    const std::u16string text = u"abcdef";
+    constexpr size_t kHuge = std::numeric_limits<size_t>::max();
+    const struct {
+        size_t start, count, contextStart, contextCount;
+        size_t glyphs;
+    } cases[] = {
+        {0, kHuge, 0, kHuge, 6}, {4, 10, 0, 6, 2},        {9, 2, 0, 6, 0}, {kHuge, kHuge, 0, 6, 0},
+        {0, 6, 2, 2, 2},         {0, 3, 4, 2, 0},         {5, 1, 0, 3, 0}, {0, 6, kHuge, 5, 0},
+        {1, 2, 3, kHuge, 0},     {kHuge - 2, 9, 0, 6, 0},
+    };
+    for (const auto& c : cases) {
+        const Layout layout =
+            MinikinUtils::doLayout(&paint, Bidi::LTR, typeface.get(), units(text), text.size(),
+                                   c.start, c.count, c.contextStart, c.contextCount, nullptr);
+        EXPECT_EQ(layout.nGlyphs(), c.glyphs) << c.start << " " << c.count;
+        EXPECT_EQ(layout.getAdvances().size(), c.glyphs);
+    }
+    EXPECT_EQ(
+        MinikinUtils::doLayout(&paint, Bidi::LTR, typeface.get(), nullptr, 5, 0, 5, 0, 5, nullptr)
+            .nGlyphs(),
+        0u);
+    EXPECT_EQ(MinikinUtils::doLayout(nullptr, Bidi::LTR, typeface.get(), units(text), 6, 0, 6, 0, 6,
+                                     nullptr)
+                  .nGlyphs(),
+              0u);
+}
+
+TEST_F(LayoutTest, LoneSurrogatesAndNulsAreLaidOut) {
+    setFont(gxtest::kNotoSans);
+    const uint32_t replacement = glyphs(layOut(u"\uFFFD")).at(0);
+    const auto broken = glyphs(layOut(std::u16string{'a', 0xD83D, 'b', 0xDE00, 0xD83D}));
+    ASSERT_EQ(broken.size(), 5u);
+    EXPECT_EQ(broken[1], replacement);
+    EXPECT_EQ(broken[3], replacement);
+    EXPECT_EQ(broken[4], replacement);
+    EXPECT_EQ(layOut(std::u16string(4, u'\0')).getAdvances().size(), 4u);
+    // A range that cuts a pair in two.
+    EXPECT_EQ(glyphs(layOutPart(u"\U0001F600", 1, 1)), std::vector<uint32_t>{replacement});
+}
+
+TEST_F(LayoutTest, SenselessNumbersStayFinite) {
+    setFont(gxtest::kNotoSans);
+    const float values[] = {std::numeric_limits<float>::quiet_NaN(),
+                            std::numeric_limits<float>::infinity(),
+                            -std::numeric_limits<float>::infinity(),
+                            std::numeric_limits<float>::max(),
+                            -std::numeric_limits<float>::max(),
+                            std::numeric_limits<float>::denorm_min(),
+                            1e9f,
+                            -3.5f,
+                            0.0f};
+    for (const bool linear : {false, true}) {
+        for (int field = 0; field < 5; field++) {
+            for (const float value : values) {
+                SCOPED_TRACE(testing::Message() << "field " << field << " value " << value);
+                Paint odd;
+                odd.setJavaFlags(linear ? kAntiAlias | kLinear : kAntiAlias | kSubpixel);
+                odd.getSkFont().setSize(field == 0 ? value : 20);
+                if (field == 1) odd.getSkFont().setScaleX(value);
+                if (field == 2) odd.getSkFont().setSkewX(value);
+                if (field == 3) odd.setLetterSpacing(value);
+                if (field == 4) odd.setWordSpacing(value);
+                const std::u16string text = u"A\u0301b c";
+                const Layout layout = MinikinUtils::doLayout(&odd, Bidi::LTR, typeface.get(),
+                                                             units(text), 5, 0, 5, 0, 5, nullptr);
+                EXPECT_TRUE(std::isfinite(layout.getAdvance()));
+                const minikin::MinikinRect bounds = layout.getBounds();
+                EXPECT_TRUE(std::isfinite(bounds.mLeft) && std::isfinite(bounds.mTop) &&
+                            std::isfinite(bounds.mRight) && std::isfinite(bounds.mBottom));
+                for (int i = 0; i < static_cast<int>(layout.nGlyphs()); i++) {
+                    EXPECT_TRUE(std::isfinite(layout.getX(i)) && std::isfinite(layout.getY(i)));
+                }
+            }
+        }
+    }
+}
+
+TEST_F(LayoutTest, LongLinesTakeLinearTime) {
+    setFonts({makeFamily(loadFont(gxtest::kNotoSans)), makeFamily(loadFont(gxtest::kNotoHebrew)),
+              makeFamily(loadFont(gxtest::kNotoThai))});
+    constexpr size_t kLength = 100000;
+    const std::u16string patterns[] = {u"a",
+                                       u" ",
+                                       u"a\u05D0",
+                                       u"a\u0E01",
+                                       u"\u0301",
+                                       u"ab \u05D0\u05D1 ",
+                                       u"\u202E\u0E01",
+                                       std::u16string(1, 0xD800)};
+    for (const std::u16string& pattern : patterns) {
+        std::u16string text;
+        while (text.size() < kLength) text += pattern;
+        const auto begin = std::chrono::steady_clock::now();
+        const Layout layout = layOut(text);
+        const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - begin;
+        EXPECT_EQ(layout.getAdvances().size(), text.size());
+        // Quadratic work would take minutes.
+        EXPECT_LT(taken.count(), 20) << std::hex << static_cast<int>(pattern[0]);
+    }
+}
+
+TEST_F(LayoutTest, RandomTextsInEveryDirection) {
+    setFonts({makeFamily(loadFont(gxtest::kNotoSans)), makeFamily(loadFont(gxtest::kNotoArabic)),
+              makeFamily(loadFont(gxtest::kNotoDevanagari)),
+              makeFamily(loadFont(gxtest::kNotoColorEmoji))});
+    gxtest::Random random(11);
+    SCOPED_TRACE(testing::Message() << "seed " << random.seed());
+    const std::u16string alphabet =
+        u"aV \u0628\u0644\u064E\u0915\u094D\u093F\u200D\u200F\u202E\u2066\u0301\uFE0F\n\r\u00AD1";
+    for (int round = 0; round < 300; round++) {
+        std::u16string text;
+        for (int i = random.between(0, 30); i > 0; i--) {
+            text += random.oneIn(8) ? static_cast<char16_t>(random.word())
+                                    : alphabet[static_cast<size_t>(random.between(
+                                          0, static_cast<int>(alphabet.size()) - 1))];
+        }
+        const auto bidi = static_cast<Bidi>(random.between(0, 5));
+        const auto start = static_cast<size_t>(random.between(0, static_cast<int>(text.size())));
+        const auto count =
+            static_cast<size_t>(random.between(0, static_cast<int>(text.size() - start)));
+        const Layout layout = layOutPart(text, start, count, bidi);
+        ASSERT_EQ(layout.getAdvances().size(), count);
+        const float sum =
+            std::accumulate(layout.getAdvances().begin(), layout.getAdvances().end(), 0.0f);
+        EXPECT_NEAR(sum, layout.getAdvance(), 0.05f);
+    }
+}
+
+TEST_F(LayoutTest, OneTypefaceServesSeveralThreads) {
+    setFonts({makeFamily(loadFont(gxtest::kNotoSans)), makeFamily(loadFont(gxtest::kNotoArabic))});
+    const std::u16string text = u"shared \u0645\u0631\u062D\u0628\u0627 fonts";
+    const Layout expected = layOut(text);
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 4; t++) {
+        threads.emplace_back([this, &text, &expected] {
+            for (int round = 0; round < 20; round++) {
+                const Layout layout = layOut(text);
+                EXPECT_EQ(glyphs(layout), glyphs(expected));
+                EXPECT_EQ(layout.getAdvance(), expected.getAdvance());
+            }
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
+}
+
+}  // namespace

@@ -1,0 +1,248 @@
+#include "hwui/Paint.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "hwui/MinikinUtils.h"
+#include "support/Fonts.h"
+
+namespace {
+
+using android::MinikinFontSkia;
+using android::MinikinUtils;
+using android::Paint;
+using minikin::FontFakery;
+
+TEST(PaintTest, Defaults) {
+    const Paint paint;
+    EXPECT_EQ(static_cast<const SkPaint&>(paint), SkPaint());
+    SkFont font;
+    font.setEdging(SkFont::Edging::kAlias);
+    EXPECT_EQ(paint.getSkFont(), font);
+    EXPECT_EQ(paint.getLetterSpacing(), 0);
+    EXPECT_EQ(paint.getWordSpacing(), 0);
+    EXPECT_EQ(paint.getFontFeatureSettings(), "");
+    EXPECT_EQ(paint.getMinikinLocaleListId(), 0u);
+    EXPECT_EQ(paint.getFamilyVariant(), minikin::FamilyVariant::DEFAULT);
+    EXPECT_EQ(paint.getTextAlign(), Paint::kLeft_Align);
+    EXPECT_EQ(paint.getAndroidTypeface(), nullptr);
+    EXPECT_EQ(paint.getJavaFlags(), 0u);
+}
+
+TEST(PaintTest, EachJavaFlagDrivesItsSetting) {
+    const struct {
+        uint32_t flag;
+        bool (*isSet)(const Paint&);
+    } flags[] = {
+        {0x001,
+         [](const Paint& p) {
+             return p.isAntiAlias() && p.getSkFont().getEdging() == SkFont::Edging::kAntiAlias;
+         }},
+        {0x002, [](const Paint& p) { return p.getFilterQuality() == kLow_SkFilterQuality; }},
+        {0x004, [](const Paint& p) { return p.isDither(); }},
+        {0x008, [](const Paint& p) { return p.isUnderline(); }},
+        {0x010, [](const Paint& p) { return p.isStrikeThru(); }},
+        {0x020, [](const Paint& p) { return p.getSkFont().isEmbolden(); }},
+        {0x040, [](const Paint& p) { return p.getSkFont().isLinearMetrics(); }},
+        {0x080, [](const Paint& p) { return p.getSkFont().isSubpixel(); }},
+        {0x100, [](const Paint& p) { return p.isDevKern(); }},
+        {0x400, [](const Paint& p) { return p.getSkFont().isEmbeddedBitmaps(); }},
+        {0x800, [](const Paint& p) { return p.getSkFont().isForceAutoHinting(); }},
+    };
+    for (const auto& set : flags) {
+        Paint paint;
+        paint.setJavaFlags(0xFFFFFFFF);
+        paint.setJavaFlags(set.flag);  // clears all others
+        EXPECT_EQ(paint.getJavaFlags(), set.flag);
+        for (const auto& other : flags) {
+            EXPECT_EQ(other.isSet(paint), other.flag == set.flag) << set.flag << " " << other.flag;
+        }
+    }
+    Paint paint;
+    paint.setJavaFlags(0xFFFFFFFF);
+    EXPECT_EQ(paint.getJavaFlags(), 0xDFFu);  // the LCD flag has no setting
+    paint.getSkFont().setHinting(SkFontHinting::kSlight);
+    paint.getSkFont().setSkewX(-1);
+    paint.setJavaFlags(0);
+    EXPECT_EQ(paint.getSkFont().getEdging(), SkFont::Edging::kAlias);
+    EXPECT_EQ(paint.getSkFont().getHinting(), SkFontHinting::kSlight);
+    EXPECT_EQ(paint.getSkFont().getSkewX(), -1);
+}
+
+TEST(PaintTest, EqualityNoticesEverySetting) {
+    android::Typeface* face = reinterpret_cast<android::Typeface*>(16);
+    void (*const changes[])(Paint&, android::Typeface*) = {
+        [](Paint& p, android::Typeface*) { p.setColor(SK_ColorRED); },
+        [](Paint& p, android::Typeface*) { p.getSkFont().setSize(13); },
+        [](Paint& p, android::Typeface*) { p.setLetterSpacing(1); },
+        [](Paint& p, android::Typeface*) { p.setWordSpacing(1); },
+        [](Paint& p, android::Typeface*) { p.setFontFeatureSettings("smcp"); },
+        [](Paint& p, android::Typeface*) { p.setMinikinLocaleListId(3); },
+        [](Paint& p, android::Typeface*) { p.setFamilyVariant(minikin::FamilyVariant::ELEGANT); },
+        [](Paint& p, android::Typeface*) { p.setTextAlign(Paint::kRight_Align); },
+        [](Paint& p, android::Typeface* f) { p.setAndroidTypeface(f); },
+        [](Paint& p, android::Typeface*) { p.setStrikeThru(true); },
+        [](Paint& p, android::Typeface*) { p.setUnderline(true); },
+        [](Paint& p, android::Typeface*) { p.setDevKern(true); },
+        [](Paint& p, android::Typeface*) { p.setAntiAlias(true); },
+    };
+    for (const auto change : changes) {
+        Paint paint;
+        change(paint, face);
+        EXPECT_NE(paint, Paint());
+        const Paint copy = paint;
+        EXPECT_EQ(copy, paint);
+        paint.reset();
+        EXPECT_EQ(paint, Paint());
+    }
+}
+
+TEST(MinikinFontSkiaTest, FlagsSurvivePacking) {
+    SkFont font;
+    font.setHinting(SkFontHinting::kSlight);
+    font.setEdging(SkFont::Edging::kAlias);
+    font.setSubpixel(true);
+    font.setEmbeddedBitmaps(true);
+    EXPECT_EQ(MinikinFontSkia::packFontFlags(font), 0x1000Cu);
+    for (uint32_t bits = 0; bits < 32; bits++) {
+        for (const uint32_t hinting : {0u, 1u, 2u, 3u}) {
+            for (const uint32_t edging : {0u, 1u, 2u}) {
+                const uint32_t flags = hinting << 16 | edging << 8 | bits;
+                MinikinFontSkia::unpackFontFlags(&font, flags);
+                EXPECT_EQ(MinikinFontSkia::packFontFlags(font), flags);
+            }
+        }
+    }
+}
+
+TEST(MinikinFontSkiaTest, PopulateAddsFakeryToWhatIsSet) {
+    const auto font = gxtest::loadFont(gxtest::kNotoSans);
+    SkFont skFont;
+    skFont.setSkewX(-0.5f);
+    skFont.setSize(33);
+    MinikinFontSkia::populateSkFont(&skFont, font.get(), FontFakery(false, true));
+    EXPECT_EQ(skFont.getSkewX(), -0.75f);
+    EXPECT_FALSE(skFont.isEmbolden());
+    EXPECT_EQ(skFont.getSize(), 33);
+    EXPECT_EQ(skFont.getTypeface(),
+              static_cast<const MinikinFontSkia*>(font.get())->GetSkTypeface());
+    skFont.setEmbolden(true);
+    MinikinFontSkia::populateSkFont(&skFont, nullptr, FontFakery(false, false));
+    EXPECT_TRUE(skFont.isEmbolden());
+    EXPECT_EQ(skFont.getTypeface(), nullptr);
+}
+
+TEST(MinikinFontSkiaTest, ReportsItsFile) {
+    const std::vector<char>& bytes = gxtest::fontBytes(gxtest::kNotoSans);
+    const auto font = gxtest::makeFont(bytes.data(), bytes.size(), 0, "some/path.ttf");
+    const auto* skia = static_cast<const MinikinFontSkia*>(font.get());
+    EXPECT_EQ(font->GetFontData(), bytes.data());
+    EXPECT_EQ(font->GetFontSize(), bytes.size());
+    EXPECT_EQ(font->GetFontIndex(), 0);
+    EXPECT_EQ(static_cast<uint32_t>(font->GetUniqueId()), skia->RefSkTypeface()->uniqueID());
+    EXPECT_EQ(skia->getFilePath(), "some/path.ttf");
+    EXPECT_TRUE(font->GetAxes().empty());
+
+    minikin::MinikinPaint paint(nullptr);
+    paint.size = 100;
+    paint.scaleX = 1;
+    minikin::MinikinExtent extent;
+    font->GetFontExtent(&extent, paint, FontFakery());
+    EXPECT_LT(extent.ascent, -70);
+    EXPECT_GT(extent.descent, 15);
+}
+
+// A layout over three fonts and what forFontRun made of it.
+class FontRunTest : public testing::Test {
+protected:
+    void SetUp() override {
+        std::vector<std::shared_ptr<minikin::FontFamily>> families = {
+            gxtest::makeFamily(gxtest::loadFont(gxtest::kNotoSansBold)),
+            gxtest::makeFamily(gxtest::loadFont(gxtest::kNotoThai))};
+        typeface.reset(android::Typeface::createFromFamilies(std::move(families), 700, 0));
+        paint.getSkFont().setSize(20);
+        paint.getSkFont().setSkewX(-0.125f);
+    }
+
+    minikin::Layout layOut(const std::u16string& text) {
+        return MinikinUtils::doLayout(&paint, minikin::Bidi::LTR, typeface.get(),
+                                      reinterpret_cast<const uint16_t*>(text.data()), text.size(),
+                                      0, text.size(), 0, text.size(), nullptr);
+    }
+
+    Paint paint;
+    std::unique_ptr<android::Typeface> typeface;
+};
+
+TEST_F(FontRunTest, RunsComeInOrderWithTheFontSetUpAndRestored) {
+    struct Run {
+        size_t start;
+        size_t end;
+        SkTypeface* face;
+        bool embolden;
+        float skew;
+    };
+    struct Recorder {
+        Paint& paint;
+        std::vector<Run> runs;
+        void operator()(size_t start, size_t end) {
+            const SkFont& font = paint.getSkFont();
+            runs.push_back({start, end, font.getTypeface(), font.isEmbolden(), font.getSkewX()});
+        }
+    };
+    const minikin::Layout layout = layOut(u"ab \u0E01\u0E02c");
+    Recorder recorder{paint, {}};
+    MinikinUtils::forFontRun(layout, &paint, recorder);
+
+    ASSERT_EQ(recorder.runs.size(), 3u);
+    const size_t starts[] = {0, 3, 5};
+    const size_t ends[] = {3, 5, 6};
+    for (size_t i = 0; i < 3; i++) {
+        const Run& run = recorder.runs[i];
+        EXPECT_EQ(run.start, starts[i]);
+        EXPECT_EQ(run.end, ends[i]);
+        const auto* font =
+            static_cast<const MinikinFontSkia*>(layout.getFont(static_cast<int>(starts[i])));
+        EXPECT_EQ(run.face, font->GetSkTypeface());
+        EXPECT_EQ(run.embolden, i == 1);  // the Thai font alone has no bold
+        EXPECT_EQ(run.skew, -0.125f);
+    }
+    EXPECT_FALSE(paint.getSkFont().isEmbolden());
+    EXPECT_EQ(paint.getSkFont().getSkewX(), -0.125f);
+    EXPECT_EQ(paint.getSkFont().getTypeface(), recorder.runs.back().face);
+}
+
+TEST_F(FontRunTest, NoGlyphsNoCall) {
+    int calls = 0;
+    auto count = [&calls](size_t, size_t) { calls++; };
+    MinikinUtils::forFontRun(layOut(u""), &paint, count);
+    EXPECT_EQ(calls, 0);
+    EXPECT_EQ(paint.getSkFont().getTypeface(), nullptr);
+}
+
+TEST_F(FontRunTest, MeasureTextAgreesWithTheLayout) {
+    const std::u16string text = u"ab \u0E01\u0E02c";
+    std::vector<float> advances(4, -1);
+    const float width = MinikinUtils::measureText(&paint, minikin::Bidi::LTR, typeface.get(),
+                                                  reinterpret_cast<const uint16_t*>(text.data()), 1,
+                                                  4, text.size(), advances.data());
+    const minikin::Layout whole = layOut(text);
+    float sum = 0;
+    for (size_t i = 0; i < 4; i++) {
+        EXPECT_FLOAT_EQ(advances[i], whole.getCharAdvance(i + 1));
+        sum += advances[i];
+    }
+    EXPECT_FLOAT_EQ(width, sum);
+    // Units beyond the text have no advance.
+    std::vector<float> beyond(4, -1);
+    MinikinUtils::measureText(&paint, minikin::Bidi::LTR, typeface.get(),
+                              reinterpret_cast<const uint16_t*>(text.data()), 5, 4, text.size(),
+                              beyond.data());
+    EXPECT_GT(beyond[0], 0);
+    EXPECT_EQ(beyond[1], 0);
+    EXPECT_EQ(beyond[3], 0);
+}
+
+}  // namespace
