@@ -1,5 +1,7 @@
 #include "minikin/Layout.h"
 
+#include <unicode/utf16.h>
+
 #include <algorithm>
 #include <cmath>
 
@@ -40,16 +42,46 @@ std::vector<uint32_t> wordBoundaries(const U16StringPiece& text) {
     return boundaries;
 }
 
-// The word around each piece of the run, in the order of reading the glyphs from left to right. A
-// piece is what the run has of the word.
-std::vector<Range> wordsOfRun(const std::vector<uint32_t>& boundaries, const BidiRun& run) {
-    std::vector<Range> words;
-    auto end = std::upper_bound(boundaries.begin(), boundaries.end(), run.range.getStart());
-    for (; end != boundaries.end() && *(end - 1) < run.range.getEnd(); ++end) {
-        words.emplace_back(*(end - 1), *end);
+struct Piece {
+    Range range;
+    Range word;  // around it
+};
+
+// HarfBuzz looks back over all marks for each mark: what has no end is shaped in parts, so that the
+// time stays in proportion to the length.
+constexpr uint32_t kMaxPieceLength = 1024;
+
+// Where to end a piece that begins at `start` and would reach to `end`: before a character that is
+// unlikely to belong to the one before it.
+uint32_t pieceEnd(const U16StringPiece& text, uint32_t start, uint32_t end) {
+    constexpr uint16_t kZeroWidthJoiner = 0x200D;
+    if (end - start <= kMaxPieceLength) return end;
+    const uint32_t limit = start + kMaxPieceLength;
+    for (uint32_t cut = limit; cut > start + kMaxPieceLength / 2; cut--) {
+        const uint16_t before = text[cut - 1];
+        uint32_t next = cut;
+        const bool attaches = U16_IS_TRAIL(text[cut]) || isCombining(nextCodePoint(text, &next));
+        if (!attaches && !isCombining(before) && before != kZeroWidthJoiner) return cut;
     }
-    if (run.isRtl) std::reverse(words.begin(), words.end());
-    return words;
+    return U16_IS_TRAIL(text[limit]) ? limit - 1 : limit;
+}
+
+// The run cut at words, in the order of reading the glyphs from left to right.
+std::vector<Piece> piecesOfRun(const U16StringPiece& text, const std::vector<uint32_t>& boundaries,
+                               const BidiRun& run) {
+    std::vector<Piece> pieces;
+    auto wordEnd = std::upper_bound(boundaries.begin(), boundaries.end(), run.range.getStart());
+    for (uint32_t start = run.range.getStart(); start < run.range.getEnd(); ++wordEnd) {
+        const Range word(*(wordEnd - 1), *wordEnd);
+        const uint32_t end = std::min(word.getEnd(), run.range.getEnd());
+        while (start < end) {
+            const uint32_t cut = pieceEnd(text, start, end);
+            pieces.push_back({Range(start, cut), word});
+            start = cut;
+        }
+    }
+    if (run.isRtl) std::reverse(pieces.begin(), pieces.end());
+    return pieces;
 }
 
 }  // namespace
@@ -65,14 +97,13 @@ Layout::Layout(const U16StringPiece& text, const Range& range, Bidi bidiFlags,
     const std::vector<uint32_t> boundaries = wordBoundaries(text);
     PieceShaper shaper(finitePaint);
     for (const BidiRun& run : visualRuns(text, inside, bidiFlags)) {
-        for (const Range& word : wordsOfRun(boundaries, run)) {
-            const Range piece = Range::intersection(word, run.range);
-            const Range pieceInWord(piece.getStart() - word.getStart(),
-                                    piece.getEnd() - word.getStart());
-            const bool isSpace = piece.getLength() == 1 && text[piece.getStart()] == ' ';
-            appendPiece(shaper.shape(text.substr(word), pieceInWord, run.isRtl),
-                        piece.getStart() - inside.getStart(),
-                        isSpace ? finitePaint.wordSpacing : 0.0f);
+        for (const Piece& piece : piecesOfRun(text, boundaries, run)) {
+            const uint32_t start = piece.range.getStart();
+            const uint32_t wordStart = piece.word.getStart();
+            const Range inWord(start - wordStart, piece.range.getEnd() - wordStart);
+            const bool isSpace = inWord.getLength() == 1 && text[start] == ' ';
+            appendPiece(shaper.shape(text.substr(piece.word), inWord, run.isRtl),
+                        start - inside.getStart(), isSpace ? finitePaint.wordSpacing : 0.0f);
         }
     }
 }

@@ -74,7 +74,7 @@ TEST(PaintTest, EachJavaFlagDrivesItsSetting) {
 TEST(PaintTest, EqualityNoticesEverySetting) {
     android::Typeface* face = reinterpret_cast<android::Typeface*>(16);
     void (*const changes[])(Paint&, android::Typeface*) = {
-        [](Paint& p, android::Typeface*) { p.setColor(SK_ColorRED); },
+        [](Paint& p, android::Typeface*) { p.setColor(0xFFFF0000); },
         [](Paint& p, android::Typeface*) { p.getSkFont().setSize(13); },
         [](Paint& p, android::Typeface*) { p.setLetterSpacing(1); },
         [](Paint& p, android::Typeface*) { p.setWordSpacing(1); },
