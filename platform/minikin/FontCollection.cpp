@@ -12,13 +12,12 @@ namespace {
 constexpr size_t kMaxFamilies = 254;
 constexpr uint32_t kEndOfText = 0xFFFFFFFF;
 
-// Scores of how well a family covers a code point; between the two extremes they weigh more than
+// Scores of how well a family covers a code point; they weigh more than
 // locale and variant together.
 constexpr uint32_t kNotCovered = 0;
 constexpr uint32_t kCovered = 1;
 constexpr uint32_t kEmojiStyleFits = 2;
 constexpr uint32_t kSequenceCovered = 3;
-constexpr uint32_t kUnbeatable = UINT32_MAX;
 constexpr unsigned kCoverageShift = 29;
 constexpr unsigned kLocaleShift = 1;
 

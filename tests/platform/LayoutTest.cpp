@@ -58,7 +58,7 @@ struct ShapedText {
 // agree with.
 class Reference {
 public:
-    explicit Reference(const char* font, float size, int face = 0) : mSize(size) {
+    explicit Reference(const char* font, float size, int face = 0) {
         const std::vector<char>& bytes = gxtest::fontBytes(font);
         hb_blob_t* blob = hb_blob_create(bytes.data(), static_cast<unsigned>(bytes.size()),
                                          HB_MEMORY_MODE_READONLY, nullptr, nullptr);
@@ -142,7 +142,6 @@ private:
         return result;
     }
 
-    float mSize;
     hb_font_t* mFont = nullptr;
     FT_Library mLibrary = nullptr;
     FT_Face mFace = nullptr;
