@@ -2,6 +2,7 @@
 
 #include <new>
 
+#include "effect/filters/GxStroke.h"
 #include "effect/filters/GxText.h"
 
 namespace GxFontEffect {
@@ -20,6 +21,7 @@ struct Entry {
 
 // One line per effect.
 constexpr Entry kEffects[] = {
+    {GXE_STYLE_STROKE, make<GxStroke>},
     {GXE_STYLE_TEXT, make<GxText>},
 };
 

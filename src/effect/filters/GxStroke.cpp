@@ -1,0 +1,179 @@
+#include "effect/filters/GxStroke.h"
+
+#include <cmath>
+#include <limits>
+
+#include "effect/filters/TextMask.h"
+#include "effect/filters/WorkPlane.h"
+#include "raster/GxBlender.h"
+#include "raster/GxMath.h"
+#include "raster/kernels/DiscDilation.h"
+
+namespace GxFontEffect {
+
+// The stroke in steps:
+//   1. build the disc of the stroke's radius;
+//   2. copy the mask with one pixel of background around it, so that edges on the box's border are
+//      edges too;
+//   3. spread the glyphs, the background or both by the disc, into planes larger by its radius;
+//   4. centred: keep what both spreads reach;
+//   5. tint the layers through the result.
+
+namespace {
+
+constexpr int64_t kFrame = 1;  // pixels of background around the box
+
+// 0-1 to 0-255, rounded to nearest; NaN is 0.
+uint8_t coverageByte(float coverage) {
+    return static_cast<uint8_t>(toInt(clampFloat(coverage, 0.0f, 1.0f) * 255.0f + 0.5f));
+}
+
+float effectiveRadius(const GxStrokeProperty& stroke) {
+    return stroke.position == GxStrokeProperty::kCenter ? stroke.size * 0.5f : stroke.size;
+}
+
+bool liesWithin(int64_t first, int64_t count, int64_t extent) {
+    return first >= 0 && first + count <= extent;
+}
+
+// The band of a parameter block; empty when it leaves its planes.
+kernels::DilationBand bandOf(const StrokeDTArgs* args) {
+    kernels::DilationBand band;
+    if (!args || !args->out || !args->mask || !args->kernel || args->kernelSize < 1) return band;
+    const int64_t rows = int64_t{args->rowEnd} - args->rowBegin;
+    const int64_t maskY = int64_t{args->rowBegin} + args->maskOriginY;
+    const int64_t half = (args->kernelSize - 1) / 2;
+    const int64_t outY = int64_t{args->rowBegin} + args->outOriginY - half;
+    const int64_t outX = args->outOriginX - half;
+    const int64_t reach = int64_t{args->kernelSize} - 1;
+    if (rows < 1 || args->columns < 1 || !liesWithin(maskY, rows, args->maskHeight) ||
+        !liesWithin(args->maskOriginX, args->columns, args->maskStride) ||
+        !liesWithin(outY, rows + reach, args->outHeight) ||
+        !liesWithin(outX, args->columns + reach, args->outStride)) {
+        return band;
+    }
+    band.mask = args->mask + maskY * args->maskStride + args->maskOriginX;
+    band.maskStride = args->maskStride;
+    band.columns = args->columns;
+    band.rows = rows;
+    band.kernel = args->kernel;
+    band.kernelSize = args->kernelSize;
+    band.out = args->out + outY * args->outStride + outX;
+    band.outStride = args->outStride;
+    return band;
+}
+
+void spreadByPosition(int position, StrokeDTArgs& args) {
+    if (position == GxStrokeProperty::kOutside) {
+        GxStroke::partalDTStrokeOutside(&args);
+    } else if (position == GxStrokeProperty::kCenter) {
+        GxStroke::partalDTStrokeCenter(&args);
+    } else {
+        GxStroke::partalDTStrokeInside(&args);
+    }
+}
+
+}  // namespace
+
+int makeCircleKernel(unsigned char** out, float radius) {
+    const int64_t r = toInt(radius + 0.5f);
+    const int64_t side = 2 * r + 1;
+    if (side > std::numeric_limits<int>::max()) return std::numeric_limits<int>::max();
+    const int k = static_cast<int>(side);
+    CArray<uint8_t> cells = k < 1 || !out ? nullptr : allocateZeroed<uint8_t>(side * side);
+    if (!cells) return k;
+
+    uint8_t* cell = cells.get();
+    for (int64_t y = -r; y <= r; ++y) {
+        for (int64_t x = -r; x <= r; ++x) {
+            const float distance = std::sqrt(static_cast<float>(x * x + y * y));
+            *cell++ = coverageByte(radius - distance + 1.0f);
+        }
+    }
+    cells[static_cast<size_t>(r * side + r)] = coverageByte(radius);
+    *out = cells.release();
+    return k;
+}
+
+int GxStroke::partalDTStrokeOutside(void* args) {
+    kernels::dilateOutside(bandOf(static_cast<const StrokeDTArgs*>(args)));
+    return 0;
+}
+
+int GxStroke::partalDTStrokeInside(void* args) {
+    kernels::dilateInside(bandOf(static_cast<const StrokeDTArgs*>(args)));
+    return 0;
+}
+
+int GxStroke::partalDTStrokeCenter(void* args) {
+    const auto* planes = static_cast<const StrokeDTArgs*>(args);
+    kernels::DilationBand band = bandOf(planes);
+    if (!band.out || planes->planeSize < int64_t{planes->outStride} * planes->outHeight) return 0;
+    kernels::dilateOutside(band);
+    band.out += planes->planeSize;
+    kernels::dilateInside(band);
+    return 0;
+}
+
+int GxStroke::getOffset() {
+    if (!property) return 0;
+    switch (property->position) {
+        case GxStrokeProperty::kOutside:
+            return toInt(property->size + 0.5f);
+        case GxStrokeProperty::kCenter:
+            return toInt(property->size * 0.5f + 0.5f);
+        default:
+            return 0;
+    }
+}
+
+void GxStroke::doPostProcessing(GxECore::ParamPostProcessing* param) {
+    const TextMask text(param);
+    if (!property || !text.isValid()) return;
+    const bool centred = property->position == GxStrokeProperty::kCenter;
+
+    // 1. The disc.
+    const float radius = effectiveRadius(*property);
+    unsigned char* cells = nullptr;
+    const int kernelSize = makeCircleKernel(&cells, radius);
+    const CArray<unsigned char> kernel(cells);
+    if (!kernel) return;
+    const int64_t half = kernelSize >> 1;
+
+    // 2. The framed mask. The planes' sizes bound every extent to 32 bits.
+    const WorkPlane<uint8_t> mask(text.width + 2 * kFrame, text.height + 2 * kFrame);
+    const WorkPlane<uint8_t> plane(mask.width + 2 * half,
+                                   (mask.height + 2 * half) * (centred ? 2 : 1));
+    if (!mask || !plane) return;
+    const int64_t outHeight = mask.height + 2 * half;
+    const int64_t planeSize = plane.width * outHeight;
+    text.copyTo(mask.row(kFrame) + kFrame, mask.width);
+
+    // 3. The spread.
+    StrokeDTArgs args;
+    args.out = plane.data();
+    args.mask = mask.data();
+    args.kernel = kernel.get();
+    args.maskStride = args.columns = static_cast<int32_t>(mask.width);
+    args.maskHeight = args.rows = args.rowEnd = static_cast<int32_t>(mask.height);
+    args.outStride = static_cast<int32_t>(plane.width);
+    args.outHeight = static_cast<int32_t>(outHeight);
+    args.outOriginY = args.outOriginX = static_cast<int32_t>(half);
+    args.planeSize = static_cast<int32_t>(planeSize);
+    args.radius = toInt(radius);
+    args.kernelSize = kernelSize;
+    spreadByPosition(property->position, args);
+
+    // 4. What both spreads reach.
+    if (centred) kernels::minimum(plane.data(), plane.data() + planeSize, planeSize);
+
+    // 5. The tint.
+    const bool onTop = centred && param->mode != GXE_MODE_TWO_LAYERS;
+    const int blend = onTop ? GXE_BLEND_SRC_OVER : GXE_BLEND_DST_OVER;
+    for (const GxBitmap* layer : {param->dst, param->other}) {
+        drawTinted(text.left - kFrame - half, text.top - kFrame - half, layer, plane.data(),
+                   plane.width, outHeight, property->color, blend);
+    }
+}
+
+}  // namespace GxFontEffect

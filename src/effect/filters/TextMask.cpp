@@ -1,0 +1,71 @@
+#include "effect/filters/TextMask.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+
+#include "raster/GxBlender.h"
+
+namespace GxFontEffect {
+
+TextMask::TextMask(const GxECore::ParamPostProcessing* param) {
+    if (!param || !param->dst || !param->src || !param->textRect) return;
+    const GxBitmap& mask = *param->src;
+    const GxRect& box = *param->textRect;
+    if (!mask.data || mask.bytesPerPixel != 1) return;
+    if (box.right < box.left || box.bottom < box.top) return;
+
+    pixels = mask.data;
+    stride = mask.width;
+    left = box.left;
+    top = box.top;
+    width = box.width();
+    height = box.height();
+    firstColumn = std::clamp<int64_t>(-left, 0, width);
+    lastColumn = std::clamp<int64_t>(stride - left, firstColumn, width);
+    firstRow = std::clamp<int64_t>(-top, 0, height);
+    lastRow = std::clamp<int64_t>(int64_t{mask.height} - top, firstRow, height);
+}
+
+const uint8_t* TextMask::row(int64_t y) const {
+    if (y < firstRow || y >= lastRow || firstColumn == lastColumn) return nullptr;
+    return pixels + (top + y) * stride + left + firstColumn;
+}
+
+void TextMask::copyTo(uint8_t* corner, int64_t planeStride) const {
+    const auto count = static_cast<size_t>(lastColumn - firstColumn);
+    if (count == 0) return;
+    for (int64_t y = firstRow; y < lastRow; ++y) {
+        std::memcpy(corner + y * planeStride + firstColumn, row(y), count);
+    }
+}
+
+namespace {
+
+bool fitsInt(int64_t value) {
+    return value >= std::numeric_limits<int>::min() && value <= std::numeric_limits<int>::max();
+}
+
+bool fitsInts(int64_t x, int64_t y, int64_t width, int64_t height) {
+    return fitsInt(x) && fitsInt(y) && fitsInt(width) && fitsInt(height);
+}
+
+}  // namespace
+
+void drawTinted(int64_t x, int64_t y, const GxBitmap* layer, const uint8_t* mask, int64_t width,
+                int64_t height, uint32_t color, int mode) {
+    if (!fitsInts(x, y, width, height)) return;
+    const int w = static_cast<int>(width);
+    GxBlender().drawBitmapBlend8(static_cast<int>(x), static_cast<int>(y), layer, mask, w,
+                                 static_cast<int>(height), w, color, mode);
+}
+
+void drawPixels(int64_t x, int64_t y, const GxBitmap* layer, const uint32_t* pixels, int64_t width,
+                int64_t height, int mode) {
+    if (!fitsInts(x, y, width, height)) return;
+    const int w = static_cast<int>(width);
+    GxBlender().drawBitmapBlend32(static_cast<int>(x), static_cast<int>(y), layer, pixels, w,
+                                  static_cast<int>(height), w, mode);
+}
+
+}  // namespace GxFontEffect

@@ -1,0 +1,58 @@
+// Work memory of the filters.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <limits>
+#include <memory>
+
+namespace GxFontEffect {
+
+// Memory of the C allocator, released with it.
+struct FreeDeleter {
+    void operator()(void* memory) const { std::free(memory); }
+};
+template <typename T>
+using CArray = std::unique_ptr<T[], FreeDeleter>;
+
+// `count` zeroed elements. Null when memory runs out, for a negative count, and for more than 2^31
+// - 1 bytes: the filters' geometry is in 32 bits, and a record with a huge size must not claim all
+// memory.
+template <typename T>
+CArray<T> allocateZeroed(int64_t count) {
+    constexpr int64_t kMaxCount = std::numeric_limits<int32_t>::max() / int64_t{sizeof(T)};
+    if (count < 0 || count > kMaxCount) return nullptr;
+    // At least one element: an empty plane is not a failed one.
+    return CArray<T>(static_cast<T*>(std::calloc(static_cast<size_t>(count) + 1, sizeof(T))));
+}
+
+// A zero-filled plane, rows packed, owned. Test it before use: extents that are negative or too
+// large fail like an allocation.
+template <typename T>
+class WorkPlane {
+public:
+    explicit WorkPlane(int64_t planeWidth, int64_t planeHeight = 1)
+        : width(planeWidth), height(planeHeight), cells(allocateZeroed<T>(area())) {}
+
+    explicit operator bool() const { return cells != nullptr; }
+    T* data() const { return cells.get(); }
+    T* row(int64_t y) const { return cells.get() + y * width; }
+    int64_t count() const { return width * height; }
+
+    const int64_t width;
+    const int64_t height;
+
+private:
+    // -1 when the product does not fit.
+    int64_t area() const {
+        int64_t product = 0;
+        const bool fits =
+            width >= 0 && height >= 0 && !__builtin_mul_overflow(width, height, &product);
+        return fits ? product : -1;
+    }
+
+    CArray<T> cells;
+};
+
+}  // namespace GxFontEffect

@@ -1,0 +1,186 @@
+// What every filter answers to missing, odd and hostile input.
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "effect/GxCoreFactory.h"
+#include "effect/GxProperty.h"
+#include "effect/filters/FilterTesting.h"
+#include "support/AllocationFailure.h"
+
+namespace GxFontEffect {
+namespace {
+
+using gxtest::difference;
+using gxtest::Scene;
+
+// A filter with the records it is tried with: `usual` paints, `hostile` takes any float for every
+// number.
+struct Filter {
+    int style;
+    std::function<void(GxECoreBase&)> usual;
+    std::function<void(GxECoreBase&, float)> hostile;
+};
+
+const Filter kFilters[] = {
+    {GXE_STYLE_STROKE,
+     [](GxECoreBase& core) {
+         const GxStrokeProperty record(3, 0xFF00FF00, 1, 0, GxStrokeProperty::kCenter);
+         core.setProperty(&record);
+     },
+     [](GxECoreBase& core, float v) {
+         const GxStrokeProperty record(v, 0xFF00FF00, v, 0, GxStrokeProperty::kOutside);
+         core.setProperty(&record);
+     }},
+};
+
+class Filters : public testing::TestWithParam<Filter> {
+protected:
+    Filters() : core(makeEffectCore(GetParam().style)) {}
+
+    void paint(Scene& scene) {
+        auto param = scene.param();
+        core->doPostProcessing(&param);
+    }
+    bool paintsNothing(Scene& scene) {
+        const GxBitmap before(scene.layer);
+        paint(scene);
+        return difference(before, scene.layer).empty();
+    }
+
+    std::unique_ptr<GxECoreBase> core;
+    Scene scene{{"   ", " #4", "###"}, 4};
+};
+
+TEST_P(Filters, FreshCore) {
+    ASSERT_NE(core, nullptr);
+    EXPECT_EQ(core->getStyle(), GetParam().style);
+    EXPECT_EQ(core->getId(), -1);
+    EXPECT_EQ(core->getProperty(), nullptr);
+    EXPECT_EQ(core->getOffset(), 0);
+    EXPECT_TRUE(paintsNothing(scene)) << "without a record";
+}
+
+TEST_P(Filters, KeepsItsRecord) {
+    GetParam().usual(*core);
+    const GxProperty* record = core->getProperty();
+    ASSERT_NE(record, nullptr);
+    core->setProperty(nullptr);
+    const GxTextProperty other(0, 1);
+    core->setProperty(&other);
+    EXPECT_EQ(core->getProperty(), record);
+    core->setProperty(core->getProperty());
+    EXPECT_FALSE(paintsNothing(scene)) << "its own record too";
+}
+
+TEST_P(Filters, DoesNothingWithoutItsInputs) {
+    GetParam().usual(*core);
+    core->doPostProcessing(nullptr);
+    GxBitmap empty;
+    const std::vector<std::function<void(GxECore::ParamPostProcessing&)>> losses = {
+        [](auto& param) { param.dst = nullptr; },      [](auto& param) { param.src = nullptr; },
+        [](auto& param) { param.textRect = nullptr; }, [&](auto& param) { param.dst = &empty; },
+        [&](auto& param) { param.src = &empty; },      [](auto& param) { param.src = param.dst; }};
+    for (const auto& lose : losses) {
+        auto param = scene.param();
+        lose(param);
+        const GxBitmap before(scene.layer);
+        core->doPostProcessing(&param);
+        EXPECT_EQ(difference(before, scene.layer), "");
+    }
+}
+
+TEST_P(Filters, SurvivesOddRectanglesAndLayers) {
+    GetParam().usual(*core);
+    constexpr int32_t kMin = std::numeric_limits<int32_t>::min();
+    constexpr int32_t kMax = std::numeric_limits<int32_t>::max();
+    for (const GxRect& box : {GxRect(5, 5, 2, 2), GxRect(5, 2, 3, 9), GxRect(9, 0, kMin, 3),
+                              GxRect(kMax, kMax, kMin, kMin)}) {
+        scene.box = box;
+        EXPECT_TRUE(paintsNothing(scene)) << box.left << " " << box.right;
+    }
+    for (const GxRect& box :
+         {GxRect(0, 0, 0, 0), GxRect(3, 3, 3, 8), GxRect(3, 3, 8, 3), GxRect(-9, -9, 4, 4),
+          GxRect(8, 8, 30, 30), GxRect(50, 50, 60, 60), GxRect(kMin, kMin, kMin + 3, kMin + 3),
+          GxRect(kMax - 3, kMax - 3, kMax, kMax), GxRect(-4, -4, 99, 99),
+          GxRect(kMin, kMin, kMax, kMax)}) {
+        scene.box = box;
+        paint(scene);
+    }
+    for (uint32_t size : {1u, 2u, 5u, 40u}) {
+        Scene other(6, 6);
+        std::memset(other.mask.data, 200, 36);
+        other.layer = GxBitmap(size, size, 4);
+        paint(other);
+    }
+}
+
+TEST_P(Filters, HostileNumbers) {
+    constexpr float kMax = std::numeric_limits<float>::max();
+    const float values[] = {gxtest::kNaN,
+                            gxtest::kInfinity,
+                            -gxtest::kInfinity,
+                            kMax,
+                            -kMax,
+                            std::numeric_limits<float>::denorm_min(),
+                            -0.0f,
+                            2147483648.0f,
+                            -2147483648.0f,
+                            1e9f,
+                            -1e9f,
+                            1e6f,
+                            -1000.0f,
+                            -2.0f,
+                            -0.6f};
+    for (float v : values) {
+        SCOPED_TRACE(v);
+        GetParam().hostile(*core, v);
+        core->getLeftOffset();
+        core->getRightOffset();
+        core->getTopOffset();
+        core->getBottomOffset();
+        paint(scene);
+    }
+}
+
+TEST_P(Filters, AFailedAllocationLeavesTheLayersAlone) {
+    GetParam().usual(*core);
+    const GxBitmap before(scene.layer);
+    paint(scene);
+    const GxBitmap painted(scene.layer);
+    ASSERT_NE(difference(before, painted), "");
+
+    std::memset(scene.layer.data, 0, size_t{scene.layer.width} * scene.layer.height * 4);
+    bool whole = false;
+    const int failures = gxtest::failEachAllocation(
+        [&] { paint(scene); },
+        [&](int n) {
+            whole = difference(painted, scene.layer).empty();
+            if (!whole) {
+                EXPECT_EQ(difference(before, scene.layer), "") << "allocation " << n;
+            }
+        });
+    EXPECT_GT(failures, 0);
+    EXPECT_TRUE(whole);
+}
+
+TEST_P(Filters, AFailedCopyKeepsTheRecord) {
+    GetParam().usual(*core);
+    const GxProperty* record = core->getProperty();
+    {
+        const gxtest::AllocationFailure failure(1);
+        GetParam().usual(*core);
+    }
+    EXPECT_EQ(core->getProperty(), record);
+}
+
+std::string styleName(const testing::TestParamInfo<Filter>& info) {
+    return "Style" + std::to_string(info.param.style);
+}
+INSTANTIATE_TEST_SUITE_P(Styles, Filters, testing::ValuesIn(kFilters), styleName);
+
+}  // namespace
+}  // namespace GxFontEffect

@@ -1,0 +1,274 @@
+#include "effect/filters/GxStroke.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <memory>
+#include <vector>
+
+#include "effect/filters/FilterTesting.h"
+
+namespace GxFontEffect {
+namespace {
+
+using gxtest::difference;
+using gxtest::Scene;
+
+struct Kernel {
+    explicit Kernel(float radius) { size = makeCircleKernel(&cells, radius); }
+    Kernel(const Kernel&) = delete;
+    Kernel& operator=(const Kernel&) = delete;
+    ~Kernel() { std::free(cells); }
+    int at(int64_t y, int64_t x) const { return cells[y * size + x]; }
+
+    unsigned char* cells = nullptr;
+    int size;
+};
+
+TEST(CircleKernel, SizesAndCells) {
+    struct Case {
+        float radius;
+        int size;
+        int centre, next, rim;  // (R, R), (R, R + 1), (R, 2R); -1: no such cell
+    };
+    const Case cases[] = {
+        {0.0f, 1, 0, -1, -1},     {0.3f, 1, 77, -1, -1},     // 0.3 x 255 + 0.5 = 77.0
+        {0.5f, 3, 128, 128, 128},                            // centre 0.5; distance 1: 0.5 - 1 + 1
+        {1.0f, 3, 255, 255, 255}, {1.5f, 5, 255, 255, 128},  // distance 2: 0.5
+        {2.0f, 5, 255, 255, 255}, {-1.0f, 1, 0, -1, -1},
+    };
+    for (const Case& c : cases) {
+        const Kernel kernel(c.radius);
+        ASSERT_EQ(kernel.size, c.size) << c.radius;
+        const int r = c.size / 2;
+        EXPECT_EQ(kernel.at(r, r), c.centre) << c.radius;
+        if (c.next >= 0) {
+            EXPECT_EQ(kernel.at(r, r + 1), c.next) << c.radius;
+            EXPECT_EQ(kernel.at(r, c.size - 1), c.rim) << c.radius;
+            EXPECT_EQ(kernel.at(0, r), c.rim) << c.radius;
+        }
+    }
+    // Corner of the 5 x 5 disc of radius 2: 2 - sqrt(8) + 1 = 0.17157, x 255 + 0.5 = 44.25.
+    EXPECT_EQ(Kernel(2.0f).at(0, 0), 44);
+}
+
+TEST(CircleKernel, RefusesWhatHasNoCellsOrDoesNotFit) {
+    EXPECT_EQ(makeCircleKernel(nullptr, 3.0f), 7);
+    for (const auto& [radius, size] :
+         {std::pair{-1.5f, -1}, {-9.0f, -15}, {30000.0f, 60001}, {gxtest::kInfinity, INT32_MAX}}) {
+        const Kernel kernel(radius);
+        EXPECT_EQ(kernel.size, size);
+        EXPECT_EQ(kernel.cells, nullptr);
+    }
+    const Kernel undefined(gxtest::kNaN);
+    ASSERT_EQ(undefined.size, 1);
+    EXPECT_EQ(undefined.at(0, 0), 0);
+}
+
+TEST(GxStroke, Margins) {
+    struct Case {
+        float size;
+        int centre, outside;
+    };
+    for (const Case& c : std::vector<Case>{{0, 0, 0},
+                                           {3, 2, 3},
+                                           {2.4f, 1, 2},
+                                           {2.5f, 1, 3},
+                                           {-3, -1, -2},
+                                           {1e30f, INT32_MAX, INT32_MAX}}) {
+        for (int position : {0, 1, 2, 5, -1}) {
+            GxStroke core;
+            const GxStrokeProperty record(c.size, 0, 1, 0, position);
+            core.setProperty(&record);
+            const int expected = position == 0 ? c.centre : position == 1 ? c.outside : 0;
+            EXPECT_EQ(core.getOffset(), expected) << c.size << " " << position;
+            EXPECT_EQ(core.getTopOffset(), expected);
+        }
+    }
+}
+
+void paint(Scene& scene, float size, uint32_t color, int position, uint32_t mode = 0,
+           bool both = false) {
+    GxStroke core;
+    const GxStrokeProperty record(size, color, 0.1f, 9, position);
+    core.setProperty(&record);
+    auto param = scene.param(mode, both);
+    core.doPostProcessing(&param);
+}
+
+TEST(GxStroke, OnePixelGrowsIntoTheDisc) {
+    Scene scene({"#"}, 4);
+    paint(scene, 2, 0xFFFFFFFF, GxStrokeProperty::kOutside);
+    const Kernel kernel(2);
+    for (int y = -4; y <= 4; ++y) {
+        for (int x = -4; x <= 4; ++x) {
+            const bool inside = std::abs(x) <= 2 && std::abs(y) <= 2;
+            const uint32_t k = inside ? static_cast<uint32_t>(kernel.at(y + 2, x + 2)) : 0;
+            EXPECT_EQ(scene.pixel(4 + x, 4 + y), k * 0x01010101u) << x << " " << y;
+        }
+    }
+}
+
+TEST(GxStroke, InsideAFullBoxOnlyTheFrameSpreads) {
+    Scene scene(std::vector<std::string>(9, "#########"));
+    paint(scene, 2, 0xFFFFFFFF, GxStrokeProperty::kInside);
+    // Pixel i is i + 1 from the frame: 2 pixels are reached whole, the third not at all.
+    for (int i = 0; i < 9; ++i) {
+        const int fromFrame = std::min(i, 8 - i) + 1;
+        EXPECT_EQ(scene.pixel(i, 4), fromFrame <= 2 ? 0xFFFFFFFFu : 0u) << i;
+    }
+    Scene empty(5, 5, GxRect(2, 2, 2, 2));
+    paint(empty, 1, 0xFFFFFFFF, 5);
+    EXPECT_EQ(empty.pixel(1, 1), 0xFFFFFFFFu) << "an empty box is all frame";
+    EXPECT_EQ(empty.pixel(4, 4), 0u);
+}
+
+TEST(GxStroke, NothingWithoutWidth) {
+    for (float size : {0.0f, -1.0f, -3.0f, -1e9f}) {
+        for (int position : {0, 1, 2}) {
+            Scene scene({"#4", " #"}, 2);
+            paint(scene, size, 0xFFFFFFFF, position);
+            EXPECT_EQ(scene.pixel(2, 2), 0u) << size << " " << position;
+        }
+    }
+}
+
+TEST(GxStroke, ACentredStrokeLiesOnTopInSingleLayerMode) {
+    for (uint32_t mode : {0u, 1u}) {
+        for (int position : {0, 1, 2}) {
+            Scene scene({" # "});
+            for (GxBitmap* layer : {&scene.layer, &scene.other}) {
+                for (int i = 0; i < 3; ++i) std::memcpy(layer->data + i * 4, "\x0A\x14\x1E\xFF", 4);
+            }
+            paint(scene, 2, 0xFF405060, position, mode, true);
+            const bool onTop = mode == 0 && position == 0;
+            EXPECT_EQ(scene.pixel(0, 0), onTop ? 0xFF405060u : 0xFF0A141Eu) << mode << position;
+            EXPECT_EQ(difference(scene.layer, scene.other), "") << "both layers get the band";
+        }
+    }
+}
+
+// The band from its definition: each output cell is the maximum over the pixels that reach it.
+std::vector<int> modelPlane(const Scene& scene, const Kernel& kernel, bool inverse, int64_t width,
+                            int64_t height) {
+    const int64_t half = kernel.size / 2;
+    std::vector<int> plane(width * height);
+    for (int64_t y = 0; y < height; ++y) {
+        for (int64_t x = 0; x < width; ++x) {
+            int best = 0;
+            for (int64_t ky = 0; ky < kernel.size; ++ky) {
+                for (int64_t kx = 0; kx < kernel.size; ++kx) {
+                    // The mask cell (framed by a pixel) whose kernel cell (ky, kx) lies here.
+                    const int64_t my = y - ky, mx = x - kx;
+                    if (my < 0 || mx < 0 || my >= height - 2 * half || mx >= width - 2 * half) {
+                        continue;
+                    }
+                    const int m = scene.coverageInBox(mx - 1, my - 1);
+                    best = std::max(best, (inverse ? 255 - m : m) + kernel.at(ky, kx) - 255);
+                }
+            }
+            plane[y * width + x] = best;
+        }
+    }
+    return plane;
+}
+
+GxBitmap model(const Scene& scene, const GxBitmap& before, float size, uint32_t color, int position,
+               uint32_t mode) {
+    GxBitmap layer(before);
+    const Kernel kernel(position == 0 ? size * 0.5f : size);
+    const int half = kernel.size / 2;
+    const int width = scene.box.right - scene.box.left + 2 + 2 * half;
+    const int height = scene.box.bottom - scene.box.top + 2 + 2 * half;
+    const std::vector<int> spread = modelPlane(scene, kernel, false, width, height);
+    const std::vector<int> eroded = modelPlane(scene, kernel, true, width, height);
+    std::vector<uint8_t> band;
+    for (size_t i = 0; i < spread.size(); ++i) {
+        const int value = position == 0   ? std::min(spread[i], eroded[i])
+                          : position == 1 ? spread[i]
+                                          : eroded[i];
+        band.push_back(static_cast<uint8_t>(value));
+    }
+    GxBlender().drawBitmapBlend8(scene.box.left - 1 - half, scene.box.top - 1 - half, &layer,
+                                 band.data(), width, height, width, color,
+                                 mode != 1 && position == 0 ? 1 : 2);
+    return layer;
+}
+
+TEST(GxStroke, EqualsItsDefinition) {
+    gxtest::Random random(301);
+    GX_TRACE_SEED(random);
+    for (int run = 0; run < 250; ++run) {
+        Scene scene = gxtest::randomScene(random, 17);
+        const float size = static_cast<float>(random.between(0, 60)) * 0.1f;
+        const int position = random.between(0, 3);
+        const uint32_t mode = random.between(0, 1);
+        const uint32_t color = random.word() | (random.oneIn(2) ? 0xFF000000u : 0);
+        const bool both = random.oneIn(2);
+        const GxBitmap expected = model(scene, scene.layer, size, color, position, mode);
+        const GxBitmap otherExpected =
+            both ? model(scene, scene.other, size, color, position, mode) : scene.other;
+        paint(scene, size, color, position, mode, both);
+        ASSERT_EQ(difference(expected, scene.layer), "")
+            << run << " size " << size << " " << position;
+        ASSERT_EQ(difference(otherExpected, scene.other), "") << run;
+    }
+}
+
+TEST(StrokeDistance, HonoursOriginsBandsAndWhatTheOutputHolds) {
+    gxtest::Random random(302);
+    GX_TRACE_SEED(random);
+    const Kernel kernel(1.4f);
+    ASSERT_EQ(kernel.size, 3);
+    const std::vector<uint8_t> mask = random.edgeBytes(9 * 7);
+    const std::vector<uint8_t> before = random.edgeBytes(2 * 12 * 10);
+    for (int routine = 0; routine < 3; ++routine) {
+        std::vector<uint8_t> out = before;
+        StrokeDTArgs args;
+        args.out = out.data();
+        args.mask = mask.data();
+        args.kernel = kernel.cells;
+        args.maskStride = 9, args.maskHeight = 7, args.maskOriginY = 1, args.maskOriginX = 2;
+        args.outStride = 12, args.outHeight = 10, args.outOriginY = 2, args.outOriginX = 3;
+        args.planeSize = 120, args.kernelSize = 3, args.columns = 5;
+        args.rowBegin = 1, args.rowEnd = 5;
+        const auto run = routine == 0   ? GxStroke::partalDTStrokeOutside
+                         : routine == 1 ? GxStroke::partalDTStrokeInside
+                                        : GxStroke::partalDTStrokeCenter;
+        std::vector<uint8_t> expected = before;
+        const auto spread = [&](bool inverse, int plane) {
+            for (int y = 1; y < 5; ++y) {
+                for (int x = 0; x < 5; ++x) {
+                    const int m = mask[(y + 1) * 9 + 2 + x];
+                    for (int i = 0; i < 9; ++i) {
+                        uint8_t& o = expected[plane + (y + 2 - 1 + i / 3) * 12 + x + 3 - 1 + i % 3];
+                        const int k = kernel.cells[i];
+                        o = static_cast<uint8_t>(std::max<int>(o, inverse  ? k - m
+                                                                  : m == 0 ? 0
+                                                                           : m + k - 255));
+                    }
+                }
+            }
+        };
+        if (routine != 1) spread(false, 0);
+        if (routine != 0) spread(true, routine == 2 ? 120 : 0);
+        EXPECT_EQ(run(&args), 0);
+        EXPECT_EQ(out, expected) << routine;
+        // Bands and windows outside the planes are refused, null likewise.
+        out = before;
+        EXPECT_EQ(run(nullptr), 0);
+        for (int32_t StrokeDTArgs::*field :
+             {&StrokeDTArgs::rowEnd, &StrokeDTArgs::columns, &StrokeDTArgs::outOriginX,
+              &StrokeDTArgs::outOriginY, &StrokeDTArgs::maskOriginY, &StrokeDTArgs::maskOriginX}) {
+            for (int32_t value : {-5, 60, INT32_MIN, INT32_MAX}) {
+                StrokeDTArgs odd = args;
+                odd.*field = value;
+                EXPECT_EQ(run(&odd), 0);
+            }
+        }
+        EXPECT_EQ(out, before);
+    }
+}
+
+}  // namespace
+}  // namespace GxFontEffect
