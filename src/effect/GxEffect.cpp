@@ -101,11 +101,6 @@ bool isStroke(int style) {
     return style == GXE_STYLE_STROKE || style == GXE_STYLE_UNUSED_STROKE;
 }
 
-int32_t saturate(int64_t value) {
-    return static_cast<int32_t>(std::clamp<int64_t>(value, std::numeric_limits<int32_t>::min(),
-                                                    std::numeric_limits<int32_t>::max()));
-}
-
 std::unique_ptr<GxBitmap> newBitmap(uint32_t width, uint32_t height, uint32_t bytesPerPixel) {
     std::unique_ptr<GxBitmap> bitmap(new (std::nothrow) GxBitmap(width, height, bytesPerPixel));
     if (bitmap && !bitmap->data) bitmap.reset();
@@ -489,8 +484,8 @@ void GxEffect::orderTwoLayers() {
 
 void GxEffect::renderEffectLayer(int x, int y, const GxGlyph* glyph) {
     if (glyph && srcBitmap) {
-        const GxRect box(x, y, saturate(int64_t{x} + glyph->width),
-                         saturate(int64_t{y} + glyph->height));
+        const GxRect box(x, y, saturateInt(int64_t{x} + glyph->width),
+                         saturateInt(int64_t{y} + glyph->height));
         if (textRectEmpty) {
             textRect = box;
             textRectEmpty = false;
@@ -508,8 +503,8 @@ void GxEffect::renderEffectLayer(int x, int y, const GxGlyph* glyph) {
 }
 
 void GxEffect::clampTextRect() {
-    const int32_t width = saturate(srcBitmap->width);
-    const int32_t height = saturate(srcBitmap->height);
+    const int32_t width = saturateInt(srcBitmap->width);
+    const int32_t height = saturateInt(srcBitmap->height);
     textRect.left = std::clamp(textRect.left, 0, width);
     textRect.top = std::clamp(textRect.top, 0, height);
     textRect.right = std::clamp(textRect.right, 0, width);

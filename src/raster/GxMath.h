@@ -36,6 +36,13 @@ constexpr int32_t toInt(double v) {
     return v != v ? 0 : std::numeric_limits<int32_t>::min();
 }
 
+// Saturates at the ends of int32.
+constexpr int32_t saturateInt(int64_t v) {
+    constexpr int64_t low = std::numeric_limits<int32_t>::min();
+    constexpr int64_t high = std::numeric_limits<int32_t>::max();
+    return static_cast<int32_t>(v < low ? low : v > high ? high : v);
+}
+
 // min(max(v, low), high); NaN gives low.
 constexpr float clampFloat(float v, float low, float high) {
     if (!(v > low)) return low;

@@ -1,7 +1,6 @@
 #include "effect/filters/GxStroke.h"
 
 #include <cmath>
-#include <limits>
 
 #include "effect/filters/TextMask.h"
 #include "effect/filters/WorkPlane.h"
@@ -78,9 +77,8 @@ void spreadByPosition(int position, StrokeDTArgs& args) {
 int makeCircleKernel(unsigned char** out, float radius) {
     const int64_t r = toInt(radius + 0.5f);
     const int64_t side = 2 * r + 1;
-    if (side > std::numeric_limits<int>::max()) return std::numeric_limits<int>::max();
-    const int k = static_cast<int>(side);
-    CArray<uint8_t> cells = k < 1 || !out ? nullptr : allocateZeroed<uint8_t>(side * side);
+    const int k = saturateInt(side);
+    CArray<uint8_t> cells = out ? allocateZeroed<uint8_t>(side, side) : nullptr;
     if (!cells) return k;
 
     uint8_t* cell = cells.get();

@@ -17,7 +17,7 @@ namespace GxFontEffect {
 //
 // The buffer comes from the C allocator and is the caller's: release it with std::free. Returns K;
 // `*out` is left alone when memory runs out, when K is below 1 (radius -1.5 and less) and when K x
-// K bytes pass 2^31 - 1 (a K past the int range is returned as the largest int).
+// K bytes pass 2^31 - 1 (a K past the int range is returned as the nearest int).
 GXTEXT_API int makeCircleKernel(unsigned char** out, float radius);
 
 // What the distance routines work on. Planes have packed rows; everything is borrowed.

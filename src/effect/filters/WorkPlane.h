@@ -16,13 +16,15 @@ struct FreeDeleter {
 template <typename T>
 using CArray = std::unique_ptr<T[], FreeDeleter>;
 
-// `count` zeroed elements. Null when memory runs out, for a negative count, and for more than 2^31
-// - 1 bytes: the filters' geometry is in 32 bits, and a record with a huge size must not claim all
-// memory.
+// width x height zeroed elements. Null when memory runs out, for a negative extent, and for more
+// than 2^31 - 1 bytes: the filters' geometry is in 32 bits, and a record with a huge size must not
+// claim all memory.
 template <typename T>
-CArray<T> allocateZeroed(int64_t count) {
+CArray<T> allocateZeroed(int64_t width, int64_t height) {
     constexpr int64_t kMaxCount = std::numeric_limits<int32_t>::max() / int64_t{sizeof(T)};
-    if (count < 0 || count > kMaxCount) return nullptr;
+    int64_t count = 0;
+    if (width < 0 || height < 0 || __builtin_mul_overflow(width, height, &count)) return nullptr;
+    if (count > kMaxCount) return nullptr;
     // At least one element: an empty plane is not a failed one.
     return CArray<T>(static_cast<T*>(std::calloc(static_cast<size_t>(count) + 1, sizeof(T))));
 }
@@ -33,7 +35,9 @@ template <typename T>
 class WorkPlane {
 public:
     explicit WorkPlane(int64_t planeWidth, int64_t planeHeight = 1)
-        : width(planeWidth), height(planeHeight), cells(allocateZeroed<T>(area())) {}
+        : width(planeWidth),
+          height(planeHeight),
+          cells(allocateZeroed<T>(planeWidth, planeHeight)) {}
 
     explicit operator bool() const { return cells != nullptr; }
     T* data() const { return cells.get(); }
@@ -44,14 +48,6 @@ public:
     const int64_t height;
 
 private:
-    // -1 when the product does not fit.
-    int64_t area() const {
-        int64_t product = 0;
-        const bool fits =
-            width >= 0 && height >= 0 && !__builtin_mul_overflow(width, height, &product);
-        return fits ? product : -1;
-    }
-
     CArray<T> cells;
 };
 
