@@ -26,6 +26,15 @@ struct Filter {
 };
 
 const Filter kFilters[] = {
+    {GXE_STYLE_OUTER_SHADOW,
+     [](GxECoreBase& core) {
+         const GxOuterShadowProperty record(120, 2, 2, 0xFF00FF00, 1);
+         core.setProperty(&record);
+     },
+     [](GxECoreBase& core, float v) {
+         const GxOuterShadowProperty record(v, v, v, 0xFF00FF00, v);
+         core.setProperty(&record);
+     }},
     {GXE_STYLE_STROKE,
      [](GxECoreBase& core) {
          const GxStrokeProperty record(3, 0xFF00FF00, 1, 0, GxStrokeProperty::kCenter);

@@ -1,0 +1,96 @@
+#include "effect/filters/GxOuterShadow.h"
+
+#include <algorithm>
+
+#include "effect/filters/TextMask.h"
+#include "effect/filters/WorkPlane.h"
+#include "raster/GxBlender.h"
+#include "raster/GxMath.h"
+
+namespace GxFontEffect {
+
+// The shadow in steps:
+//   1. leave when it falls wholly beside the layer;
+//   2. copy the mask into a plane padded by twice the radius, so that every cell that the blur
+//      reaches has a full window;
+//   3. blur columns, then rows;
+//   4. tint the layer through the result, shifted.
+
+namespace {
+
+constexpr int kCentreWeight = 100;
+
+bool missesLayer(const TextMask& text, const ShadowShift& shift, int64_t padding,
+                 const GxBitmap& layer) {
+    return text.left + text.width + padding + shift.x < 0 ||
+           text.left - padding + shift.x >= int64_t{layer.width} ||
+           text.top + text.height + padding + shift.y < 0 ||
+           text.top - padding + shift.y >= int64_t{layer.height};
+}
+
+// Margins on the side that a positive shift moves away from, and on the one it moves to.
+int marginAgainst(int64_t blur, int64_t shift) {
+    return saturateInt(shift < 0 ? blur - shift : std::max<int64_t>(blur - shift, 0));
+}
+
+int marginTowards(int64_t blur, int64_t shift) {
+    return saturateInt(shift < 0 ? std::max<int64_t>(blur + shift, 0) : blur + shift);
+}
+
+// Not the blur's radius: rounded in single precision, and below 0 for a negative size.
+int32_t marginBlur(const GxOuterShadowProperty* record) {
+    return record ? toInt(record->size + 0.5f) : 0;
+}
+
+}  // namespace
+
+void GxOuterShadow::computeGaussianWeights(int* weights, int* sum, int radius) {
+    fillGaussianWeights(weights, sum, radius, kCentreWeight, WeightRounding::kDouble);
+}
+
+void GxOuterShadow::setProperty(const GxProperty* source) {
+    GxPropertyCore::setProperty(source);
+    if (property) shift = shadowShift(property->angle, property->distance);
+}
+
+int GxOuterShadow::getLeftOffset() {
+    return marginAgainst(marginBlur(property.get()), shift.x);
+}
+int GxOuterShadow::getRightOffset() {
+    return marginTowards(marginBlur(property.get()), shift.x);
+}
+int GxOuterShadow::getTopOffset() {
+    return marginAgainst(marginBlur(property.get()), shift.y);
+}
+int GxOuterShadow::getBottomOffset() {
+    return marginTowards(marginBlur(property.get()), shift.y);
+}
+
+void GxOuterShadow::doPostProcessing(GxECore::ParamPostProcessing* param) {
+    const TextMask text(param);
+    if (!property || !text.isValid()) return;
+    const int64_t radius = blurRadiusOf(property->size);
+    const int64_t padding = 2 * radius;
+
+    // 1. Nothing to see.
+    if (missesLayer(text, shift, padding, *param->dst)) return;
+
+    // 2. The padded mask.
+    const WorkPlane<uint8_t> mask(text.width + 2 * padding, text.height + 2 * padding);
+    const WorkPlane<uint8_t> shadow(mask.width, mask.height);
+    const WorkPlane<uint8_t> scratch(mask.width);
+    const BlurTaps taps(radius);
+    if (!mask || !shadow || !scratch || !taps) return;
+    text.copyTo(mask.row(padding) + padding, mask.width);
+
+    // 3. The blur.
+    kernels::blurPlane(mask.data(), shadow.data(), mask.width, mask.height,
+                       taps.compute(computeGaussianWeights), kernels::BlurInput::kDirect,
+                       scratch.data());
+
+    // 4. The tint.
+    drawTinted(text.left - padding + shift.x, text.top - padding + shift.y, param->dst,
+               shadow.data(), shadow.width, shadow.height, property->color, GXE_BLEND_DST_OVER);
+}
+
+}  // namespace GxFontEffect

@@ -1,0 +1,51 @@
+// Blur of 8-bit planes by a symmetric row of integer weights, in each direction, with exact
+// division.
+#pragma once
+
+#include <cstdint>
+
+namespace GxFontEffect::kernels {
+
+// taps[0] is the centre's weight, taps[i] that of the cells i away on either side; `sum` is taps[0]
+// + 2 (taps[1] + ... + taps[radius]), positive. 255 x sum must fit 32 bits.
+struct BlurWeights {
+    const int32_t* taps = nullptr;
+    int32_t radius = 0;
+    int32_t sum = 0;
+};
+
+// Whether a pass takes the cells as they are or their inverse, 255 - cell.
+enum class BlurInput { kDirect, kInverse };
+
+// Rows x columns of output and the input around them. Strides in bytes; input and output must not
+// overlap; no alignment is needed. Negative or zero extents do nothing.
+struct BlurPass {
+    const uint8_t* in = nullptr;
+    int64_t inStride = 0;
+    uint8_t* out = nullptr;
+    int64_t outStride = 0;
+    int64_t columns = 0;
+    int64_t rows = 0;
+};
+
+// out[y][x] = (sum over i = -radius ... radius of taps[|i|] x in[y][x + radius + i]) / sum, rounded
+// down: reads columns + 2 radius cells per row.
+void blurRows(const BlurPass& pass, const BlurWeights& weights, BlurInput input);
+// out[y][x] = (sum of taps[|i|] x in[y + radius + i][x]) / sum, rounded down: reads rows + 2 radius
+// rows.
+void blurColumns(const BlurPass& pass, const BlurWeights& weights, BlurInput input);
+
+// Both directions over a packed plane of width x height: columns first, then rows, the quotient
+// truncated to a byte after each. Cells nearer than `radius` to the plane's edge are not computed:
+// they become 0, or 255 of inverse input, and count as that in the second pass. `scratch` holds
+// `width` bytes. Extents below 2 radius do nothing.
+void blurPlane(const uint8_t* in, uint8_t* out, int64_t width, int64_t height,
+               const BlurWeights& weights, BlurInput input, uint8_t* scratch);
+
+// The formulas, cell by cell.
+void blurRowsPlain(const BlurPass& pass, const BlurWeights& weights, BlurInput input);
+void blurColumnsPlain(const BlurPass& pass, const BlurWeights& weights, BlurInput input);
+void blurPlanePlain(const uint8_t* in, uint8_t* out, int64_t width, int64_t height,
+                    const BlurWeights& weights, BlurInput input, uint8_t* scratch);
+
+}  // namespace GxFontEffect::kernels
