@@ -2,6 +2,7 @@
 
 #include <new>
 
+#include "effect/filters/GxInnerShadow.h"
 #include "effect/filters/GxOuterShadow.h"
 #include "effect/filters/GxStroke.h"
 #include "effect/filters/GxText.h"
@@ -23,6 +24,7 @@ struct Entry {
 // One line per effect.
 constexpr Entry kEffects[] = {
     {GXE_STYLE_OUTER_SHADOW, make<GxOuterShadow>},
+    {GXE_STYLE_INNER_SHADOW, make<GxInnerShadow>},
     {GXE_STYLE_STROKE, make<GxStroke>},
     {GXE_STYLE_TEXT, make<GxText>},
 };

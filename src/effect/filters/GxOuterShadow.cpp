@@ -90,7 +90,8 @@ void GxOuterShadow::doPostProcessing(GxECore::ParamPostProcessing* param) {
 
     // 4. The tint.
     drawTinted(text.left - padding + shift.x, text.top - padding + shift.y, param->dst,
-               shadow.data(), shadow.width, shadow.height, property->color, GXE_BLEND_DST_OVER);
+               shadow.data(), shadow.width, shadow.height, shadow.width, property->color,
+               GXE_BLEND_DST_OVER);
 }
 
 }  // namespace GxFontEffect

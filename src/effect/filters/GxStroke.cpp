@@ -170,7 +170,7 @@ void GxStroke::doPostProcessing(GxECore::ParamPostProcessing* param) {
     const int blend = onTop ? GXE_BLEND_SRC_OVER : GXE_BLEND_DST_OVER;
     for (const GxBitmap* layer : {param->dst, param->other}) {
         drawTinted(text.left - kFrame - half, text.top - kFrame - half, layer, plane.data(),
-                   plane.width, outHeight, property->color, blend);
+                   plane.width, outHeight, plane.width, property->color, blend);
     }
 }
 

@@ -2,9 +2,10 @@
 
 #include <algorithm>
 #include <cstring>
-#include <limits>
+#include <initializer_list>
 
 #include "raster/GxBlender.h"
+#include "raster/GxMath.h"
 
 namespace GxFontEffect {
 
@@ -43,29 +44,29 @@ void TextMask::copyTo(uint8_t* corner, int64_t planeStride) const {
 namespace {
 
 bool fitsInt(int64_t value) {
-    return value >= std::numeric_limits<int>::min() && value <= std::numeric_limits<int>::max();
+    return saturateInt(value) == value;
 }
 
-bool fitsInts(int64_t x, int64_t y, int64_t width, int64_t height) {
-    return fitsInt(x) && fitsInt(y) && fitsInt(width) && fitsInt(height);
+bool fitInt(std::initializer_list<int64_t> values) {
+    return std::all_of(values.begin(), values.end(), fitsInt);
 }
 
 }  // namespace
 
 void drawTinted(int64_t x, int64_t y, const GxBitmap* layer, const uint8_t* mask, int64_t width,
-                int64_t height, uint32_t color, int mode) {
-    if (!fitsInts(x, y, width, height)) return;
-    const int w = static_cast<int>(width);
-    GxBlender().drawBitmapBlend8(static_cast<int>(x), static_cast<int>(y), layer, mask, w,
-                                 static_cast<int>(height), w, color, mode);
+                int64_t height, int64_t stride, uint32_t color, int mode) {
+    if (!fitInt({x, y, width, height, stride})) return;
+    GxBlender().drawBitmapBlend8(static_cast<int>(x), static_cast<int>(y), layer, mask,
+                                 static_cast<int>(width), static_cast<int>(height),
+                                 static_cast<int>(stride), color, mode);
 }
 
 void drawPixels(int64_t x, int64_t y, const GxBitmap* layer, const uint32_t* pixels, int64_t width,
-                int64_t height, int mode) {
-    if (!fitsInts(x, y, width, height)) return;
-    const int w = static_cast<int>(width);
-    GxBlender().drawBitmapBlend32(static_cast<int>(x), static_cast<int>(y), layer, pixels, w,
-                                  static_cast<int>(height), w, mode);
+                int64_t height, int64_t stride, int mode) {
+    if (!fitInt({x, y, width, height, stride})) return;
+    GxBlender().drawBitmapBlend32(static_cast<int>(x), static_cast<int>(y), layer, pixels,
+                                  static_cast<int>(width), static_cast<int>(height),
+                                  static_cast<int>(stride), mode);
 }
 
 }  // namespace GxFontEffect

@@ -24,6 +24,8 @@ public:
     int64_t width = 0;
     int64_t height = 0;
 
+    int64_t stride = 0;  // bytes per row of the bitmap
+
     // What the bitmap holds of the box: columns [firstColumn, lastColumn), rows [firstRow,
     // lastRow).
     int64_t firstColumn = 0;
@@ -39,14 +41,13 @@ public:
 
 private:
     const uint8_t* pixels = nullptr;  // cell (0, 0) of the bitmap
-    int64_t stride = 0;
 };
 
 // GxBlender's drawing operations at a position of 64 bits; nothing is drawn where 32 do not do.
-// Rows are packed.
+// Strides count elements.
 void drawTinted(int64_t x, int64_t y, const GxBitmap* layer, const uint8_t* mask, int64_t width,
-                int64_t height, uint32_t color, int mode);
+                int64_t height, int64_t stride, uint32_t color, int mode);
 void drawPixels(int64_t x, int64_t y, const GxBitmap* layer, const uint32_t* pixels, int64_t width,
-                int64_t height, int mode);
+                int64_t height, int64_t stride, int mode);
 
 }  // namespace GxFontEffect

@@ -35,6 +35,15 @@ const Filter kFilters[] = {
          const GxOuterShadowProperty record(v, v, v, 0xFF00FF00, v);
          core.setProperty(&record);
      }},
+    {GXE_STYLE_INNER_SHADOW,
+     [](GxECoreBase& core) {
+         const GxInnerShadowProperty record(120, 2, 2, 0xFF00FF00, 1);
+         core.setProperty(&record);
+     },
+     [](GxECoreBase& core, float v) {
+         const GxInnerShadowProperty record(v, v, v, 0xFF00FF00, v);
+         core.setProperty(&record);
+     }},
     {GXE_STYLE_STROKE,
      [](GxECoreBase& core) {
          const GxStrokeProperty record(3, 0xFF00FF00, 1, 0, GxStrokeProperty::kCenter);

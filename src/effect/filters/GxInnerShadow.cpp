@@ -1,0 +1,143 @@
+#include "effect/filters/GxInnerShadow.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "effect/filters/Shadow.h"
+#include "effect/filters/TextMask.h"
+#include "effect/filters/WorkPlane.h"
+#include "raster/GxBlender.h"
+
+namespace GxFontEffect {
+
+// The shade in steps:
+//   1. when the shift leaves nothing but background to see, tint the glyphs whole;
+//   2. blur the rows of the inverse coverage, each taken where the shift puts it; rows beyond the
+//      box are background;
+//   3. blur the columns;
+//   4. keep the shade inside the glyphs, and shade the bands that the shift exposes whole;
+//   5. tint the layer through it.
+// Building the shifted rows straight away keeps the planes at the box's width: only cells that
+// some pixel of the box reads are ever computed.
+
+namespace {
+
+constexpr int kCentreWeight = 100;
+
+// The shifted background with its blurred edge lies over the whole box. Asymmetric at the far ends,
+// where one pixel decides: deliberate.
+bool coversBox(const TextMask& text, const ShadowShift& shift, int64_t radius) {
+    return text.width + radius + shift.x < 0 || -radius + shift.x >= text.width ||
+           -radius + shift.y >= text.height || text.height + radius + shift.y < 0;
+}
+
+void tintWhole(const TextMask& text, const GxBitmap* layer, uint32_t color) {
+    drawTinted(text.left + text.firstColumn, text.top + text.firstRow, layer,
+               text.row(text.firstRow), text.lastColumn - text.firstColumn,
+               text.lastRow - text.firstRow, text.stride, color, GXE_BLEND_DST_OVER);
+}
+
+// Coverage of row y as the first column's blur window sees it: `line` holds width + 2 radius cells,
+// cell i is column i - radius - shift.
+void shiftedRow(const TextMask& text, int64_t y, int64_t offset, const WorkPlane<uint8_t>& line) {
+    std::memset(line.data(), 0, static_cast<size_t>(line.width));
+    const uint8_t* coverage = text.row(y);
+    if (!coverage) return;
+    const int64_t first = std::max<int64_t>(text.firstColumn + offset, 0);
+    const int64_t last = std::min<int64_t>(text.lastColumn + offset, line.width);
+    if (first >= last) return;
+    std::memcpy(line.data() + first, coverage + (first - offset - text.firstColumn),
+                static_cast<size_t>(last - first));
+}
+
+void blurShiftedRows(const TextMask& text, const ShadowShift& shift,
+                     const kernels::BlurWeights& weights, const WorkPlane<uint8_t>& line,
+                     const WorkPlane<uint8_t>& background) {
+    const int64_t radius = weights.radius;
+    for (int64_t y = 0; y < background.height; ++y) {
+        const int64_t source = y - radius - shift.y;
+        if (source < 0 || source >= text.height) {
+            std::memset(background.row(y), 255, static_cast<size_t>(background.width));
+            continue;
+        }
+        shiftedRow(text, source, radius + shift.x, line);
+        kernels::blurRows(
+            {line.data(), line.width, background.row(y), background.width, background.width, 1},
+            weights, kernels::BlurInput::kInverse);
+    }
+}
+
+// Cells [begin, end) of `extent` that see something of the box, the others are exposed background.
+struct Span {
+    Span(int64_t extent, int64_t radius, int64_t shift)
+        : begin(std::max<int64_t>(shift - radius, 0)),
+          end(std::min<int64_t>(extent + radius + shift, extent)) {}
+    bool contains(int64_t i) const { return i >= begin && i < end; }
+    int64_t begin;
+    int64_t end;
+};
+
+void keepInGlyphs(const TextMask& text, const ShadowShift& shift, int64_t radius,
+                  const WorkPlane<uint8_t>& shade) {
+    const Span rows(text.height, radius, shift.y);
+    const Span columns(text.width, radius, shift.x);
+    for (int64_t y = 0; y < shade.height; ++y) {
+        uint8_t* cells = shade.row(y);
+        const uint8_t* coverage = text.row(y);
+        for (int64_t x = 0; x < shade.width; ++x) {
+            const bool held = coverage && x >= text.firstColumn && x < text.lastColumn;
+            if (!rows.contains(y) || !columns.contains(x)) {
+                cells[x] = 255;
+            } else if (!held || coverage[x - text.firstColumn] == 0) {
+                cells[x] = 0;
+            }
+        }
+    }
+}
+
+}  // namespace
+
+void GxInnerShadow::computeGaussianWeights(int* weights, int* sum, int radius) {
+    fillGaussianWeights(weights, sum, radius, kCentreWeight, WeightRounding::kSingle);
+}
+
+void GxInnerShadow::setProperty(const GxProperty* source) {
+    const auto* record = dynamic_cast<const GxInnerShadowProperty*>(source);
+    if (!record) return;
+    const GxInnerShadowProperty reduced(record->angle, record->distance, record->size,
+                                        record->color, record->opacity);
+    GxPropertyCore::setProperty(&reduced);
+}
+
+void GxInnerShadow::doPostProcessing(GxECore::ParamPostProcessing* param) {
+    const TextMask text(param);
+    if (!property || !text.isValid()) return;
+    const int64_t radius = blurRadiusOf(property->size);
+    const ShadowShift shift = shadowShift(property->angle, property->distance);
+
+    // 1. The shortcut.
+    if (coversBox(text, shift, radius)) {
+        tintWhole(text, param->dst, property->color);
+        return;
+    }
+    const WorkPlane<uint8_t> line(text.width + 2 * radius);
+    const WorkPlane<uint8_t> background(text.width, text.height + 2 * radius);
+    const WorkPlane<uint8_t> shade(text.width, text.height);
+    const BlurTaps taps(radius);
+    if (!line || !background || !shade || !taps) return;
+    const kernels::BlurWeights weights = taps.compute(computeGaussianWeights);
+
+    // 2. Rows.
+    blurShiftedRows(text, shift, weights, line, background);
+    // 3. Columns.
+    kernels::blurColumns(
+        {background.data(), background.width, shade.data(), shade.width, shade.width, shade.height},
+        weights, kernels::BlurInput::kDirect);
+    // 4. Inside only.
+    keepInGlyphs(text, shift, radius, shade);
+    // 5. The tint.
+    drawTinted(text.left, text.top, param->dst, shade.data(), shade.width, shade.height,
+               shade.width, property->color, GXE_BLEND_DST_OVER);
+}
+
+}  // namespace GxFontEffect
