@@ -1,0 +1,55 @@
+// The kernels of a build without Highway: each is its plain form.
+#include "raster/kernels/PlainBlendRows.h"
+#include "raster/kernels/SimdTargets.h"
+
+namespace GxFontEffect::kernels {
+
+void srcOver8Rows(const BlendArea& area, Rgba color) {
+    plain::srcOver8Rows(area, color);
+}
+void dstOver8Rows(const BlendArea& area, Rgba color) {
+    plain::dstOver8Rows(area, color);
+}
+void dstOverNsa8Rows(const BlendArea& area, Rgba color) {
+    plain::dstOverNsa8Rows(area, color);
+}
+void dstOverSa8Rows(const BlendArea& area, Rgba color) {
+    plain::dstOverSa8Rows(area, color);
+}
+void overwrite8Rows(const BlendArea& area, Rgba color) {
+    plain::overwrite8Rows(area, color);
+}
+void max8Rows(const BlendArea& area) {
+    plain::max8Rows(area);
+}
+void srcOver32Rows(const BlendArea& area, SourceOrder order) {
+    plain::srcOver32Rows(area, order);
+}
+void dstOver32Rows(const BlendArea& area, SourceOrder order) {
+    plain::dstOver32Rows(area, order);
+}
+void swapRedBlueRow(Rgba* pixels, size_t count) {
+    plain::swapRedBlueRow(pixels, count);
+}
+void mixLayersRow(Rgba* out, const Rgba* back, const uint8_t* mask, size_t count) {
+    plain::mixLayersRow(out, back, mask, count);
+}
+void fadeAndUnpremultiplyRow(Rgba* pixels, size_t count, uint32_t alpha) {
+    plain::fadeAndUnpremultiplyRow(pixels, count, alpha);
+}
+void clearUncoveredRow(Rgba* pixels, const uint8_t* mask, size_t count) {
+    plain::clearUncoveredRow(pixels, mask, count);
+}
+
+std::vector<std::string> simdTargetNames() {
+    return {"plain"};
+}
+std::string simdTargetName() {
+    return "plain";
+}
+void forceSimdTarget(const std::string& /*name*/) {}
+bool hasDispatchedSimd() {
+    return true;
+}
+
+}  // namespace GxFontEffect::kernels
