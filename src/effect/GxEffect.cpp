@@ -9,7 +9,7 @@
 #include "effect/GxCoreFactory.h"
 #include "raster/GxBlender.h"
 #include "raster/GxMath.h"
-#include "raster/kernels/BlendPixel.h"
+#include "raster/kernels/BlendRows.h"
 
 namespace GxFontEffect {
 
@@ -544,11 +544,8 @@ void GxEffect::chooseLayers(GxECoreBase* core, GxECore::ParamPostProcessing& par
 
 void GxEffect::clearUncovered() const {
     if (!isMask(srcBitmap) || !isLayer(dstBitmap)) return;
-    kernels::Rgba* pixels = pixelsOf(dstBitmap);
-    const uint64_t count = std::min(srcBitmap->pixelCount(), dstBitmap->pixelCount());
-    for (uint64_t i = 0; i < count; ++i) {
-        if (srcBitmap->data[i] == 0) pixels[i] = {};
-    }
+    kernels::clearUncoveredRow(pixelsOf(dstBitmap), srcBitmap->data,
+                               std::min(srcBitmap->pixelCount(), dstBitmap->pixelCount()));
 }
 
 void GxEffect::doEffectPostProcessing() {
@@ -585,17 +582,12 @@ void GxEffect::compositeLayers(GxBitmap* output) {
         kernels::Rgba* pixels = pixelsOf(output);
         const uint64_t count = output->pixelCount();
         if (mode == GXE_MODE_TWO_LAYERS && isMask(srcBitmap) && isLayer(backBitmap.get())) {
-            const kernels::Rgba* back = pixelsOf(backBitmap.get());
-            const uint64_t shared =
-                std::min({count, srcBitmap->pixelCount(), backBitmap->pixelCount()});
-            for (uint64_t i = 0; i < shared; ++i) {
-                pixels[i] = kernels::mixLayers(back[i], pixels[i], srcBitmap->data[i]);
-            }
+            kernels::mixLayersRow(
+                pixels, pixelsOf(backBitmap.get()), srcBitmap->data,
+                std::min({count, srcBitmap->pixelCount(), backBitmap->pixelCount()}));
         }
         const uint32_t alpha = textAlpha < 0 ? 255u : static_cast<uint32_t>(textAlpha);
-        for (uint64_t i = 0; i < count; ++i) {
-            pixels[i] = kernels::fadeAndUnpremultiply(pixels[i], alpha);
-        }
+        kernels::fadeAndUnpremultiplyRow(pixels, count, alpha);
     }
     releaseBitmap();
     mode = GXE_MODE_SINGLE_LAYER;

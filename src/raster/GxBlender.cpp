@@ -3,86 +3,62 @@
 #include <android/log.h>
 
 #include <algorithm>
-#include <cstring>
-#include <type_traits>
+#include <bit>
 
-#include "raster/kernels/BlendPixel.h"
+#include "raster/kernels/BlendRows.h"
 
 namespace GxFontEffect {
 
+using kernels::BlendArea;
 using kernels::fromWord;
-using kernels::Rgba;
+using kernels::SourceOrder;
 
 namespace {
 
 constexpr const char* kTag = "Blender";
 
-// A source placed at (x, y) and cut to the destination, in destination pixels. 64 bits: the
-// bitmap's extents are unsigned and x + width may pass the int range.
-struct Clip {
-    int64_t left;
-    int64_t right;
-    int64_t top;
-    int64_t bottom;
+// A source placed at (x, y) and cut to the destination. Strides are in bytes. 64 bits: the bitmap's
+// extents are unsigned and x + width may pass the int range. No area, of no pixels, when nothing
+// is to be drawn.
+BlendArea cut(int64_t x, int64_t y, const GxBitmap* destination, const void* source, int64_t width,
+              int64_t height, int64_t stride, int64_t sourceBytes) {
+    if (!destination || !source || !destination->data) return {};
+    const int64_t left = std::max<int64_t>(x, 0);
+    const int64_t right = std::min<int64_t>(x + width, destination->width);
+    const int64_t top = std::max<int64_t>(y, 0);
+    const int64_t bottom = std::min<int64_t>(y + height, destination->height);
+    if (left >= right || top >= bottom) return {};
 
-    Clip(const GxBitmap& destination, int64_t x, int64_t y, int64_t width, int64_t height)
-        : left(std::max<int64_t>(x, 0)),
-          right(std::min<int64_t>(x + width, destination.width)),
-          top(std::max<int64_t>(y, 0)),
-          bottom(std::min<int64_t>(y + height, destination.height)) {}
-    bool isEmpty() const { return left >= right || top >= bottom; }
-};
-
-// Calls row(destination row, source row, count) for every row of the clipped area, downwards.
-// `stride` counts source elements, `Destination` is the pixel type.
-template <typename Destination, typename Source, typename Row>
-void forEachRow(int64_t x, int64_t y, const GxBitmap* destination, const Source* source,
-                int64_t width, int64_t height, int64_t stride, Row row) {
-    if (!destination || !source || !destination->data) return;
-    constexpr bool is32 = sizeof(Destination) == 4;
-    if (is32 ? destination->bytesPerPixel != 4 : destination->bytesPerPixel == 0) return;
-    const Clip clip(*destination, x, y, width, height);
-    if (clip.isEmpty()) return;
-    const int64_t count = clip.right - clip.left;
-    auto* pixels = reinterpret_cast<Destination*>(destination->data);
-    for (int64_t top = clip.top; top < clip.bottom; ++top) {
-        row(pixels + top * destination->width + clip.left,
-            source + (top - y) * stride + (clip.left - x), count);
-    }
+    const int64_t pixelBytes = destination->bytesPerPixel == 4 ? 4 : 1;
+    const int64_t rowBytes = destination->width * pixelBytes;
+    BlendArea area;
+    area.destination = destination->data + top * rowBytes + left * pixelBytes;
+    area.destinationStride = rowBytes;
+    area.source =
+        static_cast<const uint8_t*>(source) + (top - y) * stride + (left - x) * sourceBytes;
+    area.sourceStride = stride;
+    area.width = static_cast<size_t>(right - left);
+    area.height = static_cast<size_t>(bottom - top);
+    return area;
 }
 
-// Every pixel of the clipped area becomes pixel(destination, source).
-template <typename Destination, typename Source, typename Pixel>
-void forEachPixel(int64_t x, int64_t y, const GxBitmap* destination, const Source* source,
-                  int64_t width, int64_t height, int64_t stride, Pixel pixel) {
-    forEachRow<Destination>(x, y, destination, source, width, height, stride,
-                            [&](Destination* d, const Source* s, int64_t count) {
-                                for (int64_t i = 0; i < count; ++i) d[i] = pixel(d[i], s[i]);
-                            });
+bool isLayer(const GxBitmap* bitmap) {
+    return bitmap && bitmap->bytesPerPixel == 4;
 }
 
-// Source pixels in their byte order, as they lie in memory.
-struct BytesArgb {
-    uint8_t a, r, g, b;
-    operator Rgba() const { return {r, g, b, a}; }
-};
-
-// Byte strides need not be whole pixels, so rows are stepped in bytes.
-template <typename Source>
-void dstOverBytes(int x, int y, const GxBitmap* destination, const uint8_t* source, int width,
-                  int height, int stride) {
-    static_assert(sizeof(Source) == 4 && alignof(Source) == 1);
-    if (!destination || !source || !destination->data || destination->bytesPerPixel != 4) return;
-    const Clip clip(*destination, x, y, width, height);
-    if (clip.isEmpty()) return;
-    auto* pixels = reinterpret_cast<Rgba*>(destination->data);
-    for (int64_t top = clip.top; top < clip.bottom; ++top) {
-        Rgba* d = pixels + top * destination->width;
-        const auto* s =
-            reinterpret_cast<const Source*>(source + (top - y) * int64_t{stride}) + (clip.left - x);
-        for (int64_t i = clip.left; i < clip.right; ++i, ++s) d[i] = kernels::dstOver32(d[i], *s);
-    }
+BlendArea cutMaskOntoLayer(int x, int y, const GxBitmap* layer, const uint8_t* mask, int64_t width,
+                           int64_t height, int64_t stride) {
+    return isLayer(layer) ? cut(x, y, layer, mask, width, height, stride, 1) : BlendArea();
 }
+
+BlendArea cut32OntoLayer(int x, int y, const GxBitmap* layer, const void* source, int64_t width,
+                         int64_t height, int64_t stride) {
+    return isLayer(layer) ? cut(x, y, layer, source, width, height, stride, 4) : BlendArea();
+}
+
+// Words 0xAARRGGBB lie in memory as blue, green, red, alpha.
+static_assert(std::endian::native == std::endian::little);
+constexpr SourceOrder kWords = SourceOrder::kBgra;
 
 }  // namespace
 
@@ -111,30 +87,26 @@ void GxBlender::drawBitmapBlend8(int x, int y, const GxBitmap* destination, cons
 
 void GxBlender::blendSrcOver8To32(int x, int y, const GxBitmap* destination, const uint8_t* mask,
                                   int width, int height, int stride, uint32_t color) const {
-    forEachPixel<Rgba>(
-        x, y, destination, mask, width, height, stride,
-        [c = fromWord(color)](Rgba d, uint8_t m) { return kernels::srcOver8(d, m, c); });
+    kernels::srcOver8Rows(cutMaskOntoLayer(x, y, destination, mask, width, height, stride),
+                          fromWord(color));
 }
 
 void GxBlender::blendDstOver8To32(int x, int y, const GxBitmap* destination, const uint8_t* mask,
                                   int width, int height, int stride, uint32_t color) const {
-    forEachPixel<Rgba>(
-        x, y, destination, mask, width, height, stride,
-        [c = fromWord(color)](Rgba d, uint8_t m) { return kernels::dstOver8(d, m, c); });
+    kernels::dstOver8Rows(cutMaskOntoLayer(x, y, destination, mask, width, height, stride),
+                          fromWord(color));
 }
 
 void GxBlender::blendDstOver8To32NSA(int x, int y, const GxBitmap* destination, const uint8_t* mask,
                                      int width, int height, int stride, uint32_t color) const {
-    forEachPixel<Rgba>(
-        x, y, destination, mask, width, height, stride,
-        [c = fromWord(color)](Rgba d, uint8_t m) { return kernels::dstOverNsa8(d, m, c); });
+    kernels::dstOverNsa8Rows(cutMaskOntoLayer(x, y, destination, mask, width, height, stride),
+                             fromWord(color));
 }
 
 void GxBlender::blendDstOverSA8To32(int x, int y, const GxBitmap* destination, const uint8_t* mask,
                                     int width, int height, int stride, uint32_t color) const {
-    forEachPixel<Rgba>(
-        x, y, destination, mask, width, height, stride,
-        [c = fromWord(color)](Rgba d, uint8_t m) { return kernels::dstOverSa8(d, m, c); });
+    kernels::dstOverSa8Rows(cutMaskOntoLayer(x, y, destination, mask, width, height, stride),
+                            fromWord(color));
 }
 
 void GxBlender::drawBitmapBlend32(int x, int y, const GxBitmap* destination, const uint32_t* source,
@@ -149,15 +121,15 @@ void GxBlender::drawBitmapBlend32(int x, int y, const GxBitmap* destination, con
 void GxBlender::blendSrcOver32To32(int x, int y, const GxBitmap* destination,
                                    const uint32_t* source, int width, int height,
                                    int stride) const {
-    forEachPixel<Rgba>(x, y, destination, source, width, height, stride,
-                       [](Rgba d, uint32_t s) { return kernels::srcOver32(d, fromWord(s)); });
+    kernels::srcOver32Rows(
+        cut32OntoLayer(x, y, destination, source, width, height, int64_t{stride} * 4), kWords);
 }
 
 void GxBlender::blendDstOver32To32(int x, int y, const GxBitmap* destination,
                                    const uint32_t* source, int width, int height,
                                    int stride) const {
-    forEachPixel<Rgba>(x, y, destination, source, width, height, stride,
-                       [](Rgba d, uint32_t s) { return kernels::dstOver32(d, fromWord(s)); });
+    kernels::dstOver32Rows(
+        cut32OntoLayer(x, y, destination, source, width, height, int64_t{stride} * 4), kWords);
 }
 
 void GxBlender::drawBitmapBlend32(int x, int y, const GxBitmap* destination, const uint8_t* source,
@@ -168,11 +140,10 @@ void GxBlender::drawBitmapBlend32(int x, int y, const GxBitmap* destination, con
 
 void GxBlender::blendDstOver32To32(int x, int y, const GxBitmap* destination, const uint8_t* source,
                                    int width, int height, int stride, int byteOrder) const {
-    if (byteOrder == GXE_BYTE_ORDER_RGBA) {
-        dstOverBytes<Rgba>(x, y, destination, source, width, height, stride);
-    } else if (byteOrder == GXE_BYTE_ORDER_ARGB) {
-        dstOverBytes<BytesArgb>(x, y, destination, source, width, height, stride);
-    }
+    if (byteOrder != GXE_BYTE_ORDER_RGBA && byteOrder != GXE_BYTE_ORDER_ARGB) return;
+    kernels::dstOver32Rows(
+        cut32OntoLayer(x, y, destination, source, width, height, stride),
+        byteOrder == GXE_BYTE_ORDER_RGBA ? SourceOrder::kRgba : SourceOrder::kArgb);
 }
 
 namespace {
@@ -180,14 +151,11 @@ namespace {
 // The bitmap form of drawBitmap passes unsigned extents through, so the body takes 64 bits.
 void drawMask(int x, int y, const GxBitmap* destination, const uint8_t* mask, int64_t width,
               int64_t height, uint32_t color) {
-    if (!destination) return;
-    if (destination->bytesPerPixel == 4) {
-        forEachPixel<Rgba>(
-            x, y, destination, mask, width, height, width,
-            [c = fromWord(color)](Rgba, uint8_t m) { return kernels::overwrite8(m, c); });
-    } else {
-        forEachPixel<uint8_t>(x, y, destination, mask, width, height, width,
-                              [](uint8_t d, uint8_t m) { return std::max(d, m); });
+    if (isLayer(destination)) {
+        kernels::overwrite8Rows(cutMaskOntoLayer(x, y, destination, mask, width, height, width),
+                                fromWord(color));
+    } else if (destination && destination->bytesPerPixel != 0) {
+        kernels::max8Rows(cut(x, y, destination, mask, width, height, width, 1));
     }
 }
 
@@ -205,7 +173,7 @@ void GxBlender::drawBitmap(int x, int y, const GxBitmap* destination, const GxBi
 
 void GxBlender::drawBitmap8To32(int x, int y, const GxBitmap* destination, const uint8_t* mask,
                                 int width, int height, uint32_t color) const {
-    if (destination && destination->bytesPerPixel == 4) {
+    if (isLayer(destination)) {
         drawMask(x, y, destination, mask, width, height, color);
     }
 }
@@ -218,14 +186,8 @@ void GxBlender::drawBitmap8To8(int x, int y, const GxBitmap* destination, const 
 }
 
 void GxBlender::convertBGRAToARGB(const GxBitmap* bitmap) {
-    if (!bitmap || !bitmap->data || bitmap->bytesPerPixel != 4) return;
-    uint8_t* bytes = bitmap->data;
-    for (uint64_t i = 0, count = bitmap->pixelCount(); i < count; ++i, bytes += 4) {
-        uint32_t p;
-        std::memcpy(&p, bytes, sizeof(p));
-        p = (p & 0xFF00FF00u) | ((p & 0xFFu) << 16) | ((p >> 16) & 0xFFu);
-        std::memcpy(bytes, &p, sizeof(p));
-    }
+    if (!isLayer(bitmap) || !bitmap->data) return;
+    kernels::swapRedBlueRow(reinterpret_cast<kernels::Rgba*>(bitmap->data), bitmap->pixelCount());
 }
 
 }  // namespace GxFontEffect
