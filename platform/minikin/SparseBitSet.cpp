@@ -15,8 +15,8 @@ void SparseBitSet::addRange(uint32_t first, uint32_t last) {
     for (uint32_t value = first; value <= last; value++) {
         uint16_t& page = mPageIndex[value >> kLogPageBits];
         if (page == kNoPage) {
-            page = static_cast<uint16_t>(mPages.size());
-            mPages.emplace_back();
+            mPages.emplace_back();  // may throw: the index must not name a page that is not there
+            page = static_cast<uint16_t>(mPages.size() - 1);
         }
         const uint32_t bit = value & (kPageBits - 1);
         mPages[page][bit / 64] |= uint64_t{1} << (bit % 64);
