@@ -35,6 +35,19 @@ HbFontUniquePtr makeBaseFont(const MinikinFont& font) {
     return base;
 }
 
+std::unique_ptr<const SparseBitSet> collectCoverage(hb_font_t* font) {
+    const HbSetUniquePtr codepoints(hb_set_create());
+    hb_face_collect_unicodes(hb_font_get_face(font), codepoints.get());
+    if (!hb_set_allocation_successful(codepoints.get())) throw std::bad_alloc();
+    auto coverage = std::make_unique<SparseBitSet>();
+    hb_codepoint_t first = HB_SET_VALUE_INVALID;
+    hb_codepoint_t last = HB_SET_VALUE_INVALID;
+    while (hb_set_next_range(codepoints.get(), &first, &last)) {
+        coverage->addRange(first, last);
+    }
+    return coverage;
+}
+
 uint16_t readU16(const char* bytes) {
     return static_cast<uint16_t>(static_cast<uint8_t>(bytes[0]) << 8 |
                                  static_cast<uint8_t>(bytes[1]));
@@ -60,17 +73,9 @@ FontStyle FontFile::style() const {
 }
 
 const SparseBitSet& FontFile::coverage() const {
-    std::call_once(mCoverageOnce, [this] {
-        const HbSetUniquePtr codepoints(hb_set_create());
-        hb_face_collect_unicodes(hb_font_get_face(mBaseFont.get()), codepoints.get());
-        if (!hb_set_allocation_successful(codepoints.get())) throw std::bad_alloc();
-        hb_codepoint_t first = HB_SET_VALUE_INVALID;
-        hb_codepoint_t last = HB_SET_VALUE_INVALID;
-        while (hb_set_next_range(codepoints.get(), &first, &last)) {
-            mCoverage.addRange(first, last);
-        }
-    });
-    return mCoverage;
+    const std::lock_guard<std::mutex> guard(mCoverageLock);
+    if (!mCoverage) mCoverage = collectCoverage(mBaseFont.get());
+    return *mCoverage;
 }
 
 }  // namespace minikin

@@ -2,6 +2,7 @@
 // covers.
 #pragma once
 
+#include <memory>
 #include <mutex>
 
 #include "minikin/FontStyle.h"
@@ -26,8 +27,8 @@ public:
 
 private:
     const HbFontUniquePtr mBaseFont;
-    mutable std::once_flag mCoverageOnce;
-    mutable SparseBitSet mCoverage;
+    mutable std::mutex mCoverageLock;
+    mutable std::unique_ptr<const SparseBitSet> mCoverage;
 };
 
 }  // namespace minikin

@@ -7,7 +7,7 @@
 namespace minikin {
 
 struct MinikinFont::LazyFile {
-    std::once_flag once;
+    std::mutex lock;  // not a once_flag: a first use that throws has to leave room for a second
     std::unique_ptr<FontFile> file;
 };
 
@@ -25,8 +25,8 @@ void MinikinFont::GetHorizontalAdvances(uint16_t* glyph_ids, uint32_t count,
 }
 
 const FontFile& MinikinFont::file() const {
-    std::call_once(mLazyFile->once,
-                   [this] { mLazyFile->file = std::make_unique<FontFile>(*this); });
+    const std::lock_guard<std::mutex> guard(mLazyFile->lock);
+    if (!mLazyFile->file) mLazyFile->file = std::make_unique<FontFile>(*this);
     return *mLazyFile->file;
 }
 
