@@ -1,0 +1,2 @@
+/** Fonts for the texts of the whole process. */
+package com.norvale.android.sdk.gxe.font;

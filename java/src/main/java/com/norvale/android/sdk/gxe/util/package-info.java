@@ -1,0 +1,2 @@
+/** The native library: loading it, and what its error codes mean. */
+package com.norvale.android.sdk.gxe.util;
