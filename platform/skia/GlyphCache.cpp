@@ -115,8 +115,7 @@ void GlyphCache::insert(const Key& key, const std::shared_ptr<const Glyph>& glyp
         throw;
     }
     fBytes += cost(*glyph);
-    while (fBytes > kMaxBytes)
-        this->erase(std::prev(fEntries.end()));
+    while (fBytes > kMaxBytes) this->erase(std::prev(fEntries.end()));
 }
 
 void GlyphCache::erase(Entries::iterator entry) {

@@ -20,9 +20,6 @@ namespace {
 // Of the pixel size; Android's strength for fake bold.
 constexpr FT_Pos kEmboldenDivisor = 34;
 
-// Embedded pictures beyond this many pixels are left out: a few bytes of PNG can ask for gigabytes.
-constexpr uint64_t kMaxStrikePixels = 1 << 22;
-
 // Float to fixed point, truncated, with fractionBits bits after the point.
 FT_Fixed toFixed(float v, int fractionBits) {
     const double scaled = std::ldexp(static_cast<double>(v), fractionBits);
@@ -44,8 +41,9 @@ SkIRect placeBox(const FT_BBox& box, const GlyphPlacement& p) {
                              ceilToInt(-static_cast<double>(box.yMin) * unit + p.dy));
 }
 
-SkIRect emptyIfBlank(const SkIRect& box) {
-    return box.isEmpty() ? SkIRect::MakeEmpty() : box;
+void makeBinary(uint8_t* coverage, size_t count) {
+    std::transform(coverage, coverage + count, coverage,
+                   [](uint8_t c) -> uint8_t { return c < 128 ? 0 : 255; });
 }
 
 size_t pixelCount(const SkIRect& window) {
@@ -67,24 +65,6 @@ bool succeeded(FT_Error error) {
     return error == 0;
 }
 
-// Coverage of pixel x in a bitmap's row.
-uint8_t coverageAt(const FT_Bitmap& bitmap, const uint8_t* row, unsigned x) {
-    switch (bitmap.pixel_mode) {
-        case FT_PIXEL_MODE_MONO:
-            return (row[x >> 3] >> (7 - (x & 7)) & 1) * 255;
-        case FT_PIXEL_MODE_GRAY2:
-            return (row[x >> 2] >> (6 - 2 * (x & 3)) & 3) * 85;
-        case FT_PIXEL_MODE_GRAY4:
-            return (row[x >> 1] >> (4 - 4 * (x & 1)) & 15) * 17;
-        case FT_PIXEL_MODE_GRAY:
-            return row[x];
-        case FT_PIXEL_MODE_BGRA:
-            return row[4 * static_cast<size_t>(x) + 3];
-        default:
-            return 0;
-    }
-}
-
 }  // namespace
 
 GlyphScaler::GlyphScaler(FontFace& face, const GlyphSettings& settings)
@@ -97,15 +77,16 @@ GlyphScaler::GlyphScaler(FontFace& face, const GlyphSettings& settings)
 void GlyphScaler::select() {
     fLoadFlags = this->loadFlags();
     fLinearAdvance = fSettings.subpixel || fSettings.hinting == SkFontHinting::kNone;
-    fXX = fSettings.scaleX < 0 ? -1.0f : 1.0f;
-    fXY = fSettings.skewX;
+    fMatrix.xx = fSettings.scaleX < 0 ? -1.0f : 1.0f;
+    fMatrix.xy = fSettings.skewX;
     if (FT_IS_SCALABLE(fFace)) {
         this->selectScalable();
     } else {
         this->selectStrike();
     }
     if (!fReady) return;
-    FT_Matrix matrix = {toFixed(fXX, 16), -toFixed(fXY, 16), 0, toFixed(fYY, 16)};
+    FT_Matrix matrix = {toFixed(fMatrix.xx, 16), -toFixed(fMatrix.xy, 16), 0,
+                        toFixed(fMatrix.yy, 16)};
     FT_Set_Transform(fFace, &matrix, nullptr);
 }
 
@@ -130,9 +111,9 @@ void GlyphScaler::selectScalable() {
     const float yPpem = upem * fromFixed(fFace->size->metrics.y_scale) / 64;
     fReady = xPpem > 0 && yPpem > 0;
     if (!fReady) return;
-    fXX *= width / xPpem;
-    fXY *= height / yPpem;
-    fYY *= height / yPpem;
+    fMatrix.xx *= width / xPpem;
+    fMatrix.xy *= height / yPpem;
+    fMatrix.yy *= height / yPpem;
 }
 
 // The smallest strike that is not below the size wanted, else the largest.
@@ -152,9 +133,9 @@ void GlyphScaler::selectStrike() {
     const FT_Size_Metrics& strike = fFace->size->metrics;
     if (strike.x_ppem == 0 || strike.y_ppem == 0) return;
     const float yRatio = fSettings.size / strike.y_ppem;
-    fXX *= std::fabs(fSettings.size * fSettings.scaleX) / strike.x_ppem;
-    fXY *= yRatio;
-    fYY *= yRatio;
+    fMatrix.xx *= std::fabs(fSettings.size * fSettings.scaleX) / strike.x_ppem;
+    fMatrix.xy *= yRatio;
+    fMatrix.yy *= yRatio;
     // There are no linear metrics for pictures, and nothing but pictures to load.
     fLinearAdvance = false;
     fLoadFlags &= ~FT_LOAD_NO_BITMAP;
@@ -184,7 +165,9 @@ bool GlyphScaler::load(SkGlyphID glyph) {
     this->readAdvance(glyph);
     const FT_GlyphSlot slot = fFace->glyph;
     if (slot->format == FT_GLYPH_FORMAT_BITMAP) {
-        this->readStrike();
+        if (!fStrike.assign(*slot)) return true;
+        fContent = Content::kStrike;
+        if (slot->bitmap.pixel_mode == FT_PIXEL_MODE_BGRA) fKind = MaskKind::kColor;
     } else if (slot->format == FT_GLYPH_FORMAT_OUTLINE) {
         fContent = Content::kOutline;
         this->readLayers(glyph);
@@ -214,7 +197,7 @@ bool GlyphScaler::bitmapTooLarge(FT_UInt glyph, FT_Int32 flags) {
     if (!succeeded(FT_Load_Glyph(fFace, glyph, flags | FT_LOAD_BITMAP_METRICS_ONLY))) return false;
     const FT_GlyphSlot slot = fFace->glyph;
     return slot->format == FT_GLYPH_FORMAT_BITMAP &&
-           static_cast<uint64_t>(slot->bitmap.width) * slot->bitmap.rows > kMaxStrikePixels;
+           static_cast<uint64_t>(slot->bitmap.width) * slot->bitmap.rows > StrikeImage::kMaxPixels;
 }
 
 // The shape grows to the right and upwards, the advance stays.
@@ -242,7 +225,7 @@ void GlyphScaler::readAdvance(FT_UInt glyph) {
     if (FT_Get_Advance(fFace, glyph, fLoadFlags | FT_ADVANCE_FLAG_FAST_ONLY, &advance) != 0) {
         advance = slot->linearHoriAdvance;
     }
-    fAdvance = fXX * fromFixed(advance);
+    fAdvance = fMatrix.xx * fromFixed(advance);
 }
 
 // The layers of a COLR glyph, bottom first, each with the alpha of its palette colour.
@@ -267,62 +250,36 @@ void GlyphScaler::readLayers(FT_UInt glyph) {
     fKind = MaskKind::kColor;
 }
 
-void GlyphScaler::readStrike() {
+bool GlyphScaler::outlineBox(FT_BBox* box) const {
     const FT_GlyphSlot slot = fFace->glyph;
-    const FT_Bitmap& bitmap = slot->bitmap;
-    if (!bitmap.buffer || bitmap.width == 0 || bitmap.rows == 0) return;
-    if (static_cast<uint64_t>(bitmap.width) * bitmap.rows > kMaxStrikePixels) return;
+    if (slot->format != FT_GLYPH_FORMAT_OUTLINE || slot->outline.n_contours == 0) return false;
+    FT_Outline_Get_CBox(&slot->outline, box);
+    return true;
+}
 
-    fStrike.width = static_cast<int>(bitmap.width);
-    fStrike.height = static_cast<int>(bitmap.rows);
-    fStrike.left = slot->bitmap_left;
-    fStrike.top = -slot->bitmap_top;
-    fStrike.pixels.resize(static_cast<size_t>(bitmap.width) * bitmap.rows);
-    // With a negative pitch the rows come bottom first, and buffer is still the first in memory.
-    const ptrdiff_t pitch = bitmap.pitch;
-    const uint8_t* row = bitmap.buffer;
-    if (pitch < 0) row -= pitch * static_cast<ptrdiff_t>(bitmap.rows - 1);
-    uint8_t* out = fStrike.pixels.data();
-    for (unsigned y = 0; y < bitmap.rows; ++y, row += pitch) {
-        for (unsigned x = 0; x < bitmap.width; ++x)
-            *out++ = coverageAt(bitmap, row, x);
+bool GlyphScaler::layersBox(FT_BBox* all) {
+    bool any = false;
+    for (const Layer& layer : fLayers) {
+        FT_BBox box;
+        if (!this->loadSlot(layer.glyph) || !this->outlineBox(&box)) continue;
+        if (!any) *all = box;
+        any = true;
+        *all = {std::min(all->xMin, box.xMin), std::min(all->yMin, box.yMin),
+                std::max(all->xMax, box.xMax), std::max(all->yMax, box.yMax)};
     }
-    fContent = Content::kStrike;
-    if (bitmap.pixel_mode == FT_PIXEL_MODE_BGRA) fKind = MaskKind::kColor;
+    return any;
 }
 
 SkIRect GlyphScaler::bounds(const GlyphPlacement& placement) {
-    switch (fContent) {
-        case Content::kBlank:
-            break;
-        case Content::kOutline: {
-            if (fFace->glyph->outline.n_contours == 0) break;
-            FT_BBox box;
-            FT_Outline_Get_CBox(&fFace->glyph->outline, &box);
-            return emptyIfBlank(placeBox(box, placement));
-        }
-        case Content::kLayers: {
-            FT_BBox all = {};
-            bool any = false;
-            for (const Layer& layer : fLayers) {
-                if (!this->loadSlot(layer.glyph)) continue;
-                const FT_GlyphSlot slot = fFace->glyph;
-                if (slot->format != FT_GLYPH_FORMAT_OUTLINE || slot->outline.n_contours == 0) {
-                    continue;
-                }
-                FT_BBox box;
-                FT_Outline_Get_CBox(&slot->outline, &box);
-                if (!any) all = box;
-                any = true;
-                all = {std::min(all.xMin, box.xMin), std::min(all.yMin, box.yMin),
-                       std::max(all.xMax, box.xMax), std::max(all.yMax, box.yMax)};
-            }
-            return any ? emptyIfBlank(placeBox(all, placement)) : SkIRect::MakeEmpty();
-        }
-        case Content::kStrike:
-            return emptyIfBlank(this->strikeBounds(placement));
+    SkIRect box = SkIRect::MakeEmpty();
+    FT_BBox outline = {};
+    if (fContent == Content::kStrike) {
+        box = fStrike.bounds(fMatrix, placement);
+    } else if ((fContent == Content::kOutline && this->outlineBox(&outline)) ||
+               (fContent == Content::kLayers && this->layersBox(&outline))) {
+        box = placeBox(outline, placement);
     }
-    return SkIRect::MakeEmpty();
+    return box.isEmpty() ? SkIRect::MakeEmpty() : box;
 }
 
 void GlyphScaler::render(const GlyphPlacement& placement, const SkIRect& window, uint8_t* out) {
@@ -338,7 +295,8 @@ void GlyphScaler::render(const GlyphPlacement& placement, const SkIRect& window,
             this->renderLayers(placement, window, out);
             return;
         case Content::kStrike:
-            this->renderStrike(placement, window, out);
+            fStrike.render(fMatrix, placement, window, out);
+            if (fKind == MaskKind::kBinary) makeBinary(out, pixelCount(window));
             return;
     }
 }
@@ -404,89 +362,8 @@ void GlyphScaler::renderBinary(FT_Outline* outline, const SkIRect& window, uint8
     if (!succeeded(FT_Outline_Get_Bitmap(fFace->glyph->library, outline, &bitmap))) return;
     const uint8_t* row = bits.data();
     for (unsigned y = 0; y < height; ++y, row += pitch) {
-        for (unsigned x = 0; x < width; ++x)
-            *out++ = coverageAt(bitmap, row, x);
+        for (unsigned x = 0; x < width; ++x) *out++ = (row[x >> 3] >> (7 - (x & 7)) & 1) * 255;
     }
-}
-
-SkIRect GlyphScaler::strikeBounds(const GlyphPlacement& p) const {
-    const double left = fStrike.left;
-    const double top = fStrike.top;
-    const double right = left + fStrike.width;
-    const double bottom = top + fStrike.height;
-    // The corners' x are xx * x + xy * y: each extreme is a sum of extremes.
-    const double x0 = std::min(fXX * left, fXX * right) + std::min(fXY * top, fXY * bottom);
-    const double x1 = std::max(fXX * left, fXX * right) + std::max(fXY * top, fXY * bottom);
-    return SkIRect::MakeLTRB(floorToInt(x0 * p.scale + p.dx),
-                             floorToInt(fYY * top * p.scale + p.dy), ceilToInt(x1 * p.scale + p.dx),
-                             ceilToInt(fYY * bottom * p.scale + p.dy));
-}
-
-// Unscaled pictures keep to whole pixels.
-void GlyphScaler::copyStrike(const GlyphPlacement& p, const SkIRect& window, uint8_t* out) const {
-    const int dx = floorToInt(p.dx) + fStrike.left;
-    const int dy = floorToInt(p.dy) + fStrike.top;
-    for (int y = window.fTop; y < window.fBottom; ++y) {
-        for (int x = window.fLeft; x < window.fRight; ++x, ++out) {
-            const int sx = x - dx;
-            const int sy = y - dy;
-            if (sx < 0 || sy < 0 || sx >= fStrike.width || sy >= fStrike.height) continue;
-            *out = fStrike.pixels[static_cast<size_t>(sy) * fStrike.width + sx];
-        }
-    }
-}
-
-// Bilinear between pixel centres, nothing outside; x and y in the strike's pixels.
-float GlyphScaler::sampleStrike(double x, double y) const {
-    const int x0 = floorToInt(x - 0.5);
-    const int y0 = floorToInt(y - 0.5);
-    const float fx = static_cast<float>(x - 0.5 - x0);
-    const float fy = static_cast<float>(y - 0.5 - y0);
-    const auto at = [this](int px, int py) -> float {
-        if (px < 0 || py < 0 || px >= fStrike.width || py >= fStrike.height) return 0;
-        return fStrike.pixels[static_cast<size_t>(py) * fStrike.width + px];
-    };
-    const float top = at(x0, y0) * (1 - fx) + at(x0 + 1, y0) * fx;
-    const float bottom = at(x0, y0 + 1) * (1 - fx) + at(x0 + 1, y0 + 1) * fx;
-    return top * (1 - fy) + bottom * fy;
-}
-
-// Each pixel is the mean of n * n samples, n being how many pixels of the strike it spans: a box
-// when shrinking, bilinear when growing.
-void GlyphScaler::resampleStrike(const GlyphPlacement& p, const SkIRect& window,
-                                 uint8_t* out) const {
-    constexpr int kMaxSamples = 64;
-    const double xx = fXX * p.scale;
-    const double xy = fXY * p.scale;
-    const double yy = fYY * p.scale;
-    const double span = 1 / std::min(std::fabs(xx), std::fabs(yy));
-    const int n = std::clamp(ceilToInt(span), 1, kMaxSamples);
-    const auto mean = static_cast<float>(n * n);
-    for (int y = window.fTop; y < window.fBottom; ++y) {
-        for (int x = window.fLeft; x < window.fRight; ++x) {
-            float sum = 0;
-            for (int i = 0; i < n * n; ++i) {
-                const double deviceX = x + (i % n + 0.5) / n - p.dx;
-                const double sy = (y + (i / n + 0.5) / n - p.dy) / yy;
-                const double sx = (deviceX - xy * sy) / xx;
-                sum += this->sampleStrike(sx - fStrike.left, sy - fStrike.top);
-            }
-            *out++ = static_cast<uint8_t>(floorToInt(sum / mean + 0.5f));
-        }
-    }
-}
-
-void GlyphScaler::renderStrike(const GlyphPlacement& placement, const SkIRect& window,
-                               uint8_t* out) const {
-    const bool unchanged = fXX == 1 && fXY == 0 && fYY == 1 && placement.scale == 1;
-    if (unchanged) {
-        this->copyStrike(placement, window, out);
-    } else {
-        this->resampleStrike(placement, window, out);
-    }
-    if (fKind != MaskKind::kBinary) return;
-    const size_t count = pixelCount(window);
-    std::transform(out, out + count, out, [](uint8_t c) -> uint8_t { return c < 128 ? 0 : 255; });
 }
 
 }  // namespace portable

@@ -8,6 +8,7 @@
 #include "SkTypes.h"
 #include "skia/FontFace.h"
 #include "skia/GlyphSettings.h"
+#include "skia/StrikeImage.h"
 
 namespace portable {
 
@@ -15,13 +16,6 @@ enum class MaskKind : uint8_t {
     kBinary,  // pixels 0 or 255
     kGrey,    // coverage, still without gamma
     kColor,   // alpha of a colour glyph, blended as it is
-};
-
-// Where a glyph goes: its coordinates times scale, then moved, in pixels with y downwards.
-struct GlyphPlacement {
-    double scale = 1;
-    double dx = 0;
-    double dy = 0;
 };
 
 // Holds the face locked: make one, take the glyphs, drop it. Fonts lie about everything, so every
@@ -52,14 +46,6 @@ private:
         FT_UInt glyph;
         uint8_t alpha;
     };
-    // The glyph's bitmap as 8-bit coverage, and its corner in the strike's pixels, y downwards.
-    struct Strike {
-        std::vector<uint8_t> pixels;
-        int width = 0;
-        int height = 0;
-        int left = 0;
-        int top = 0;
-    };
     void select();
     void selectScalable();
     void selectStrike();
@@ -69,16 +55,12 @@ private:
     void emboldenSlot();
     void readAdvance(FT_UInt glyph);
     void readLayers(FT_UInt glyph);
-    void readStrike();
 
-    SkIRect strikeBounds(const GlyphPlacement& placement) const;
+    bool outlineBox(FT_BBox* box) const;
+    bool layersBox(FT_BBox* all);
     void renderLayers(const GlyphPlacement& placement, const SkIRect& window, uint8_t* out);
     void renderOutline(const GlyphPlacement& placement, const SkIRect& window, uint8_t* out);
     void renderBinary(FT_Outline* outline, const SkIRect& window, uint8_t* out);
-    void renderStrike(const GlyphPlacement& placement, const SkIRect& window, uint8_t* out) const;
-    void copyStrike(const GlyphPlacement& placement, const SkIRect& window, uint8_t* out) const;
-    void resampleStrike(const GlyphPlacement& placement, const SkIRect& window, uint8_t* out) const;
-    float sampleStrike(double x, double y) const;
 
     FontFace::Access fAccess;
     FT_Face fFace;
@@ -86,16 +68,13 @@ private:
     FT_Int32 fLoadFlags = 0;
     bool fReady = false;
     bool fLinearAdvance = false;
-    // What remains to be done to FreeType's glyphs, y downwards: (xx, xy; 0, yy).
-    float fXX = 1;
-    float fXY = 0;
-    float fYY = 1;
+    GlyphMatrix fMatrix;
 
     float fAdvance = 0;
     MaskKind fKind = MaskKind::kGrey;
     enum class Content { kBlank, kOutline, kLayers, kStrike } fContent = Content::kBlank;
     std::vector<Layer> fLayers;
-    Strike fStrike;
+    StrikeImage fStrike;
     std::vector<FT_Vector> fPoints;
 };
 

@@ -171,8 +171,7 @@ void TextPainter::blitColor(uint8_t* row, const uint8_t* mask, int count,
 void paintText(const SkBitmap& bitmap, const SkIRect& clip, const SkTextBlob& blob, SkScalar x,
                SkScalar y, SkColor color) {
     TextPainter painter(bitmap, clip, color);
-    for (const SkTextBlob::Run& run : blob.runs())
-        painter.paintRun(run, x, y);
+    for (const SkTextBlob::Run& run : blob.runs()) painter.paintRun(run, x, y);
 }
 
 }  // namespace portable
