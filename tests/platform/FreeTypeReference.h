@@ -1,0 +1,109 @@
+// Glyphs by FreeType called directly, with its own bitmap placement: what the drawn ones are held
+// to.
+#pragma once
+
+#include <ft2build.h>
+#include <gtest/gtest.h>
+#include FT_FREETYPE_H
+#include FT_OUTLINE_H
+
+#include <cmath>
+#include <cstdint>
+#include <vector>
+
+#include "SkRect.h"
+#include "SkTypes.h"
+
+namespace gxtest {
+
+// What a test asks of the reference: FreeType's own words.
+struct GlyphRequest {
+    FT_F26Dot6 width = 0;  // of the em, 26.6
+    FT_F26Dot6 height = 0;
+    FT_Int32 flags = 0;
+    FT_Fixed shear = 0;   // 16.16, positive leans right
+    FT_Pos strength = 0;  // emboldening, 26.6
+    FT_Pos dx = 0;        // 26.6
+    bool mono = false;
+};
+
+struct ReferenceGlyph {
+    float advance = 0;        // of the slot, hinted
+    float linearAdvance = 0;  // as the font's tables have it
+    SkIRect box{};            // of the control points, y downwards
+    int left = 0;             // of the bitmap
+    int top = 0;
+    int width = 0;
+    int height = 0;
+    std::vector<uint8_t> coverage;
+};
+
+class FreeTypeReference {
+public:
+    template <typename Container>
+    explicit FreeTypeReference(const Container& bytes, int index = 0) {
+        EXPECT_EQ(FT_Init_FreeType(&library_), 0);
+        EXPECT_EQ(FT_New_Memory_Face(library_, reinterpret_cast<const FT_Byte*>(bytes.data()),
+                                     static_cast<FT_Long>(bytes.size()), index, &face_),
+                  0);
+    }
+    ~FreeTypeReference() {
+        FT_Done_Face(face_);
+        FT_Done_FreeType(library_);
+    }
+    FreeTypeReference(const FreeTypeReference&) = delete;
+    FreeTypeReference& operator=(const FreeTypeReference&) = delete;
+
+    FT_Face face() { return face_; }
+    SkGlyphID glyph(uint32_t codePoint) {
+        return static_cast<SkGlyphID>(FT_Get_Char_Index(face_, codePoint));
+    }
+
+    ReferenceGlyph take(SkGlyphID glyph, const GlyphRequest& request) {
+        ReferenceGlyph result;
+        EXPECT_EQ(FT_Set_Char_Size(face_, request.width, request.height, 72, 72), 0);
+        FT_Matrix matrix = {0x10000, request.shear, 0, 0x10000};
+        FT_Set_Transform(face_, &matrix, nullptr);
+        EXPECT_EQ(FT_Load_Glyph(face_, glyph, request.flags), 0);
+        FT_GlyphSlot slot = face_->glyph;
+        result.advance = static_cast<float>(slot->advance.x) / 64;
+        result.linearAdvance = static_cast<float>(slot->linearHoriAdvance) / 65536;
+        if (request.strength) FT_Outline_Embolden(&slot->outline, request.strength);
+        FT_Outline_Translate(&slot->outline, request.dx, 0);
+        FT_BBox box;
+        FT_Outline_Get_CBox(&slot->outline, &box);
+        result.box = SkIRect::MakeLTRB(box.xMin >> 6, -((box.yMax + 63) >> 6), (box.xMax + 63) >> 6,
+                                       -(box.yMin >> 6));
+        EXPECT_EQ(FT_Render_Glyph(slot, request.mono ? FT_RENDER_MODE_MONO : FT_RENDER_MODE_NORMAL),
+                  0);
+        readBitmap(*slot, &result);
+        return result;
+    }
+
+private:
+    static void readBitmap(const FT_GlyphSlotRec& slot, ReferenceGlyph* result) {
+        const FT_Bitmap& bitmap = slot.bitmap;
+        result->left = slot.bitmap_left;
+        result->top = -slot.bitmap_top;
+        result->width = static_cast<int>(bitmap.width);
+        result->height = static_cast<int>(bitmap.rows);
+        for (unsigned y = 0; y < bitmap.rows; ++y) {
+            const uint8_t* row = bitmap.buffer + static_cast<ptrdiff_t>(y) * bitmap.pitch;
+            for (unsigned x = 0; x < bitmap.width; ++x) {
+                const bool mono = bitmap.pixel_mode == FT_PIXEL_MODE_MONO;
+                result->coverage.push_back(mono ? (row[x / 8] >> (7 - x % 8) & 1) * 255 : row[x]);
+            }
+        }
+    }
+
+    FT_Library library_ = nullptr;
+    FT_Face face_ = nullptr;
+};
+
+// The contrast curve of black text, in closed form: the exponent is 89/64.
+inline uint8_t blackTextGamma(uint8_t coverage) {
+    return static_cast<uint8_t>(
+        std::floor(255 * (1 - std::pow(1 - coverage / 255.0, 64.0 / 89)) + 0.5));
+}
+
+}  // namespace gxtest

@@ -1,0 +1,340 @@
+#include "SkCanvas.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cfenv>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <vector>
+
+#include "support/Random.h"
+
+namespace gxtest {
+namespace {
+
+constexpr float kInf = std::numeric_limits<float>::infinity();
+constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
+
+using Pixel = std::array<uint8_t, 4>;
+
+struct Image {
+    Image(int w, int h, SkAlphaType alphaType = kUnpremul_SkAlphaType)
+        : width(w), height(h), bytes(static_cast<size_t>(w) * h * 4) {
+        EXPECT_TRUE(bitmap.installPixels(
+            SkImageInfo::Make(w, h, kRGBA_8888_SkColorType, alphaType, SkColorSpace::MakeSRGB()),
+            bytes.data(), static_cast<size_t>(w) * 4));
+    }
+    Image(const Image&) = delete;
+    Image& operator=(const Image&) = delete;
+
+    void randomize(Random& random) { random_bytes(random); }
+    Pixel at(int x, int y) const {
+        const uint8_t* p = &bytes[4 * (static_cast<size_t>(y) * width + x)];
+        return {p[0], p[1], p[2], p[3]};
+    }
+
+    int width;
+    int height;
+    std::vector<uint8_t> bytes;
+    SkBitmap bitmap;
+
+private:
+    void random_bytes(Random& random) {
+        for (uint8_t& b : bytes) b = random.edgeByte();
+    }
+};
+
+Pixel toPixel(SkColor c) {
+    return {static_cast<uint8_t>(SkColorGetR(c)), static_cast<uint8_t>(SkColorGetG(c)),
+            static_cast<uint8_t>(SkColorGetB(c)), static_cast<uint8_t>(SkColorGetA(c))};
+}
+
+// Source over, unpremultiplied on both sides, channel by channel in single precision.
+Pixel sourceOver(const Pixel& source, const Pixel& dest) {
+    const float sa = source[3] / 255.0f;
+    const float da = dest[3] / 255.0f;
+    const float a = sa + da * (1 - sa);
+    Pixel out;
+    for (int i = 0; i < 4; ++i) {
+        const float s = source[i] / 255.0f * sa;
+        const float d = dest[i] / 255.0f * da;
+        const float over = s + d * (1 - sa);
+        float v = i == 3 ? a : a == 0 ? 0 : over / a;
+        v = std::min(std::max(v, 0.0f), 1.0f);
+        out[i] = static_cast<uint8_t>(std::nearbyint(v * 255));
+    }
+    return out;
+}
+
+TEST(SkBitmapTest, OnlyMemoryThatFitsIsInstalled) {
+    uint8_t memory[64];
+    SkBitmap bitmap;
+    const auto rgba = [](int w, int h) {
+        return SkImageInfo::Make(w, h, kRGBA_8888_SkColorType, kUnpremul_SkAlphaType);
+    };
+    EXPECT_TRUE(bitmap.installPixels(rgba(4, 4), memory, 16));
+    EXPECT_FALSE(bitmap.drawsNothing());
+    EXPECT_FALSE(bitmap.installPixels(rgba(4, 4), memory, 15));
+    EXPECT_TRUE(bitmap.isNull());
+    EXPECT_FALSE(bitmap.installPixels(rgba(-1, 4), memory, 16));
+    EXPECT_FALSE(bitmap.installPixels(rgba(4, -1), memory, 16));
+    EXPECT_FALSE(bitmap.installPixels(rgba(0x7FFFFFFF, 4), memory, 0x7FFFFFFF));
+    EXPECT_TRUE(bitmap.installPixels(rgba(4, 4), memory, 0));
+    EXPECT_EQ(bitmap.rowBytes(), 16u);
+    EXPECT_TRUE(bitmap.installPixels(rgba(4, 4), nullptr, 16));
+    EXPECT_TRUE(bitmap.drawsNothing());
+    EXPECT_TRUE(bitmap.installPixels(rgba(4, 0), memory, 16));
+    EXPECT_TRUE(bitmap.drawsNothing());
+}
+
+TEST(SkCanvasTest, BitmapsThatCannotBeDrawnIntoStayAsTheyAre) {
+    Image source(4, 4);
+    std::vector<uint8_t> memory(256, 9);
+    const auto drawEverything = [&](const SkImageInfo& info, void* pixels, size_t rowBytes) {
+        SkBitmap bitmap;
+        bitmap.installPixels(info, pixels, rowBytes);
+        SkCanvas canvas(bitmap);
+        canvas.drawColor(SK_ColorWHITE, SkBlendMode::kSrc);
+        canvas.drawRect(SkRect::MakeWH(4, 4), SkPaint());
+        canvas.drawBitmap(source.bitmap, 0, 0);
+        Image target(4, 4);
+        SkCanvas(target.bitmap).drawBitmap(bitmap, 0, 0);
+        EXPECT_EQ(target.at(0, 0), Pixel());
+    };
+    for (const auto& size : {std::pair{0, 4}, {4, 0}, {-4, 4}, {4, -4}, {100, 100}}) {
+        drawEverything(SkImageInfo::Make(size.first, size.second, kRGBA_8888_SkColorType,
+                                         kUnpremul_SkAlphaType),
+                       memory.data(), 16);
+    }
+    drawEverything(SkImageInfo::Make(4, 4, kRGB_565_SkColorType, kOpaque_SkAlphaType),
+                   memory.data(), 8);
+    drawEverything(SkImageInfo::Make(4, 4, kRGBA_8888_SkColorType, kUnknown_SkAlphaType),
+                   memory.data(), 16);
+    drawEverything(SkImageInfo(), memory.data(), 16);
+    drawEverything(SkImageInfo::Make(4, 4, kRGBA_8888_SkColorType, kUnpremul_SkAlphaType), nullptr,
+                   16);
+    EXPECT_EQ(memory, std::vector<uint8_t>(256, 9));
+    SkCanvas(SkBitmap()).drawColor(0, SkBlendMode::kSrc);
+}
+
+TEST(SkCanvasTest, DrawBitmapBlendsEveryPairOfAlphasLikeTheSlowModel) {
+    // Column: source alpha; row: destination alpha; colours in several pairs.
+    Image source(256, 256);
+    Image target(256, 256);
+    for (const auto& [s, d] : {std::pair{200, 31}, {0, 255}, {255, 0}, {255, 255}, {1, 127}}) {
+        for (int i = 0; i < 256 * 256; ++i) {
+            const auto sa = static_cast<uint8_t>(i % 256);
+            const auto da = static_cast<uint8_t>(i / 256);
+            const Pixel from = {static_cast<uint8_t>(s), 100, 3, sa};
+            const Pixel to = {static_cast<uint8_t>(d), 2, 250, da};
+            std::copy(from.begin(), from.end(), &source.bytes[4 * static_cast<size_t>(i)]);
+            std::copy(to.begin(), to.end(), &target.bytes[4 * static_cast<size_t>(i)]);
+        }
+        const std::vector<uint8_t> before = target.bytes;
+        SkCanvas(target.bitmap).drawBitmap(source.bitmap, 0, 0);
+        for (int y = 0; y < 256; ++y) {
+            for (int x = 0; x < 256; ++x) {
+                const Pixel from = source.at(x, y);
+                Pixel to;
+                std::copy_n(&before[4 * (static_cast<size_t>(y) * 256 + x)], 4, to.begin());
+                const Pixel got = target.at(x, y);
+                ASSERT_EQ(got, sourceOver(from, to)) << "alphas " << x << " over " << y;
+                const bool copies = x == 255 || (y == 0 && x > 0);
+                ASSERT_TRUE(!copies || got == from);
+                ASSERT_TRUE(x != 0 || got == (y == 0 ? Pixel() : to));
+            }
+        }
+    }
+}
+
+TEST(SkCanvasTest, DrawRectBlendsLikeTheSlowModel) {
+    Random random(21);
+    GX_TRACE_SEED(random);
+    for (int round = 0; round < 60; ++round) {
+        Image image(17, 13);
+        image.randomize(random);
+        const std::vector<uint8_t> before = image.bytes;
+        Image old(17, 13);
+        old.bytes = before;
+        SkPaint paint;
+        paint.setColor(random.word() | (round % 4 ? 0 : 0xFF000000));
+        const float l = random.between(-6, 20), t = random.between(-6, 20);
+        const float r = random.between(-6, 20), b = random.between(-6, 20);
+        SkCanvas(image.bitmap).drawRect(SkRect::MakeLTRB(l, t, r, b), paint);
+        for (int y = 0; y < 13; ++y) {
+            for (int x = 0; x < 17; ++x) {
+                const bool inside = x >= std::min(l, r) && x < std::max(l, r) &&
+                                    y >= std::min(t, b) && y < std::max(t, b);
+                Pixel was;
+                std::copy_n(&before[4 * (static_cast<size_t>(y) * 17 + x)], 4, was.begin());
+                ASSERT_EQ(image.at(x, y),
+                          inside ? sourceOver(toPixel(paint.getColor()), was) : was);
+            }
+        }
+    }
+}
+
+// The rectangle of pixels that a call changed.
+template <typename Draw>
+SkIRect touched(Draw draw, SkRect clip = SkRect::MakeWH(40, 40)) {
+    Image image(40, 40);
+    SkCanvas canvas(image.bitmap);
+    canvas.clipRect(clip, SkClipOp::kIntersect, false);
+    draw(canvas);
+    SkIRect box = SkIRect::MakeLTRB(99, 99, -1, -1);
+    int count = 0;
+    for (int y = 0; y < 40; ++y) {
+        for (int x = 0; x < 40; ++x) {
+            if (image.at(x, y)[3] == 0) continue;
+            ++count;
+            box = {std::min(box.fLeft, x), std::min(box.fTop, y), std::max(box.fRight, x + 1),
+                   std::max(box.fBottom, y + 1)};
+        }
+    }
+    if (count == 0) return SkIRect::MakeEmpty();
+    EXPECT_EQ(count, (box.fRight - box.fLeft) * (box.fBottom - box.fTop)) << "not a rectangle";
+    return box;
+}
+
+TEST(SkCanvasTest, EdgesAreSortedAndRoundedToNearest) {
+    const struct {
+        SkRect rect;
+        SkIRect pixels;
+    } cases[] = {
+        {SkRect::MakeLTRB(3, 4, 10, 12), SkIRect::MakeLTRB(3, 4, 10, 12)},
+        {SkRect::MakeLTRB(10, 12, 3, 4), SkIRect::MakeLTRB(3, 4, 10, 12)},
+        {SkRect::MakeLTRB(3.49f, 3.5f, 9.5f, 11.49f), SkIRect::MakeLTRB(3, 4, 10, 11)},
+        {SkRect::MakeLTRB(-5, -1e30f, 2, 1e30f), SkIRect::MakeLTRB(0, 0, 2, 40)},
+        {SkRect::MakeLTRB(35, 35, 1e9f, 50), SkIRect::MakeLTRB(35, 35, 40, 40)},
+        {SkRect::MakeLTRB(5.1f, 5, 5.4f, 9), SkIRect::MakeEmpty()},
+        {SkRect::MakeLTRB(40, 0, 50, 9), SkIRect::MakeEmpty()},
+        {SkRect::MakeLTRB(-9, 0, 0, 9), SkIRect::MakeEmpty()},
+        {SkRect::MakeLTRB(kNaN, 0, 5, 5), SkIRect::MakeEmpty()},
+        {SkRect::MakeLTRB(0, 0, kInf, 5), SkIRect::MakeEmpty()},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(touched([&](SkCanvas& canvas) { canvas.drawRect(c.rect, SkPaint()); }), c.pixels);
+        const auto color = [](SkCanvas& canvas) { canvas.drawColor(SK_ColorBLACK); };
+        // As a clip the same pixels; what is not finite leaves the clip alone.
+        EXPECT_EQ(touched(color, c.rect), c.rect.isFinite() ? c.pixels : SkIRect::MakeWH(40, 40));
+    }
+    SkPaint stroke;
+    stroke.setStyle(SkPaint::kStroke_Style);
+    EXPECT_TRUE(touched([&](SkCanvas& c) { c.drawRect(SkRect::MakeWH(9, 9), stroke); }).isEmpty());
+}
+
+TEST(SkCanvasTest, ClipsOnlyShrink) {
+    const auto draw = [](SkCanvas& canvas) {
+        canvas.clipRect(SkRect::MakeLTRB(0, 10, 20, 60), SkClipOp::kIntersect, true);
+        canvas.clipRect(SkRect::MakeLTRB(0, 0, 40, 40), SkClipOp::kDifference, false);
+        canvas.drawColor(SK_ColorBLACK);
+    };
+    EXPECT_EQ(touched(draw, SkRect::MakeLTRB(5, 0, 60, 30)), SkIRect::MakeLTRB(5, 10, 20, 30));
+    EXPECT_TRUE(touched(draw, SkRect::MakeLTRB(5, 0, 60, 9)).isEmpty());
+}
+
+TEST(SkCanvasTest, DrawBitmapPlacesAndClips) {
+    Random random(22);
+    GX_TRACE_SEED(random);
+    Image source(11, 9);
+    source.randomize(random);
+    for (size_t i = 3; i < source.bytes.size(); i += 4) source.bytes[i] = 255;
+    for (const float x : {-7.0f, 0.0f, 0.4f, 0.5f, 16.2f, 19.0f}) {
+        for (const float y : {-5.0f, 0.0f, 2.5f, 17.7f}) {
+            Image image(20, 20);
+            SkCanvas canvas(image.bitmap);
+            canvas.clipRect(SkRect::MakeLTRB(1, 0, 19, 18), SkClipOp::kIntersect, false);
+            canvas.drawBitmap(source.bitmap, x, y);
+            const int left = static_cast<int>(std::floor(x + 0.5f));
+            const int top = static_cast<int>(std::floor(y + 0.5f));
+            for (int j = 0; j < 20; ++j) {
+                for (int i = 0; i < 20; ++i) {
+                    const bool clipped = i < 1 || i >= 19 || j >= 18;
+                    const bool covered =
+                        i >= left && j >= top && i < left + 11 && j < top + 9 && !clipped;
+                    // Pixels are taken at their centres; at a tie from the later one.
+                    const int sx = std::min(static_cast<int>(std::floor(i + 0.5 - x)), 10);
+                    const int sy = std::min(static_cast<int>(std::floor(j + 0.5 - y)), 8);
+                    ASSERT_EQ(image.at(i, j), covered ? source.at(sx, sy) : Pixel())
+                        << x << " " << y << " at " << i << ", " << j;
+                }
+            }
+        }
+    }
+    for (const float bad : {kNaN, kInf, -kInf, 1e30f, -1e30f}) {
+        Image image(20, 20);
+        SkCanvas canvas(image.bitmap);
+        canvas.drawBitmap(source.bitmap, bad, 0);
+        canvas.drawBitmap(source.bitmap, 0, bad);
+        EXPECT_EQ(image.bytes, std::vector<uint8_t>(20 * 20 * 4));
+    }
+}
+
+TEST(SkCanvasTest, PaintAlphaScalesABitmapAndColoursAMask) {
+    Image source(2, 1);
+    source.bytes = {200, 100, 50, 255, 10, 20, 30, 128};
+    SkPaint paint;
+    paint.setColor(SkColorSetARGB(51, 255, 0, 0));
+    Image image(2, 1);
+    SkCanvas(image.bitmap).drawBitmap(source.bitmap, 0, 0, &paint);
+    EXPECT_EQ(image.at(0, 0), (Pixel{200, 100, 50, 51}));
+    EXPECT_EQ(image.at(1, 0)[3], 26);
+
+    uint8_t coverage[] = {255, 128};
+    SkBitmap mask;
+    ASSERT_TRUE(mask.installPixels(SkImageInfo::MakeA8(2, 1), coverage, 2));
+    Image colored(2, 1);
+    paint.setColor(SkColorSetARGB(255, 1, 2, 3));
+    SkCanvas(colored.bitmap).drawBitmap(mask, 0, 0, &paint);
+    EXPECT_EQ(colored.at(0, 0), (Pixel{1, 2, 3, 255}));
+    EXPECT_EQ(colored.at(1, 0), (Pixel{1, 2, 3, 128}));
+}
+
+TEST(SkCanvasTest, DrawColorBlendModes) {
+    const SkColor color = SkColorSetARGB(128, 200, 100, 50);
+    const Pixel old = {10, 20, 30, 64};
+    const struct {
+        SkBlendMode mode;
+        Pixel expected;
+    } cases[] = {
+        {SkBlendMode::kClear, {0, 0, 0, 0}},
+        {SkBlendMode::kSrc, {200, 100, 50, 128}},
+        {SkBlendMode::kDst, old},
+        {SkBlendMode::kSrcOver, sourceOver({200, 100, 50, 128}, old)},
+        {SkBlendMode::kDstOver, sourceOver(old, {200, 100, 50, 128})},
+    };
+    for (const auto& c : cases) {
+        Image image(3, 1);
+        for (size_t i = 0; i < image.bytes.size(); ++i) image.bytes[i] = old[i % 4];
+        SkCanvas(image.bitmap).drawColor(color, c.mode);
+        for (int x = 0; x < 3; ++x) EXPECT_EQ(image.at(x, 0), c.expected);
+    }
+    Image cleared(3, 1);
+    cleared.bytes.assign(12, 77);
+    SkCanvas(cleared.bitmap).drawColor(0, SkBlendMode::kSrc);
+    EXPECT_EQ(cleared.bytes, std::vector<uint8_t>(12));
+}
+
+TEST(SkCanvasTest, PremultipliedOpaqueAndAlphaOnlyTargets) {
+    SkPaint paint;
+    paint.setColor(SkColorSetARGB(128, 255, 0, 100));
+    const auto rect = SkRect::MakeWH(1, 1);
+    Image premul(1, 1, kPremul_SkAlphaType);
+    SkCanvas(premul.bitmap).drawRect(rect, paint);
+    EXPECT_EQ(premul.at(0, 0), (Pixel{128, 0, 50, 128}));
+    Image opaque(1, 1, kOpaque_SkAlphaType);
+    opaque.bytes = {0, 0, 200, 3};
+    SkCanvas(opaque.bitmap).drawRect(rect, paint);
+    EXPECT_EQ(opaque.at(0, 0), (Pixel{128, 0, 150, 255}));
+    uint8_t alpha = 100;
+    SkBitmap mask;
+    ASSERT_TRUE(mask.installPixels(SkImageInfo::MakeA8(1, 1), &alpha, 1));
+    SkCanvas(mask).drawRect(rect, paint);
+    EXPECT_EQ(alpha, 178);  // 128 + 100 * 127 / 255, rounded
+}
+
+}  // namespace
+}  // namespace gxtest

@@ -1,0 +1,243 @@
+#include "SkFont.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "FreeTypeReference.h"
+#include "SfntFile.h"
+#include "SkDrawing.h"
+#include "SkFontMetrics.h"
+
+namespace gxtest {
+namespace {
+
+constexpr float kInf = std::numeric_limits<float>::infinity();
+constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
+constexpr FT_Int32 kAlways = FT_LOAD_IGNORE_GLOBAL_ADVANCE_WIDTH | FT_LOAD_COLOR;
+constexpr FT_Int32 kPlain = kAlways | FT_LOAD_NO_AUTOHINT | FT_LOAD_NO_BITMAP;
+
+float widthOf(const SkFont& font, SkGlyphID glyph) {
+    float width = -1;
+    font.getWidths(&glyph, 1, &width);
+    return width;
+}
+
+SkRect boundsOf(const SkFont& font, SkGlyphID glyph) {
+    SkRect bounds = SkRect::MakeWH(-1, -1);
+    font.getBounds(&glyph, 1, &bounds, nullptr);
+    return bounds;
+}
+
+SkRect toRect(const SkIRect& r, float scale = 1) {
+    return SkRect::MakeLTRB(r.fLeft * scale, r.fTop * scale, r.fRight * scale, r.fBottom * scale);
+}
+
+struct SettingCase {
+    const char* name;
+    void (*apply)(SkFont&);
+    FT_Int32 flags;
+    bool linear;
+};
+
+// The same flags, and the same field read, as the device.
+const SettingCase kSettings[] = {
+    {"default", [](SkFont&) {}, kPlain | FT_LOAD_TARGET_NORMAL, false},
+    {"full", [](SkFont& f) { f.setHinting(SkFontHinting::kFull); }, kPlain | FT_LOAD_TARGET_NORMAL,
+     false},
+    {"slight", [](SkFont& f) { f.setHinting(SkFontHinting::kSlight); },
+     kPlain | FT_LOAD_TARGET_LIGHT, false},
+    {"unhinted", [](SkFont& f) { f.setHinting(SkFontHinting::kNone); }, kPlain | FT_LOAD_NO_HINTING,
+     true},
+    {"subpixel", [](SkFont& f) { f.setSubpixel(true); }, kPlain | FT_LOAD_TARGET_NORMAL, true},
+    {"alias", [](SkFont& f) { f.setEdging(SkFont::Edging::kAlias); }, kPlain | FT_LOAD_TARGET_MONO,
+     false},
+    {"alias unhinted",
+     [](SkFont& f) {
+         f.setEdging(SkFont::Edging::kAlias);
+         f.setHinting(SkFontHinting::kNone);
+     },
+     kPlain | FT_LOAD_NO_HINTING, true},
+    {"autohint", [](SkFont& f) { f.setForceAutoHinting(true); },
+     kAlways | FT_LOAD_NO_BITMAP | FT_LOAD_FORCE_AUTOHINT, false},
+};
+
+TEST(SkFontTest, AdvancesAndBoxesAreFreeTypes) {
+    for (const char* file : {kDejaVuSans, kNotoSans, kNotoDevanagari}) {
+        FreeTypeReference reference(fontBytes(file));
+        const sk_sp<SkTypeface> typeface = loadTypeface(file);
+        for (const SettingCase& setting : kSettings) {
+            for (const float size : {9.0f, 16.0f, 42.7f, 256.0f}) {
+                SCOPED_TRACE(std::string(file) + " " + setting.name + " " + std::to_string(size));
+                SkFont font(typeface, size);
+                setting.apply(font);
+                const auto fixedSize = static_cast<FT_F26Dot6>(size * 64);
+                for (const SkGlyphID glyph : {3, 17, 36, 68, 72, 120, 200}) {
+                    GlyphRequest request{fixedSize, fixedSize, setting.flags};
+                    const ReferenceGlyph expected = reference.take(glyph, request);
+                    EXPECT_EQ(widthOf(font, glyph),
+                              setting.linear ? expected.linearAdvance : expected.advance)
+                        << glyph;
+                    const bool blank = expected.box.isEmpty();
+                    EXPECT_EQ(boundsOf(font, glyph),
+                              blank ? SkRect::MakeEmpty() : toRect(expected.box))
+                        << glyph;
+                }
+            }
+        }
+    }
+}
+
+TEST(SkFontTest, StretchIsPartOfTheSize) {
+    FreeTypeReference reference(fontBytes(kDejaVuSans));
+    const SkGlyphID glyph = reference.glyph('m');
+    SkFont font(loadTypeface(kDejaVuSans), 30, 0.7f);
+    const GlyphRequest request{static_cast<FT_F26Dot6>(30 * 0.7f * 64), 30 * 64, kPlain};
+    const ReferenceGlyph expected = reference.take(glyph, request);
+    EXPECT_EQ(widthOf(font, glyph), expected.advance);
+    EXPECT_EQ(boundsOf(font, glyph), toRect(expected.box));
+
+    font.setScaleX(-0.7f);
+    EXPECT_EQ(widthOf(font, glyph), -expected.advance);
+    EXPECT_LT(boundsOf(font, glyph).fLeft, 0);
+}
+
+TEST(SkFontTest, SkewLeansUnhintedOutlines) {
+    FreeTypeReference reference(fontBytes(kDejaVuSans));
+    const SkGlyphID glyph = reference.glyph('l');
+    SkFont font(loadTypeface(kDejaVuSans), 40, 1, -0.25f);
+    GlyphRequest request{40 * 64, 40 * 64, kPlain | FT_LOAD_NO_HINTING};
+    request.shear = 0x4000;
+    const ReferenceGlyph expected = reference.take(glyph, request);
+    EXPECT_EQ(widthOf(font, glyph), expected.linearAdvance);
+    EXPECT_EQ(boundsOf(font, glyph), toRect(expected.box));
+}
+
+TEST(SkFontTest, FakeBoldGrowsRightAndUpByA34thOfTheSize) {
+    FreeTypeReference reference(fontBytes(kDejaVuSans));
+    const SkGlyphID glyph = reference.glyph('H');
+    SkFont plain(loadTypeface(kDejaVuSans), 136);
+    SkFont bold = plain;
+    bold.setEmbolden(true);
+    EXPECT_EQ(widthOf(bold, glyph), widthOf(plain, glyph));
+
+    const SkRect thin = boundsOf(plain, glyph);
+    const SkRect thick = boundsOf(bold, glyph);
+    EXPECT_EQ(thick.fLeft, thin.fLeft);
+    EXPECT_EQ(thick.fBottom, thin.fBottom);
+    EXPECT_NEAR(thick.fRight - thin.fRight, 136 / 34.0, 1);
+    EXPECT_NEAR(thin.fTop - thick.fTop, 136 / 34.0, 1);
+
+    GlyphRequest request{136 * 64, 136 * 64, kPlain};
+    request.strength = 136 * 64 / 34;
+    EXPECT_EQ(thick, toRect(reference.take(glyph, request).box));
+}
+
+TEST(SkFontTest, LinearMetricsAndLargeSizesAreMeasuredAtSize64) {
+    FreeTypeReference reference(fontBytes(kNotoSans));
+    const SkGlyphID glyph = reference.glyph('g');
+    const GlyphRequest request{64 * 64, 64 * 64, kPlain | FT_LOAD_NO_HINTING};
+    const ReferenceGlyph expected = reference.take(glyph, request);
+
+    SkFont linear(loadTypeface(kNotoSans), 20);
+    linear.setLinearMetrics(true);
+    SkFont large(loadTypeface(kNotoSans), 256.5f);
+    for (const SkFont& font : {linear, large}) {
+        const float scale = font.getSize() / 64;
+        EXPECT_EQ(widthOf(font, glyph), expected.linearAdvance * scale);
+        EXPECT_EQ(boundsOf(font, glyph), toRect(expected.box, scale));
+    }
+    // 256 is not beyond the limit yet; the stretch and the skew count too.
+    SkFont font(loadTypeface(kNotoSans), 256);
+    const auto isWhole = [&] { return std::fmod(boundsOf(font, glyph).fTop, 1.0f) == 0; };
+    EXPECT_TRUE(isWhole());
+    font.setSkewX(-0.3f);
+    EXPECT_EQ(boundsOf(font, glyph).fTop, expected.box.fTop * 4.0f);
+    font = SkFont(loadTypeface(kNotoSans), 150, 2);
+    EXPECT_FALSE(isWhole());
+}
+
+TEST(SkFontTest, BlankAndMissingGlyphs) {
+    FreeTypeReference reference(fontBytes(kDejaVuSans));
+    const SkFont font(loadTypeface(kDejaVuSans), 20);
+    const SkGlyphID space = reference.glyph(' ');
+    EXPECT_GT(widthOf(font, space), 0);
+    EXPECT_EQ(boundsOf(font, space), SkRect::MakeEmpty());
+    EXPECT_EQ(widthOf(font, 0xFFFF), 0);
+    EXPECT_EQ(boundsOf(font, 0xFFFF), SkRect::MakeEmpty());
+    EXPECT_EQ(widthOf(SkFont(), 36), 0);
+}
+
+TEST(SkFontTest, NumbersThatAreNoSizesMeasureNothing) {
+    const sk_sp<SkTypeface> typeface = loadTypeface(kDejaVuSans);
+    const float hostile[] = {0, -1, kNaN, kInf, -kInf, 1e-30f, 3e38f};
+    for (const float size : hostile) {
+        for (const float other : hostile) {
+            for (const bool linear : {false, true}) {
+                SkFont font(typeface, size, other, 0.1f);
+                font.setLinearMetrics(linear);
+                EXPECT_TRUE(std::isfinite(widthOf(font, 36)));
+                EXPECT_TRUE(boundsOf(font, 36).isFinite());
+                font = SkFont(typeface, size, 1, other);
+                font.setLinearMetrics(linear);
+                EXPECT_TRUE(std::isfinite(widthOf(font, 36)));
+                EXPECT_TRUE(boundsOf(font, 36).isFinite());
+            }
+        }
+    }
+    for (const float size : {0.0f, -1.0f, kNaN, kInf}) {
+        EXPECT_EQ(widthOf(SkFont(typeface, size), 36), 0) << size;
+    }
+    EXPECT_EQ(SkFont(typeface, kNaN).getSize(), 0);
+}
+
+TEST(SkFontTest, SizesBelowOnePixelKeepTheirProportion) {
+    SkFont font(loadTypeface(kDejaVuSans), 0.5f);
+    font.setSubpixel(true);
+    SkFont large(loadTypeface(kDejaVuSans), 50);
+    large.setSubpixel(true);
+    EXPECT_NEAR(widthOf(font, 36) * 100, widthOf(large, 36), 0.05);
+}
+
+TEST(SkFontTest, PictureFontsAreScaledFromTheirStrike) {
+    FreeTypeReference reference(fontBytes(kNotoColorEmoji));
+    const SkGlyphID glyph = reference.glyph(0x1F600);
+    ASSERT_EQ(FT_Select_Size(reference.face(), 0), 0);
+    const float ppem = reference.face()->size->metrics.x_ppem;
+    ASSERT_EQ(FT_Load_Glyph(reference.face(), glyph, FT_LOAD_COLOR), 0);
+    const FT_GlyphSlot slot = reference.face()->glyph;
+    const float advance = static_cast<float>(slot->advance.x) / 64;
+
+    const sk_sp<SkTypeface> typeface = loadTypeface(kNotoColorEmoji);
+    for (const float size : {10.0f, 32.0f, ppem, 200.0f}) {
+        const SkFont font(typeface, size);
+        const float ratio = size / ppem;
+        EXPECT_NEAR(widthOf(font, glyph), advance * ratio, 0.05);
+        const SkRect box = boundsOf(font, glyph);
+        EXPECT_EQ(box.fLeft, std::floor(slot->bitmap_left * ratio));
+        EXPECT_EQ(box.fTop, std::floor(-slot->bitmap_top * ratio));
+        EXPECT_EQ(box.fRight,
+                  std::ceil((slot->bitmap_left + static_cast<int>(slot->bitmap.width)) * ratio));
+    }
+}
+
+TEST(SkFontTest, LinesAreSpacedByTheFontsTables) {
+    FreeTypeReference reference(fontBytes(kDejaVuSans));
+    const FT_Face face = reference.face();
+    const SkFont font(loadTypeface(kDejaVuSans), 100);
+    SkFontMetrics metrics;
+    const float spacing = font.getMetrics(&metrics);
+    EXPECT_FLOAT_EQ(metrics.fAscent, -100.0f * face->ascender / face->units_per_EM);
+    EXPECT_FLOAT_EQ(metrics.fDescent, -100.0f * face->descender / face->units_per_EM);
+    EXPECT_FLOAT_EQ(spacing, 100.0f * face->height / face->units_per_EM);
+    EXPECT_EQ(SkFont().getMetrics(nullptr), 0);
+    const SkFont emoji(loadTypeface(kNotoColorEmoji), 100);
+    EXPECT_GT(emoji.getMetrics(&metrics), 50);
+    EXPECT_LT(metrics.fAscent, 0);
+}
+
+}  // namespace
+}  // namespace gxtest
