@@ -16,6 +16,11 @@
 
 namespace gxtest {
 
+// Pixels in FreeType's 26.6 fixed point, truncated.
+inline FT_F26Dot6 to26Dot6(float pixels) {
+    return static_cast<FT_F26Dot6>(pixels * 64);
+}
+
 // What a test asks of the reference: FreeType's own words.
 struct GlyphRequest {
     FT_F26Dot6 width = 0;  // of the em, 26.6

@@ -30,7 +30,9 @@ struct Image {
     Image(const Image&) = delete;
     Image& operator=(const Image&) = delete;
 
-    void randomize(Random& random) { random_bytes(random); }
+    void randomize(Random& random) {
+        for (uint8_t& b : bytes) b = random.edgeByte();
+    }
     Pixel at(int x, int y) const {
         const uint8_t* p = &bytes[4 * (static_cast<size_t>(y) * width + x)];
         return {p[0], p[1], p[2], p[3]};
@@ -40,11 +42,6 @@ struct Image {
     int height;
     std::vector<uint8_t> bytes;
     SkBitmap bitmap;
-
-private:
-    void random_bytes(Random& random) {
-        for (uint8_t& b : bytes) b = random.edgeByte();
-    }
 };
 
 Pixel toPixel(SkColor c) {
@@ -269,7 +266,7 @@ TEST(SkCanvasTest, DrawBitmapPlacesAndClips) {
         SkCanvas canvas(image.bitmap);
         canvas.drawBitmap(source.bitmap, bad, 0);
         canvas.drawBitmap(source.bitmap, 0, bad);
-        EXPECT_EQ(image.bytes, std::vector<uint8_t>(20 * 20 * 4));
+        EXPECT_EQ(image.bytes, std::vector<uint8_t>(size_t{20} * 20 * 4));
     }
 }
 

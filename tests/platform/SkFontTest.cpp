@@ -74,7 +74,7 @@ TEST(SkFontTest, AdvancesAndBoxesAreFreeTypes) {
                 SCOPED_TRACE(std::string(file) + " " + setting.name + " " + std::to_string(size));
                 SkFont font(typeface, size);
                 setting.apply(font);
-                const auto fixedSize = static_cast<FT_F26Dot6>(size * 64);
+                const auto fixedSize = to26Dot6(size);
                 for (const SkGlyphID glyph : {3, 17, 36, 68, 72, 120, 200}) {
                     GlyphRequest request{fixedSize, fixedSize, setting.flags};
                     const ReferenceGlyph expected = reference.take(glyph, request);
@@ -95,7 +95,7 @@ TEST(SkFontTest, StretchIsPartOfTheSize) {
     FreeTypeReference reference(fontBytes(kDejaVuSans));
     const SkGlyphID glyph = reference.glyph('m');
     SkFont font(loadTypeface(kDejaVuSans), 30, 0.7f);
-    const GlyphRequest request{static_cast<FT_F26Dot6>(30 * 0.7f * 64), 30 * 64, kPlain};
+    const GlyphRequest request{to26Dot6(30 * 0.7f), to26Dot6(30), kPlain};
     const ReferenceGlyph expected = reference.take(glyph, request);
     EXPECT_EQ(widthOf(font, glyph), expected.advance);
     EXPECT_EQ(boundsOf(font, glyph), toRect(expected.box));
@@ -109,7 +109,7 @@ TEST(SkFontTest, SkewLeansUnhintedOutlines) {
     FreeTypeReference reference(fontBytes(kDejaVuSans));
     const SkGlyphID glyph = reference.glyph('l');
     SkFont font(loadTypeface(kDejaVuSans), 40, 1, -0.25f);
-    GlyphRequest request{40 * 64, 40 * 64, kPlain | FT_LOAD_NO_HINTING};
+    GlyphRequest request{to26Dot6(40), to26Dot6(40), kPlain | FT_LOAD_NO_HINTING};
     request.shear = 0x4000;
     const ReferenceGlyph expected = reference.take(glyph, request);
     EXPECT_EQ(widthOf(font, glyph), expected.linearAdvance);
@@ -131,15 +131,15 @@ TEST(SkFontTest, FakeBoldGrowsRightAndUpByA34thOfTheSize) {
     EXPECT_NEAR(thick.fRight - thin.fRight, 136 / 34.0, 1);
     EXPECT_NEAR(thin.fTop - thick.fTop, 136 / 34.0, 1);
 
-    GlyphRequest request{136 * 64, 136 * 64, kPlain};
-    request.strength = 136 * 64 / 34;
+    GlyphRequest request{to26Dot6(136), to26Dot6(136), kPlain};
+    request.strength = to26Dot6(136) / 34;
     EXPECT_EQ(thick, toRect(reference.take(glyph, request).box));
 }
 
 TEST(SkFontTest, LinearMetricsAndLargeSizesAreMeasuredAtSize64) {
     FreeTypeReference reference(fontBytes(kNotoSans));
     const SkGlyphID glyph = reference.glyph('g');
-    const GlyphRequest request{64 * 64, 64 * 64, kPlain | FT_LOAD_NO_HINTING};
+    const GlyphRequest request{to26Dot6(64), to26Dot6(64), kPlain | FT_LOAD_NO_HINTING};
     const ReferenceGlyph expected = reference.take(glyph, request);
 
     SkFont linear(loadTypeface(kNotoSans), 20);

@@ -40,7 +40,7 @@ uint8_t unchanged(uint8_t c) {
 }
 
 GlyphRequest plainRequest(float size) {
-    const auto fixedSize = static_cast<FT_F26Dot6>(size * 64);
+    const auto fixedSize = to26Dot6(size);
     return {fixedSize, fixedSize, kPlain};
 }
 
@@ -64,7 +64,7 @@ TEST_F(SkTextTest, CoverageIsFreeTypesThroughTheCurve) {
         expectGlyph(drawn(SkFont(typeface, size), g, 10, 40), expected, 10, 40, blackTextGamma);
     }
     GlyphRequest request = plainRequest(40);
-    request.strength = 40 * 64 / 34;
+    request.strength = to26Dot6(40) / 34;
     SkFont font(typeface, 40);
     font.setEmbolden(true);
     expectGlyph(drawn(font, g, 10, 40), reference.take(g, request), 10, 40, blackTextGamma);
@@ -130,7 +130,7 @@ TEST_F(SkTextTest, SubpixelPositionsFallIntoQuarters) {
     for (const auto& c : cases) {
         SCOPED_TRACE(c.x);
         GlyphRequest request = plainRequest(20);
-        request.dx = 16 * c.quarters;
+        request.dx = 16L * c.quarters;
         const ReferenceGlyph expected = reference.take(g, request);
         expectGlyph(drawn(font, g, c.x, c.y), expected, c.pixelX, c.pixelY, blackTextGamma);
     }
@@ -212,7 +212,7 @@ TEST_F(SkTextTest, InkIsCutAtEverySideOfBitmapAndClip) {
 }
 
 TEST_F(SkTextTest, RowsBeyondTheWidthAreNotTouched) {
-    std::vector<uint8_t> memory(50 * 40, 7);
+    std::vector<uint8_t> memory(size_t{50} * 40, 7);
     SkBitmap bitmap;
     ASSERT_TRUE(bitmap.installPixels(SkImageInfo::MakeA8(20, 40), memory.data(), 50));
     SkCanvas canvas(bitmap);
@@ -239,7 +239,7 @@ TEST_F(SkTextTest, LargeTextIsScaledOutlinesAtExactPositionsWithoutCurve) {
     const FT_Matrix larger = {0x48000, 0, 0, 0x48000};
     FT_Outline_Transform(outline, &larger);
     FT_Outline_Translate(outline, 10 * 64 + 22, 100 * 64 - 22);  // x 10.34375, y 0.34375 down
-    std::vector<uint8_t> expected(300 * 300);
+    std::vector<uint8_t> expected(size_t{300} * 300);
     FT_Bitmap bitmap = {};
     bitmap.width = bitmap.rows = 300;
     bitmap.pitch = 300;
@@ -427,11 +427,11 @@ TEST_F(SkTextTest, ColourCanvasesGetTheColourByCoverage) {
     MaskCanvas mask(60, 60);
     const SkColor color = SkColorSetARGB(200, 250, 100, 20);
     mask.draw(font, {{g, 10, 30}}, color | 0xFF000000);
-    std::vector<uint8_t> pixels(60 * 60 * 4);
+    std::vector<uint8_t> pixels(size_t{60} * 60 * 4);
     SkBitmap bitmap;
     ASSERT_TRUE(bitmap.installPixels(
         SkImageInfo::Make(60, 60, kRGBA_8888_SkColorType, kUnpremul_SkAlphaType), pixels.data(),
-        60 * 4));
+        size_t{60} * 4));
     SkCanvas canvas(bitmap);
     SkPaint paint;
     paint.setColor(color);
