@@ -284,6 +284,7 @@ TEST(SkTypefaceTest, ThreadsShareATypeface) {
     };
     std::vector<std::vector<uint8_t>> results(4);
     std::vector<std::thread> threads;
+    threads.reserve(results.size());
     for (int i = 0; i < 4; ++i) threads.emplace_back([&, i] { results[i] = draw(i); });
     for (std::thread& thread : threads) thread.join();
     for (int i = 0; i < 4; ++i) EXPECT_EQ(results[i], draw(i)) << i;
