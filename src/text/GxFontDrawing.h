@@ -40,9 +40,8 @@ public:
     void ClearGlyphList();
 
 private:
-    struct LineLayout;
-
-    void drawLines(GxTextObject* text, GxEffect* effect);
+    // False when nothing is to be composed.
+    bool drawLines(GxTextObject* text, GxEffect* effect);
 
     std::unique_ptr<GxString> familyName;
     std::unique_ptr<GxString> fontPath;

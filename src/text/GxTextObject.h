@@ -97,7 +97,10 @@ public:
     uint32_t GetTextColor() const;
 
 private:
-    bool setText(const GxString* text, const wchar_t* wide);
+    template <typename Text>
+    bool storeText(const Text* text);
+    bool useFont(const char* path, char* data, unsigned size);
+    GxFontDrawing& fontDrawing();
     bool requireConstructed(int site) const;
 
     std::unique_ptr<GxTextObjectImpl> impl;

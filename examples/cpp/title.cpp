@@ -1,0 +1,57 @@
+// Renders one line of text with a font file and prints the picture as a PAM image:
+//   title FONT.ttf "Hello" > hello.pam
+#include <cstdio>
+#include <memory>
+#include <string>
+
+#include "base/GxString.h"
+#include "base/List.h"
+#include "effect/GxEffect.h"
+#include "text/GxLineInfo.h"
+#include "text/GxTextObject.h"
+#include "text/GxView.h"
+
+using namespace GxFontEffect;
+
+int main(int argc, char** argv) {
+    if (argc != 3) return fprintf(stderr, "usage: title FONT TEXT > picture.pam\n"), 2;
+
+    GxTextObject text;
+    text.Construct();
+    if (!text.SetFont(argv[1])) return fprintf(stderr, "cannot load %s\n", argv[1]), 1;
+
+    GxString string;
+    string.Construct(argv[2]);
+    text.SetText(&string);
+    text.SetTextColor(0xFFD04010);
+
+    android::Paint paint;
+    paint.setJavaFlags(0x1);  // antialias
+    paint.getSkFont().setSize(96);
+    text.SetPaint(paint);
+
+    auto line = std::make_unique<GxLineInfo>();  // one line over the whole text
+    line->x = 10;
+    line->y = 100;
+    line->end = string.GetUTF16Size() - 1;
+    List lines;
+    lines.Construct();
+    lines.Add(line.release());
+    text.SetLineInfo(&lines);
+
+    GxView& view = *text.GetView();
+    const GxEffect& effects = *text.GetEffect();
+    view.SetSize(900, 140);
+    view.SetBitmapWidth(900 + effects.getLeftOffset() + effects.getRightOffset());
+    view.SetBitmapHeight(140 + effects.getTopOffset() + effects.getBottomOffset());
+    const int width = view.GetBitmapWidth(), height = view.GetBitmapHeight();
+    const uint32_t* pixels = text.RenderTextEffect(width, height);  // 0xAARRGGBB, straight alpha
+    if (!pixels) return fprintf(stderr, "out of memory\n"), 1;
+
+    printf("P7\nWIDTH %d\nHEIGHT %d\nDEPTH 4\nMAXVAL 255\nTUPLTYPE RGB_ALPHA\nENDHDR\n", width,
+           height);
+    for (int i = 0; i < width * height; ++i) {
+        for (int shift : {16, 8, 0, 24}) putchar(static_cast<int>(pixels[i] >> shift & 255));
+    }
+    return 0;
+}

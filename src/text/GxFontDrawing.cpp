@@ -1,0 +1,288 @@
+#include "text/GxFontDrawing.h"
+
+#include <SkBitmap.h>
+#include <SkCanvas.h>
+#include <SkFont.h>
+#include <SkImageInfo.h>
+#include <SkRect.h>
+#include <SkTextBlob.h>
+#include <android/log.h>
+#include <hwui/MinikinUtils.h>
+#include <hwui/Paint.h>
+#include <hwui/Typeface.h>
+#include <minikin/Layout.h>
+#include <minikin/MinikinRect.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+#include <new>
+#include <string>
+#include <vector>
+
+#include "base/GxLog.h"
+#include "base/GxString.h"
+#include "base/List.h"
+#include "base/NativeError.h"
+#include "effect/GxEffect.h"
+#include "font/FontManager.h"
+#include "raster/GxBitmap.h"
+#include "raster/GxGlyph.h"
+#include "raster/GxMath.h"
+#include "text/GxLineInfo.h"
+#include "text/GxTextObject.h"
+
+namespace GxFontEffect {
+
+namespace {
+
+constexpr const char* kTag = "GxFontDrawing";
+constexpr int kDefaultWeight = 400;
+constexpr int kSiteNoLineInfo = 184;
+constexpr int kSiteNoMemory = 190;
+
+// A line beyond this many pixels (a 16-bit extent allows 4 Gi) is placed but not drawn: no screen
+// shows it.
+constexpr size_t kMaxMaskPixels = size_t{1} << 28;
+
+// Positions handed to the stack are in 26.6 fixed point.
+constexpr int kFixedShift = 6;
+
+int32_t saturate(int64_t value) {
+    return static_cast<int32_t>(std::clamp<int64_t>(value, std::numeric_limits<int32_t>::min(),
+                                                    std::numeric_limits<int32_t>::max()));
+}
+
+// Pixels to the record's unsigned 16 bits; what is larger is cut.
+uint16_t maskExtent(float pixels) {
+    return static_cast<uint16_t>(std::clamp(toInt(pixels), 0, 0xFFFF));
+}
+
+void deleteGlyph(GxGlyph* glyph) {
+    if (!glyph) return;
+    delete[] glyph->pixels;
+    delete glyph;
+}
+
+// Draws one font run of a layout. The platform's font set-up changes the very paint that forFontRun
+// is given, so the paint is held by reference and copied per run.
+struct DrawTextFunctor {
+    const minikin::Layout& layout;
+    SkCanvas& canvas;
+    const android::Paint& paint;
+    SkRect bounds;
+
+    void operator()(size_t start, size_t end) {
+        android::Paint fill(paint);
+        fill.setStyle(SkPaint::kFill_Style);
+        SkTextBlobBuilder builder;
+        const auto& run =
+            builder.allocRunPos(fill.getSkFont(), static_cast<int>(end - start), &bounds);
+        for (size_t i = start; i < end; ++i) {
+            const int glyph = static_cast<int>(i);
+            run.glyphs[i - start] = static_cast<SkGlyphID>(layout.getGlyphId(glyph));
+            run.pos[2 * (i - start)] = layout.getX(glyph);
+            run.pos[2 * (i - start) + 1] = layout.getY(glyph);
+        }
+        // The top-left corner of the line's ink lands at the mask's origin.
+        canvas.drawTextBlob(builder.make(), -bounds.fLeft, -bounds.fTop, fill);
+    }
+};
+
+// UTF-16 range of a line and of the text around it that decides shaping and direction.
+struct LineRange {
+    LineRange(const GxLineInfo& line, const uint16_t* text, int length)
+        : start(std::clamp(line.start, 0, length)), end(std::clamp(line.end, start, length)) {
+        // Back to the line break before the line, the break itself included: it ends a bidi
+        // paragraph.
+        contextStart = start;
+        while (contextStart > 0 && text[contextStart] != '\n' && text[contextStart] != '\r') {
+            --contextStart;
+        }
+    }
+
+    int start;
+    int end;
+    int contextStart;
+};
+
+minikin::Layout layOut(const LineRange& range, int direction, const uint16_t* text, int length,
+                       const android::Paint& paint, const android::Typeface& typeface) {
+    const minikin::Bidi bidi =
+        direction < 0 ? minikin::Bidi::DEFAULT_RTL : minikin::Bidi::DEFAULT_LTR;
+    return android::MinikinUtils::doLayout(
+        &paint, bidi, &typeface, text, static_cast<size_t>(length),
+        static_cast<size_t>(range.start), static_cast<size_t>(range.end - range.start),
+        static_cast<size_t>(range.contextStart),
+        static_cast<size_t>(range.end - range.contextStart), nullptr);
+}
+
+// The coverage of a laid-out line, as wide as its advance and as high as its ink; without pixels
+// when that is too large. Null when memory runs out.
+std::unique_ptr<GxGlyph, void (*)(GxGlyph*)> drawMask(const minikin::Layout& layout,
+                                                      android::Paint& paint) {
+    std::unique_ptr<GxGlyph, void (*)(GxGlyph*)> glyph(new (std::nothrow) GxGlyph, deleteGlyph);
+    if (!glyph) return glyph;
+    minikin::MinikinRect bounds;
+    layout.getBounds(&bounds);
+    glyph->width = maskExtent(layout.getAdvance());
+    glyph->height = maskExtent(bounds.mBottom - bounds.mTop);
+    glyph->baseline = toInt(-bounds.mTop);
+    const size_t pixelCount = size_t{glyph->width} * glyph->height;
+    if (pixelCount > kMaxMaskPixels) return glyph;
+    glyph->pixels = new (std::nothrow) uint8_t[pixelCount]();
+    if (!glyph->pixels) {
+        glyph.reset();
+        return glyph;
+    }
+    if (pixelCount == 0) return glyph;
+
+    SkBitmap bitmap;
+    if (!bitmap.installPixels(SkImageInfo::MakeA8(glyph->width, glyph->height), glyph->pixels,
+                              glyph->width)) {
+        return glyph;
+    }
+    SkCanvas canvas(bitmap);
+    DrawTextFunctor draw{
+        layout, canvas, paint,
+        SkRect::MakeLTRB(bounds.mLeft, bounds.mTop, bounds.mRight, bounds.mBottom)};
+    android::MinikinUtils::forFontRun(layout, &paint, draw);
+    return glyph;
+}
+
+void moveBackgroundBox(GxLineInfo& line, int left, int top, float advance) {
+    line.rect.left = saturate(int64_t{line.x} + left);
+    line.rect.top = saturate(int64_t{line.rect.top} + top);
+    line.rect.right = saturate(int64_t{line.rect.left} + toInt(advance));
+    line.rect.bottom = saturate(int64_t{line.rect.bottom} + top);
+}
+
+}  // namespace
+
+GxFontDrawing::GxFontDrawing() : glyphList(std::make_unique<List>()) {
+    glyphList->Construct();
+}
+
+GxFontDrawing::~GxFontDrawing() {
+    ClearGlyphList();
+}
+
+void GxFontDrawing::SetFontPath(const char* path) {
+    if (!path) return;
+    if (!fontPath) {
+        fontPath = std::make_unique<GxString>();
+        fontPath->Construct(path);
+    } else if (fontPath->CompareTo(path) != 0) {
+        fontPath->Set(path);
+    }
+}
+
+void GxFontDrawing::SetFontFamilyName(const char* name) {
+    if (!familyName) {
+        familyName = std::make_unique<GxString>();
+        familyName->Construct();
+    }
+    familyName->Set(name);
+}
+
+void GxFontDrawing::ClearGlyphList() {
+    for (int i = 0, count = glyphList->GetCount(); i < count; ++i) {
+        deleteGlyph(static_cast<GxGlyph*>(glyphList->Get(i)));
+    }
+    glyphList->RemoveAll();
+}
+
+void GxFontDrawing::DrawTextEffect(GxTextObject* text, GxBitmap* destination) {
+    const GxString* string = text ? text->GetText() : nullptr;
+    if (!string) {
+        __android_log_print(ANDROID_LOG_ERROR, kTag, "DrawTextEffect(%p) - text is NULL", this);
+        return;
+    }
+    if (string->GetUTF16Size() - 1 < 1) {
+        __android_log_print(ANDROID_LOG_ERROR, kTag, "DrawTextEffect(%p) - textLength is 0", this);
+        return;
+    }
+    GxEffect* effect = text->GetEffect();
+    if (!effect) {
+        __android_log_print(ANDROID_LOG_ERROR, kTag, "DrawTextEffect(%p) - Effect is NULL", this);
+        return;
+    }
+    if (!destination) return;
+
+    effect->addText(text->GetTextColor());
+    effect->initEffect(destination->width, destination->height);
+    effect->setDstBitmap(destination);
+    if (!text->GetLineInfo()) {
+        __android_log_print(ANDROID_LOG_ERROR, kTag, "DrawTextEffect(%p) - lineInfoList is NULL",
+                            this);
+        ReportNativeError(kTag, GXE_ERROR_NOT_CONSTRUCTED, kSiteNoLineInfo);
+        return;
+    }
+    if (!drawLines(text, effect)) return;
+    effect->doEffectPostProcessing();
+    effect->compositeLayers(destination);
+}
+
+bool GxFontDrawing::drawLines(GxTextObject* text, GxEffect* effect) {
+    std::vector<std::shared_ptr<minikin::FontFamily>> families;
+    int weight = kDefaultWeight;
+    if (!FontManager::GetInstance().GetMinikinFontFamilies(familyName.get(), families,
+                                                           fontPath.get(), weight)) {
+        __android_log_print(ANDROID_LOG_ERROR, kTag,
+                            "DrawTextEffect(%p) - GetMinikinFontFamilies failed", this);
+        return false;
+    }
+    if (GxLog::IsAllLogEnable()) {
+        __android_log_print(ANDROID_LOG_DEBUG, kTag, "DrawTextEffect(%p) fontPath[%s] weight=%d",
+                            this, GxLog::ConvertLog(fontPath.get()), weight);
+    }
+    if (families.empty()) return true;  // a collection needs a family; nothing to draw with
+
+    // Layouts hold pointers into the typeface's fonts: it goes last.
+    const std::unique_ptr<android::Typeface> typeface(android::Typeface::createFromFamilies(
+        std::move(families), weight, text->isItalicTextStyle()));
+    const std::unique_ptr<uint16_t[]> utf16(text->GetText()->GetUTF16());
+    if (!typeface || !utf16)
+        return ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, kSiteNoMemory);
+
+    const int length = text->GetText()->GetUTF16Size() - 1;
+    const int left = effect->getLeftOffset();
+    const int top = effect->getTopOffset();
+    android::Paint paint = text->GetPaint();
+    List& lines = *text->GetLineInfo();
+    for (int i = 0, count = lines.GetCount(); i < count; ++i) {
+        auto* line = static_cast<GxLineInfo*>(lines.Get(i));
+        if (!line) continue;
+        ClearGlyphList();
+        const LineRange range(*line, utf16.get(), length);
+        const minikin::Layout layout =
+            layOut(range, line->direction, utf16.get(), length, paint, *typeface);
+        auto mask = drawMask(layout, paint);
+        if (!mask || !glyphList->Add(mask.get())) {
+            return ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, kSiteNoMemory);
+        }
+        mask.release();
+        _DoRender(saturate((int64_t{line->x} + left) << kFixedShift),
+                  saturate((int64_t{line->y} + top) << kFixedShift), glyphList.get(), effect,
+                  line->direction);
+        moveBackgroundBox(*line, left, top, layout.getAdvance());
+    }
+    return true;
+}
+
+void GxFontDrawing::_DoRender(int x, int y, List* glyphs, GxEffect* effect, int direction) {
+    const int count = glyphs ? glyphs->GetCount() : 0;
+    if (count < 1 || !effect) return;
+    int64_t penX = x;
+    const int64_t baseY = y >> kFixedShift;
+    for (int i = 0; i < count; ++i) {
+        const auto* glyph =
+            static_cast<const GxGlyph*>(glyphs->Get(direction < 0 ? count - 1 - i : i));
+        if (!glyph) continue;
+        effect->renderEffectLayer(saturate(glyph->xOffset + (penX >> kFixedShift)),
+                                  saturate(baseY - glyph->baseline), glyph);
+        penX += int64_t{glyph->width} << kFixedShift;
+    }
+}
+
+}  // namespace GxFontEffect

@@ -1,0 +1,498 @@
+#include "text/GxTextObject.h"
+
+#include <SkBitmap.h>
+#include <SkCanvas.h>
+#include <SkColorSpace.h>
+#include <SkImageInfo.h>
+#include <SkPaint.h>
+#include <SkRect.h>
+#include <android/log.h>
+#include <hb.h>
+#include <minikin/LocaleList.h>
+
+#include <cstdio>
+#include <exception>
+#include <mutex>
+#include <new>
+#include <utility>
+
+#include "base/GxLog.h"
+#include "base/GxString.h"
+#include "base/List.h"
+#include "base/NativeError.h"
+#include "effect/GxEffect.h"
+#include "font/FontManager.h"
+#include "raster/GxBitmap.h"
+#include "raster/GxBlender.h"
+#include "text/GxFontDrawing.h"
+#include "text/GxLineInfo.h"
+#include "text/GxTextInstanceManager.h"
+#include "text/GxView.h"
+
+namespace GxFontEffect {
+
+namespace {
+
+constexpr const char* kTag = "GxTextObject";
+constexpr uint32_t kStyleBold = 1u << 0;
+constexpr uint32_t kStyleItalic = 1u << 1;
+constexpr uint32_t kOpaqueBlack = 0xFF000000u;
+
+// Failure sites that the operations of the class do not name themselves.
+constexpr int kSiteDestructor = 217;
+constexpr int kSiteConstructTwice = 229;
+constexpr int kSiteConstructNoMemory = 235;
+constexpr int kSiteRenderBadSize = 250;
+constexpr int kSiteRenderNoFontDrawing = 266;
+constexpr int kSiteRenderNoMemory = 270;
+constexpr int kSiteTextNoMemory = 400;
+constexpr int kSiteFontNoMemory = 610;
+
+// The registry's way of deleting an object whose last binding was released.
+void releaseTextCallback(GxTextObject* object) {
+    __android_log_print(ANDROID_LOG_DEBUG, kTag, "Delete GxTextObject by InstanceManager : %p",
+                        object);
+    delete object;
+}
+
+// Runs what may run out of memory inside the standard library or the platform: false and an error
+// code instead of an exception.
+template <typename Body>
+bool withoutThrowing(int site, Body body) {
+    try {
+        return body();
+    } catch (const std::exception&) {
+        return ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, site);
+    }
+}
+
+void clearLineInfoList(List& lines) {
+    for (int i = 0, count = lines.GetCount(); i < count; ++i) {
+        delete static_cast<GxLineInfo*>(lines.Get(i));
+    }
+    lines.RemoveAll();
+}
+
+// --- scripts of a text
+// ----------------------------------------------------------------------------------------
+
+constexpr bool isLead(uint32_t unit) {
+    return unit >= 0xD800 && unit <= 0xDBFF;
+}
+constexpr bool isTrail(uint32_t unit) {
+    return unit >= 0xDC00 && unit <= 0xDFFF;
+}
+constexpr bool isSurrogate(uint32_t unit) {
+    return unit >= 0xD800 && unit <= 0xDFFF;
+}
+
+// Code point at `position`, which moves past it. A lone surrogate is U+FFFD.
+uint32_t nextCodePoint(const uint16_t* text, int length, int& position) {
+    constexpr uint32_t kPairOffset = 0x35FDC00;  // (0xD800 << 10) + 0xDC00 - 0x10000
+    const uint32_t unit = text[position++];
+    if (isLead(unit) && position < length && isTrail(text[position])) {
+        return (unit << 10) + text[position++] - kPairOffset;
+    }
+    return isSurrogate(unit) ? 0xFFFD : unit;
+}
+
+hb_script_t scriptOf(uint32_t codePoint) {
+    return hb_unicode_script(hb_unicode_funcs_get_default(), codePoint);
+}
+
+bool isCommonOrInherited(hb_script_t script) {
+    return script == HB_SCRIPT_COMMON || script == HB_SCRIPT_INHERITED;
+}
+
+// Script of the run that starts at `position`, which moves to the run's end. Common and inherited
+// characters belong to whatever run they stand in.
+hb_script_t nextScriptRun(const uint16_t* text, int length, int& position) {
+    hb_script_t script = scriptOf(nextCodePoint(text, length, position));
+    while (position < length) {
+        int next = position;
+        const hb_script_t following = scriptOf(nextCodePoint(text, length, next));
+        if (following != script) {
+            if (isCommonOrInherited(script)) {
+                script = following;
+            } else if (!isCommonOrInherited(following)) {
+                break;
+            }
+        }
+        position = next;
+    }
+    return script == HB_SCRIPT_INHERITED ? HB_SCRIPT_COMMON : script;
+}
+
+void loadFamilyOf(const char* locales) {
+    const uint32_t id = minikin::registerLocaleList(locales);
+    if (id != 0) FontManager::GetInstance().LoadMinikinFontFamily(id);
+}
+
+// Latin and the scripts without letters need no family of their own.
+void loadFamiliesOf(hb_script_t script) {
+    switch (script) {
+        case HB_SCRIPT_HANGUL:
+            loadFamilyOf("ko");
+            break;
+        case HB_SCRIPT_HIRAGANA:
+        case HB_SCRIPT_KATAKANA:
+            loadFamilyOf("ja");
+            break;
+        case HB_SCRIPT_HAN:
+            loadFamilyOf("zh-Hans");
+            loadFamilyOf("zh-Hant");
+            break;
+        case HB_SCRIPT_INVALID:
+        case HB_SCRIPT_LATIN:
+        case HB_SCRIPT_COMMON:
+        case HB_SCRIPT_UNKNOWN:
+            break;
+        default: {
+            const auto tag = static_cast<uint32_t>(script);
+            char locales[16];
+            snprintf(locales, sizeof(locales), "und-%c%c%c%c", static_cast<char>(tag >> 24),
+                     static_cast<char>(tag >> 16), static_cast<char>(tag >> 8),
+                     static_cast<char>(tag));
+            loadFamilyOf(locales);
+            break;
+        }
+    }
+}
+
+// --- composing
+// ------------------------------------------------------------------------------------------------
+
+// Padding cuts the text, but not on the side that the gravity pushes it to.
+SkRect clipOf(const GxView& view) {
+    const uint32_t horizontal = view.gravity & GxView::kHorizontalGravityMask;
+    const uint32_t vertical = view.gravity & GxView::kVerticalGravityMask;
+    const int64_t width = view.GetBitmapWidth();
+    const int64_t height = view.GetBitmapHeight();
+    const int64_t left = horizontal == GxView::kGravityLeft ? 0 : view.paddingLeft;
+    const int64_t top = vertical == GxView::kGravityTop ? 0 : view.paddingTop;
+    const int64_t right = horizontal == GxView::kGravityRight ? width : width - view.paddingRight;
+    const int64_t bottom =
+        vertical == GxView::kGravityBottom ? height : height - view.paddingBottom;
+    return SkRect::MakeLTRB(static_cast<float>(left), static_cast<float>(top),
+                            static_cast<float>(right), static_cast<float>(bottom));
+}
+
+void drawBackground(SkCanvas& canvas, const List& lines, uint32_t color) {
+    SkPaint paint;
+    paint.setColor(color);
+    paint.setStyle(SkPaint::kFill_Style);
+    for (int i = 0, count = lines.GetCount(); i < count; ++i) {
+        const auto* line = static_cast<const GxLineInfo*>(lines.Get(i));
+        if (!line) continue;
+        canvas.drawRect(SkRect::MakeLTRB(static_cast<float>(line->rect.left),
+                                         static_cast<float>(line->rect.top),
+                                         static_cast<float>(line->rect.right),
+                                         static_cast<float>(line->rect.bottom)),
+                        paint);
+    }
+}
+
+bool isEmpty(const GxBitmap& bitmap) {
+    return bitmap.width == 0 || bitmap.height == 0;
+}
+
+}  // namespace
+
+class GxTextObjectImpl {
+public:
+    GxTextObjectImpl()
+        : fontDrawing(std::make_unique<GxFontDrawing>()),
+          effect(std::make_unique<GxEffect>()),
+          lineInfoList(std::make_unique<List>()),
+          view(std::make_unique<GxView>()) {
+        if (!lineInfoList->Construct()) throw std::bad_alloc();
+        // The image starts empty, so whatever lies outside the glyphs came from effects meant for
+        // their inside.
+        effect->setConfineInside(true);
+    }
+
+    GxTextObjectImpl(const GxTextObjectImpl&) = delete;
+    GxTextObjectImpl& operator=(const GxTextObjectImpl&) = delete;
+    ~GxTextObjectImpl() { clearLineInfoList(*lineInfoList); }
+
+    // Text and effects, drawn by the font drawing, over the background boxes.
+    std::unique_ptr<GxBitmap> compose(GxBitmap& effectBitmap) const;
+
+    std::unique_ptr<GxString> text;
+    std::unique_ptr<GxFontDrawing> fontDrawing;
+    std::unique_ptr<GxEffect> effect;
+    std::unique_ptr<List> lineInfoList;  // of owned GxLineInfo
+    int32_t runtimeHandle = -1;
+    uint32_t textStyle = 0;
+    std::unique_ptr<GxBitmap> resultBitmap;
+    std::unique_ptr<GxView> view;
+    android::Paint paint;
+    uint32_t backgroundColor = 0;
+    bool backgroundEnabled = false;
+    uint32_t textColor = kOpaqueBlack;
+};
+
+std::unique_ptr<GxBitmap> GxTextObjectImpl::compose(GxBitmap& effectBitmap) const {
+    auto result = std::make_unique<GxBitmap>(effectBitmap.width, effectBitmap.height, 4);
+    if (!result->data) throw std::bad_alloc();
+    if (isEmpty(*result)) return result;
+
+    const SkImageInfo info =
+        SkImageInfo::Make(static_cast<int>(result->width), static_cast<int>(result->height),
+                          kRGBA_8888_SkColorType, kUnpremul_SkAlphaType, SkColorSpace::MakeSRGB());
+    const size_t rowBytes = size_t{result->width} * 4;
+    SkBitmap target, source;
+    if (!target.installPixels(info, result->data, rowBytes) ||
+        !source.installPixels(info, effectBitmap.data, rowBytes)) {
+        return result;
+    }
+    SkCanvas canvas(target);
+    canvas.drawColor(0, SkBlendMode::kSrc);
+    canvas.clipRect(clipOf(*view), SkClipOp::kIntersect, false);
+    if (backgroundEnabled) drawBackground(canvas, *lineInfoList, backgroundColor);
+    // Callers want 0xAARRGGBB words, so red and blue change places: what is drawn already, then the
+    // text.
+    GxBlender::convertBGRAToARGB(result.get());
+    GxBlender::convertBGRAToARGB(&effectBitmap);
+    canvas.drawBitmap(source, 0, 0, nullptr);
+    return result;
+}
+
+GxTextObject::GxTextObject() {
+    static std::once_flag callbackSet;
+    std::call_once(callbackSet, [] { GxTextInstanceManager::SetCallBack(releaseTextCallback); });
+    __android_log_print(ANDROID_LOG_DEBUG, kTag, "GxTextObject(%p)", this);
+}
+
+GxTextObject::~GxTextObject() {
+    if (!requireConstructed(kSiteDestructor)) return;
+    __android_log_print(ANDROID_LOG_DEBUG, kTag, "~GxTextObject(%p / %d)", this,
+                        impl->runtimeHandle);
+    GxTextInstanceManager::Unregister(impl->runtimeHandle);
+}
+
+bool GxTextObject::requireConstructed(int site) const {
+    return impl || ReportNativeError(kTag, GXE_ERROR_NOT_CONSTRUCTED, site);
+}
+
+bool GxTextObject::Construct() {
+    if (impl) return ReportNativeError(kTag, GXE_ERROR_ALREADY_CONSTRUCTED, kSiteConstructTwice);
+    return withoutThrowing(kSiteConstructNoMemory, [this] {
+        auto fresh = std::make_unique<GxTextObjectImpl>();
+        fresh->runtimeHandle = GxTextInstanceManager::Register(this);
+        if (fresh->runtimeHandle < 0) return false;
+        impl = std::move(fresh);
+        __android_log_print(ANDROID_LOG_DEBUG, kTag, "Construct(%p / %d)", this,
+                            impl->runtimeHandle);
+        return true;
+    });
+}
+
+const uint32_t* GxTextObject::RenderTextEffect(int width, int height) {
+    if (!requireConstructed(248)) return nullptr;
+    __android_log_print(ANDROID_LOG_DEBUG, kTag,
+                        "RenderTextEffect(%p / %d) >>> Start! - (w=%d,h=%d)", this,
+                        impl->runtimeHandle, width, height);
+    if (width < 0 || height < 0) {
+        ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, kSiteRenderBadSize);
+    } else if (!impl->fontDrawing) {
+        ReportNativeError(kTag, GXE_ERROR_NOT_CONSTRUCTED, kSiteRenderNoFontDrawing);
+    } else {
+        withoutThrowing(kSiteRenderNoMemory, [&] {
+            GxBitmap effectBitmap(static_cast<uint32_t>(width), static_cast<uint32_t>(height), 4);
+            if (!effectBitmap.data) throw std::bad_alloc();
+            impl->fontDrawing->DrawTextEffect(this, &effectBitmap);
+            impl->resultBitmap = impl->compose(effectBitmap);
+            return true;
+        });
+        // A render that stopped halfway still borrows the effect bitmap.
+        impl->effect->releaseBitmap();
+        __android_log_print(ANDROID_LOG_DEBUG, kTag, "RenderTextEffect(%p / %d) <<< End.", this,
+                            impl->runtimeHandle);
+    }
+    return impl->resultBitmap ? reinterpret_cast<const uint32_t*>(impl->resultBitmap->data)
+                              : nullptr;
+}
+
+int GxTextObject::GetRuntimeHandle() const {
+    return requireConstructed(374) ? impl->runtimeHandle : -1;
+}
+
+GxTextObject* GxTextObject::FindGxTextObject(int handle) {
+    return GxTextInstanceManager::FindGxTextObject(handle);
+}
+
+GxEffect* GxTextObject::GetEffect() const {
+    return requireConstructed(382) ? impl->effect.get() : nullptr;
+}
+
+// --- text
+// -----------------------------------------------------------------------------------------------------
+
+bool GxTextObject::SetText(const GxString* text) {
+    if (!requireConstructed(390)) return false;
+    if (GxLog::IsAllLogEnable()) {
+        __android_log_print(ANDROID_LOG_DEBUG, kTag, "SetText() - %p [%s] strLen=%d", this,
+                            GxLog::ConvertLog(text), text ? text->GetLength() : 0);
+    }
+    return storeText(text);
+}
+
+bool GxTextObject::SetText(const wchar_t* text) {
+    return requireConstructed(426) && storeText(text);
+}
+
+template <typename Text>
+bool GxTextObject::storeText(const Text* text) {
+    if (!text) {
+        impl->text.reset();
+        return true;
+    }
+    return withoutThrowing(kSiteTextNoMemory, [&] {
+        if (!impl->text) {
+            auto fresh = std::make_unique<GxString>();
+            if (!fresh->Construct()) return false;
+            impl->text = std::move(fresh);
+        }
+        if (!impl->text->Set(text)) return false;
+        SetTextLocaleListId();
+        return true;
+    });
+}
+
+void GxTextObject::SetTextLocaleListId() {
+    if (!requireConstructed(460)) return;
+    if (!impl->text) {
+        __android_log_print(ANDROID_LOG_DEBUG, kTag, "SetTextLocaleListId - text is null.");
+        return;
+    }
+    const int length = impl->text->GetUTF16Size() - 1;
+    if (length < 0) return;
+    const std::unique_ptr<uint16_t[]> utf16(impl->text->GetUTF16());
+    if (!utf16) {
+        __android_log_print(ANDROID_LOG_DEBUG, kTag, "SetTextLocaleListId - textString is null.");
+        return;
+    }
+    for (int position = 0; position < length;) {
+        loadFamiliesOf(nextScriptRun(utf16.get(), length, position));
+    }
+}
+
+GxString* GxTextObject::GetText() const {
+    return requireConstructed(542) ? impl->text.get() : nullptr;
+}
+
+// --- fonts
+// ----------------------------------------------------------------------------------------------------
+
+GxFontDrawing& GxTextObject::fontDrawing() {
+    if (!impl->fontDrawing) impl->fontDrawing = std::make_unique<GxFontDrawing>();
+    return *impl->fontDrawing;
+}
+
+bool GxTextObject::SetFontFamilyName(const char* name) {
+    if (!requireConstructed(549)) return false;
+    if (!name) return ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, 553);
+    __android_log_print(ANDROID_LOG_DEBUG, kTag, "SetFontFamilyName(%p) - familyName[%s]", this,
+                        name);
+    return withoutThrowing(kSiteFontNoMemory, [&] {
+        fontDrawing().SetFontFamilyName(name);
+        return true;
+    });
+}
+
+bool GxTextObject::SetFont(const char* path) {
+    if (!requireConstructed(572)) return false;
+    if (!path) return ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, 576);
+    __android_log_print(ANDROID_LOG_DEBUG, kTag, "SetFont(%p) - path[%s]", this, path);
+    return useFont(path, nullptr, 0);
+}
+
+bool GxTextObject::SetFont(const char* path, char* data, unsigned size) {
+    if (!requireConstructed(600)) return false;
+    if (!path) return ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, 604);
+    __android_log_print(ANDROID_LOG_DEBUG, kTag, "SetFont2(%p) - path[%s] - size: %d", this, path,
+                        static_cast<int>(size));
+    return useFont(path, data, size);
+}
+
+bool GxTextObject::useFont(const char* path, char* data, unsigned size) {
+    return withoutThrowing(kSiteFontNoMemory, [&] {
+        GxFontDrawing& drawing = fontDrawing();
+        if (!FontManager::GetInstance().AddMinikinFont(path, data, size, 0, true)) return false;
+        drawing.SetFontPath(path);
+        return true;
+    });
+}
+
+GxFontDrawing* GxTextObject::GetFont() const {
+    return requireConstructed(628) ? impl->fontDrawing.get() : nullptr;
+}
+
+// --- lines
+// ----------------------------------------------------------------------------------------------------
+
+bool GxTextObject::SetLineInfo(const List* lines) {
+    if (!requireConstructed(636)) return false;
+    if (!lines) {
+        __android_log_print(ANDROID_LOG_ERROR, kTag, "SetLineInfo - lineInfo is NULL");
+        return ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, 640);
+    }
+    if (!impl->lineInfoList) {
+        __android_log_print(ANDROID_LOG_ERROR, kTag, "SetLineInfo - M->lineInfo is NULL");
+        return ReportNativeError(kTag, GXE_ERROR_NOT_CONSTRUCTED, 647);
+    }
+    if (lines == impl->lineInfoList.get()) return true;  // these are the object's already
+    clearLineInfoList(*impl->lineInfoList);
+    return lines->GetCount() < 1 || impl->lineInfoList->Add(lines);
+}
+
+List* GxTextObject::GetLineInfo() const {
+    return requireConstructed(664) ? impl->lineInfoList.get() : nullptr;
+}
+
+// --- style, view, paint, colours
+// --------------------------------------------------------------------------------
+
+bool GxTextObject::SetTextStyle(bool bold, bool italic) {
+    if (!requireConstructed(678)) return false;
+    const uint32_t others = impl->textStyle & ~(kStyleBold | kStyleItalic);
+    impl->textStyle = others | (bold ? kStyleBold : 0) | (italic ? kStyleItalic : 0);
+    return true;
+}
+
+bool GxTextObject::isBoldTextStyle() const {
+    return requireConstructed(703) && (impl->textStyle & kStyleBold) != 0;
+}
+
+bool GxTextObject::isItalicTextStyle() const {
+    return requireConstructed(710) && (impl->textStyle & kStyleItalic) != 0;
+}
+
+GxView* GxTextObject::GetView() const {
+    return requireConstructed(717) ? impl->view.get() : nullptr;
+}
+
+android::Paint GxTextObject::GetPaint() const {
+    return requireConstructed(724) ? impl->paint : android::Paint();
+}
+
+void GxTextObject::SetPaint(android::Paint& paint) {
+    if (requireConstructed(730)) impl->paint = paint;
+}
+
+void GxTextObject::SetBackgroundColor(uint32_t color, bool enabled) {
+    if (!requireConstructed(736)) return;
+    impl->backgroundColor = color;
+    impl->backgroundEnabled = enabled;
+}
+
+void GxTextObject::SetTextColor(uint32_t color) {
+    if (requireConstructed(743)) impl->textColor = color;
+}
+
+uint32_t GxTextObject::GetTextColor() const {
+    return requireConstructed(749) ? impl->textColor : kOpaqueBlack;
+}
+
+}  // namespace GxFontEffect

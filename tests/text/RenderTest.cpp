@@ -1,0 +1,350 @@
+// From string to pixels: where ink may be, colours, clipping, boxes, and a few whole pictures.
+#include <gmock/gmock.h>
+#include <hwui/MinikinUtils.h>
+#include <hwui/Typeface.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "support/LogCapture.h"
+#include "support/Random.h"
+#include "text/GxFontDrawing.h"
+#include "text/TextFixture.h"
+
+namespace GxFontEffect {
+namespace {
+
+using gxtest::Image;
+
+class Render : public TextFixture {
+protected:
+    static uint32_t at(const Image& image, int x, int y) {
+        return image.pixels[size_t(y) * image.width + x];
+    }
+    static int opaquePixels(const Image& image) {
+        return static_cast<int>(std::count_if(image.pixels.begin(), image.pixels.end(),
+                                              [](uint32_t p) { return p >> 24 == 255; }));
+    }
+    static long coverage(const Image& image) {
+        long sum = 0;
+        for (uint32_t p : image.pixels) sum += p >> 24;
+        return sum;
+    }
+};
+
+TEST_F(Render, InkIsTheTextColourAndStaysOnItsLine) {
+    setLines({L"Hxg"});
+    const Image image = render(200, 80);
+    const GxRect ink = inkOf(image);
+    EXPECT_GE(ink.left, 4);
+    EXPECT_LE(ink.right, 4 + 110);
+    EXPECT_GT(ink.top, 50 - 40) << "48 px capitals are about 34 px high";
+    EXPECT_LT(ink.top, 50 - 30);
+    EXPECT_GT(ink.bottom, 50) << "g goes below the baseline";
+    EXPECT_LT(ink.bottom, 50 + 14);
+    EXPECT_GT(opaquePixels(image), 500);
+    for (uint32_t p : image.pixels) {
+        if (p >> 24 != 255) continue;
+        ASSERT_EQ(p, 0xFF203040u);
+    }
+}
+
+TEST_F(Render, SameInputSameBytes) {
+    setLines({L"fi \x0645\x0631\x062D\x0628\x0627 \x4E2D"});
+    const Image first = render(300, 80);
+    GxLineInfo& record = line(0);
+    record.rect = GxRect();
+    EXPECT_EQ(render(300, 80), first);
+    EXPECT_GT(coverage(first), 0);
+}
+
+TEST_F(Render, LinesAreDrawnAtTheirBaselines) {
+    setLines({L"H\n", L"H"});
+    const Image image = render(80, 140);
+    EXPECT_NE(at(image, 6, 45) >> 24, 0u);
+    EXPECT_NE(at(image, 6, 105) >> 24, 0u);
+    for (int x = 0; x < 80; ++x) EXPECT_EQ(at(image, x, 62) >> 24, 0u) << "between the lines";
+}
+
+TEST_F(Render, TextAlphaFadesEverything) {
+    setLines({L"H"});
+    const Image opaque = render(60, 60);
+    text.SetTextColor(0x80203040);
+    const Image faded = render(60, 60);
+    for (size_t i = 0; i < opaque.pixels.size(); ++i) {
+        const uint32_t alpha = opaque.pixels[i] >> 24;
+        ASSERT_EQ(faded.pixels[i] >> 24, ((alpha + 1) * 128) >> 8);
+        if (alpha != 255) continue;
+        ASSERT_EQ(faded.pixels[i] & 0xFFFFFF, 0x203040u);
+    }
+    text.SetTextColor(0x00203040);
+    EXPECT_EQ(coverage(render(60, 60)), 0);
+}
+
+TEST_F(Render, TwoLayerModeDrawsTheSamePlainText) {
+    setLines({L"Round"});
+    const Image single = render(200, 70);
+    text.GetEffect()->setTextOpacity(0.5f);
+    const Image mixed = render(200, 70);
+    for (size_t i = 0; i < single.pixels.size(); ++i) {
+        ASSERT_EQ(single.pixels[i] >> 24, mixed.pixels[i] >> 24) << i;
+    }
+}
+
+TEST_F(Render, PaddingClipsAllSidesButTheOneOfTheGravity) {
+    // Ink everywhere: a row of full blocks.
+    setPaint(200);
+    text.SetText(L"\x2588\x2588");
+    auto* record = new GxLineInfo;
+    record->x = -10;
+    record->y = 130;
+    record->end = 2;
+    List lines;
+    lines.Construct();
+    lines.Add(record);
+    text.SetFont(gxtest::fontPath(gxtest::kDejaVuSans).c_str());
+    text.SetLineInfo(&lines);
+    GxView* view = text.GetView();
+    view->SetPadding(7, 8, 9, 10);
+    struct Case {
+        uint32_t gravity;
+        int left, top, right, bottom;
+    };
+    const Case cases[] = {
+        {0xFFFFFFFFu, 7, 8, 91, 90}, {0x11, 7, 8, 91, 90},  {0x33, 0, 0, 91, 90},
+        {0x35, 7, 0, 100, 90},       {0x53, 0, 8, 91, 100}, {0x55, 7, 8, 100, 100},
+    };
+    for (const Case& c : cases) {
+        view->gravity = c.gravity;
+        const GxRect ink = inkOf(render(100, 100));
+        EXPECT_EQ(ink.left, c.left) << std::hex << c.gravity;
+        EXPECT_EQ(ink.top, c.top) << std::hex << c.gravity;
+        EXPECT_EQ(ink.right, c.right) << std::hex << c.gravity;
+        EXPECT_EQ(ink.bottom, c.bottom) << std::hex << c.gravity;
+    }
+    // Padding that crosses over clips to what lies between: the platform sorts the rectangle's
+    // edges.
+    view->SetPadding(60, 0, 60, 0);
+    view->gravity = 0x11;
+    const GxRect ink = inkOf(render(100, 100));
+    EXPECT_EQ(ink.left, 40);
+    EXPECT_EQ(ink.right, 60);
+}
+
+TEST_F(Render, BackgroundBoxesSpanTheAdvance) {
+    setLines({L"Hi\n", L"Wide line"});
+    text.SetBackgroundColor(0xFF00FF00, true);
+    const Image image = render(300, 140);
+    // rect.right = x + advance, the box's rows as given.
+    for (int i = 0; i < 2; ++i) {
+        const GxRect& box = line(i).rect;
+        EXPECT_EQ(box.left, 4);
+        EXPECT_EQ(box.top, 60 * i + 5);
+        EXPECT_EQ(box.bottom, 60 * i + 60);
+        EXPECT_EQ(at(image, box.left, box.top), 0xFF00FF00u);
+        EXPECT_EQ(at(image, box.right - 1, box.bottom - 1), 0xFF00FF00u);
+        EXPECT_EQ(at(image, box.right, box.top), 0u);
+        EXPECT_EQ(at(image, box.left - 1, box.top), 0u);
+    }
+    EXPECT_LT(line(0).rect.right, line(1).rect.right);
+    EXPECT_NE(std::count(image.pixels.begin(), image.pixels.end(), 0xFF203040u), 0);
+    text.SetBackgroundColor(0xFF00FF00, false);
+    setLines({L"Hi"});
+    const Image plain = render(300, 140);
+    EXPECT_EQ(std::count(plain.pixels.begin(), plain.pixels.end(), 0xFF00FF00u), 0);
+}
+
+// Text over a translucent box: float source-over, one rounding.
+TEST_F(Render, TextBlendsOverTheBackground) {
+    setLines({L"\x2588"});
+    text.SetTextColor(0x80FF0000);
+    text.SetBackgroundColor(0x80FFFFFF, true);
+    const Image image = render(60, 60);
+    const uint32_t pixel = at(image, 15, 30);
+    // Straight 0xFFFFFF at 128/255 under 0xFF0000 at 128/255: alpha 128 + 128 x 127/255 = 191.75;
+    // green = 1 x (128/255 x 127/255) / 0.752 = 0.3325 -> 85.
+    EXPECT_EQ(pixel, 0xC0FF5555u);
+}
+
+TEST_F(Render, RightToLeftLines) {
+    setLines({L"\x05E9\x05DC\x05D5\x05DD"}, -1);
+    const GxRect ink = inkOf(render(200, 80));
+    EXPECT_GE(ink.left, 4);
+    EXPECT_GT(ink.right, 60);
+}
+
+TEST_F(Render, ALineAfterABreakIsShapedInItsParagraph) {
+    // The second line starts inside an Arabic word: its first letter joins to the one before it.
+    setLines({L"\x0645\x0628", L"\x0628\x0645"}, -1);
+    const long joined = coverage(render(200, 140));
+    setLines({L"\x0645\x0628\n", L"\x0628\x0645"}, -1);
+    EXPECT_NE(coverage(render(200, 140)), joined);
+}
+
+TEST_F(Render, SpacesHaveAnAdvanceAndNoInk) {
+    setLines({L"   "});
+    text.SetBackgroundColor(0xFFFFFFFF, true);
+    EXPECT_GT(opaquePixels(render(200, 80)), 0);
+    EXPECT_GT(line(0).rect.right, line(0).rect.left + 20);
+}
+
+TEST_F(Render, ItalicAndBoldAreFakedWhenTheFontHasNone) {
+    setLines({L"HHH"});
+    const Image upright = render(200, 80);
+    text.SetTextStyle(false, true);
+    const Image italic = render(200, 80);
+    EXPECT_NE(italic, upright);
+    // The top of a slanted stem lies to the right of its foot.
+    const auto leftmost = [](const Image& image, int y) {
+        for (int x = 0; x < image.width; ++x) {
+            if (at(image, x, y) >> 24 > 128) return x;
+        }
+        return -1;
+    };
+    EXPECT_GT(leftmost(italic, 22), leftmost(italic, 46) + 3);
+    EXPECT_EQ(leftmost(upright, 22), leftmost(upright, 46));
+    text.SetTextStyle(false, false);
+    setPaint(48, 0x21);  // fake bold
+    EXPECT_GT(coverage(render(200, 80)), coverage(upright) * 11 / 10);
+}
+
+TEST_F(Render, WithoutAntialiasingPixelsAreOnOrOff) {
+    setPaint(48, 0);
+    setLines({L"Soft"});
+    const Image image = render(200, 80);
+    for (uint32_t p : image.pixels) {
+        const uint32_t alpha = p >> 24;
+        ASSERT_TRUE(alpha == 0 || alpha == 255) << alpha;
+    }
+    EXPECT_GT(opaquePixels(image), 300);
+}
+
+TEST_F(Render, HostilePaintsAndLinesGiveAnAnswer) {
+    const float kNaN = std::numeric_limits<float>::quiet_NaN();
+    const float kInfinity = std::numeric_limits<float>::infinity();
+    for (float size : {0.0f, -5.0f, 0.01f, 3000.0f, 1e9f, kNaN, kInfinity}) {
+        setPaint(size);
+        setLines({L"Ag"});
+        render(64, 64);
+    }
+    for (float bad : {kNaN, kInfinity, -kInfinity, 1e20f, -3.0f}) {
+        android::Paint paint;
+        paint.getSkFont().setSize(30);
+        paint.getSkFont().setScaleX(bad);
+        paint.getSkFont().setSkewX(bad);
+        paint.setLetterSpacing(bad);
+        text.SetPaint(paint);
+        render(64, 64);
+    }
+    setPaint(20);
+    gxtest::Random random(31);
+    GX_TRACE_SEED(random);
+    const int edges[] = {INT32_MIN, -1, 0, 1, 2, 3, 100, INT32_MAX};
+    const auto edge = [&] { return edges[random.between(0, 7)]; };
+    for (int round = 0; round < 200; ++round) {
+        setLines({L"Agx"});
+        GxLineInfo& record = line(0);
+        record.x = edge();
+        record.y = edge();
+        record.start = edge();
+        record.end = edge();
+        record.direction = edge();
+        record.rect = GxRect(edge(), edge(), edge(), edge());
+        text.SetBackgroundColor(random.word(), true);
+        text.GetView()->SetPadding(edge(), edge(), edge(), edge());
+        render(40, 40);
+        render(40, 40);
+    }
+}
+
+TEST_F(Render, MalformedTextIsDrawn) {
+    const std::wstring texts[] = {std::wstring(1, wchar_t{0xD800}),
+                                  std::wstring(3, wchar_t{0xDC00}), L"a\xFFFF\x10FFFF",
+                                  std::wstring(L"\x7FFFFFFF"), std::wstring(200, wchar_t{0x0301})};
+    for (const std::wstring& malformed : texts) {
+        setLines({malformed});
+        EXPECT_EQ(render(50, 50).pixels.size(), 2500u);
+    }
+}
+
+TEST_F(Render, WithoutAnyFamilyNothingIsDrawn) {
+    // The system Roboto set adds no family of its own; here the other families are loaded, so take
+    // them away.
+    std::vector<int> loaded;
+    for (GxFontFamily* family : systemFamilies()) {
+        loaded.push_back(static_cast<int>(family->loaded));
+        family->loaded = 0;
+    }
+    setLines({L"A"});
+    for (GxFontFamily* family : systemFamilies()) family->loaded = 0;
+    EXPECT_EQ(coverage(render(50, 60)), 0);
+    for (size_t i = 0; i < loaded.size(); ++i) systemFamilies()[i]->loaded = loaded[i];
+    EXPECT_GT(coverage(render(50, 60)), 0);
+}
+
+// --- the drawing's own parts
+// --------------------------------------------------------------------------------------
+
+TEST_F(Render, MasksAreHandedOverWithTheirPen) {
+    struct Mask {
+        GxGlyph glyph;
+        uint8_t pixels[6] = {255, 255, 255, 255, 255, 255};
+    };
+    Mask wide, narrow;
+    wide.glyph = {wide.pixels, 3, 2, 2, 0};
+    narrow.glyph = {narrow.pixels, 1, 2, 1, 1};
+    List glyphs;
+    glyphs.Construct();
+    glyphs.Add(&wide.glyph);
+    glyphs.Add(&narrow.glyph);
+    GxFontDrawing drawing;
+    const auto drawn = [&](int direction) {
+        GxEffect stack;
+        stack.initEffect(12, 10);
+        drawing._DoRender(2 * 64 + 63, 5 * 64, &glyphs, &stack, direction);
+        std::string rows;
+        for (int y = 3; y < 6; ++y) {
+            for (int x = 0; x < 12; ++x) rows += stack.getSrcBitmap()->data[y * 12 + x] ? '#' : '.';
+            rows += '\n';
+        }
+        return rows;
+    };
+    EXPECT_EQ(drawn(1),
+              "..###.......\n"
+              "..###.#.....\n"
+              "......#.....\n");
+    // Last mask first.
+    EXPECT_EQ(drawn(-1),
+              "...###......\n"
+              "...###......\n"
+              "...#........\n");
+    drawing._DoRender(0, 0, nullptr, nullptr, 1);
+    List none;
+    none.Construct();
+    drawing._DoRender(0, 0, &none, nullptr, 1);
+}
+
+// --- whole pictures
+// -----------------------------------------------------------------------------------------------
+
+TEST_F(Render, Goldens) {
+    setPaint(32);
+    setLines({L"Agfx & S"});
+    EXPECT_TRUE(gxtest::matchesGolden(render(160, 70), "latin"));
+    setLines({L"\x0645\x0631\x062D\x0628\x0627 abc"}, -1);
+    EXPECT_TRUE(gxtest::matchesGolden(render(170, 70), "arabic-latin"));
+    setLines({L"\x0928\x092E\x0938\x094D\x0924\x0947"});
+    EXPECT_TRUE(gxtest::matchesGolden(render(120, 70), "devanagari"));
+    setLines({L"\x65E5\x672C\x8A9E\n", L"box"});
+    text.SetBackgroundColor(0x60FFD040, true);
+    text.SetTextColor(0xC0104080);
+    EXPECT_TRUE(gxtest::matchesGolden(render(120, 130), "lines-box"));
+}
+
+}  // namespace
+}  // namespace GxFontEffect
