@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cstdlib>
+#include <memory>
 
 #include "hwui/MinikinSkia.h"
 
@@ -44,12 +45,12 @@ Typeface* Typeface::createFromFamilies(std::vector<std::shared_ptr<minikin::Font
     }
     if (weight < 0) weight = SkFontStyle::kNormal_Weight;
 
-    auto* result = new Typeface;
+    auto result = std::make_unique<Typeface>();
     result->fFontCollection = std::make_shared<minikin::FontCollection>(families);
     result->fAPIStyle = apiStyle(weight, italic != 0);
     result->fStyle = minikin::FontStyle(static_cast<uint16_t>(std::clamp(weight, 1, kMaxWeight)),
                                         static_cast<minikin::FontStyle::Slant>(italic != 0));
-    return result;
+    return result.release();
 }
 
 const Typeface* Typeface::resolveDefault(const Typeface* src) {

@@ -3,6 +3,7 @@
 #include <hb-ot.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <new>
 #include <string>
@@ -37,30 +38,40 @@ unsigned toPpem(float pixels) {
     return static_cast<unsigned>(std::clamp(pixels, 0.0f, kMaxPixels));
 }
 
-// HarfBuzz asks through these; `data` is the ScaledFont.
-hb_position_t glyphAdvance(hb_font_t* /*hbFont*/, void* data, hb_codepoint_t glyph,
-                           void* /*user*/) {
-    const auto* font = static_cast<const ScaledFont*>(data);
-    const MinikinFont& face = *font->faked.font->typeface();
-    return toFixed(finiteOr0(face.GetHorizontalAdvance(glyph, *font->paint, font->faked.fakery)));
-}
-
+// HarfBuzz asks for advances through these two; `data` is the ScaledFont. Nothing may be thrown
+// through HarfBuzz: running out of memory is noted and reported after shaping.
 void glyphAdvances(hb_font_t* /*hbFont*/, void* data, unsigned count, const hb_codepoint_t* glyphs,
                    unsigned glyphStride, hb_position_t* advances, unsigned advanceStride,
                    void* /*user*/) {
-    const auto* font = static_cast<const ScaledFont*>(data);
+    constexpr unsigned kBatch = 64;
+    auto* font = static_cast<ScaledFont*>(data);
     const MinikinFont& face = *font->faked.font->typeface();
-    std::vector<uint16_t> ids(count);
-    std::vector<float> widths(count);
     const auto* glyphBytes = reinterpret_cast<const char*>(glyphs);
-    for (unsigned i = 0; i < count; i++, glyphBytes += glyphStride) {
-        ids[i] = static_cast<uint16_t>(*reinterpret_cast<const hb_codepoint_t*>(glyphBytes));
-    }
-    face.GetHorizontalAdvances(ids.data(), count, *font->paint, font->faked.fakery, widths.data());
     auto* advanceBytes = reinterpret_cast<char*>(advances);
-    for (unsigned i = 0; i < count; i++, advanceBytes += advanceStride) {
-        *reinterpret_cast<hb_position_t*>(advanceBytes) = toFixed(finiteOr0(widths[i]));
+    while (count > 0) {
+        const unsigned batch = std::min(count, kBatch);
+        std::array<uint16_t, kBatch> ids;
+        std::array<float, kBatch> widths{};
+        for (unsigned i = 0; i < batch; i++, glyphBytes += glyphStride) {
+            ids[i] = static_cast<uint16_t>(*reinterpret_cast<const hb_codepoint_t*>(glyphBytes));
+        }
+        try {
+            face.GetHorizontalAdvances(ids.data(), batch, *font->paint, font->faked.fakery,
+                                       widths.data());
+        } catch (const std::bad_alloc&) {
+            font->outOfMemory = true;
+        }
+        for (unsigned i = 0; i < batch; i++, advanceBytes += advanceStride) {
+            *reinterpret_cast<hb_position_t*>(advanceBytes) = toFixed(finiteOr0(widths[i]));
+        }
+        count -= batch;
     }
+}
+
+hb_position_t glyphAdvance(hb_font_t* hbFont, void* data, hb_codepoint_t glyph, void* user) {
+    hb_position_t advance = 0;
+    glyphAdvances(hbFont, data, 1, &glyph, 0, &advance, 0, user);
+    return advance;
 }
 
 hb_bool_t zeroOrigin(hb_font_t* /*hbFont*/, void* /*data*/, hb_codepoint_t /*glyph*/,
@@ -236,7 +247,9 @@ void PieceShaper::shapeScriptRun(const U16StringPiece& word, uint32_t pieceStart
                         static_cast<int>(run.getLength()));
     const bool shaped = hb_shape_full(font.hbFont.get(), buffer, mFeatures.data(),
                                       static_cast<unsigned>(mFeatures.size()), nullptr);
-    // Out of memory, or a font whose rules grow the text beyond all bounds: the run stays blank.
+    if (font.outOfMemory) throw std::bad_alloc();
+    // HarfBuzz is out of memory, or a font whose rules grow the text beyond all bounds: the run
+    // stays blank.
     if (!shaped || !hb_buffer_allocation_successful(buffer)) return;
 
     const double letterSpace = allowsLetterSpacing(script)

@@ -38,7 +38,8 @@ struct ScaledFont {
     FakedFont faked;
     const MinikinPaint* paint;
     bool hasColorBitmaps;
-    HbFontUniquePtr hbFont;  // asks this object for advances
+    HbFontUniquePtr hbFont;    // asks this object for advances
+    bool outOfMemory = false;  // set when an advance could not be measured
 };
 
 // Serves one layout: keeps its fonts and buffer from piece to piece. The paint is borrowed, its

@@ -9,6 +9,7 @@
 #include <chrono>
 #include <cmath>
 #include <limits>
+#include <new>
 #include <numeric>
 #include <string>
 #include <thread>
@@ -18,6 +19,7 @@
 #include "hwui/Paint.h"
 #include "hwui/Typeface.h"
 #include "minikin/LocaleList.h"
+#include "support/AllocationFailure.h"
 #include "support/Fonts.h"
 #include "support/Random.h"
 
@@ -663,6 +665,27 @@ TEST_F(LayoutTest, RandomTextsInEveryDirection) {
             std::accumulate(layout.getAdvances().begin(), layout.getAdvances().end(), 0.0f);
         EXPECT_NEAR(sum, layout.getAdvance(), 0.05f);
     }
+}
+
+TEST_F(LayoutTest, EveryFailedAllocationIsSurvived) {
+    const std::u16string text = u"ab \u05D0\u0301";
+    size_t nGlyphs = 0;
+    const auto render = [this, &text, &nGlyphs] {
+        nGlyphs = 0;
+        try {
+            setFonts({makeFamily(loadFont(gxtest::kNotoSans)),
+                      makeFamily(loadFont(gxtest::kNotoHebrew))});
+            paint.setMinikinLocaleListId(minikin::registerLocaleList("he,en"));
+            nGlyphs = layOut(text).nGlyphs();
+        } catch (const std::bad_alloc&) {  // the platform's answer; nothing may leak or stay broken
+        }
+    };
+    render();
+    const size_t whole = nGlyphs;
+    ASSERT_GE(whole, 4u);
+    const int failures = gxtest::failEachAllocation(render);
+    EXPECT_GT(failures, 50);
+    EXPECT_EQ(nGlyphs, whole);  // the last run had all it asked for
 }
 
 TEST_F(LayoutTest, OneTypefaceServesSeveralThreads) {
