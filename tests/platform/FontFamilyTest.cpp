@@ -15,7 +15,6 @@ namespace {
 
 using gxtest::loadFont;
 using gxtest::makeFamily;
-using gxtest::makeFont;
 using minikin::FamilyVariant;
 using minikin::Font;
 using minikin::FontFamily;
@@ -201,6 +200,7 @@ TEST(FontFamilyTest, RandomDamageIsSurvived) {
 TEST(FontFamilyTest, FirstUseFromSeveralThreads) {
     const auto font = loadFont(gxtest::kNotoSans);
     std::vector<std::thread> threads;
+    threads.reserve(4);
     for (int t = 0; t < 4; t++) {
         threads.emplace_back([&font] {
             const auto family = makeFamily(font);

@@ -108,7 +108,7 @@ public:
             hb_feature_from_string(feature.c_str(), -1, &parsed.back());
         }
         hb_shape(mFont, buffer, parsed.data(), static_cast<unsigned>(parsed.size()));
-        const ShapedText result = read(buffer, start);
+        ShapedText result = read(buffer, start);
         hb_buffer_destroy(buffer);
         return result;
     }
@@ -667,6 +667,31 @@ TEST_F(LayoutTest, RandomTextsInEveryDirection) {
     }
 }
 
+TEST_F(LayoutTest, DamagedFontsAreSurvived) {
+    gxtest::Random random(23);
+    SCOPED_TRACE(testing::Message() << "seed " << random.seed());
+    const std::vector<char>& good = gxtest::fontBytes(gxtest::kNotoArabic);
+    const std::u16string text = u"\u0645\u0631\u062D\u0628\u0627 \u0644\u0627\u064E abc";
+    int laidOut = 0;
+    for (int round = 0; round < 150; round++) {
+        std::vector<char> bytes = good;
+        const int last = static_cast<int>(bytes.size()) - 1;
+        for (int i = random.between(1, 300); i > 0; i--) {
+            bytes[static_cast<size_t>(random.between(400, last))] =
+                static_cast<char>(random.byte());
+        }
+        if (random.oneIn(4)) bytes.resize(static_cast<size_t>(random.between(400, last)));
+        const auto font = gxtest::makeFont(bytes.data(), bytes.size());
+        if (!font) continue;
+        setFonts({makeFamily(font)});
+        const Layout layout = layOut(text);
+        EXPECT_TRUE(std::isfinite(layout.getAdvance()));
+        EXPECT_EQ(layout.getAdvances().size(), text.size());
+        laidOut += layout.nGlyphs() > 0;
+    }
+    EXPECT_GT(laidOut, 20);
+}
+
 TEST_F(LayoutTest, EveryFailedAllocationIsSurvived) {
     const std::u16string text = u"ab \u05D0\u0301";
     size_t nGlyphs = 0;
@@ -693,6 +718,7 @@ TEST_F(LayoutTest, OneTypefaceServesSeveralThreads) {
     const std::u16string text = u"shared \u0645\u0631\u062D\u0628\u0627 fonts";
     const Layout expected = layOut(text);
     std::vector<std::thread> threads;
+    threads.reserve(4);
     for (int t = 0; t < 4; t++) {
         threads.emplace_back([this, &text, &expected] {
             for (int round = 0; round < 20; round++) {

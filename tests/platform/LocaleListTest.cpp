@@ -82,7 +82,8 @@ TEST(LocaleListTest, LikelyScriptsAgreeWithIcu) {
         for (const char b : letters) {
             for (const std::string region : {"", "TW", "PK", "CN", "IN", "ME", "US"}) {
                 const std::string language{a, b};
-                const std::string tag = region.empty() ? language : language + "_" + region;
+                std::string tag = language;
+                if (!region.empty()) tag.append("_").append(region);
                 char full[ULOC_FULLNAME_CAPACITY];
                 char script[ULOC_SCRIPT_CAPACITY];
                 UErrorCode status = U_ZERO_ERROR;
@@ -148,18 +149,21 @@ TEST(LocaleListTest, ShapingLanguageIsTheFirstThatSupportsTheScript) {
 }
 
 TEST(LocaleListTest, ThreadsGetOneIdForOneString) {
-    std::vector<uint32_t> ids(4 * 50);
+    constexpr size_t kThreads = 4;
+    constexpr size_t kLists = 50;
+    std::vector<uint32_t> ids(kThreads * kLists);
     std::vector<std::thread> threads;
-    for (size_t t = 0; t < 4; t++) {
+    threads.reserve(kThreads);
+    for (size_t t = 0; t < kThreads; t++) {
         threads.emplace_back([&ids, t] {
-            for (size_t i = 0; i < 50; i++) {
-                ids[t * 50 + i] = registerLocaleList("fr-x-thread" + std::to_string(i));
-                EXPECT_FALSE(minikin::localeListById(ids[t * 50 + i]).empty());
+            for (size_t i = 0; i < kLists; i++) {
+                ids[t * kLists + i] = registerLocaleList("fr-x-thread" + std::to_string(i));
+                EXPECT_FALSE(minikin::localeListById(ids[t * kLists + i]).empty());
             }
         });
     }
     for (std::thread& thread : threads) thread.join();
-    for (size_t i = 50; i < ids.size(); i++) EXPECT_EQ(ids[i], ids[i - 50]);
+    for (size_t i = kLists; i < ids.size(); i++) EXPECT_EQ(ids[i], ids[i - kLists]);
 }
 
 TEST(UnicodeTest, EmojiModifierBasesAgreeWithIcu) {
