@@ -2,7 +2,9 @@
 
 #include <new>
 
+#include "effect/filters/GxInnerGlow.h"
 #include "effect/filters/GxInnerShadow.h"
+#include "effect/filters/GxOuterGlow.h"
 #include "effect/filters/GxOuterShadow.h"
 #include "effect/filters/GxStroke.h"
 #include "effect/filters/GxText.h"
@@ -25,6 +27,8 @@ struct Entry {
 constexpr Entry kEffects[] = {
     {GXE_STYLE_OUTER_SHADOW, make<GxOuterShadow>},
     {GXE_STYLE_INNER_SHADOW, make<GxInnerShadow>},
+    {GXE_STYLE_OUTER_GLOW, make<GxOuterGlow>},
+    {GXE_STYLE_INNER_GLOW, make<GxInnerGlow>},
     {GXE_STYLE_STROKE, make<GxStroke>},
     {GXE_STYLE_TEXT, make<GxText>},
 };

@@ -1,6 +1,7 @@
 // What every filter answers to missing, odd and hostile input.
 #include <gtest/gtest.h>
 
+#include <array>
 #include <functional>
 #include <memory>
 #include <string>
@@ -25,6 +26,13 @@ struct Filter {
     std::function<void(GxECoreBase&, float)> hostile;
 };
 
+const GxGradient kStops[] = {{0xFFFF0000, 1, 0}, {0xFF00FF00, 1, 0.5f}, {0xFF0000FF, 1, 1}};
+
+// Positions as odd as the sizes.
+std::array<GxGradient, 4> stopsAt(float v) {
+    return {{{0xFFFF0000, v, v}, {0x80123456, v, 0.5f}, {0xFF00FF00, v, v}, {0xFF0000FF, v, -v}}};
+}
+
 const Filter kFilters[] = {
     {GXE_STYLE_OUTER_SHADOW,
      [](GxECoreBase& core) {
@@ -42,6 +50,26 @@ const Filter kFilters[] = {
      },
      [](GxECoreBase& core, float v) {
          const GxInnerShadowProperty record(v, v, v, 0xFF00FF00, v);
+         core.setProperty(&record);
+     }},
+    {GXE_STYLE_OUTER_GLOW,
+     [](GxECoreBase& core) {
+         const GxOuterGlowProperty record(2, 0xFF00FF00, 1, 3, kStops);
+         core.setProperty(&record);
+     },
+     [](GxECoreBase& core, float v) {
+         const auto stops = stopsAt(v);
+         const GxOuterGlowProperty record(v, 0xFF00FF00, v, 4, stops.data());
+         core.setProperty(&record);
+     }},
+    {GXE_STYLE_INNER_GLOW,
+     [](GxECoreBase& core) {
+         const GxInnerGlowProperty record(2, 0xFF00FF00, 1, 3, kStops);
+         core.setProperty(&record);
+     },
+     [](GxECoreBase& core, float v) {
+         const auto stops = stopsAt(v);
+         const GxInnerGlowProperty record(v, 0xFF00FF00, v, 4, stops.data());
          core.setProperty(&record);
      }},
     {GXE_STYLE_STROKE,

@@ -1,0 +1,18 @@
+// Growth of a coverage mask by brightened 3 x 3 means.
+#pragma once
+
+#include <cstdint>
+
+namespace GxFontEffect::kernels {
+
+// In place on a packed mask of width x height bytes, `passes` times: every cell that is not on the
+// border becomes min(255, sum of its 3 x 3 neighbourhood / 4), rounded down. Four instead of nine
+// is deliberate: each pass spreads the mask by a pixel and saturates it. Rows 0 and height - 1 stay
+// as they are; in the rows between, columns 0 and width - 1 become 0. `scratch` holds 2 x width
+// bytes. Extents and counts below 1 do nothing. No alignment is needed.
+void growMask(uint8_t* mask, int64_t width, int64_t height, int64_t passes, uint8_t* scratch);
+
+// The formula, cell by cell.
+void growMaskPlain(uint8_t* mask, int64_t width, int64_t height, int64_t passes, uint8_t* scratch);
+
+}  // namespace GxFontEffect::kernels

@@ -1,0 +1,233 @@
+// The two glows: one algorithm, on the mask and on its inverse.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <type_traits>
+#include <vector>
+
+#include "effect/filters/FilterTesting.h"
+#include "effect/filters/GlowModel.h"
+#include "effect/filters/GxInnerGlow.h"
+#include "effect/filters/GxOuterGlow.h"
+
+namespace GxFontEffect {
+namespace {
+
+using gxtest::difference;
+using gxtest::Scene;
+using gxtest::Table;
+
+template <typename Core>
+class Glows : public testing::Test {};
+using Cores = testing::Types<GxOuterGlow, GxInnerGlow>;
+TYPED_TEST_SUITE(Glows, Cores);
+
+// The record of a core.
+template <typename Core>
+using RecordOf =
+    std::conditional_t<std::is_same_v<Core, GxOuterGlow>, GxOuterGlowProperty, GxInnerGlowProperty>;
+
+TEST(GxOuterGlow, Weights) {
+    struct Case {
+        int radius;
+        std::vector<int> weights;
+        int sum;
+    };
+    for (const Case& c : std::vector<Case>{{0, {128}, 128},
+                                           {1, {128, 1}, 130},
+                                           {2, {128, 40, 1}, 210},
+                                           {3, {128, 77, 17, 1}, 318}}) {
+        std::vector<int> weights(c.weights.size());
+        int sum = 0;
+        GxOuterGlow::computeGaussianWeights(weights.data(), &sum, c.radius);
+        EXPECT_EQ(weights, c.weights);
+        EXPECT_EQ(sum, c.sum);
+    }
+}
+
+TYPED_TEST(Glows, Margins) {
+    for (const auto& [size, margin] :
+         {std::pair{0.0f, 0}, {2.7f, 3}, {10.0f, 10}, {2.4f, 2}, {-3.0f, -2}, {1e30f, INT32_MAX}}) {
+        TypeParam core;
+        const RecordOf<TypeParam> record(size, 0, 1, 0, nullptr);
+        core.setProperty(&record);
+        EXPECT_EQ(core.getOffset(), margin);
+        EXPECT_EQ(core.getBottomOffset(), margin);
+    }
+}
+
+TYPED_TEST(Glows, TableFadesFromTheSpread) {
+    TypeParam core;
+    Table table;
+    core.makeColorLUT(nullptr, 0.3f, 0);
+    const RecordOf<TypeParam> record(4, 0xC8123456, 1, 0, nullptr);
+    core.setProperty(&record);
+    for (const auto& [spread, start] : {std::pair{0.3f, 76},
+                                        {1.5f, 253},
+                                        {-1.0f, 2},
+                                        {0.5f, 128},
+                                        {gxtest::kNaN, 2},
+                                        {1.0f, 253},
+                                        {0.0f, 2}}) {
+        core.makeColorLUT(table.data(), spread, 0);
+        for (int i = 0; i < 256; ++i) {
+            const int alpha = i < start ? 200 : 200 * ((256 - i) * 256 / (256 - start)) >> 8;
+            ASSERT_EQ(table[i], static_cast<uint32_t>(alpha) << 24 | 0x123456u)
+                << spread << " " << i;
+        }
+        EXPECT_EQ(table[256], 0u);
+    }
+}
+
+TYPED_TEST(Glows, TableColours) {
+    const GxGradient stops[] = {{0xFF0000FF, 1, 0.9f}, {0xFF00FF00, 1, 0.125f}};
+    TypeParam core;
+    Table table;
+    core.makeColorLUT(table.data(), 0.3f, 0);
+    EXPECT_EQ(table[1], 0u) << "no record";
+    const auto tableOf = [&](float size, int count) {
+        const RecordOf<TypeParam> record(size, 0xFF123456, 1, count, count > 0 ? stops : nullptr);
+        core.setProperty(&record);
+        core.makeColorLUT(table.data(), 0.3f, 0);
+        return table;
+    };
+    EXPECT_EQ(tableOf(1, 0)[70], 0xFF123456u);
+    EXPECT_EQ(tableOf(1, -2)[70], 0xFF123456u);
+    EXPECT_EQ(tableOf(1, 1)[70], 0xFF0000FFu);
+    // The first stop's own position is not used: the ramp runs from 0 to 0.125.
+    EXPECT_EQ(tableOf(1, 2)[16], 0xFF007F7Fu);
+    EXPECT_EQ(tableOf(1, 2)[70], 0xFF00FF00u) << "and holds after its last stop";
+    for (uint32_t color : tableOf(0, 2)) EXPECT_EQ(color, 0u);
+    for (uint32_t color : tableOf(-0.0f, 2)) EXPECT_EQ(color, 0u);
+}
+
+TYPED_TEST(Glows, StopsAreCopied) {
+    TypeParam core;
+    {
+        std::vector<GxGradient> stops = {{0xFF112233, 1, 0}, {0xFF445566, 1, 1}};
+        const RecordOf<TypeParam> record(3, 0, 1, 2, stops.data());
+        core.setProperty(&record);
+    }
+    core.setProperty(core.getProperty());
+    const auto& record = dynamic_cast<const GxOuterGlowProperty&>(*core.getProperty());
+    ASSERT_EQ(record.stopCount, 2);
+    EXPECT_EQ(record.stops[0].color, 0xFF112233u);
+    EXPECT_EQ(record.stops[1].position, 1.0f);
+}
+
+TYPED_TEST(Glows, GrowthRules) {
+    // One pixel: its neighbours get a quarter of it, whatever the direction.
+    std::vector<uint8_t> mask(25);
+    mask[12] = 200;
+    TypeParam::increaseByBoxFilter(mask.data(), 1, 5, 5);
+    for (int i = 0; i < 25; ++i) {
+        const bool near = i % 5 > 0 && i % 5 < 4 && i / 5 > 0 && i / 5 < 4;
+        EXPECT_EQ(mask[i], near ? 50 : 0) << i;
+    }
+    struct Case {
+        int width, height, passes;
+        std::vector<uint8_t> after;  // of a mask of 100s
+    };
+    const std::vector<Case> cases = {
+        {1, 3, 1, {100, 0, 100}},
+        {2, 4, 1, {100, 100, 0, 0, 0, 0, 100, 100}},
+        {3, 3, 1, {100, 100, 100, 0, 225, 0, 100, 100, 100}},
+        {3, 3, 2, {100, 100, 100, 0, 206, 0, 100, 100, 100}},  // (600 + 225) / 4
+        {3, 2, 3, {100, 100, 100, 100, 100, 100}},
+        {3, 3, 0, {100, 100, 100, 100, 100, 100, 100, 100, 100}},
+        {3, 1, -1, {100, 100, 100}},
+    };
+    for (const Case& c : cases) {
+        std::vector<uint8_t> grown(c.after.size(), 100);
+        TypeParam::increaseByBoxFilter(grown.data(), c.passes, c.width, c.height);
+        EXPECT_EQ(grown, c.after) << c.width << " x " << c.height << ", " << c.passes;
+    }
+    TypeParam::increaseByBoxFilter(nullptr, 1, 5, 5);
+    TypeParam::increaseByBoxFilter(mask.data(), 1, 0, 5);
+    TypeParam::increaseByBoxFilter(mask.data(), 1, 5, -5);
+    std::vector<uint8_t> settled(49, 255);
+    TypeParam::increaseByBoxFilter(settled.data(), INT32_MAX, 7, 7);
+    EXPECT_EQ(settled[3 * 7 + 3], 255);
+}
+
+TYPED_TEST(Glows, EqualTheirDefinition) {
+    constexpr bool inner = std::is_same_v<TypeParam, GxInnerGlow>;
+    gxtest::Random random(inner ? 306 : 305);
+    GX_TRACE_SEED(random);
+    for (int run = 0; run < 200; ++run) {
+        Scene scene = gxtest::randomScene(random, 14);
+        std::vector<GxGradient> stops;
+        for (int i = random.between(0, 4); i > 0; --i) {
+            stops.push_back({random.word() | (random.oneIn(2) ? 0xFF000000u : 0), 1,
+                             1.0f - static_cast<float>(i - 1) * 0.3f});
+        }
+        const float size = static_cast<float>(random.between(-15, 60)) * 0.1f;
+        const RecordOf<TypeParam> record(size, random.word(), 0.2f, static_cast<int>(stops.size()),
+                                         stops.data());
+        TypeParam core;
+        core.setProperty(&record);
+        Table table;
+        core.makeColorLUT(table.data(), 0.3f, 0);
+        const GxBitmap expected = gxtest::glowModel(scene, size, table, inner);
+        auto param = scene.param(random.between(0, 1));
+        core.doPostProcessing(&param);
+        ASSERT_EQ(difference(expected, scene.layer), "") << run << " size " << size;
+    }
+}
+
+TEST(GxOuterGlow, SizeZeroLeavesTheLayer) {
+    Scene scene({"##", "##"}, 6);
+    GxOuterGlow core;
+    const GxOuterGlowProperty record(0, 0xFFFFFFFF, 1, 0, nullptr);
+    core.setProperty(&record);
+    auto param = scene.param();
+    core.doPostProcessing(&param);
+    EXPECT_EQ(scene.pixel(7, 7), 0u);
+}
+
+TEST(GxOuterGlow, FullAtTheTextAndFadingOutwards) {
+    Scene scene(std::vector<std::string>(12, "############"), 20);
+    GxOuterGlow core;
+    const GxOuterGlowProperty record(10, 0xFF00C8FF, 1, 0, nullptr);
+    core.setProperty(&record);
+    auto param = scene.param();
+    core.doPostProcessing(&param);
+    EXPECT_EQ(scene.pixel(26, 26), 0xFF00C8FFu);
+    uint32_t last = 256;
+    for (int x = 26; x >= 0; --x) {
+        const uint32_t alpha = scene.pixel(x, 26) >> 24;
+        EXPECT_LE(alpha, last) << x;
+        last = alpha;
+    }
+    EXPECT_GT(scene.pixel(16, 26) >> 24, 100u);
+    EXPECT_EQ(scene.pixel(2, 26), 0u) << "beyond growth and blur, 5 + 9 pixels";
+}
+
+// --- inner
+// --------------------------------------------------------------------------------------------------
+
+TEST(GxInnerGlow, ColouredAtTheEdgeAndClearDeepInside) {
+    Scene scene(std::vector<std::string>(41, std::string(41, '#')), 10);
+    GxInnerGlow core;
+    const GxInnerGlowProperty record(3, 0xFF20C8FF, 1, 0, nullptr);
+    core.setProperty(&record);
+    auto param = scene.param();
+    core.doPostProcessing(&param);
+    EXPECT_EQ(scene.pixel(30, 30), 0u) << "deep inside";
+    EXPECT_EQ(scene.pixel(7, 30), 0xFF20C8FFu) << "on the background";
+    for (int x = 7; x < 30; ++x) {
+        EXPECT_GE(scene.pixel(x, 30) >> 24, scene.pixel(x + 1, 30) >> 24) << x;
+    }
+    EXPECT_GT(scene.pixel(10, 30) >> 24, 128u) << "the edge";
+    // Reach 4, padding 8, blur 3: the work area starts at 10 - 8 with a white frame 3 wide.
+    for (int i : {2, 3, 4}) {
+        EXPECT_EQ(scene.pixel(i, 30), 0xFFFFFFFFu) << i;
+        EXPECT_EQ(scene.pixel(60 - i, 30), 0xFFFFFFFFu) << i;
+        EXPECT_EQ(scene.pixel(30, i), 0xFFFFFFFFu) << i;
+    }
+    EXPECT_NE(scene.pixel(5, 30), 0xFFFFFFFFu);
+    EXPECT_EQ(scene.pixel(1, 30), 0u) << "outside the work area";
+}
+
+}  // namespace
+}  // namespace GxFontEffect
