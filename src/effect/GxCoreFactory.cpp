@@ -4,8 +4,10 @@
 
 #include "effect/filters/GxInnerGlow.h"
 #include "effect/filters/GxInnerShadow.h"
+#include "effect/filters/GxLinearGradient.h"
 #include "effect/filters/GxOuterGlow.h"
 #include "effect/filters/GxOuterShadow.h"
+#include "effect/filters/GxRadialGradient.h"
 #include "effect/filters/GxStroke.h"
 #include "effect/filters/GxText.h"
 
@@ -29,6 +31,8 @@ constexpr Entry kEffects[] = {
     {GXE_STYLE_INNER_SHADOW, make<GxInnerShadow>},
     {GXE_STYLE_OUTER_GLOW, make<GxOuterGlow>},
     {GXE_STYLE_INNER_GLOW, make<GxInnerGlow>},
+    {GXE_STYLE_LINEAR_GRADIENT, make<GxLinearGradient>},
+    {GXE_STYLE_RADIAL_GRADIENT, make<GxRadialGradient>},
     {GXE_STYLE_STROKE, make<GxStroke>},
     {GXE_STYLE_TEXT, make<GxText>},
 };
