@@ -7,6 +7,7 @@
 #include "effect/filters/GxLinearGradient.h"
 #include "effect/filters/GxOuterGlow.h"
 #include "effect/filters/GxOuterShadow.h"
+#include "effect/filters/GxPattern.h"
 #include "effect/filters/GxRadialGradient.h"
 #include "effect/filters/GxStroke.h"
 #include "effect/filters/GxText.h"
@@ -34,6 +35,7 @@ constexpr Entry kEffects[] = {
     {GXE_STYLE_LINEAR_GRADIENT, make<GxLinearGradient>},
     {GXE_STYLE_RADIAL_GRADIENT, make<GxRadialGradient>},
     {GXE_STYLE_STROKE, make<GxStroke>},
+    {GXE_STYLE_PATTERN, make<GxPattern>},
     {GXE_STYLE_TEXT, make<GxText>},
 };
 

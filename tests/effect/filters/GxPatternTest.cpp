@@ -1,0 +1,209 @@
+#include "effect/filters/GxPattern.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <memory>
+#include <vector>
+
+#include "effect/filters/FilterTesting.h"
+
+namespace GxFontEffect {
+namespace {
+
+using gxtest::difference;
+using gxtest::premultiplied;
+using gxtest::Scene;
+
+// A picture of straight colours.
+GxBitmap pictureOf(int width, int height, const std::vector<uint32_t>& colors) {
+    GxBitmap picture(width, height, 4);
+    for (size_t i = 0; i < colors.size(); ++i) {
+        for (int byte = 0; byte < 4; ++byte) {
+            picture.data[i * 4 + byte] = static_cast<uint8_t>(colors[i] >> (24 - 8 * byte));
+        }
+    }
+    return picture;
+}
+
+void paint(Scene& scene, GxBitmap& picture, float scale, float opacity, uint32_t mode = 0) {
+    GxPattern core;
+    const GxPatternProperty record(&picture, scale, opacity);
+    core.setProperty(&record);
+    auto param = scene.param(mode);
+    core.doPostProcessing(&param);
+}
+
+// What the weights leave of a byte.
+uint32_t dimmed(uint32_t color) {
+    uint32_t result = 0;
+    for (int shift = 0; shift < 32; shift += 8) {
+        result |= ((color >> shift & 255) * 65025 >> 16) << shift;
+    }
+    return result;
+}
+
+TEST(GxPattern, CopiesAtScaleOneFromTheBoxCornerOn) {
+    const std::vector<uint32_t> colors = {0xFFFF0000, 0xFF00FF00, 0xFF0000FF,
+                                          0xC0FFFFFF, 0xFF102030, 0x01000000};
+    GxBitmap picture = pictureOf(3, 2, colors);
+    Scene scene({"#####", "#3 ##", "#####"}, 2);
+    paint(scene, picture, 1, 1);
+    for (int y = 0; y < 3; ++y) {
+        for (int x = 0; x < 5; ++x) {
+            const uint32_t expected =
+                x == 2 && y == 1 ? 0 : premultiplied(dimmed(colors[y % 2 * 3 + x % 3]));
+            EXPECT_EQ(scene.pixel(x + 2, y + 2), expected) << x << " " << y;
+        }
+    }
+    EXPECT_EQ(premultiplied(dimmed(0xFFFFFFFF)), 0xFDFBFBFB) << "253, scaled by an alpha of 253";
+    EXPECT_EQ(scene.pixel(1, 2), 0u);
+}
+
+TEST(GxPattern, Scales) {
+    GxBitmap picture = pictureOf(2, 1, {0xFF000000, 0xFFFF0000});
+    // Red of output pixel x, weights in 255ths: at scale 2 half-way pixels lie between.
+    struct Case {
+        float scale;
+        std::vector<uint32_t> red;
+    };
+    const auto red = [](uint32_t weight) { return ((weight * 255 * 255 >> 16) + 1) * 253 >> 8; };
+    const std::vector<Case> cases = {
+        {1, {0, red(255), 0, red(255)}},
+        {0.5f, {0, 0, 0, 0}},  // a tile one pixel wide
+        {2, {0, red(127), red(255), red(128), 0, red(127)}},
+    };
+    for (const Case& c : cases) {
+        Scene scene({std::string(c.red.size(), '#')});
+        paint(scene, picture, c.scale, 1);
+        for (size_t x = 0; x < c.red.size(); ++x) {
+            EXPECT_EQ(scene.pixel(static_cast<int>(x), 0) >> 16 & 255, c.red[x]) << c.scale << x;
+        }
+    }
+}
+
+TEST(GxPattern, OpacityWeighsTheAlpha) {
+    GxBitmap picture = pictureOf(1, 1, {0xFFFFFFFF});
+    for (const auto& [opacity, alpha] : {std::pair{0.0f, 0u},
+                                         {0.5f, 126u},
+                                         {1.0f, 253u},
+                                         {9.0f, 255u},
+                                         {-1.0f, 0u},
+                                         {gxtest::kNaN, 0u}}) {
+        Scene scene({"#"});
+        paint(scene, picture, 1, opacity);
+        EXPECT_EQ(scene.pixel(0, 0) >> 24, alpha) << opacity;
+    }
+}
+
+TEST(GxPattern, OddPicturesDrawNothing) {
+    GxBitmap empty, none(0, 4, 4), mask(2, 2, 1), fine(2, 2, 4);
+    std::memset(fine.data, 255, 16);
+    for (GxBitmap* picture : {&empty, &none, &mask}) {
+        Scene scene({"##"});
+        paint(scene, *picture, 1, 1);
+        EXPECT_EQ(scene.pixel(0, 0), 0u);
+    }
+    Scene small({"##"});
+    paint(small, fine, 0.05f, 1);
+    EXPECT_EQ(small.pixel(0, 0), 0u);
+    GxPattern core;
+    const GxPatternProperty record(nullptr, 1, 1);
+    core.setProperty(&record);
+    auto param = small.param();
+    core.doPostProcessing(&param);
+}
+
+TEST(GxPattern, TilesThatScaleToNothingHoldTheLastPixel) {
+    GxBitmap picture = pictureOf(1, 1, {0xFF336699});
+    Scene scene({"#####", "#####"});
+    paint(scene, picture, 0.5f, 1);
+    for (int x = 0; x < 5; ++x) {
+        EXPECT_EQ(scene.pixel(x, 1), premultiplied(dimmed(0xFF336699))) << x;
+    }
+}
+
+TEST(GxPattern, KeepsItsOwnPicture) {
+    GxPattern core;
+    Scene scene({"#"});
+    auto picture = std::make_unique<GxBitmap>(pictureOf(1, 1, {0xFF00FF00}));
+    {
+        const GxPatternProperty record(picture.get(), 1, 1);
+        core.setProperty(&record);
+    }
+    EXPECT_NE(dynamic_cast<GxPatternProperty&>(*core.getProperty()).pattern, picture.get());
+    picture.reset();
+    core.setProperty(core.getProperty());
+    auto& record = dynamic_cast<GxPatternProperty&>(*core.getProperty());
+    auto param = scene.param();
+    core.doPostProcessing(&param);
+    EXPECT_EQ(scene.pixel(0, 0), 0xFD00FB00u);
+    // The key names the core's copy.
+    char key[18];
+    char* cursor = key;
+    record.toSequentialChar(&cursor);
+    const auto address = static_cast<uint32_t>(reinterpret_cast<uintptr_t>(record.pattern));
+    for (int i = 0; i < 8; ++i) {
+        EXPECT_EQ(static_cast<uint8_t>(key[1 + i]), 0x80u | (address >> (28 - 4 * i) & 15));
+    }
+}
+
+GxBitmap model(const Scene& scene, const GxBitmap& picture, float scale, float opacity) {
+    GxBitmap layer(scene.layer);
+    const int pw = static_cast<int>(picture.width), ph = static_cast<int>(picture.height);
+    const int tw = static_cast<int>(scale * static_cast<float>(pw));
+    const int th = static_cast<int>(scale * static_cast<float>(ph));
+    const int w = scene.box.right - scene.box.left, h = scene.box.bottom - scene.box.top;
+    for (int y = 0; y < h; ++y) {
+        const float fy = static_cast<float>(th ? y % th : y) / scale;
+        const int iy = static_cast<int>(std::floor(fy));
+        const int wy = static_cast<int>((fy - static_cast<float>(iy)) * 255.0f);
+        for (int x = 0; x < w; ++x) {
+            if (scene.coverage(x, y) == 0) continue;
+            const float fx = static_cast<float>(tw ? x % tw : x) / scale;
+            const int ix = static_cast<int>(std::floor(fx));
+            const int wx = static_cast<int>((fx - static_cast<float>(ix)) * 255.0f);
+            int f[4];
+            for (int byte = 0; byte < 4; ++byte) {
+                int sum = 0;
+                for (int corner = 0; corner < 4; ++corner) {
+                    int px = ix + corner % 2, py = iy + corner / 2;
+                    if (corner % 2 == 1 && px >= pw) px = 0;
+                    if (corner / 2 == 1 && py >= ph) py = 0;
+                    px = std::min(px, pw - 1), py = std::min(py, ph - 1);
+                    sum += (corner % 2 ? wx : 255 - wx) * (corner / 2 ? wy : 255 - wy) *
+                           picture.data[(py * pw + px) * 4 + byte];
+                }
+                f[byte] = sum >> 16;
+            }
+            const auto a = static_cast<uint32_t>(opacity * static_cast<float>(f[0]));
+            const uint32_t color =
+                premultiplied(a << 24 | static_cast<uint32_t>(f[1]) << 16 |
+                              static_cast<uint32_t>(f[2]) << 8 | static_cast<uint32_t>(f[3]));
+            GxBlender().drawBitmapBlend32(scene.box.left + x, scene.box.top + y, &layer, &color, 1,
+                                          1, 1, 2);
+        }
+    }
+    return layer;
+}
+
+TEST(GxPattern, EqualsItsDefinition) {
+    gxtest::Random random(308);
+    GX_TRACE_SEED(random);
+    for (int run = 0; run < 250; ++run) {
+        Scene scene = gxtest::randomScene(random, 30);
+        std::vector<uint32_t> colors(64);
+        for (uint32_t& color : colors) color = random.word() | (random.oneIn(2) ? 0xFF000000u : 0);
+        const int width = random.between(1, 8), height = random.between(1, 8);
+        GxBitmap picture =
+            pictureOf(width, height, {colors.begin(), colors.begin() + width * height});
+        const float scale = static_cast<float>(random.between(11, 400)) * 0.01f;
+        const float opacity = static_cast<float>(random.between(0, 100)) * 0.01f;
+        const GxBitmap expected = model(scene, picture, scale, opacity);
+        paint(scene, picture, scale, opacity, random.between(0, 1));
+        ASSERT_EQ(difference(expected, scene.layer), "") << run << " scale " << scale;
+    }
+}
+
+}  // namespace
+}  // namespace GxFontEffect
