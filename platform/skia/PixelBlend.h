@@ -1,6 +1,7 @@
 // Blending of single pixels in float, for every format the canvas draws into.
 #pragma once
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 
@@ -35,16 +36,64 @@ constexpr size_t bytesPerPixel(PixelFormat format) {
 
 ColorF premultiply(SkColor color);
 
+// 0 to 1 as a byte, held within that, rounded to the nearest integer, ties to even; NaN gives 0.
+inline uint8_t toByte(float v) {
+    if (!(v > 0)) return 0;
+    if (v >= 1) return 255;
+    // From 2^23 on floats are whole numbers: adding it rounds into the lowest bits.
+    return static_cast<uint8_t>(std::bit_cast<uint32_t>(v * 255 + 8388608.0f) & 0xFF);
+}
+
 // Bytes to colour. Channels are divided by 255; alpha-only pixels are black.
-ColorF loadPixel(PixelFormat format, const uint8_t* pixel);
+inline ColorF loadPixel(PixelFormat format, const uint8_t* pixel) {
+    if (format == PixelFormat::kAlpha8) return {0, 0, 0, pixel[0] / 255.0f};
+    ColorF c = {pixel[0] / 255.0f, pixel[1] / 255.0f, pixel[2] / 255.0f, pixel[3] / 255.0f};
+    if (format == PixelFormat::kOpaque) c.a = 1;
+    if (format == PixelFormat::kUnpremul) c = {c.r * c.a, c.g * c.a, c.b * c.a, c.a};
+    return c;
+}
 
-// Colour to bytes: each channel held within 0 to 1, times 255, rounded once to the nearest integer,
-// ties to even. Unpremultiplied channels are divided by alpha first, 0 where alpha is 0.
-void storePixel(PixelFormat format, const ColorF& color, uint8_t* pixel);
+// Colour to bytes. Unpremultiplied channels are divided by alpha first, 0 where alpha is 0.
+inline void storePixel(PixelFormat format, const ColorF& color, uint8_t* pixel) {
+    if (format == PixelFormat::kAlpha8) {
+        pixel[0] = toByte(color.a);
+        return;
+    }
+    ColorF c = color;
+    if (format == PixelFormat::kUnpremul) {
+        c = c.a != 0 ? ColorF{c.r / c.a, c.g / c.a, c.b / c.a, c.a} : ColorF{};
+    }
+    pixel[0] = toByte(c.r);
+    pixel[1] = toByte(c.g);
+    pixel[2] = toByte(c.b);
+    pixel[3] = format == PixelFormat::kOpaque ? 255 : toByte(c.a);
+}
 
-ColorF blend(SkBlendMode mode, const ColorF& s, const ColorF& d);
+// s + d * f
+inline ColorF addScaled(const ColorF& s, const ColorF& d, float f) {
+    return {s.r + d.r * f, s.g + d.g * f, s.b + d.b * f, s.a + d.a * f};
+}
+
+inline ColorF blend(SkBlendMode mode, const ColorF& s, const ColorF& d) {
+    switch (mode) {
+        case SkBlendMode::kClear:
+            return {};
+        case SkBlendMode::kSrc:
+            return s;
+        case SkBlendMode::kDst:
+            return d;
+        case SkBlendMode::kSrcOver:
+            return addScaled(s, d, 1 - s.a);
+        case SkBlendMode::kDstOver:
+            return addScaled(d, s, 1 - d.a);
+    }
+    return d;
+}
 
 // The colour source over the pixel.
-void blendPixel(PixelFormat format, const ColorF& color, uint8_t* pixel);
+inline void blendPixel(PixelFormat format, const ColorF& color, uint8_t* pixel) {
+    const ColorF d = loadPixel(format, pixel);
+    storePixel(format, blend(SkBlendMode::kSrcOver, color, d), pixel);
+}
 
 }  // namespace portable

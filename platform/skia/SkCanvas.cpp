@@ -23,25 +23,30 @@ uint8_t* pixelAt(const SkBitmap& bitmap, PixelFormat format, int x, int y) {
            static_cast<size_t>(x) * portable::bytesPerPixel(format);
 }
 
-bool replaces(SkBlendMode mode, const ColorF& color) {
-    return mode == SkBlendMode::kClear || mode == SkBlendMode::kSrc ||
-           (mode == SkBlendMode::kSrcOver && color.a == 1);
+// Writes one pixel's bytes to all of area.
+void replace(const SkBitmap& bitmap, const SkIRect& area, PixelFormat format, const ColorF& color) {
+    const size_t step = portable::bytesPerPixel(format);
+    const size_t rowBytes = static_cast<size_t>(area.fRight - area.fLeft) * step;
+    uint8_t* const first = pixelAt(bitmap, format, area.fLeft, area.fTop);
+    for (size_t i = 0; i < rowBytes; i += step) portable::storePixel(format, color, first + i);
+    for (int y = area.fTop + 1; y < area.fBottom; ++y) {
+        std::memcpy(pixelAt(bitmap, format, area.fLeft, y), first, rowBytes);
+    }
 }
 
 // Blends one colour into all pixels of area, which lies inside the bitmap.
 void fill(const SkBitmap& bitmap, const SkIRect& area, const ColorF& color, SkBlendMode mode) {
+    if (area.isEmpty()) return;
     const PixelFormat format = portable::pixelFormat(bitmap);
+    const bool opaque = mode == SkBlendMode::kSrcOver && color.a == 1;
+    if (opaque || mode == SkBlendMode::kSrc || mode == SkBlendMode::kClear) {
+        replace(bitmap, area, format, portable::blend(mode, color, ColorF()));
+        return;
+    }
     const size_t step = portable::bytesPerPixel(format);
-    const bool constant = replaces(mode, color);
-    uint8_t bytes[4];
-    portable::storePixel(format, portable::blend(mode, color, ColorF()), bytes);
     for (int y = area.fTop; y < area.fBottom; ++y) {
         uint8_t* pixel = pixelAt(bitmap, format, area.fLeft, y);
         for (int x = area.fLeft; x < area.fRight; ++x, pixel += step) {
-            if (constant) {
-                std::memcpy(pixel, bytes, step);
-                continue;
-            }
             const ColorF d = portable::loadPixel(format, pixel);
             portable::storePixel(format, portable::blend(mode, color, d), pixel);
         }
@@ -60,6 +65,11 @@ public:
     PixelFormat format() const { return fFormat; }
     const uint8_t* row(int y) const { return pixelAt(fBitmap, fFormat, 0, y); }
 
+    // Unpremultiplied onto the same, without a paint's alpha: then most pixels need no arithmetic.
+    bool sharesFormat(PixelFormat target) const {
+        return fFormat == PixelFormat::kUnpremul && target == fFormat && fColor.a == 1;
+    }
+
     ColorF colorAt(const uint8_t* row, int x) const {
         const size_t step = portable::bytesPerPixel(fFormat);
         ColorF c = portable::loadPixel(fFormat, row + static_cast<size_t>(x) * step);
@@ -76,10 +86,23 @@ private:
     ColorF fColor;
 };
 
-// The pixel of the source nearest to the centre of destination pixel i.
-int nearestPixel(int i, SkScalar offset, int size) {
-    const int at = portable::floorToInt(i + 0.5 - offset);
-    return at < 0 ? 0 : std::min(at, size - 1);
+// Source over for unpremultiplied bytes where the source hides the pixel or shows nothing of
+// itself. False when it does neither.
+bool blendTrivially(const uint8_t* source, uint8_t* pixel) {
+    const bool copies = source[3] == 255;
+    if (!copies && source[3] != 0) return false;
+    if (copies) {
+        std::memcpy(pixel, source, 4);
+    } else if (pixel[3] == 0) {
+        std::memset(pixel, 0, 4);
+    }
+    return true;
+}
+
+// Which pixel of a source that starts at offset is nearest to the centre of destination pixel i.
+// The next destination pixel is nearest to the next one.
+int nearestPixel(int i, SkScalar offset) {
+    return portable::floorToInt(i + 0.5 - offset);
 }
 
 // Whether a rectangle comes within a pixel of the clip; false when it has a NaN.
@@ -123,12 +146,16 @@ void SkCanvas::drawBitmap(const SkBitmap& bitmap, SkScalar x, SkScalar y, const 
 
     const PixelFormat format = portable::pixelFormat(fBitmap);
     const size_t step = portable::bytesPerPixel(format);
+    const int firstColumn = nearestPixel(area.fLeft, x);
+    const bool sameFormat = source.sharesFormat(format);
     for (int j = area.fTop; j < area.fBottom; ++j) {
-        const uint8_t* row = source.row(nearestPixel(j, y, bitmap.height()));
+        // Rounding may have put an edge half a pixel outside.
+        const uint8_t* row = source.row(std::clamp(nearestPixel(j, y), 0, bitmap.height() - 1));
         uint8_t* pixel = pixelAt(fBitmap, format, area.fLeft, j);
         for (int i = area.fLeft; i < area.fRight; ++i, pixel += step) {
-            const ColorF s = source.colorAt(row, nearestPixel(i, x, bitmap.width()));
-            portable::blendPixel(format, s, pixel);
+            const int at = std::clamp(firstColumn + i - area.fLeft, 0, bitmap.width() - 1);
+            if (sameFormat && blendTrivially(row + 4 * static_cast<size_t>(at), pixel)) continue;
+            portable::blendPixel(format, source.colorAt(row, at), pixel);
         }
     }
 }

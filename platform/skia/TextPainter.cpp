@@ -145,6 +145,7 @@ void TextPainter::blit(const Mask& mask, const CoverageTable* gamma) {
 void TextPainter::blitAlpha(uint8_t* row, const uint8_t* mask, int count,
                             const CoverageTable* gamma) const {
     for (int i = 0; i < count; ++i) {
+        if (mask[i] == 0) continue;
         const unsigned c = gamma ? (*gamma)[mask[i]] : mask[i];
         const unsigned d = row[i];
         if (fAlpha == 255) {

@@ -288,6 +288,14 @@ TEST_F(SkTextTest, GlyphsTooLargeToKeepAreTheSameInParts) {
     ASSERT_GT(static_cast<size_t>(expected.width) * expected.height,
               portable::GlyphCache::kMaxMaskPixels);
     expectGlyph(drawn(font, g, -700, 500, 200, 200), expected, -700, 500, blackTextGamma);
+
+    SkFont aliased = font;
+    aliased.setEdging(SkFont::Edging::kAlias);
+    GlyphRequest request = plainRequest(20);
+    request.flags |= FT_LOAD_TARGET_MONO;
+    request.mono = true;
+    expectGlyph(drawn(aliased, g, -700, 500, 200, 200), giant.take(g, request), -700, 500,
+                unchanged);
 }
 
 TEST_F(SkTextTest, EmojiGiveTheirAlpha) {
