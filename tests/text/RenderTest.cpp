@@ -161,6 +161,7 @@ TEST_F(Render, BackgroundBoxesSpanTheAdvance) {
 
 // Text over a translucent box: float source-over, one rounding.
 TEST_F(Render, TextBlendsOverTheBackground) {
+    ASSERT_TRUE(text.SetFont(gxtest::fontPath(gxtest::kDejaVuSans).c_str()));
     setLines({L"\x2588"});
     text.SetTextColor(0x80FF0000);
     text.SetBackgroundColor(0x80FFFFFF, true);
