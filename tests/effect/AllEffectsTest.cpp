@@ -1,0 +1,173 @@
+// The effects through the whole stack: what stays in the glyphs, what a copy paints, what a failed
+// allocation leaves.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "effect/GxEffect.h"
+#include "effect/filters/FilterTesting.h"
+#include "support/AllocationFailure.h"
+
+namespace GxFontEffect {
+namespace {
+
+using gxtest::difference;
+
+constexpr int kSize = 64;
+constexpr int kMargin = 24;
+
+// A ring with soft edges: stems, a counter and curves.
+std::vector<uint8_t> ringMask() {
+    std::vector<uint8_t> mask;
+    for (int i = 0; i < kSize * kSize; ++i) {
+        const double x = i % kSize - 31.5, y = i / kSize - 31.5;
+        const double inRing = 9.0 - std::abs(std::sqrt(x * x + y * y) - 20.0);
+        mask.push_back(static_cast<uint8_t>(std::clamp(inRing * 255.0, 0.0, 255.0)));
+    }
+    return mask;
+}
+
+GxBitmap render(GxEffect& stack) {
+    static std::vector<uint8_t> pixels = ringMask();
+    GxGlyph glyph;
+    glyph.pixels = pixels.data();
+    glyph.width = glyph.height = kSize;
+    const uint32_t extent = kSize + 2 * kMargin;
+    GxBitmap output(extent, extent, 4);
+    stack.initEffect(extent, extent);
+    stack.setDstBitmap(&output);
+    stack.renderEffectLayer(kMargin, kMargin, &glyph);
+    stack.doEffectPostProcessing();
+    stack.compositeLayers(&output);
+    return output;
+}
+
+int coverageAt(size_t pixel) {
+    static const std::vector<uint8_t> mask = ringMask();
+    const size_t extent = kSize + 2 * kMargin;
+    const size_t x = pixel % extent - kMargin, y = pixel / extent - kMargin;
+    return x < kSize && y < kSize ? mask[y * kSize + x] : 0;
+}
+
+struct Inside {
+    std::string name;
+    std::function<void(GxEffect&)> add;
+};
+const Inside kInside[] = {
+    {"stroke", [](GxEffect& stack) { stack.addStrokeText(4, 0xFFCC0000, 1, 0, 2); }},
+    {"glow", [](GxEffect& stack) { stack.addInnerGlowText(5, 0xFFFFF000, 1, 0, nullptr); }},
+    {"shadow", [](GxEffect& stack) { stack.addInnerShadowText(120, 14, 3, 0xFF000000, 1); }},
+};
+
+TEST(InsideEffects, BleedByDefaultAndStayInsideWhenConfined) {
+    for (const Inside& effect : kInside) {
+        SCOPED_TRACE(effect.name);
+        GxEffect stack;
+        effect.add(stack);
+        stack.addText(0xFF2040A0);
+        const GxBitmap literal = render(stack);
+        stack.setConfineInside(true);
+        const GxBitmap confined = render(stack);
+        stack.setConfineInside(false);
+        stack.setTextOpacity(0.5f);  // two layers, whatever the fill's own opacity
+        const GxBitmap twoLayers = render(stack);
+
+        size_t bled = 0, coloured = 0;
+        for (size_t i = 0; i < literal.pixelCount(); ++i) {
+            const uint8_t* free = literal.data + i * 4;
+            const uint8_t* kept = confined.data + i * 4;
+            const int m = coverageAt(i);
+            if (m == 0) {
+                bled += free[3] != 0;
+                ASSERT_EQ(kept[3], 0) << "outside the glyph at " << i;
+                ASSERT_EQ(twoLayers.data[i * 4 + 3], 0) << i;
+                continue;
+            }
+            ASSERT_EQ(std::memcmp(free, kept, 4), 0) << "within the glyph at " << i;
+            coloured += m == 255 && kept[0] != 0x20;
+            for (int c = 0; m == 255 && c < 4; ++c) {
+                ASSERT_EQ(kept[c], twoLayers.data[i * 4 + c]) << i << " channel " << c;
+            }
+            // Soft edges go through up to three rounded products.
+            ASSERT_NEAR(kept[3], twoLayers.data[i * 4 + 3], 3) << "edge at " << i;
+        }
+        EXPECT_GT(bled, 0u) << "the plain arithmetic colours the background";
+        EXPECT_GT(coloured, 100u);
+    }
+}
+
+void addAll(GxEffect& stack, GxBitmap& pattern) {
+    const GxGradient stops[] = {{0xFFFF0000, 1, 0}, {0xFF00FF00, 0.5f, 0.5f}, {0xFF0000FF, 1, 1}};
+    stack.addOuterShadowText(120, 6, 4, 0xFF000000, 0.6f);
+    stack.addInnerShadowText(300, 3, 2, 0xFFFFFFFF, 0.5f);
+    stack.addOuterGlowText(8, 0, 1, 3, stops);
+    stack.addInnerGlowText(2, 0xFFFFFF00, 0.4f, 0, nullptr);
+    stack.addLinearGradientText(45, 1, 0.5f, 3, stops);
+    stack.addRadialGradientText(1.5f, 0.5f, 3, stops);
+    stack.addStrokeText(3, 0xFF101010, 0.9f, 0, GxStrokeProperty::kCenter);
+    stack.addPatternText(&pattern, 2, 0.7f);
+    stack.addText(0xE0F0F0F0);
+}
+
+GxBitmap smallPattern() {
+    GxBitmap pattern(3, 3, 4);
+    for (int i = 0; i < 36; ++i) pattern.data[i] = static_cast<uint8_t>(i % 4 == 0 ? 255 : i * 7);
+    return pattern;
+}
+
+TEST(AllEffects, ACopyPaintsTheSame) {
+    GxBitmap pattern = smallPattern();
+    for (float opacity : {1.0f, 0.5f}) {
+        auto stack = std::make_unique<GxEffect>();
+        addAll(*stack, pattern);
+        stack->setTextOpacity(opacity);
+        GxEffect copy(*stack);
+        EXPECT_EQ(copy.getLeftOffset(), stack->getLeftOffset());
+        EXPECT_EQ(copy.getLeftOffset(), 8);
+        const GxBitmap expected = render(*stack);
+        EXPECT_EQ(difference(expected, render(*stack)), "") << "again";
+        stack.reset();
+        EXPECT_EQ(difference(expected, render(copy)), "");
+    }
+}
+
+TEST(AllEffects, KeysTellConfigurationsApart) {
+    GxBitmap pattern = smallPattern();
+    GxEffect stack;
+    addAll(stack, pattern);
+    const auto keyOf = [&] {
+        return std::string(std::unique_ptr<char[]>(stack.getMapKey()).get());
+    };
+    const std::string key = keyOf();
+    // Letters in order of addition; stops follow their records, 9 bytes each.
+    EXPECT_EQ(key.size(), 13 + 13 + (10 + 27) + 10 + (5 + 27) + (5 + 27) + 12 + 17 + 9u);
+    EXPECT_EQ(key[0], 'S');
+    EXPECT_EQ(key[13], 'I');
+    EXPECT_EQ(key[26], 'G');
+    EXPECT_EQ(key[key.size() - 9], 'T');
+    EXPECT_EQ(keyOf(), key);
+    stack.addRadialGradientText(1.5f, 0.5f, 0, nullptr);
+    EXPECT_EQ(keyOf().size(), key.size() - 27);
+}
+
+TEST(AllEffects, SurviveEveryFailedAllocation) {
+    GxBitmap pattern = smallPattern();
+    const auto wholeRender = [&] {
+        GxEffect stack;
+        addAll(stack, pattern);
+        const GxEffect copy(stack);
+        render(stack);
+        const std::unique_ptr<char[]> key(stack.getMapKey());
+    };
+    wholeRender();
+    EXPECT_GT(gxtest::failEachAllocation(wholeRender), 60);
+}
+
+}  // namespace
+}  // namespace GxFontEffect
