@@ -94,8 +94,12 @@ TEST(InsideEffects, BleedByDefaultAndStayInsideWhenConfined) {
             for (int c = 0; m == 255 && c < 4; ++c) {
                 ASSERT_EQ(kept[c], twoLayers.data[i * 4 + c]) << i << " channel " << c;
             }
-            // Soft edges go through up to three rounded products.
-            ASSERT_NEAR(kept[3], twoLayers.data[i * 4 + 3], 3) << "edge at " << i;
+            // In one layer the fill weakens what lies over a soft edge as well as itself: its alpha
+            // is between m^2 and m, but for the rounding of three products.
+            const int alpha = kept[3], mixed = twoLayers.data[i * 4 + 3];
+            ASSERT_NEAR(mixed, m, 2) << "edge at " << i;
+            ASSERT_LE(alpha, m + 3) << "edge at " << i;
+            ASSERT_GE(alpha, m * m / 255 - 3) << "edge at " << i;
         }
         EXPECT_GT(bled, 0u) << "the plain arithmetic colours the background";
         EXPECT_GT(coloured, 100u);
