@@ -1,9 +1,12 @@
 #include "effect/filters/Glow.h"
 
 #include <algorithm>
+#include <array>
 
+#include "effect/filters/Shadow.h"
+#include "effect/filters/TextMask.h"
+#include "effect/filters/WorkPlane.h"
 #include "raster/GxBlender.h"
-#include "raster/GxMath.h"
 #include "raster/kernels/ColorMap.h"
 #include "raster/kernels/Growth.h"
 
@@ -17,23 +20,74 @@ constexpr double kGrowthShare = 0.4750000089406967;
 constexpr float kBlurShare = 0.9f;
 constexpr uint32_t kWhite = 0xFFFFFFFFu;
 constexpr int kLast = kernels::kColorTableSize - 1;
+// The coverage from which the alpha falls, as a share of the table.
+constexpr float kSpread = 0.3f;
+
+// Work figures of a glow of `size` pixels over a text.
+struct Geometry {
+    Geometry(const TextMask& text, float size)
+        : reach(int64_t{toInt(size)} + 1),
+          padding(2 * reach),
+          width(text.width + 2 * padding),
+          height(text.height + 2 * padding),
+          passes(std::max(toInt(static_cast<double>(reach) * kGrowthShare), 1)),
+          radius(std::max(toInt(static_cast<float>(reach) * kBlurShare), 0)) {}
+
+    int64_t reach;    // size truncated, plus 1; 0 or less: nothing to draw
+    int64_t padding;  // pixels around the text on each side
+    int64_t width;    // of the work planes
+    int64_t height;
+    int64_t passes;  // of growth
+    int64_t radius;  // of the blur
+};
+
+// All memory of one glow.
+struct Planes {
+    explicit Planes(const Geometry& geometry)
+        : mask(geometry.width, geometry.height),
+          blurred(geometry.width, geometry.height),
+          rows(geometry.width, 2),
+          pixels(geometry.width),
+          taps(geometry.radius) {}
+    explicit operator bool() const {
+        return mask && blurred && rows && pixels && static_cast<bool>(taps);
+    }
+
+    WorkPlane<uint8_t> mask;
+    WorkPlane<uint8_t> blurred;
+    WorkPlane<uint8_t> rows;     // two, for the growth and the blur
+    WorkPlane<uint32_t> pixels;  // one row of the result
+    BlurTaps taps;
+};
+
+void invert(const WorkPlane<uint8_t>& plane) {
+    uint8_t* cells = plane.data();
+    for (int64_t i = 0, count = plane.count(); i < count; ++i) {
+        cells[i] = static_cast<uint8_t>(255 - cells[i]);
+    }
+}
+
+// Lays the blurred coverage, in the colours of `table`, beneath what the layer holds. The inner
+// glow's cells that the blur did not reach are opaque white.
+void paint(const TextMask& text, const Geometry& geometry, const Planes& planes,
+           const uint32_t* table, GlowSide side, const GxBitmap* layer) {
+    uint32_t* pixels = planes.pixels.data();
+    const int64_t width = geometry.width;
+    const int64_t frame = side == GlowSide::kInner ? geometry.radius : 0;
+    for (int64_t y = 0; y < geometry.height; ++y) {
+        if (y < frame || y >= geometry.height - frame) {
+            std::fill_n(pixels, width, kWhite);
+        } else {
+            kernels::mapCoverage(planes.blurred.row(y), pixels, width, table);
+            std::fill_n(pixels, frame, kWhite);
+            std::fill_n(pixels + width - frame, frame, kWhite);
+        }
+        drawPixels(text.left - geometry.padding, text.top - geometry.padding + y, layer, pixels,
+                   width, 1, width, GXE_BLEND_DST_OVER);
+    }
+}
 
 }  // namespace
-
-GlowGeometry::GlowGeometry(const TextMask& text, float size)
-    : reach(int64_t{toInt(size)} + 1),
-      padding(2 * reach),
-      width(text.width + 2 * padding),
-      height(text.height + 2 * padding),
-      passes(std::max(toInt(static_cast<double>(reach) * kGrowthShare), 1)),
-      radius(std::max(toInt(static_cast<float>(reach) * kBlurShare), 0)) {}
-
-GlowPlanes::GlowPlanes(const GlowGeometry& geometry)
-    : mask(geometry.width, geometry.height),
-      blurred(geometry.width, geometry.height),
-      rows(geometry.width, 2),
-      pixels(geometry.width),
-      taps(geometry.radius) {}
 
 void computeGlowWeights(int* weights, int* sum, int radius) {
     fillGaussianWeights(weights, sum, radius, kCentreWeight, WeightRounding::kDouble);
@@ -63,22 +117,37 @@ void growWithOwnMemory(unsigned char* mask, int passes, int width, int height) {
     if (rows) kernels::growMask(mask, width, height, passes, rows.data());
 }
 
-void paintGlow(const TextMask& text, const GlowGeometry& geometry, const GlowPlanes& planes,
-               const uint32_t* table, bool whiteFrame, const GxBitmap* layer) {
-    uint32_t* pixels = planes.pixels.data();
-    const int64_t width = geometry.width;
-    const int64_t frame = whiteFrame ? geometry.radius : 0;
-    for (int64_t y = 0; y < geometry.height; ++y) {
-        if (y < frame || y >= geometry.height - frame) {
-            std::fill_n(pixels, width, kWhite);
-        } else {
-            kernels::mapCoverage(planes.blurred.row(y), pixels, width, table);
-            std::fill_n(pixels, frame, kWhite);
-            std::fill_n(pixels + width - frame, frame, kWhite);
-        }
-        drawPixels(text.left - geometry.padding, text.top - geometry.padding + y, layer, pixels,
-                   width, 1, width, GXE_BLEND_DST_OVER);
-    }
+// A glow in steps:
+//   1. copy the mask, or its inverse, into a plane with room for growth and blur;
+//   2. grow it: the text spreads outwards, or the background pushes into the glyphs;
+//   3. blur it; the inner glow takes the inverse in each direction, so that what falls off the
+//      plane is background;
+//   4. map the coverage to colours and lay them beneath the layer.
+void renderGlow(const GxECore::ParamPostProcessing* param, const GxOuterGlowProperty* record,
+                GlowSide side) {
+    const TextMask text(param);
+    if (!record || !text.isValid()) return;
+    const Geometry geometry(text, record->size);
+    if (geometry.reach < 1) return;
+    const Planes planes(geometry);
+    if (!planes) return;
+    std::array<uint32_t, kernels::kColorTableSize> table;
+    makeGlowTable(record, table.data(), kSpread, GXE_CURVE_LINEAR);
+
+    // 1. The mask.
+    text.copyTo(planes.mask.row(geometry.padding) + geometry.padding, geometry.width);
+    if (side == GlowSide::kInner) invert(planes.mask);
+    // 2. Growth.
+    kernels::growMask(planes.mask.data(), geometry.width, geometry.height, geometry.passes,
+                      planes.rows.data());
+    // 3. Blur.
+    kernels::blurPlane(
+        planes.mask.data(), planes.blurred.data(), geometry.width, geometry.height,
+        planes.taps.compute(computeGlowWeights),
+        side == GlowSide::kInner ? kernels::BlurInput::kInverse : kernels::BlurInput::kDirect,
+        planes.rows.data());
+    // 4. Colour.
+    paint(text, geometry, planes, table.data(), side, param->dst);
 }
 
 }  // namespace GxFontEffect

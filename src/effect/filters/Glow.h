@@ -3,42 +3,12 @@
 
 #include <cstdint>
 
+#include "effect/GxECore.h"
 #include "effect/GxProperty.h"
 #include "effect/filters/ColorRamp.h"
-#include "effect/filters/Shadow.h"
-#include "effect/filters/TextMask.h"
-#include "effect/filters/WorkPlane.h"
+#include "raster/GxMath.h"
 
 namespace GxFontEffect {
-
-// The coverage from which the glow's alpha falls, as a share of the table.
-inline constexpr float kGlowSpread = 0.3f;
-
-// Work figures of a glow of `size` pixels over a text.
-struct GlowGeometry {
-    GlowGeometry(const TextMask& text, float size);
-
-    int64_t reach;    // size truncated, plus 1; 0 or less: nothing to draw
-    int64_t padding;  // pixels around the text on each side: 2 reach
-    int64_t width;    // of the work planes
-    int64_t height;
-    int64_t passes;  // of growth: 0.475 reach, at least 1
-    int64_t radius;  // of the blur: 0.9 reach
-};
-
-// All memory of one glow; test it before use.
-struct GlowPlanes {
-    explicit GlowPlanes(const GlowGeometry& geometry);
-    explicit operator bool() const {
-        return mask && blurred && rows && pixels && static_cast<bool>(taps);
-    }
-
-    WorkPlane<uint8_t> mask;
-    WorkPlane<uint8_t> blurred;
-    WorkPlane<uint8_t> rows;     // two, for the growth and the blur
-    WorkPlane<uint32_t> pixels;  // one row of the result
-    BlurTaps taps;
-};
 
 // Weights with centre 128, the half of the rounding added in double precision.
 void computeGlowWeights(int* weights, int* sum, int radius);
@@ -54,9 +24,36 @@ void makeGlowTable(const GxOuterGlowProperty* record, uint32_t* table, float spr
 // extents below 1 do nothing.
 void growWithOwnMemory(unsigned char* mask, int passes, int width, int height);
 
-// Lays the blurred coverage, in the colours of `table`, beneath what the layer holds. With
-// `whiteFrame` the cells that the blur did not reach, `radius` on each side, are opaque white.
-void paintGlow(const TextMask& text, const GlowGeometry& geometry, const GlowPlanes& planes,
-               const uint32_t* table, bool whiteFrame, const GxBitmap* layer);
+// Around the text, or from its edges inwards: the same on the inverse of the mask.
+enum class GlowSide { kOuter, kInner };
+
+// The whole of a glow's doPostProcessing.
+void renderGlow(const GxECore::ParamPostProcessing* param, const GxOuterGlowProperty* record,
+                GlowSide side);
+
+// The operations that both glows offer.
+template <typename Property>
+class GxGlowCore : public GxStopsCore<Property> {
+public:
+    int getOffset() override { return this->property ? toInt(this->property->size + 0.5f) : 0; }
+
+    // Fills 257 straight colours; entry 256 - c is the glow's colour at coverage c. `spread` (0-1)
+    // is the share of the table from which the alpha falls off linearly; `curve` is a GxRampCurve.
+    // All zero for size 0 or without a record; null does nothing.
+    void makeColorLUT(unsigned int* table, float spread, int curve) {
+        makeGlowTable(this->property.get(), table, spread, curve);
+    }
+
+    // Grows a packed mask of width x height bytes in place, `passes` times: inner cells become
+    // min(255, sum of the 3 x 3 neighbourhood / 4). The first and last row never change, the first
+    // and last column become 0 in the rows between. Nothing happens on null, extents below 1 and a
+    // failed allocation.
+    static void increaseByBoxFilter(unsigned char* mask, int passes, int width, int height) {
+        growWithOwnMemory(mask, passes, width, height);
+    }
+
+protected:
+    explicit GxGlowCore(int effectStyle) : GxStopsCore<Property>(effectStyle) {}
+};
 
 }  // namespace GxFontEffect

@@ -1,12 +1,10 @@
 // The inner glow: light from the glyphs' edges inwards.
 #pragma once
 
-#include <cstdint>
-
 #include "GxExport.h"
 #include "effect/GxECore.h"
 #include "effect/GxProperty.h"
-#include "effect/filters/ColorRamp.h"
+#include "effect/filters/Glow.h"
 
 namespace GxFontEffect {
 
@@ -27,16 +25,11 @@ namespace GxFontEffect {
 //
 // Null inputs, a box the wrong way round, work memory past its limit and failed allocations leave
 // the layer as it was. Cost and work bytes as the outer glow's.
-class GXTEXT_API GxInnerGlow : public GxStopsCore<GxInnerGlowProperty> {
+class GXTEXT_API GxInnerGlow : public GxGlowCore<GxInnerGlowProperty> {
 public:
-    GxInnerGlow() : GxStopsCore(GXE_STYLE_INNER_GLOW) {}
+    GxInnerGlow() : GxGlowCore(GXE_STYLE_INNER_GLOW) {}
 
-    int getOffset() override;
     void doPostProcessing(GxECore::ParamPostProcessing* param) override;
-
-    // As the outer glow's.
-    void makeColorLUT(unsigned int* table, float spread, int curve);
-    static void increaseByBoxFilter(unsigned char* mask, int passes, int width, int height);
 };
 
 }  // namespace GxFontEffect

@@ -1,12 +1,10 @@
 // The outer glow: a soft halo around the text.
 #pragma once
 
-#include <cstdint>
-
 #include "GxExport.h"
 #include "effect/GxECore.h"
 #include "effect/GxProperty.h"
-#include "effect/filters/ColorRamp.h"
+#include "effect/filters/Glow.h"
 
 namespace GxFontEffect {
 
@@ -26,23 +24,11 @@ namespace GxFontEffect {
 // the layer as it was: the growth's rows are allocated with the rest, so that no half-made glow is
 // drawn. Cost per padded pixel, the padding being 2 (size + 1) on each side: 9 additions per growth
 // pass, 4 x 0.9 size products of the blur, one colour; work bytes per padded pixel 2.
-class GXTEXT_API GxOuterGlow : public GxStopsCore<GxOuterGlowProperty> {
+class GXTEXT_API GxOuterGlow : public GxGlowCore<GxOuterGlowProperty> {
 public:
-    GxOuterGlow() : GxStopsCore(GXE_STYLE_OUTER_GLOW) {}
+    GxOuterGlow() : GxGlowCore(GXE_STYLE_OUTER_GLOW) {}
 
-    int getOffset() override;
     void doPostProcessing(GxECore::ParamPostProcessing* param) override;
-
-    // Fills 257 straight colours; entry 256 - c is the glow's colour at coverage c. `spread` (0-1)
-    // is the share of the table from which the alpha falls off linearly; `curve` is a GxRampCurve.
-    // All zero for size 0 or without a record; null does nothing.
-    void makeColorLUT(unsigned int* table, float spread, int curve);
-
-    // Grows a packed mask of width x height bytes in place, `passes` times: inner cells become
-    // min(255, sum of the 3 x 3 neighbourhood / 4). The first and last row never change, the first
-    // and last column become 0 in the rows between. Nothing happens on null, extents below 1 and a
-    // failed allocation.
-    static void increaseByBoxFilter(unsigned char* mask, int passes, int width, int height);
 
     // As the outer shadow's weights with centre 128.
     static void computeGaussianWeights(int* weights, int* sum, int radius);
