@@ -122,6 +122,15 @@ inline Scene randomScene(Random& random, int maxExtent) {
     return scene;
 }
 
+// Runs a fresh core with the record over the scene; `both` hands it the other layer, too.
+template <typename Core, typename Record>
+void paintWith(Scene& scene, const Record& record, uint32_t mode = 0, bool both = false) {
+    Core core;
+    core.setProperty(&record);
+    auto param = scene.param(mode, both);
+    core.doPostProcessing(&param);
+}
+
 // The first differing byte of two bitmaps of one size, or "".
 inline std::string difference(const GxFontEffect::GxBitmap& expected,
                               const GxFontEffect::GxBitmap& actual) {

@@ -177,21 +177,13 @@ TYPED_TEST(Glows, EqualTheirDefinition) {
 
 TEST(GxOuterGlow, SizeZeroLeavesTheLayer) {
     Scene scene({"##", "##"}, 6);
-    GxOuterGlow core;
-    const GxOuterGlowProperty record(0, 0xFFFFFFFF, 1, 0, nullptr);
-    core.setProperty(&record);
-    auto param = scene.param();
-    core.doPostProcessing(&param);
+    gxtest::paintWith<GxOuterGlow>(scene, GxOuterGlowProperty(0, 0xFFFFFFFF, 1, 0, nullptr));
     EXPECT_EQ(scene.pixel(7, 7), 0u);
 }
 
 TEST(GxOuterGlow, FullAtTheTextAndFadingOutwards) {
     Scene scene(std::vector<std::string>(12, "############"), 20);
-    GxOuterGlow core;
-    const GxOuterGlowProperty record(10, 0xFF00C8FF, 1, 0, nullptr);
-    core.setProperty(&record);
-    auto param = scene.param();
-    core.doPostProcessing(&param);
+    gxtest::paintWith<GxOuterGlow>(scene, GxOuterGlowProperty(10, 0xFF00C8FF, 1, 0, nullptr));
     EXPECT_EQ(scene.pixel(26, 26), 0xFF00C8FFu);
     uint32_t last = 256;
     for (int x = 26; x >= 0; --x) {
@@ -208,11 +200,7 @@ TEST(GxOuterGlow, FullAtTheTextAndFadingOutwards) {
 
 TEST(GxInnerGlow, ColouredAtTheEdgeAndClearDeepInside) {
     Scene scene(std::vector<std::string>(41, std::string(41, '#')), 10);
-    GxInnerGlow core;
-    const GxInnerGlowProperty record(3, 0xFF20C8FF, 1, 0, nullptr);
-    core.setProperty(&record);
-    auto param = scene.param();
-    core.doPostProcessing(&param);
+    gxtest::paintWith<GxInnerGlow>(scene, GxInnerGlowProperty(3, 0xFF20C8FF, 1, 0, nullptr));
     EXPECT_EQ(scene.pixel(30, 30), 0u) << "deep inside";
     EXPECT_EQ(scene.pixel(7, 30), 0xFF20C8FFu) << "on the background";
     for (int x = 7; x < 30; ++x) {

@@ -29,11 +29,8 @@ uint32_t countingEntry(int index) {
 template <typename Core>
 void paint(Scene& scene, float angle, float scale, const std::vector<GxGradient>& stops,
            uint32_t mode = 0) {
-    Core core;
     const RecordOf<Core> record(angle, scale, 0.1f, static_cast<int>(stops.size()), stops.data());
-    core.setProperty(&record);
-    auto param = scene.param(mode);
-    core.doPostProcessing(&param);
+    gxtest::paintWith<Core>(scene, record, mode);
 }
 
 Scene fullScene(int width, int height) {

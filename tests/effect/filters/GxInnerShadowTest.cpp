@@ -10,18 +10,12 @@ namespace GxFontEffect {
 namespace {
 
 using gxtest::difference;
+using gxtest::paintWith;
 using gxtest::Scene;
 
 GxInnerShadowProperty recordOf(float angle, float distance, float size,
                                uint32_t color = 0xFFFFFFFF) {
     return {angle, distance, size, color, 0.3f};
-}
-
-void paint(Scene& scene, const GxInnerShadowProperty& record) {
-    GxInnerShadow core;
-    core.setProperty(&record);
-    auto param = scene.param();
-    core.doPostProcessing(&param);
 }
 
 // Shade of a pixel: with a white tint on an empty layer all four channels hold it.
@@ -52,7 +46,7 @@ TEST(GxInnerShadow, ReducesTheAngle) {
 
 TEST(GxInnerShadow, WithoutShiftAndBlurOnlySoftEdgesAreShaded) {
     Scene scene({" 1#", "5#9"});
-    paint(scene, recordOf(0, 0, 0));
+    paintWith<GxInnerShadow>(scene, recordOf(0, 0, 0));
     EXPECT_EQ(shadeAt(scene, 0, 0), 0) << "not covered";
     EXPECT_EQ(shadeAt(scene, 1, 0), 255 - 28);
     EXPECT_EQ(shadeAt(scene, 2, 0), 0) << "covered whole";
@@ -62,7 +56,7 @@ TEST(GxInnerShadow, WithoutShiftAndBlurOnlySoftEdgesAreShaded) {
 TEST(GxInnerShadow, ExposedBandsAreWhole) {
     // Blur 1, shift 3 down: rows 0 and 1 see nothing but background, glyph or not.
     Scene scene({"  ####", "  ####", "  ####", "  ####", "  ####", "  ####"});
-    paint(scene, recordOf(90, 3, 1));
+    paintWith<GxInnerShadow>(scene, recordOf(90, 3, 1));
     for (int x : {0, 1, 3, 5}) {
         EXPECT_EQ(shadeAt(scene, x, 0), 255) << x;
         EXPECT_EQ(shadeAt(scene, x, 1), 255) << x;
@@ -89,7 +83,7 @@ TEST(GxInnerShadow, AShiftPastTheBoxShadesTheGlyphsByCoverage) {
                                            {270, 6, true},
                                            {270, 5, false}}) {
         Scene scene({"4  4", "    ", "    ", "4  4"});
-        paint(scene, recordOf(c.angle, c.distance, 1));
+        paintWith<GxInnerShadow>(scene, recordOf(c.angle, c.distance, 1));
         if (c.whole) {
             EXPECT_EQ(shadeAt(scene, 0, 0), 112);
         }
@@ -161,7 +155,7 @@ TEST(GxInnerShadow, EqualsItsDefinition) {
         const int x[] = {-shift, 0, shift, 0};
         const int y[] = {0, shift, 0, -shift};
         const GxBitmap expected = model(scene, record, x[direction], y[direction]);
-        paint(scene, record);
+        paintWith<GxInnerShadow>(scene, record);
         ASSERT_EQ(difference(expected, scene.layer), "")
             << run << " size " << record.size << " shift " << shift << " towards " << direction;
     }
@@ -172,7 +166,7 @@ TEST(GxInnerShadow, EqualsItsDefinition) {
         const int x[] = {-7, 7, 7, -7};
         const int y[] = {7, 7, -7, -7};
         const GxBitmap expected = model(scene, record, x[run % 4], y[run % 4]);
-        paint(scene, record);
+        paintWith<GxInnerShadow>(scene, record);
         ASSERT_EQ(difference(expected, scene.layer), "") << run;
     }
 }

@@ -11,19 +11,13 @@ namespace GxFontEffect {
 namespace {
 
 using gxtest::difference;
+using gxtest::paintWith;
 using gxtest::Scene;
 using testing::ElementsAre;
 
 GxOuterShadowProperty recordOf(float angle, float distance, float size,
                                uint32_t color = 0xFFFFFFFF) {
     return {angle, distance, size, color, 0.3f};
-}
-
-void paint(Scene& scene, const GxOuterShadowProperty& record) {
-    GxOuterShadow core;
-    core.setProperty(&record);
-    auto param = scene.param();
-    core.doPostProcessing(&param);
 }
 
 TEST(GxOuterShadow, Weights) {
@@ -75,7 +69,7 @@ TEST(GxOuterShadow, MarginsPerSide) {
 
 TEST(GxOuterShadow, WithoutBlurItIsTheShiftedMask) {
     Scene scene({"#4", " 9"}, 3);
-    paint(scene, recordOf(180, 2, -3, 0xFF804020));
+    paintWith<GxOuterShadow>(scene, recordOf(180, 2, -3, 0xFF804020));
     for (int y = 0; y < 8; ++y) {
         for (int x = 0; x < 8; ++x) {
             const uint32_t m = scene.coverageInBox(x - 3 - 2, y - 3);
@@ -89,7 +83,7 @@ TEST(GxOuterShadow, WithoutBlurItIsTheShiftedMask) {
 
 TEST(GxOuterShadow, OnePixelSpreadsByTheWeights) {
     Scene scene({"#"}, 3);
-    paint(scene, recordOf(0, 0, 2));
+    paintWith<GxOuterShadow>(scene, recordOf(0, 0, 2));
     const int weights[] = {100, 32, 1};
     for (int y = -3; y <= 3; ++y) {
         const int rowWeight = std::abs(y) > 2 ? 0 : weights[std::abs(y)];
@@ -116,7 +110,7 @@ TEST(GxOuterShadow, BesideTheLayerNothingIsDrawn) {
                                            {270, 14, false}}) {
         Scene scene({"####", "####", "####", "####"}, 8);
         const GxBitmap before(scene.layer);
-        paint(scene, recordOf(c.angle, c.distance, 2));
+        paintWith<GxOuterShadow>(scene, recordOf(c.angle, c.distance, 2));
         EXPECT_EQ(!difference(before, scene.layer).empty(), c.visible)
             << c.angle << " " << c.distance;
     }
@@ -170,7 +164,7 @@ TEST(GxOuterShadow, EqualsItsDefinition) {
         if (nearHalf(x) || nearHalf(y)) continue;
         const GxBitmap expected = model(scene, record, static_cast<int>(std::lround(x)),
                                         static_cast<int>(std::lround(y)));
-        paint(scene, record);
+        paintWith<GxOuterShadow>(scene, record);
         ASSERT_EQ(difference(expected, scene.layer), "") << run << " size " << record.size;
     }
 }

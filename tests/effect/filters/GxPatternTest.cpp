@@ -27,11 +27,8 @@ GxBitmap pictureOf(int width, int height, const std::vector<uint32_t>& colors) {
 }
 
 void paint(Scene& scene, GxBitmap& picture, float scale, float opacity, uint32_t mode = 0) {
-    GxPattern core;
     const GxPatternProperty record(&picture, scale, opacity);
-    core.setProperty(&record);
-    auto param = scene.param(mode);
-    core.doPostProcessing(&param);
+    gxtest::paintWith<GxPattern>(scene, record, mode);
 }
 
 // What the weights leave of a byte.

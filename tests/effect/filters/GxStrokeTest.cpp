@@ -89,11 +89,8 @@ TEST(GxStroke, Margins) {
 
 void paint(Scene& scene, float size, uint32_t color, int position, uint32_t mode = 0,
            bool both = false) {
-    GxStroke core;
     const GxStrokeProperty record(size, color, 0.1f, 9, position);
-    core.setProperty(&record);
-    auto param = scene.param(mode, both);
-    core.doPostProcessing(&param);
+    gxtest::paintWith<GxStroke>(scene, record, mode, both);
 }
 
 TEST(GxStroke, OnePixelGrowsIntoTheDisc) {
