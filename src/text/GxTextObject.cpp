@@ -45,6 +45,7 @@ constexpr int kSiteConstructNoMemory = 235;
 constexpr int kSiteRenderBadSize = 250;
 constexpr int kSiteRenderNoFontDrawing = 266;
 constexpr int kSiteRenderNoMemory = 270;
+constexpr int kSiteResultBitmap = 280;
 constexpr int kSiteTextNoMemory = 400;
 constexpr int kSiteFontNoMemory = 610;
 
@@ -312,6 +313,10 @@ const uint32_t* GxTextObject::RenderTextEffect(int width, int height) {
     }
     return impl->resultBitmap ? reinterpret_cast<const uint32_t*>(impl->resultBitmap->data)
                               : nullptr;
+}
+
+const GxBitmap* GxTextObject::GetResultBitmap() const {
+    return requireConstructed(kSiteResultBitmap) ? impl->resultBitmap.get() : nullptr;
 }
 
 int GxTextObject::GetRuntimeHandle() const {

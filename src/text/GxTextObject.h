@@ -10,6 +10,7 @@
 
 namespace GxFontEffect {
 
+class GxBitmap;
 class GxEffect;
 class GxFontDrawing;
 class GxString;
@@ -47,6 +48,10 @@ public:
     // bitmap size. Without a font drawing (error 8), for sizes below 0 and when memory runs out the
     // previous frame's pixels are returned, null if there are none.
     const uint32_t* RenderTextEffect(int width, int height);
+
+    // The image of the last render that succeeded, owned by the object like its pixels; null when
+    // there was none.
+    const GxBitmap* GetResultBitmap() const;
 
     // The registry's handle, 1 or more; -1 before Construct.
     int GetRuntimeHandle() const;

@@ -37,6 +37,7 @@ TEST(GxTextObject, UnconstructedAnswersWithError8AtEachSite) {
     };
     const Case cases[] = {
         {248, [&] { return text.RenderTextEffect(1, 1) == nullptr; }},
+        {280, [&] { return text.GetResultBitmap() == nullptr; }},
         {374, [&] { return text.GetRuntimeHandle() == -1; }},
         {382, [&] { return text.GetEffect() == nullptr; }},
         {390, [&] { return !text.SetText(static_cast<const GxString*>(nullptr)); }},
@@ -247,6 +248,8 @@ TEST_F(GxTextObjectText, RenderWithBadSizesKeepsTheLastFrame) {
     ASSERT_NE(frame, nullptr);
     EXPECT_EQ(text.RenderTextEffect(30, -20), frame);
     EXPECT_EQ(text.RenderTextEffect(INT32_MAX, INT32_MAX), frame);
+    ASSERT_NE(text.GetResultBitmap(), nullptr);
+    EXPECT_EQ(text.GetResultBitmap()->width, 30u) << "of the frame, not of the failed render";
     EXPECT_NE(text.RenderTextEffect(0, 10), nullptr);
 }
 
