@@ -1,0 +1,236 @@
+// Life, effects and rendering of a bound text object.
+#include <android/log.h>
+
+#include <cstdint>
+#include <limits>
+#include <optional>
+#include <vector>
+
+#include "base/NativeError.h"
+#include "bridge/BoundText.h"
+#include "bridge/JniReferences.h"
+#include "bridge/Natives.h"
+#include "effect/GxEffect.h"
+#include "raster/GxBitmap.h"
+#include "text/GxTextInstanceManager.h"
+#include "text/GxTextObject.h"
+#include "text/GxView.h"
+
+namespace GxFontEffect {
+
+namespace {
+
+// One number per native; never renumber.
+enum Site : int {
+    kSiteClear = 1,
+    kSiteInnerShadow = 2,
+    kSiteOuterShadow = 3,
+    kSiteOuterGlow = 4,
+    kSiteStroke = 5,
+    kSiteLinearGradient = 6,
+    kSiteRender = 7,
+    kSiteBitmapSize = 8,
+    kSiteLeftOffset = 9,
+    kSiteTopOffset = 10,
+    kSiteRightOffset = 11,
+    kSiteBottomOffset = 12,
+};
+
+// The effect stack that an effect is to be added to; null is logged.
+GxEffect* EffectOf(JNIEnv* env, jobject self, Site site, const char* noEffectMessage) {
+    const GxTextObject* text = RequireBoundTextObject(env, self, site);
+    if (!text) return nullptr;
+    GxEffect* const effect = text->GetEffect();
+    if (!effect) __android_log_print(ANDROID_LOG_ERROR, kTextTag, "%s", noEffectMessage);
+    return effect;
+}
+
+jint MarginOf(JNIEnv* env, jobject self, Site site, int (GxEffect::*margin)() const) {
+    const GxTextObject* text = RequireBoundTextObject(env, self, site);
+    const GxEffect* effect = text ? text->GetEffect() : nullptr;
+    return effect ? (effect->*margin)() : 0;
+}
+
+uint32_t Color(jint color) {
+    return static_cast<uint32_t>(color);
+}
+
+// The stops of a gradient given as one array per field; none when the arrays differ in length or
+// cannot be read.
+std::optional<std::vector<GxGradient>> GradientStops(JNIEnv* env, jintArray colors,
+                                                     jfloatArray opacities, jfloatArray positions) {
+    const jsize count = env->GetArrayLength(colors);
+    if (env->GetArrayLength(opacities) != count || env->GetArrayLength(positions) != count) {
+        return std::nullopt;
+    }
+    const ArrayElements<jintArray> color(env, colors);
+    if (!color) return std::nullopt;
+    const ArrayElements<jfloatArray> opacity(env, opacities);
+    if (!opacity) return std::nullopt;
+    const ArrayElements<jfloatArray> position(env, positions);
+    if (!position) return std::nullopt;
+
+    std::vector<GxGradient> stops(static_cast<size_t>(count));
+    for (jsize i = 0; i < count; i++) {
+        stops[static_cast<size_t>(i)] = {Color(color[i]), opacity[i], position[i]};
+    }
+    return stops;
+}
+
+struct ImageSize {
+    int64_t width = 0;
+    int64_t height = 0;
+
+    bool FitsJavaArray() const {
+        constexpr int64_t kMost = std::numeric_limits<jsize>::max();
+        return width >= 0 && height >= 0 && width <= kMost && height <= kMost &&
+               (width == 0 || height <= kMost / width);
+    }
+    jsize Pixels() const { return static_cast<jsize>(width * height); }
+};
+
+ImageSize SizeWithMargins(const GxView& view, const GxEffect& effect) {
+    return {int64_t{view.GetWidth()} + effect.getLeftOffset() + effect.getRightOffset(),
+            int64_t{view.GetHeight()} + effect.getTopOffset() + effect.getBottomOffset()};
+}
+
+// Renders into the text object. Null when there is no image of that size: a failed render answers
+// with the frame before, which may be smaller.
+const uint32_t* Render(GxTextObject& text, ImageSize size) {
+    const uint32_t* pixels =
+        text.RenderTextEffect(static_cast<int>(size.width), static_cast<int>(size.height));
+    const GxBitmap* image = text.GetResultBitmap();
+    if (!pixels || !image || image->width != size.width || image->height != size.height) {
+        return nullptr;
+    }
+    return pixels;
+}
+
+// A new Java array of these values; null, without an exception, when the VM has no room.
+jintArray NewIntArray(JNIEnv* env, const jint* values, jsize count) {
+    const jintArray array = env->NewIntArray(count);
+    if (array) {
+        env->SetIntArrayRegion(array, 0, count, values);
+    } else {
+        env->ExceptionClear();
+    }
+    return array;
+}
+
+}  // namespace
+
+void GxText_finalize(JNIEnv* env, jobject self) {
+    const std::optional<jint> handle = ReadHandle(env, self);
+    if (!handle || *handle < 0) return;
+    GxTextObject* const text = GxTextObject::FindGxTextObject(*handle);
+    if (!text) return;
+    __android_log_print(ANDROID_LOG_DEBUG, kTextTag, "finalize : RH %d", text->GetRuntimeHandle());
+    GxTextInstanceManager::Release(text, true);
+}
+
+void GxText_ClearAllTextEffect(JNIEnv* env, jobject self) {
+    const std::optional<jint> handle = ReadHandle(env, self);
+    if (handle && *handle < 0) return;
+    const GxTextObject* text = handle ? GxTextObject::FindGxTextObject(*handle) : nullptr;
+    if (!text) {
+        ReportNativeError(kTextTag, GXE_ERROR_NOT_BOUND, kSiteClear);
+    } else if (GxEffect* const effect = text->GetEffect()) {
+        effect->cleanAllEffect();
+    }
+}
+
+jint GxText_AddInnerShadowTextEffect(JNIEnv* env, jobject self, jfloat angle, jfloat distance,
+                                     jfloat size, jint color, jfloat opacity) {
+    GxEffect* const effect =
+        EffectOf(env, self, kSiteInnerShadow, "GxText_AddInnerShadowTextEffect() effect is NULL");
+    if (!effect) return -1;
+    return effect->addInnerShadowText(angle, distance, size, Color(color), opacity);
+}
+
+jint GxText_AddOuterShadowTextEffect(JNIEnv* env, jobject self, jfloat angle, jfloat distance,
+                                     jfloat size, jint color, jfloat opacity) {
+    GxEffect* const effect =
+        EffectOf(env, self, kSiteOuterShadow, "GxText_AddOuterShadowTextEffect() effect is NULL");
+    if (!effect) return -1;
+    return effect->addOuterShadowText(angle, distance, size, Color(color), opacity);
+}
+
+jint GxText_AddOuterGlowTextEffect(JNIEnv* env, jobject self, jfloat size, jint color,
+                                   jfloat opacity) {
+    GxEffect* const effect =
+        EffectOf(env, self, kSiteOuterGlow, "GxText_AddOuterGlowTextEffect() - Effect is NULL");
+    if (!effect) return -1;
+    return effect->addOuterGlowText(size, Color(color), opacity, 0, nullptr);
+}
+
+jint GxText_AddStrokeTextEffect(JNIEnv* env, jobject self, jfloat size, jint color, jfloat opacity,
+                                jint cap, jint position) {
+    GxEffect* const effect =
+        EffectOf(env, self, kSiteStroke, "GxText_AddStrokeTextEffect() effect is NULL");
+    if (!effect) return -1;
+    return effect->addStrokeText(size, Color(color), opacity, cap, position);
+}
+
+jint GxText_AddLinearGradientTextEffect(JNIEnv* env, jobject self, jfloat angle, jfloat scale,
+                                        jintArray colors, jfloatArray opacities,
+                                        jfloatArray positions, jfloat opacity) {
+    GxEffect* const effect = EffectOf(env, self, kSiteLinearGradient,
+                                      "GxText_AddLinearGradientTextEffect() effect is NULL");
+    if (!effect || !colors || !opacities || !positions) return -1;
+    const auto stops = GradientStops(env, colors, opacities, positions);
+    if (!stops) return -1;
+    return effect->addLinearGradientText(angle, scale, opacity, static_cast<int>(stops->size()),
+                                         stops->data());
+}
+
+jintArray GxText_RenderTextEffect(JNIEnv* env, jobject self) {
+    GxTextObject* const text = RequireBoundTextObject(env, self, kSiteRender);
+    if (!text) return nullptr;
+    GxView* const view = text->GetView();
+    const GxEffect* effect = text->GetEffect();
+    if (!view || !effect) return nullptr;
+    const ImageSize size = SizeWithMargins(*view, *effect);
+    if (!size.FitsJavaArray()) {
+        __android_log_print(ANDROID_LOG_ERROR, kTextTag,
+                            "GxText_RenderTextEffect() - no array holds %lld x %lld pixels",
+                            static_cast<long long>(size.width),
+                            static_cast<long long>(size.height));
+        return nullptr;
+    }
+    view->SetBitmapWidth(static_cast<int>(size.width));
+    view->SetBitmapHeight(static_cast<int>(size.height));
+    const uint32_t* pixels = Render(*text, size);
+    if (size.Pixels() > 0 && !pixels) {
+        __android_log_print(ANDROID_LOG_ERROR, kTextTag,
+                            "GxText_RenderTextEffect() - pixels are NULL");
+        return nullptr;
+    }
+    return NewIntArray(env, reinterpret_cast<const jint*>(pixels), size.Pixels());
+}
+
+jintArray GxText_GetDrawingBitmapSize(JNIEnv* env, jobject self) {
+    const GxTextObject* text = RequireBoundTextObject(env, self, kSiteBitmapSize);
+    const GxView* view = text ? text->GetView() : nullptr;
+    if (!view) return nullptr;
+    const GxView::BitmapSize* size = view->GetDrawingBitmapSize();
+    const jint pair[] = {size->bitmapWidth, size->bitmapHeight};
+    return NewIntArray(env, pair, 2);
+}
+
+jint GxText_GetEffectLeftOffset(JNIEnv* env, jobject self) {
+    return MarginOf(env, self, kSiteLeftOffset, &GxEffect::getLeftOffset);
+}
+
+jint GxText_GetEffectTopOffset(JNIEnv* env, jobject self) {
+    return MarginOf(env, self, kSiteTopOffset, &GxEffect::getTopOffset);
+}
+
+jint GxText_GetEffectRightOffset(JNIEnv* env, jobject self) {
+    return MarginOf(env, self, kSiteRightOffset, &GxEffect::getRightOffset);
+}
+
+jint GxText_GetEffectBottomOffset(JNIEnv* env, jobject self) {
+    return MarginOf(env, self, kSiteBottomOffset, &GxEffect::getBottomOffset);
+}
+
+}  // namespace GxFontEffect
