@@ -1,0 +1,90 @@
+package gxtest;
+
+import android.graphics.Paint;
+import android.os.LocaleList;
+import android.text.FontConfig;
+import android.text.Layout;
+import android.text.SpannableString;
+import android.text.style.BackgroundColorSpan;
+import android.widget.TextView;
+
+/** Natives that run out of memory fail; nothing crosses into the runtime and nothing is lost. */
+final class AllocationTest {
+    private AllocationTest() {}
+
+    private interface Call {
+        Object run(Object text);
+    }
+
+    static void everyFailedAllocationIsAFailureValue() {
+        Paint paint = new Paint();
+        paint.fontFeatureSettings = "'liga' on, 'smcp' on, 'kern' off";
+        paint.textLocales = new LocaleList("ja-JP,zh-Hant-TW,ko-KR");
+        TextView view = new TextView();
+        view.width = 40;
+        view.height = 30;
+        Layout layout = new Layout(new SpannableString("a long enough text \uD83D\uDE00")
+                                           .with(new BackgroundColorSpan(-1), 0, 3),
+                3);
+        FontConfig config = new FontConfig(
+                new FontConfig.Family(null, "und-Arab", new FontConfig.Font(FontTest.FONT)));
+        int calls = failEach("SetLine", text -> Sdk.call(text, "SetLine", 1))
+                + failEach("SetPaint", text -> Sdk.call(text, "SetPaint", paint))
+                + failEach("SetView", text -> Sdk.call(text, "SetView", view))
+                + failEach("SetLayout", text -> Sdk.call(text, "SetLayout", layout))
+                + failEach("SetFont", text -> Sdk.call(text, "SetFont", FontTest.FONT))
+                + failEach("SetFont2",
+                        text -> Sdk.call(text, "SetFont2", "allocation", new byte[100]))
+                + failEach("gradient",
+                        text -> Sdk.call(text, "AddLinearGradientTextEffect", 0f, 1f, new int[9],
+                                new float[9], new float[9], 1f))
+                + failEach("SetFontConfig", text -> {
+                      Probe.forgetFontConfig();
+                      return Sdk.fonts("SetFontConfig", config);
+                  });
+        Check.isTrue(calls == 0 || calls > 30, "allocations seen: " + calls);
+    }
+
+    static void rendersFailWithTheFrameBefore() {
+        Object text = Sdk.newText();
+        Sdk.flag(text, "SetFont", FontTest.FONT);
+        TextView view = new TextView();
+        view.width = 40;
+        view.height = 30;
+        Sdk.flag(text, "SetView", view);
+        Sdk.flag(text, "SetLayout", new Layout("ab", 1));
+        Check.equal(40 * 30, ((int[]) Sdk.call(text, "RenderTextEffect")).length, "a frame");
+        view.width = 400;
+        Sdk.flag(text, "SetView", view);
+        boolean failed = true;
+        for (int n = 1; failed; n++) {
+            Probe.failAllocation(n);
+            int[] pixels = (int[]) Sdk.call(text, "RenderTextEffect");
+            failed = Probe.endAllocationFailure();
+            Check.isTrue(pixels == null || pixels.length == 400 * 30,
+                    "allocation " + n + ": an image of another size");
+        }
+    }
+
+    // Returns how many allocations the call makes; each of them has failed once.
+    private static int failEach(String what, Call call) {
+        int n = 0;
+        boolean failed = true;
+        while (failed) {
+            Object text = Sdk.newText();
+            Sdk.number(text, "GetEffectLeftOffset");
+            n++;
+            Probe.failAllocation(n);
+            Object result;
+            try {
+                result = call.run(text);
+            } finally {
+                failed = Probe.endAllocationFailure();
+            }
+            Check.isTrue(result != null, what);
+            Check.equal(0, Probe.outstanding(), what + ": not given back after allocation " + n);
+            Sdk.call(text, "finalize");
+        }
+        return n - 1;
+    }
+}

@@ -1,0 +1,19 @@
+package gxtest;
+
+import java.util.List;
+
+/** GxError does not tell the build type, GxText lacks its last native: no exception, all the rest works. */
+final class LoadIncomplete {
+    private LoadIncomplete() {}
+
+    static void swallowsMissingMethods() {
+        System.loadLibrary("gxtext");
+        List<String> log = Probe.log();
+        Check.logged(log, "E/GxText_Common_JNI: GxError Onload Fail!");
+        Check.logged(log, "E/GxText_Common_JNI: GxText OnLoad Fail!");
+        Check.logged(log, "D/Init_GxFontManager_JNI: Init_GxFontManager_JNI");
+        Check.isTrue(!Probe.buildTypeSettled(), "left to a later load");
+        Check.equal(0, Sdk.error(), "the native of GxError");
+        Check.equal(0, Sdk.number(Sdk.newText(), "GetEffectTopOffset"), "a native of GxText");
+    }
+}

@@ -1,0 +1,62 @@
+package gxtest;
+
+import java.util.Arrays;
+import java.util.List;
+
+/** What the tests can do to the runtime and see of the library; see Probe.cpp. */
+final class Probe {
+    private Probe() {}
+
+    /** Stands between the library and JNI on this thread from now on. */
+    static native void install();
+
+    /** Lookups of a class, method or field of this name fail, until {@link #reset}. */
+    static native void hide(String name);
+
+    /** The given call of this JNI function (1: the next) gives null and an OutOfMemoryError. */
+    static native void failCall(String function, int which);
+
+    static native void reset();
+
+    /** Strings and arrays that natives have taken and not given back. */
+    static native int outstanding();
+
+    /** This many strings were freed in another way than by giving them back. */
+    static native void settle(int strings);
+
+    /** One line for each RegisterNatives. */
+    static native String[] registrations();
+
+    /** "priority/tag: text" of what was logged since the last call. */
+    static native String[] takeLog();
+
+    /** The given C++ allocation of this thread (1: the next) fails. */
+    static native void failAllocation(int which);
+
+    /** Whether the allocation was reached; none fails from now on. */
+    static native boolean endAllocationFailure();
+
+    /** Verbose lines too. */
+    static native void logEverything(boolean everything);
+
+    /** Records a code for this thread. */
+    static native void setError(int code);
+
+    static native boolean buildTypeSettled();
+
+    /** Lets the next configuration be the first. */
+    static native void forgetFontConfig();
+
+    static native String paint(int handle);
+
+    static native String view(int handle);
+
+    /** Code points, null for no text. */
+    static native int[] text(int handle);
+
+    static native String[] lines(int handle);
+
+    static List<String> log() {
+        return Arrays.asList(takeLog());
+    }
+}

@@ -1,0 +1,346 @@
+// The tests' view into the library from inside a Java runtime.
+//
+// It is preloaded, so that what it defines comes before what the library is linked to: it records
+// the log and makes allocations fail. It also stands between the library and JNI on the thread that
+// installed it, to hide classes and methods, to make functions fail and to count what is taken and
+// given back; and it tells what a text object holds.
+#include <android/log.h>
+#include <hwui/Paint.h>
+#include <jni.h>
+
+#include <atomic>
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <map>
+#include <mutex>
+#include <new>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "base/Error.h"
+#include "base/GxLog.h"
+#include "base/GxString.h"
+#include "base/List.h"
+#include "font/FontManager.h"
+#include "text/GxLineInfo.h"
+#include "text/GxTextObject.h"
+#include "text/GxView.h"
+
+#define GX_PROBE(result, name) extern "C" JNIEXPORT result JNICALL Java_gxtest_Probe_##name
+
+namespace {
+
+using GxFontEffect::GxTextObject;
+
+// --- log ---
+
+std::mutex logMutex;
+std::vector<std::string>& logLines() {
+    static auto* lines = new std::vector<std::string>;  // written to until the process ends
+    return *lines;
+}
+
+// --- allocations ---
+
+thread_local int allocationsLeft = -1;  // before one fails; negative while none shall
+thread_local bool allocationFailed = false;
+
+// The probe's own allocations do not count.
+class Uncounted {
+public:
+    Uncounted() : left_(allocationsLeft) { allocationsLeft = -1; }
+    ~Uncounted() { allocationsLeft = left_; }
+
+private:
+    int left_;
+};
+
+// --- JNI ---
+
+const JNINativeInterface_* real = nullptr;
+JNINativeInterface_ hooked;
+std::set<std::string> hidden;
+std::map<std::string, int> callsLeft;  // before a function fails
+std::map<std::string, int> outstanding;
+std::vector<std::string> registrations;
+
+bool shallFail(const char* function) {
+    const Uncounted uncounted;
+    const auto entry = callsLeft.find(function);
+    if (entry == callsLeft.end() || --entry->second > 0) return false;
+    callsLeft.erase(entry);
+    return true;
+}
+
+void count(const char* what, int change) {
+    const Uncounted uncounted;
+    outstanding[what] += change;
+}
+
+std::nullptr_t outOfMemory(JNIEnv* env) {
+    env->ThrowNew(env->FindClass("java/lang/OutOfMemoryError"), "injected");
+    return nullptr;
+}
+
+jint JNICALL registerNatives(JNIEnv* env, jclass type, const JNINativeMethod* methods, jint count) {
+    jclass classClass = env->GetObjectClass(type);
+    jmethodID getName = real->GetMethodID(env, classClass, "getName", "()Ljava/lang/String;");
+    auto name = static_cast<jstring>(env->CallObjectMethod(type, getName));
+    if (env->ExceptionCheck()) return JNI_ERR;
+    const char* chars = real->GetStringUTFChars(env, name, nullptr);
+    std::string line = chars;
+    real->ReleaseStringUTFChars(env, name, chars);
+    line += ":";
+    for (jint i = 0; i < count; i++) {
+        line += std::string(" ") + methods[i].name + methods[i].signature;
+    }
+    registrations.push_back(line);
+    return real->RegisterNatives(env, type, methods, count);
+}
+
+// A name that no class has stands in for a hidden one.
+const char* nameUnlessHidden(const char* name, const char* instead) {
+    const Uncounted uncounted;
+    return hidden.count(name) ? instead : name;
+}
+
+jmethodID JNICALL getMethodId(JNIEnv* env, jclass type, const char* name, const char* signature) {
+    return real->GetMethodID(env, type, nameUnlessHidden(name, "hidden"), signature);
+}
+jmethodID JNICALL getStaticMethodId(JNIEnv* env, jclass type, const char* name,
+                                    const char* signature) {
+    return real->GetStaticMethodID(env, type, nameUnlessHidden(name, "hidden"), signature);
+}
+jfieldID JNICALL getFieldId(JNIEnv* env, jclass type, const char* name, const char* signature) {
+    return real->GetFieldID(env, type, nameUnlessHidden(name, "hidden"), signature);
+}
+jclass JNICALL findClass(JNIEnv* env, const char* name) {
+    return real->FindClass(env, nameUnlessHidden(name, "hidden/Class"));
+}
+
+const char* JNICALL getStringChars(JNIEnv* env, jstring string, jboolean* copy) {
+    if (shallFail("GetStringUTFChars")) return outOfMemory(env);
+    count("chars", 1);
+    return real->GetStringUTFChars(env, string, copy);
+}
+void JNICALL releaseStringChars(JNIEnv* env, jstring string, const char* chars) {
+    count("chars", -1);
+    real->ReleaseStringUTFChars(env, string, chars);
+}
+jintArray JNICALL newIntArray(JNIEnv* env, jsize length) {
+    if (shallFail("NewIntArray")) return outOfMemory(env);
+    return real->NewIntArray(env, length);
+}
+
+#define GX_HOOK_ELEMENTS(Type, type)                                                     \
+    type* JNICALL get##Type##Elements(JNIEnv* env, type##Array array, jboolean* copy) {  \
+        if (shallFail("Get" #Type "ArrayElements")) return outOfMemory(env);             \
+        count("elements", 1);                                                            \
+        return real->Get##Type##ArrayElements(env, array, copy);                         \
+    }                                                                                    \
+    void JNICALL release##Type##Elements(JNIEnv* env, type##Array array, type* elements, \
+                                         jint mode) {                                    \
+        count("elements", -1);                                                           \
+        real->Release##Type##ArrayElements(env, array, elements, mode);                  \
+    }
+GX_HOOK_ELEMENTS(Int, jint)
+GX_HOOK_ELEMENTS(Float, jfloat)
+GX_HOOK_ELEMENTS(Byte, jbyte)
+
+// --- Java values ---
+
+std::string utf8Of(JNIEnv* env, jstring string) {
+    const char* chars = real->GetStringUTFChars(env, string, nullptr);
+    std::string text = chars ? chars : "";
+    if (chars) real->ReleaseStringUTFChars(env, string, chars);
+    return text;
+}
+
+jobjectArray toJava(JNIEnv* env, const std::vector<std::string>& texts) {
+    jclass stringClass = real->FindClass(env, "java/lang/String");
+    jobjectArray array =
+        env->NewObjectArray(static_cast<jsize>(texts.size()), stringClass, nullptr);
+    for (size_t i = 0; i < texts.size(); i++) {
+        jstring text = env->NewStringUTF(texts[i].c_str());
+        env->SetObjectArrayElement(array, static_cast<jsize>(i), text);
+        env->DeleteLocalRef(text);
+    }
+    return array;
+}
+
+__attribute__((format(printf, 1, 2))) std::string format(const char* form, ...) {
+    char text[2048];
+    va_list arguments;
+    va_start(arguments, form);
+    vsnprintf(text, sizeof(text), form, arguments);
+    va_end(arguments);
+    return text;
+}
+
+GxTextObject* find(jint handle) {
+    return GxTextObject::FindGxTextObject(handle);
+}
+
+}  // namespace
+
+extern "C" JNIEXPORT int __android_log_print(int priority, const char* tag, const char* form, ...) {
+    char text[2048];
+    va_list arguments;
+    va_start(arguments, form);
+    const int length = vsnprintf(text, sizeof(text), form, arguments);
+    va_end(arguments);
+    const char* letter = priority == ANDROID_LOG_ERROR   ? "E"
+                         : priority == ANDROID_LOG_DEBUG ? "D"
+                                                         : "?";
+    const Uncounted uncounted;
+    const std::lock_guard<std::mutex> lock(logMutex);
+    logLines().push_back(std::string(letter) + "/" + tag + ": " + text);
+    return length;
+}
+
+// Whatever frees it, free() does: the standard library's own pair rests on malloc as well.
+void* operator new(size_t size) {
+    if (allocationsLeft > 0 && --allocationsLeft == 0) {
+        allocationsLeft = -1;
+        allocationFailed = true;
+        throw std::bad_alloc();
+    }
+    if (void* memory = std::malloc(size ? size : 1)) return memory;
+    throw std::bad_alloc();
+}
+
+// Without one of its own the runtime would find the library's behind it.
+extern "C" JNIEXPORT jint JNICALL JNI_OnLoad(JavaVM*, void*) {
+    return JNI_VERSION_1_2;
+}
+
+GX_PROBE(void, install)(JNIEnv* env, jclass) {
+    real = env->functions;
+    hooked = *real;
+    hooked.RegisterNatives = registerNatives;
+    hooked.GetMethodID = getMethodId;
+    hooked.GetStaticMethodID = getStaticMethodId;
+    hooked.GetFieldID = getFieldId;
+    hooked.FindClass = findClass;
+    hooked.GetStringUTFChars = getStringChars;
+    hooked.ReleaseStringUTFChars = releaseStringChars;
+    hooked.NewIntArray = newIntArray;
+    hooked.GetIntArrayElements = getIntElements;
+    hooked.ReleaseIntArrayElements = releaseIntElements;
+    hooked.GetFloatArrayElements = getFloatElements;
+    hooked.ReleaseFloatArrayElements = releaseFloatElements;
+    hooked.GetByteArrayElements = getByteElements;
+    hooked.ReleaseByteArrayElements = releaseByteElements;
+    env->functions = &hooked;
+}
+
+GX_PROBE(void, hide)(JNIEnv* env, jclass, jstring name) {
+    hidden.insert(utf8Of(env, name));
+}
+
+GX_PROBE(void, failCall)(JNIEnv* env, jclass, jstring function, jint which) {
+    callsLeft[utf8Of(env, function)] = which;
+}
+
+GX_PROBE(void, reset)(JNIEnv*, jclass) {
+    hidden.clear();
+    callsLeft.clear();
+}
+
+GX_PROBE(jint, outstanding)(JNIEnv*, jclass) {
+    return outstanding["chars"] + outstanding["elements"];
+}
+
+GX_PROBE(void, settle)(JNIEnv*, jclass, jint strings) {
+    outstanding["chars"] -= strings;
+}
+
+GX_PROBE(jobjectArray, registrations)(JNIEnv* env, jclass) {
+    return toJava(env, registrations);
+}
+
+GX_PROBE(jobjectArray, takeLog)(JNIEnv* env, jclass) {
+    std::vector<std::string> taken;
+    {
+        const std::lock_guard<std::mutex> lock(logMutex);
+        taken.swap(logLines());
+    }
+    return toJava(env, taken);
+}
+
+GX_PROBE(void, failAllocation)(JNIEnv*, jclass, jint which) {
+    allocationFailed = false;
+    allocationsLeft = which;
+}
+
+GX_PROBE(jboolean, endAllocationFailure)(JNIEnv*, jclass) {
+    allocationsLeft = -1;
+    return allocationFailed;
+}
+
+GX_PROBE(void, logEverything)(JNIEnv*, jclass, jboolean everything) {
+    GxFontEffect::GxLog::DEBUG_ENABLE = everything != JNI_FALSE;
+}
+
+GX_PROBE(void, setError)(JNIEnv*, jclass, jint code) {
+    GxFontEffect::Error::SetError(static_cast<unsigned long>(code));
+}
+
+GX_PROBE(jboolean, buildTypeSettled)(JNIEnv*, jclass) {
+    return GxFontEffect::GxLog::IsCheckedBuildType();
+}
+
+GX_PROBE(void, forgetFontConfig)(JNIEnv*, jclass) {
+    GxFontEffect::FontManager::GetInstance().ClearFontFamilies();
+}
+
+GX_PROBE(jstring, paint)(JNIEnv* env, jclass, jint handle) {
+    const android::Paint paint = find(handle)->GetPaint();
+    const SkFont& font = paint.getSkFont();
+    return env->NewStringUTF(
+        format("size %g, scale %g, skew %g, bold %d, spacing %g, variant %d, flags %x, features "
+               "'%s', locales %u, align %d",
+               font.getSize(), font.getScaleX(), font.getSkewX(), font.isEmbolden(),
+               paint.getLetterSpacing(), static_cast<int>(paint.getFamilyVariant()),
+               paint.getJavaFlags(), paint.getFontFeatureSettings().c_str(),
+               paint.getMinikinLocaleListId(), static_cast<int>(paint.getTextAlign()))
+            .c_str());
+}
+
+GX_PROBE(jstring, view)(JNIEnv* env, jclass, jint handle) {
+    const GxTextObject* text = find(handle);
+    const GxFontEffect::GxView* view = text->GetView();
+    return env->NewStringUTF(
+        format("%d x %d, padding %d %d %d %d, gravity %x, maxLines %d, limit %d, color %08x, bold "
+               "%d, italic %d",
+               view->width, view->height, view->paddingLeft, view->paddingTop, view->paddingRight,
+               view->paddingBottom, view->gravity, view->maxLines, view->lineLimit,
+               text->GetTextColor(), text->isBoldTextStyle(), text->isItalicTextStyle())
+            .c_str());
+}
+
+GX_PROBE(jintArray, text)(JNIEnv* env, jclass, jint handle) {
+    const GxFontEffect::GxString* text = find(handle)->GetText();
+    if (!text) return nullptr;
+    std::vector<jint> characters;
+    for (const wchar_t* c = text->GetPointer(); c && *c; c++) characters.push_back(*c);
+    const jsize count = static_cast<jsize>(characters.size());
+    jintArray array = real->NewIntArray(env, count);
+    env->SetIntArrayRegion(array, 0, count, characters.data());
+    return array;
+}
+
+// "x,y start-end [left top right bottom]" for each line.
+GX_PROBE(jobjectArray, lines)(JNIEnv* env, jclass, jint handle) {
+    const GxFontEffect::List* list = find(handle)->GetLineInfo();
+    std::vector<std::string> lines;
+    for (int i = 0; i < list->GetCount(); i++) {
+        const auto* line = static_cast<const GxFontEffect::GxLineInfo*>(list->Get(i));
+        lines.push_back(format("%d,%d %d-%d [%d %d %d %d]", line->x, line->y, line->start,
+                               line->end, line->rect.left, line->rect.top, line->rect.right,
+                               line->rect.bottom));
+    }
+    return toJava(env, lines);
+}

@@ -1,0 +1,9 @@
+package android.os;
+
+public class LocaleList {
+    public String tags;
+
+    public LocaleList(String tags) { this.tags = tags; }
+
+    public String toLanguageTags() { return tags; }
+}
