@@ -1,0 +1,65 @@
+#include "PngIo.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "ToolError.h"
+
+namespace gxtool {
+namespace {
+
+Image randomImage(uint32_t width, uint32_t height) {
+    std::mt19937 random(width * 31 + height);
+    Image image{width, height, {}};
+    for (uint32_t i = 0; i < width * height; i++) image.pixels.push_back(random());
+    // Colour under alpha 0 and both ends of the range.
+    image.pixels[0] = 0x00FF8040u;
+    return image;
+}
+
+TEST(PngIo, KeepsEveryPixel) {
+    for (const auto& [width, height] :
+         {std::pair(1u, 1u), std::pair(3u, 2u), std::pair(257u, 65u)}) {
+        const Image image = randomImage(width, height);
+        const std::string bytes = encodePng(image.pixels.data(), width, height);
+        const Image back = decodePng(bytes, "test");
+        EXPECT_EQ(back.width, width);
+        EXPECT_EQ(back.height, height);
+        EXPECT_EQ(back.pixels, image.pixels);
+        EXPECT_EQ(encodePng(image.pixels.data(), width, height), bytes);
+    }
+}
+
+TEST(PngIo, WritesNoTimeAndNoText) {
+    const Image image = randomImage(4, 4);
+    const std::string bytes = encodePng(image.pixels.data(), 4, 4);
+    for (const char* chunk : {"tIME", "tEXt", "zTXt", "iTXt"}) {
+        EXPECT_EQ(bytes.find(chunk), std::string::npos) << chunk;
+    }
+}
+
+TEST(PngIo, SaysWhyAFileIsNoPicture) {
+    const Image image = randomImage(16, 16);
+    const std::string good = encodePng(image.pixels.data(), 16, 16);
+    std::string huge = good;
+    huge.replace(16, 8, std::string("\x7F\xFF\xFF\xFF\x7F\xFF\xFF\xFF", 8));
+    std::string flipped = good;
+    flipped[flipped.size() / 2] = static_cast<char>(flipped[flipped.size() / 2] ^ 0x55);
+    for (const std::string& bad : {std::string(), std::string("GIF89a"), good.substr(0, 20),
+                                   good.substr(0, good.size() / 2), huge, flipped}) {
+        try {
+            decodePng(bad, "pattern.png");
+            ADD_FAILURE() << "accepted " << bad.size() << " bytes";
+        } catch (const ToolError& error) {
+            EXPECT_THAT(error.what(), testing::StartsWith("pattern.png: "));
+            EXPECT_EQ(error.status, kFailure);
+        }
+    }
+    EXPECT_THROW(encodePng(image.pixels.data(), 0, 4), ToolError);
+    EXPECT_THROW(encodePng(nullptr, 4, 4), ToolError);
+}
+
+}  // namespace
+}  // namespace gxtool

@@ -1,0 +1,21 @@
+// Runs the program under test.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace gxtest {
+
+struct Outcome {
+    int status = -1;  // exit status; 128 + signal when killed
+    std::string out;
+    std::string err;
+};
+
+// Runs the gxtext program of this build with `input` on its standard input and waits for its end.
+Outcome runGxtext(const std::vector<std::string>& arguments, const std::string& input = "");
+
+// The same with standard output on a pseudo-terminal; `out` stays empty.
+Outcome runGxtextOnTerminal(const std::vector<std::string>& arguments);
+
+}  // namespace gxtest

@@ -1,0 +1,317 @@
+// The program as a whole: arguments in, exit status and streams out.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+#include <nlohmann/json.hpp>
+
+#include "PngIo.h"
+#include "Process.h"
+#include "support/Fonts.h"
+#include "support/TempFolder.h"
+
+namespace gxtool {
+namespace {
+
+using gxtest::fontPath;
+using gxtest::Outcome;
+using gxtest::runGxtext;
+using nlohmann::json;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+const std::string kLatin = fontPath(gxtest::kNotoSans);
+
+std::vector<std::string> withFont(std::vector<std::string> arguments) {
+    arguments.insert(arguments.end(), {"--font", kLatin, "--font-size", "40"});
+    return arguments;
+}
+
+std::string readFile(const std::string& path) {
+    std::ifstream stream(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+Image picture(const Outcome& outcome) {
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    return decodePng(outcome.out, "output");
+}
+
+int countInk(const Image& image) {
+    return static_cast<int>(std::count_if(image.pixels.begin(), image.pixels.end(),
+                                          [](uint32_t pixel) { return pixel >> 24 != 0; }));
+}
+
+json measured(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), "measure");
+    arguments.push_back("--json");
+    const Outcome outcome = runGxtext(withFont(arguments));
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    return json::parse(outcome.out);
+}
+
+TEST(Program, TellsAboutItself) {
+    const Outcome version = runGxtext({"--version"});
+    EXPECT_EQ(version.status, 0);
+    for (const char* name : {"gxtext ", "HarfBuzz ", "FreeType ", "ICU ", "libpng "}) {
+        EXPECT_THAT(version.out, HasSubstr(name));
+    }
+    const Outcome help = runGxtext({"render", "--help"});
+    EXPECT_EQ(help.status, 0);
+    EXPECT_THAT(help.out, testing::ContainsRegex("--font-size PX .*1-4096"));
+    EXPECT_EQ(help.err, "");
+}
+
+TEST(Program, WrongCommandLinesExitWith2) {
+    const std::vector<std::vector<std::string>> cases = {
+        {},
+        {"paint"},
+        {"render"},
+        {"render", "--nonsense"},
+        {"render", "--text"},
+        {"render", "--text", "a", "--font-size", "0"},
+        {"render", "--text", "a", "--font-size", "nan"},
+        {"render", "--text", "a", "--font-size", "4097"},
+        {"render", "--text", "a", "--width", "2147483648"},
+        {"render", "--text", "a", "--padding", "1,2"},
+        {"render", "--text", "a", "--color", "red"},
+        {"render", "--text", "a", "--opacity", "1.5"},
+        {"render", "--text", "a", "--align", "middle"},
+        {"render", "-", "--text", "-"},
+        {"render", "--font", kLatin},
+        {"measure", "--text", "a", "-o", "x.png"},
+    };
+    for (const auto& arguments : cases) {
+        const Outcome outcome = runGxtext(arguments, "{}");
+        EXPECT_EQ(outcome.status, 2) << testing::PrintToString(arguments);
+        EXPECT_EQ(outcome.out, "");
+        EXPECT_NE(outcome.err, "");
+    }
+}
+
+TEST(Program, FailuresExitWith1AndSayWhy) {
+    const gxtest::TempFolder folder;
+    const std::string truncated = folder.write("cut.ttf", readFile(kLatin).substr(0, 1000));
+    const std::string empty = folder.write("empty.ttf", "");
+    const std::string style = folder.write("bad.json", R"({"text": "a", "size": 9000})");
+    struct Case {
+        std::vector<std::string> arguments;
+        std::string message;
+    };
+    const Case cases[] = {
+        {{"render", "no-such.json"},
+         "gxtext: cannot open no-such.json: No such file or directory\n"},
+        {{"render", folder.path("")}, "Is a directory\n"},
+        {{"render", style}, style + ": $.size: 9000 is out of range 1-4096\n"},
+        {{"render", "--text", "a", "--font", "no-such.ttf"}, "no font file no-such.ttf"},
+        {{"render", "--text", "a", "--font", folder.path("")}, "is not a file"},
+        {{"render", "--text", "a", "--font", truncated}, "is not a TrueType or OpenType font"},
+        {{"render", "--text", "a", "--font", empty}, "is not a TrueType or OpenType font"},
+        {{"render", "--text", "a", "--font", kLatin, "--font-index", "7"}, "has no font 7"},
+        {{"render", "--text", "a", "--font", "No Such Family"},
+         "no font family \"No Such Family\""},
+        {{"render", "--text", ""}, "gxtext: the text is empty\n"},
+        {{"render", "--text", "a\xFF"}, "gxtext: the text is not valid UTF-8\n"},
+        {{"render", "--text", "\n"}, "the text has no width"},
+        {{"render", "--text", std::string(100000, 'M'), "--font", kLatin},
+         "at most 65535 are possible"},
+        {{"render", "--text", "a", "--width", "10", "--padding", "5"}, "leaves no room"},
+        {{"render", "--text", "a", "--font", kLatin, "-o", folder.path("no/such/dir.png")},
+         "cannot create"},
+        {{"render", "--text", "a", "--font", kLatin, "-o", "/dev/full"},
+         "cannot write to /dev/full"},
+    };
+    for (const Case& c : cases) {
+        const Outcome outcome = runGxtext(c.arguments);
+        EXPECT_EQ(outcome.status, 1) << c.message;
+        EXPECT_EQ(outcome.out, "");
+        EXPECT_THAT(outcome.err, HasSubstr(c.message));
+        EXPECT_THAT(outcome.err, StartsWith("gxtext: "));
+    }
+}
+
+TEST(Program, RendersTheSameBytesEveryTimeAndEverywhere) {
+    const gxtest::TempFolder folder;
+    const std::string file = folder.path("out.png");
+    const auto arguments = withFont({"render", "--text", "Hamburg", "--color", "#80336699"});
+    const Outcome first = runGxtext(arguments);
+    const Outcome second = runGxtext(arguments);
+    auto toFile = arguments;
+    toFile.insert(toFile.end(), {"-o", file});
+    const Outcome third = runGxtext(toFile);
+    EXPECT_EQ(third.status, 0);
+    EXPECT_EQ(third.out, "");
+    EXPECT_EQ(first.err + second.err + third.err, "");
+    EXPECT_EQ(first.out, second.out);
+    EXPECT_EQ(first.out, readFile(file));
+    const Image image = picture(first);
+    EXPECT_GT(countInk(image), 100);
+    for (const uint32_t pixel : image.pixels) {
+        ASSERT_LE(pixel >> 24, 0x80u) << "alpha beyond the colour's";
+    }
+}
+
+TEST(Program, PicturesAreAsLargeAsMeasured) {
+    const std::vector<std::string> options{"--text", "Wide\nand tall", "--padding", "3,5,7,9"};
+    const json measure = measured(options);
+    auto arguments = options;
+    arguments.insert(arguments.begin(), "render");
+    const Image image = picture(runGxtext(withFont(arguments)));
+    EXPECT_EQ(image.width, measure["image"]["width"]);
+    EXPECT_EQ(image.height, measure["image"]["height"]);
+    // All ink lies in the lines' ink boxes.
+    for (uint32_t y = 0; y < image.height; y++) {
+        for (uint32_t x = 0; x < image.width; x++) {
+            if (image.pixels[y * image.width + x] >> 24 == 0) continue;
+            const auto& lines = measure["lines"];
+            EXPECT_TRUE(std::any_of(lines.begin(), lines.end(),
+                                    [&](const json& line) {
+                                        const json& ink = line["ink"];
+                                        return x >= ink["left"] && x < ink["right"] &&
+                                               y >= ink["top"] && y < ink["bottom"];
+                                    }))
+                << x << ',' << y;
+        }
+    }
+}
+
+TEST(Program, ReadsStyleAndTextFromStandardInput) {
+    const std::string style = R"({"text": "Hi", "font": ")" + kLatin + R"(", "size": 40})";
+    const Outcome fromStdin = runGxtext({"render", "-"}, style);
+    const Outcome plain = runGxtext(withFont({"render", "--text", "Hi"}));
+    EXPECT_GT(countInk(picture(plain)), 100);
+    EXPECT_EQ(fromStdin.out, plain.out);
+    // One final line end belongs to the file, not to the text.
+    EXPECT_EQ(runGxtext(withFont({"render", "--text", "-"}), "Hi\n").out, plain.out);
+}
+
+TEST(Program, OptionsGoOverTheStyleFile) {
+    const gxtest::TempFolder folder;
+    const std::string style = folder.write(
+        "s.json",
+        R"({"text": "from file", "color": "#FF0000", "size": 10, "background": "#00FF00"})");
+    const Outcome both = runGxtext(
+        withFont({"render", style, "--text", "Hi", "--color", "#000000", "--background", "none"}));
+    EXPECT_EQ(both.out, runGxtext(withFont({"render", "--text", "Hi"})).out);
+}
+
+TEST(Program, DoesNotWritePicturesToATerminal) {
+    const Outcome outcome = gxtest::runGxtextOnTerminal(withFont({"render", "--text", "Hi"}));
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_THAT(outcome.err, HasSubstr("terminal"));
+}
+
+TEST(Program, NamesMissingGlyphs) {
+    const gxtest::TempFolder folder;
+    const std::string file = folder.path("out.png");
+    // Private use, in no font; the joiner and the line break need no glyph.
+    const std::string text = "a\xF4\x8F\xBF\xBD\u200D\n\xF3\xB0\x80\x80";
+    const Outcome lenient = runGxtext(withFont({"render", "--text", text}));
+    EXPECT_EQ(lenient.status, 0);
+    EXPECT_EQ(lenient.err, "gxtext: warning: no font has U+F0000, U+10FFFD\n");
+    const Outcome strict = runGxtext(withFont({"render", "--strict", "--text", text, "-o", file}));
+    EXPECT_EQ(strict.status, 1);
+    EXPECT_EQ(strict.err, "gxtext: no font has U+F0000, U+10FFFD\n");
+    EXPECT_FALSE(std::filesystem::exists(file));
+}
+
+TEST(Program, ShowsTheLibrarysLogOnlyWhenAsked) {
+    const auto arguments = withFont({"measure", "--text", "Hi"});
+    EXPECT_EQ(runGxtext(arguments).err, "");
+    auto verbose = arguments;
+    verbose.push_back("--verbose");
+    EXPECT_THAT(runGxtext(verbose).err, HasSubstr("D GxTextObject: Construct("));
+}
+
+TEST(Program, AlignsLines) {
+    const auto leftOf = [](const std::vector<std::string>& extra) {
+        std::vector<std::string> arguments{"--text", "Hi", "--width", "301"};
+        arguments.insert(arguments.end(), extra.begin(), extra.end());
+        return measured(arguments)["lines"][0]["x"].get<int>();
+    };
+    const int advance = measured({"--text", "Hi"})["lines"][0]["advance"].get<float>();
+    EXPECT_EQ(leftOf({}), 0);
+    EXPECT_EQ(leftOf({"--align", "left", "--padding", "4"}), 4);
+    EXPECT_EQ(leftOf({"--align", "center"}), (301 - advance) / 2);
+    EXPECT_EQ(leftOf({"--align", "right"}), 301 - advance);
+    EXPECT_EQ(leftOf({"--align", "right", "--padding", "10,0,20,0"}), 281 - advance);
+}
+
+TEST(Program, RightToLeftParagraphsStartAtTheRight) {
+    const json lines =
+        measured({"--text", "\u05D0\u05D1\u05D2 abc\nabc \u05D0", "--width", "400"})["lines"];
+    EXPECT_EQ(lines[0]["direction"], "rtl");
+    EXPECT_NEAR(lines[0]["x"].get<int>() + lines[0]["advance"].get<float>(), 400, 1);
+    EXPECT_EQ(lines[1]["direction"], "ltr");
+    EXPECT_EQ(lines[1]["x"], 0);
+}
+
+TEST(Program, WrapsAndStacksLines) {
+    const json measure = measured({"--text", "one two three four five six", "--width", "150"});
+    int bottom = 0;
+    ASSERT_GT(measure["lines"].size(), 2u);
+    for (const json& line : measure["lines"]) {
+        EXPECT_LE(line["advance"], 150);
+        EXPECT_EQ(line["box"]["top"], bottom);
+        bottom = line["box"]["bottom"];
+        EXPECT_GT(line["baseline"], line["box"]["top"]);
+        EXPECT_LT(line["baseline"], bottom);
+    }
+    EXPECT_EQ(measure["image"]["width"], 150);
+    EXPECT_EQ(measure["image"]["height"], bottom);
+}
+
+TEST(Program, BackgroundFillsTheBoxes) {
+    const Image image =
+        picture(runGxtext(withFont({"render", "--text", "ab", "--background", "#FF00FF00"})));
+    EXPECT_EQ(image.pixels.front(), 0xFF00FF00u);
+    EXPECT_TRUE(std::all_of(image.pixels.begin(), image.pixels.end() - image.width,
+                            [](uint32_t pixel) { return pixel >> 24 != 0; }));
+}
+
+TEST(Program, FakesBoldAndItalic) {
+    const Image regular = picture(runGxtext(withFont({"render", "--text", "Il"})));
+    const Image bold = picture(runGxtext(withFont({"render", "--text", "Il", "--bold"})));
+    const Image italic = picture(runGxtext(withFont({"render", "--text", "Il", "--italic"})));
+    EXPECT_GT(countInk(bold), countInk(regular));
+    EXPECT_NE(italic.pixels, regular.pixels);
+}
+
+TEST(Program, PrintsTheEffectKey) {
+    const Outcome plain = runGxtext({"key", "--color", "#336699"});
+    EXPECT_EQ(plain.status, 0);
+    // The fill's letter and the colour's eight digits.
+    EXPECT_EQ(plain.out, "548f8f838386868989\n");
+}
+
+TEST(Program, ListsTheFontsOfAText) {
+    const Outcome outcome = runGxtext(withFont({"fonts", "--json", "--text", "aa\u0628\u4E2D"}));
+    ASSERT_EQ(outcome.status, 0) << outcome.err;
+    const json fonts = json::parse(outcome.out);
+    ASSERT_GE(fonts.size(), 2u);
+    EXPECT_EQ(fonts[0]["file"], kLatin);
+    EXPECT_EQ(fonts[0]["codePoints"], json({"U+0061"}));
+    json all = json::array();
+    for (const json& font : fonts) {
+        for (const json& c : font["codePoints"]) all.push_back(c);
+    }
+    EXPECT_THAT(all, testing::UnorderedElementsAre("U+0061", "U+0628", "U+4E2D"));
+}
+
+TEST(Program, FindsAFontInACollection) {
+    const std::string collection = fontPath(gxtest::kNotoCjk);
+    const auto render = [&](const char* index) {
+        return runGxtext(
+            {"render", "--font", collection, "--font-index", index, "--text", "\u76F4"});
+    };
+    // Japanese and simplified Chinese draw this character differently.
+    const Image japanese = picture(render("0"));
+    const Image chinese = picture(render("2"));
+    EXPECT_GT(countInk(japanese), 100);
+    EXPECT_NE(japanese.pixels, chinese.pixels);
+}
+
+}  // namespace
+}  // namespace gxtool

@@ -1,0 +1,280 @@
+#include "CommandLine.h"
+
+#include <fontconfig/fontconfig.h>
+#include <ft2build.h>
+#include <hb.h>
+#include <png.h>
+#include <unicode/uversion.h>
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <new>
+#include FT_FREETYPE_H
+
+#include "Commands.h"
+#include "FileIo.h"
+#include "StyleFile.h"
+#include "ToolError.h"
+#include "base/GxLog.h"
+
+namespace gxtool {
+
+namespace {
+
+// What the command line says about the style: the file, and changes that go over it in the order
+// given.
+struct StyleArguments {
+    std::string file;
+    std::string text;
+    bool hasText = false;
+    std::vector<std::function<void(Style&)>> changes;
+};
+
+CLI::Validator inRange(const Range& range) {
+    return CLI::Validator(
+        [range](std::string& text) {
+            double value = 0;
+            const bool isNumber = CLI::detail::lexical_cast(text, value);
+            if (isNumber && range.contains(value)) return std::string();
+            return text + (isNumber ? " is out of range " : " is not a number in the range ") +
+                   range.text();
+        },
+        "");
+}
+
+CLI::Validator isColor(bool orNone) {
+    return CLI::Validator(
+        [orNone](std::string& text) {
+            if (parseColor(text) || (orNone && text == "none")) return std::string();
+            return text + " is not a colour (#RRGGBB or #AARRGGBB" + (orNone ? ", none)" : ")");
+        },
+        "");
+}
+
+CLI::Validator isPadding() {
+    return CLI::Validator(
+        [](std::string& text) {
+            if (parsePadding(text)) return std::string();
+            return text + " is not one or four whole numbers, " + limits::kPadding.text();
+        },
+        "");
+}
+
+// One option of the style: converted, checked, and applied over the file later.
+class StyleOptions {
+public:
+    StyleOptions(CLI::App& app, StyleArguments& arguments) : app_(app), arguments_(arguments) {}
+
+    template <typename T>
+    CLI::Option* add(const char* name, const char* help, const char* value, const char* group,
+                     std::function<void(Style&, const T&)> apply) {
+        const auto store = [this, apply](const T& given) {
+            arguments_.changes.push_back([apply, given](Style& style) { apply(style, given); });
+        };
+        return app_.add_option_function<T>(name, store, help)->type_name(value)->group(group);
+    }
+
+    void flag(const char* name, const char* help, const char* group, bool Style::*member) {
+        app_.add_flag_callback(
+                name,
+                [this, member] {
+                    arguments_.changes.push_back([member](Style& style) { style.*member = true; });
+                },
+                help)
+            ->group(group);
+    }
+
+private:
+    CLI::App& app_;
+    StyleArguments& arguments_;
+};
+
+void addTextOptions(CLI::App& app, StyleArguments& arguments, StyleOptions& options) {
+    const char* group = "Text";
+    app.add_option("--text", arguments.text, "Text in UTF-8; - reads standard input")
+        ->type_name("T")
+        ->group(group)
+        ->each([&arguments](const std::string&) { arguments.hasText = true; });
+    options.add<std::string>("--font",
+                             "Font file or family name (default: the system's sans-serif)", "FILE",
+                             group, [](Style& style, const std::string& font) {
+                                 style.font = font;
+                                 style.fontBase.clear();
+                             });
+    options
+        .add<int>("--font-index", "Font inside a collection file, 0-99 (default 0)", "N", group,
+                  [](Style& style, const int& index) { style.fontIndex = index; })
+        ->check(inRange(limits::kFontIndex));
+    options
+        .add<float>("--font-size", "Size in pixels, 1-4096 (default 64)", "PX", group,
+                    [](Style& style, const float& size) { style.size = size; })
+        ->check(inRange(limits::kFontSize));
+    options.flag("--bold", "Bold; faked when the font is not", group, &Style::bold);
+    options.flag("--italic", "Italic; faked when the font is not", group, &Style::italic);
+    options.add<std::string>("--locale", "Languages, BCP 47, comma-separated (default none)",
+                             "TAGS", group,
+                             [](Style& style, const std::string& tags) { style.locale = tags; });
+}
+
+void addColorOptions(StyleOptions& options) {
+    const char* group = "Colour";
+    options
+        .add<std::string>(
+            "--color", "Text colour, #RRGGBB or #AARRGGBB (default #FF000000)", "#AARRGGBB", group,
+            [](Style& style, const std::string& text) { style.color = *parseColor(text); })
+        ->check(isColor(false));
+    options
+        .add<std::string>(
+            "--background", "Box behind each line, or none (default none)", "#AARRGGBB", group,
+            [](Style& style, const std::string& text) { style.background = parseColor(text); })
+        ->check(isColor(true));
+    options
+        .add<float>("--opacity", "Opacity of the text fill, 0-1 (default 1)", "N", group,
+                    [](Style& style, const float& opacity) { style.opacity = opacity; })
+        ->check(inRange(limits::kUnit));
+}
+
+void addLayoutOptions(StyleOptions& options) {
+    const char* group = "Layout";
+    options
+        .add<int>("--width",
+                  "Width in pixels to wrap at, padding included, 1-65535 (default: no wrap)", "PX",
+                  group, [](Style& style, const int& width) { style.width = width; })
+        ->check(inRange(limits::kWidth));
+    options
+        .add<std::string>(
+            "--align", "start, left, center or right (default start)", "ALIGN", group,
+            [](Style& style, const std::string& name) { style.align = *parseAlign(name); })
+        ->check(CLI::IsMember({"start", "left", "center", "right"}).description(""));
+    options
+        .add<std::string>(
+            "--padding", "All sides, or left, top, right, bottom; pixels, 0-4096 (default 0)",
+            "N[,N,N,N]", group,
+            [](Style& style, const std::string& text) { style.padding = *parsePadding(text); })
+        ->check(isPadding());
+}
+
+void addStyleOptions(CLI::App& app, StyleArguments& arguments, StyleOptions& options) {
+    app.add_option("style", arguments.file,
+                   "Style file, JSON; - reads standard input. Options go over it")
+        ->type_name("STYLE.json");
+    addTextOptions(app, arguments, options);
+    addColorOptions(options);
+    addLayoutOptions(options);
+}
+
+Style makeStyle(const StyleArguments& arguments) {
+    if (arguments.file == "-" && arguments.hasText && arguments.text == "-") {
+        throw ToolError("standard input can be the style or the text, not both", kUsage);
+    }
+    Style style;
+    if (!arguments.file.empty()) style = loadStyle(arguments.file);
+    if (arguments.hasText) {
+        style.text = arguments.text;
+        if (arguments.text == "-") {
+            style.text = readInput("-", kMaxTextBytes);
+            // The line end that every text tool puts after the last line.
+            if (style.text->ends_with('\n')) style.text->pop_back();
+        }
+    }
+    for (const auto& change : arguments.changes) change(style);
+    return style;
+}
+
+std::string versionText() {
+    unsigned hbMajor = 0;
+    unsigned hbMinor = 0;
+    unsigned hbMicro = 0;
+    hb_version(&hbMajor, &hbMinor, &hbMicro);
+    FT_Library library = nullptr;
+    FT_Int ftMajor = 0;
+    FT_Int ftMinor = 0;
+    FT_Int ftPatch = 0;
+    if (FT_Init_FreeType(&library) == 0) {
+        FT_Library_Version(library, &ftMajor, &ftMinor, &ftPatch);
+        FT_Done_FreeType(library);
+    }
+    UVersionInfo icuVersion;
+    char icu[U_MAX_VERSION_STRING_LENGTH];
+    u_getVersion(icuVersion);
+    u_versionToString(icuVersion, icu);
+    const int fc = FcGetVersion();
+    char text[256];
+    snprintf(
+        text, sizeof(text),
+        "gxtext %s\nHarfBuzz %u.%u.%u\nFreeType %d.%d.%d\nICU %s\nlibpng %s\nfontconfig %d.%d.%d",
+        GXTEXT_VERSION, hbMajor, hbMinor, hbMicro, ftMajor, ftMinor, ftPatch, icu,
+        png_get_libpng_ver(nullptr), fc / 10000, fc / 100 % 100, fc % 100);
+    return text;
+}
+
+// One subcommand with its arguments; they live as long as the parser does.
+struct Subcommand {
+    StyleArguments arguments;
+    std::unique_ptr<StyleOptions> options;
+    RenderOptions render;
+    bool json = false;
+    CLI::App* app = nullptr;
+
+    Subcommand(CLI::App& parent, const char* name, const char* help)
+        : app(parent.add_subcommand(name, help)) {
+        options = std::make_unique<StyleOptions>(*app, arguments);
+        addStyleOptions(*app, arguments, *options);
+    }
+    void addJson(const char* help) { app->add_flag("--json", json, help)->group("Output"); }
+};
+
+int runParsed(const std::function<void()>& command) {
+    try {
+        command();
+        return kOk;
+    } catch (const ToolError& error) {
+        fprintf(stderr, "gxtext: %s\n", error.what());
+        return error.status;
+    } catch (const std::bad_alloc&) {
+        fprintf(stderr, "gxtext: out of memory\n");
+    } catch (const std::exception& error) {
+        fprintf(stderr, "gxtext: %s\n", error.what());
+    }
+    return kFailure;
+}
+
+}  // namespace
+
+int run(int argc, char** argv, const std::function<void(bool)>& showLibraryLog) {
+    CLI::App app("Renders text with effects to PNG.", "gxtext");
+    app.set_version_flag("--version", versionText());
+    app.require_subcommand(1);
+    app.fallthrough();
+    bool verbose = false;
+    app.add_flag("-v,--verbose", verbose, "Print the library's log on standard error");
+
+    Subcommand render(app, "render", "Render a text to a PNG picture");
+    render.app
+        ->add_option("-o", render.render.output, "PNG file; - writes standard output (default -)")
+        ->type_name("FILE|-")
+        ->group("Output");
+    render.app->add_flag("--strict", render.render.strict, "Fail when a character has no glyph")
+        ->group("Output");
+    Subcommand measure(app, "measure", "Print margins, picture size and the box of each line");
+    measure.addJson("As JSON");
+    Subcommand key(app, "key", "Print the effect key text as hexadecimal bytes");
+    Subcommand fonts(app, "fonts", "Print the fonts that a text would use");
+    fonts.addJson("As JSON");
+
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error) == 0 ? kOk : kUsage;
+    }
+    showLibraryLog(verbose);
+    GxFontEffect::GxLog::DEBUG_ENABLE = verbose;
+    return runParsed([&] {
+        if (render.app->parsed()) renderCommand(makeStyle(render.arguments), render.render);
+        if (measure.app->parsed()) measureCommand(makeStyle(measure.arguments), measure.json);
+        if (key.app->parsed()) keyCommand(makeStyle(key.arguments));
+        if (fonts.app->parsed()) fontsCommand(makeStyle(fonts.arguments), fonts.json);
+    });
+}
+
+}  // namespace gxtool

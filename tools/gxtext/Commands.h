@@ -1,0 +1,31 @@
+// The subcommands. Each does its work and throws ToolError when it cannot.
+#pragma once
+
+#include <nlohmann/json_fwd.hpp>
+#include <string>
+#include <vector>
+
+#include "Scene.h"
+#include "Style.h"
+
+namespace gxtool {
+
+struct RenderOptions {
+    std::string output = "-";
+    bool strict = false;  // missing glyphs are a failure
+};
+
+void renderCommand(const Style& style, const RenderOptions& options);
+void measureCommand(const Style& style, bool asJson);
+void keyCommand(const Style& style);
+void fontsCommand(const Style& style, bool asJson);
+
+// "U+0041, U+1F600"
+std::string formatCodePoints(const std::vector<char32_t>& codePoints);
+// Indented, with a final line break; file names that are no UTF-8 come out with replacement
+// characters.
+std::string printedJson(const nlohmann::ordered_json& value);
+// Warns on standard error of code points that no font has; throws when `strict`.
+void reportMissing(const Scene& scene, bool strict);
+
+}  // namespace gxtool

@@ -1,0 +1,344 @@
+#include "Fonts.h"
+
+#include <fontconfig/fontconfig.h>
+
+// After fontconfig.h, whose macros it uses.
+#include <fontconfig/fcfreetype.h>
+#include <strings.h>
+#include <unicode/uchar.h>
+#include <unicode/uscript.h>
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <memory>
+#include <set>
+
+#include "ToolError.h"
+
+namespace gxtool {
+
+namespace {
+
+struct Release {
+    void operator()(FcPattern* pattern) const { FcPatternDestroy(pattern); }
+    void operator()(FcCharSet* set) const { FcCharSetDestroy(set); }
+};
+using PatternPtr = std::unique_ptr<FcPattern, Release>;
+using CharSetPtr = std::unique_ptr<FcCharSet, Release>;
+
+constexpr char32_t kEmojiSelector = 0xFE0F;
+constexpr const char* kEmojiLocale = "und-Zsye";
+
+std::string stringOf(const FcPattern* pattern, const char* object) {
+    FcChar8* value = nullptr;
+    if (FcPatternGetString(pattern, object, 0, &value) != FcResultMatch) return {};
+    return reinterpret_cast<const char*>(value);
+}
+
+int integerOf(const FcPattern* pattern, const char* object, int otherwise) {
+    int value = otherwise;
+    return FcPatternGetInteger(pattern, object, 0, &value) == FcResultMatch ? value : otherwise;
+}
+
+bool flagOf(const FcPattern* pattern, const char* object) {
+    FcBool value = FcFalse;
+    return FcPatternGetBool(pattern, object, 0, &value) == FcResultMatch && value == FcTrue;
+}
+
+// A face with what it covers.
+struct Match {
+    FontFace face;
+    PatternPtr pattern;
+    const FcCharSet* coverage = nullptr;  // owned by the pattern
+
+    explicit operator bool() const { return coverage != nullptr; }
+    bool covers(char32_t c) const { return FcCharSetHasChar(coverage, c) == FcTrue; }
+};
+
+Match describe(PatternPtr pattern) {
+    Match match;
+    FcCharSet* coverage = nullptr;
+    const std::string format = stringOf(pattern.get(), FC_FONTFORMAT);
+    // Shaping needs the tables of these two.
+    if (format != "TrueType" && format != "CFF") return match;
+    if (FcPatternGetCharSet(pattern.get(), FC_CHARSET, 0, &coverage) != FcResultMatch) return match;
+    match.face.file = stringOf(pattern.get(), FC_FILE);
+    // The upper half numbers the named instances of a variable font.
+    match.face.index = integerOf(pattern.get(), FC_INDEX, 0) & 0xFFFF;
+    match.face.weight = FcWeightToOpenType(integerOf(pattern.get(), FC_WEIGHT, FC_WEIGHT_REGULAR));
+    match.face.italic = integerOf(pattern.get(), FC_SLANT, FC_SLANT_ROMAN) != FC_SLANT_ROMAN;
+    match.face.family = stringOf(pattern.get(), FC_FAMILY);
+    match.coverage = coverage;
+    match.pattern = std::move(pattern);
+    return match;
+}
+
+struct Wanted {
+    std::string family;
+    bool bold = false;
+    bool italic = false;
+    bool color = false;
+    std::string language{};  // as fontconfig writes it; may be empty
+    const FcCharSet* characters = nullptr;
+};
+
+// The installed face that fontconfig finds nearest; nothing when none is usable at all.
+Match findInstalled(const Wanted& wanted) {
+    const PatternPtr pattern(FcPatternCreate());
+    const auto addString = [&](const char* object, const std::string& value) {
+        FcPatternAddString(pattern.get(), object, reinterpret_cast<const FcChar8*>(value.c_str()));
+    };
+    addString(FC_FAMILY, wanted.family);
+    if (!wanted.language.empty()) addString(FC_LANG, wanted.language);
+    FcPatternAddInteger(pattern.get(), FC_WEIGHT, wanted.bold ? FC_WEIGHT_BOLD : FC_WEIGHT_REGULAR);
+    FcPatternAddInteger(pattern.get(), FC_SLANT, wanted.italic ? FC_SLANT_ITALIC : FC_SLANT_ROMAN);
+    FcPatternAddBool(pattern.get(), FC_COLOR, wanted.color);
+    FcPatternAddBool(pattern.get(), FC_VARIABLE, FcFalse);
+    if (wanted.characters) FcPatternAddCharSet(pattern.get(), FC_CHARSET, wanted.characters);
+    FcConfigSubstitute(nullptr, pattern.get(), FcMatchPattern);
+    FcDefaultSubstitute(pattern.get());
+    FcResult result = FcResultNoMatch;
+    PatternPtr found(FcFontMatch(nullptr, pattern.get(), &result));
+    return found ? describe(std::move(found)) : Match();
+}
+
+bool equalNames(const std::string& a, const std::string& b) {
+    return strcasecmp(a.c_str(), b.c_str()) == 0;
+}
+
+bool isGenericName(const std::string& name) {
+    constexpr std::array generic{"sans-serif", "serif", "monospace", "cursive",
+                                 "fantasy",    "math",  "system-ui", "emoji"};
+    return std::any_of(generic.begin(), generic.end(), [&](auto g) { return equalNames(name, g); });
+}
+
+bool hasFamilyName(const FcPattern* pattern, const std::string& name) {
+    FcChar8* value = nullptr;
+    for (int i = 0; FcPatternGetString(pattern, FC_FAMILY, i, &value) == FcResultMatch; i++) {
+        if (equalNames(name, reinterpret_cast<const char*>(value))) return true;
+    }
+    return false;
+}
+
+Match openFile(const std::filesystem::path& file, int index) {
+    std::error_code error;
+    const auto status = std::filesystem::status(file, error);
+    if (!std::filesystem::exists(status)) throw ToolError("no font file " + file.string());
+    if (!std::filesystem::is_regular_file(status))
+        throw ToolError(file.string() + " is not a file");
+    int faceCount = 0;
+    const auto query = [&](int face) {
+        return PatternPtr(FcFreeTypeQuery(reinterpret_cast<const FcChar8*>(file.c_str()),
+                                          static_cast<unsigned>(face), nullptr, &faceCount));
+    };
+    PatternPtr pattern = query(index);
+    if (!pattern && index > 0 && query(0)) {
+        throw ToolError(file.string() + " has no font " + std::to_string(index) + "; it holds " +
+                        std::to_string(faceCount) + ", counted from 0");
+    }
+    Match match = pattern ? describe(std::move(pattern)) : Match();
+    if (!match) throw ToolError(file.string() + " is not a TrueType or OpenType font");
+    match.face.file = file.string();
+    match.face.index = index;
+    return match;
+}
+
+// Names of files and of families share one field: what looks like a path, or is there, is a file.
+std::optional<std::filesystem::path> asFile(const Style& style) {
+    const std::filesystem::path path = (style.fontBase / style.font).lexically_normal();
+    const std::string extension = path.extension().string();
+    const bool looksLikeFile = style.font.find('/') != std::string::npos ||
+                               equalNames(extension, ".ttf") || equalNames(extension, ".otf") ||
+                               equalNames(extension, ".ttc") || equalNames(extension, ".otc");
+    std::error_code ignored;
+    if (looksLikeFile || std::filesystem::is_regular_file(path, ignored)) return path;
+    return std::nullopt;
+}
+
+UScriptCode scriptOf(char32_t c) {
+    UErrorCode status = U_ZERO_ERROR;
+    const UScriptCode script = uscript_getScript(static_cast<UChar32>(c), &status);
+    return U_SUCCESS(status) ? script : USCRIPT_UNKNOWN;
+}
+
+// Han characters are shared by several languages: the style's locale decides, then the other
+// scripts of the text.
+std::string languageOfHan(const Style& style, const std::vector<char32_t>& text) {
+    for (const char* tag : {"ja", "ko", "zh-Hant", "zh-TW", "zh-HK", "zh"}) {
+        if (style.locale.find(tag) == std::string::npos) continue;
+        if (std::string_view(tag) == "zh") return "zh-cn";
+        return tag[0] == 'z' ? "zh-tw" : tag;
+    }
+    for (const char32_t c : text) {
+        const UScriptCode script = scriptOf(c);
+        if (script == USCRIPT_HIRAGANA || script == USCRIPT_KATAKANA) return "ja";
+        if (script == USCRIPT_HANGUL) return "ko";
+        if (script == USCRIPT_BOPOMOFO) return "zh-tw";
+    }
+    return "zh-cn";
+}
+
+// The locale list that the system's font configuration would give a family for this script.
+std::string localesOf(UScriptCode script, const std::string& hanLanguage) {
+    switch (script) {
+        case USCRIPT_COMMON:
+        case USCRIPT_INHERITED:
+        case USCRIPT_UNKNOWN:
+        case USCRIPT_LATIN:
+            return {};
+        case USCRIPT_HIRAGANA:
+        case USCRIPT_KATAKANA:
+            return "ja";
+        case USCRIPT_HANGUL:
+            return "ko";
+        case USCRIPT_HAN:
+            if (hanLanguage == "zh-cn") return "zh-Hans";
+            return hanLanguage == "zh-tw" ? "zh-Hant" : hanLanguage;
+        default:
+            return std::string("und-") + uscript_getShortName(script);
+    }
+}
+
+std::string languageOf(UScriptCode script, const std::string& hanLanguage) {
+    switch (script) {
+        case USCRIPT_HIRAGANA:
+        case USCRIPT_KATAKANA:
+            return "ja";
+        case USCRIPT_HANGUL:
+            return "ko";
+        case USCRIPT_BOPOMOFO:
+            return "zh-tw";
+        case USCRIPT_HAN:
+            return hanLanguage;
+        default:
+            return {};
+    }
+}
+
+// Collects fallbacks for the code points that the first face lacks.
+class FallbackFinder {
+public:
+    FallbackFinder(const Style& style, const std::vector<char32_t>& text, const Match& first)
+        : style_(style), text_(text), hanLanguage_(languageOfHan(style, text)) {
+        for (const char32_t c : text) {
+            if (needsGlyph(c) && !first.covers(c)) missing_.insert(c);
+        }
+    }
+
+    std::vector<FontFace> run() {
+        const bool emojiFirst = addEmoji();
+        while (!missing_.empty()) {
+            const char32_t c = *missing_.begin();
+            if (!addFor(c)) missing_.erase(c);  // no font has it
+        }
+        if (!emojiFirst && faces_.size() > 1) {
+            std::rotate(faces_.begin(), faces_.begin() + 1, faces_.end());
+        }
+        return std::move(faces_);
+    }
+
+private:
+    // Characters that are pictures by default, and those that a selector turns into pictures, go to
+    // the emoji font. Returns whether it may stand before the others: it also has digits, which it
+    // must not take from a text font.
+    bool addEmoji() {
+        std::set<char32_t> emoji;
+        for (size_t i = 0; i < text_.size(); i++) {
+            const bool selected = i + 1 < text_.size() && text_[i + 1] == kEmojiSelector;
+            const bool byDefault =
+                u_hasBinaryProperty(static_cast<UChar32>(text_[i]), UCHAR_EMOJI_PRESENTATION);
+            if (selected || (byDefault && missing_.count(text_[i]))) emoji.insert(text_[i]);
+        }
+        if (emoji.empty()) return true;
+        Match match = findInstalled({.family = "emoji", .color = true, .language = "und-zsye"});
+        if (!match || !flagOf(match.pattern.get(), FC_COLOR)) return true;
+        bool first = true;
+        std::erase_if(missing_, [&](char32_t c) {
+            if (!match.covers(c)) return false;
+            if (emoji.count(c)) return true;
+            first = false;
+            return false;
+        });
+        match.face.locales = kEmojiLocale;
+        faces_.push_back(match.face);
+        return first;
+    }
+
+    // A face for c that covers as much as possible of what else is missing in its script.
+    bool addFor(char32_t c) {
+        const UScriptCode script = scriptOf(c);
+        const CharSetPtr same(FcCharSetCreate());
+        for (const char32_t other : missing_) {
+            if (scriptOf(other) == script) FcCharSetAddChar(same.get(), other);
+        }
+        const CharSetPtr alone(FcCharSetCreate());
+        FcCharSetAddChar(alone.get(), c);
+        for (const FcCharSet* characters : {same.get(), alone.get()}) {
+            Match match = findInstalled({.family = "sans-serif",
+                                         .bold = style_.bold,
+                                         .italic = style_.italic,
+                                         .language = languageOf(script, hanLanguage_),
+                                         .characters = characters});
+            if (!match || !match.covers(c)) continue;
+            std::erase_if(missing_, [&](char32_t m) { return match.covers(m); });
+            match.face.locales = localesOf(script, hanLanguage_);
+            faces_.push_back(match.face);
+            return true;
+        }
+        return false;
+    }
+
+    const Style& style_;
+    const std::vector<char32_t>& text_;
+    const std::string hanLanguage_;
+    std::set<char32_t> missing_;
+    std::vector<FontFace> faces_;
+};
+
+Match findFirst(const Style& style, FontChoice& choice) {
+    if (style.font.empty()) {
+        Match match =
+            findInstalled({.family = "sans-serif", .bold = style.bold, .italic = style.italic});
+        if (!match) throw ToolError("no font is installed; name a font file");
+        return match;
+    }
+    if (const auto file = asFile(style)) {
+        Match match = openFile(*file, style.fontIndex);
+        // A text object's own font file is face 0 and counts as upright whatever it is, so it would
+        // be slanted twice.
+        choice.userFile = style.fontIndex == 0 && !(style.italic && match.face.italic);
+        return match;
+    }
+    Match match = findInstalled({.family = style.font,
+                                 .bold = style.bold,
+                                 .italic = style.italic,
+                                 .color = equalNames(style.font, "emoji")});
+    if (!match || (!isGenericName(style.font) && !hasFamilyName(match.pattern.get(), style.font))) {
+        throw ToolError("no font family \"" + style.font + "\" is installed" +
+                        (match ? "; the nearest is \"" + match.face.family + "\"" : ""));
+    }
+    choice.familyName = style.font;
+    return match;
+}
+
+}  // namespace
+
+bool needsGlyph(char32_t codePoint) {
+    const auto c = static_cast<UChar32>(codePoint);
+    const int8_t type = u_charType(c);
+    return type != U_CONTROL_CHAR && type != U_LINE_SEPARATOR && type != U_PARAGRAPH_SEPARATOR &&
+           !u_hasBinaryProperty(c, UCHAR_DEFAULT_IGNORABLE_CODE_POINT);
+}
+
+FontChoice chooseFonts(const Style& style, const std::vector<char32_t>& text) {
+    FontChoice choice;
+    Match first = findFirst(style, choice);
+    choice.fakeBold = style.bold && first.face.weight < 600;
+    choice.faces.push_back(first.face);
+    std::vector<FontFace> fallbacks = FallbackFinder(style, text, first).run();
+    choice.faces.insert(choice.faces.end(), fallbacks.begin(), fallbacks.end());
+    return choice;
+}
+
+}  // namespace gxtool

@@ -1,0 +1,29 @@
+// Pictures in and out: PNG, 8 bits per channel, straight alpha.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace gxtool {
+
+// 0xAARRGGBB words, straight alpha, rows packed, width x height of them.
+struct Image {
+    uint32_t width = 0;
+    uint32_t height = 0;
+    std::vector<uint32_t> pixels;
+};
+
+// Largest picture that is read or rendered: 64 Mi pixels, 256 MiB decoded.
+constexpr uint64_t kMaxPixels = uint64_t{1} << 26;
+
+// The file's bytes: RGBA, no timestamp or text, the same for the same pixels. `pixels` holds width
+// x height words. Throws ToolError when the encoder runs out of memory and for an empty picture.
+std::string encodePng(const uint32_t* pixels, uint32_t width, uint32_t height);
+
+// Any PNG, converted to 8-bit RGBA. `name` is for messages. Throws ToolError for bytes that are no
+// PNG, truncated or damaged files, and more than kMaxPixels.
+Image decodePng(std::string_view bytes, const std::string& name);
+
+}  // namespace gxtool

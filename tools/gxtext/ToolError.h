@@ -1,0 +1,24 @@
+// How the program fails: a message for stderr and an exit status.
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace gxtool {
+
+enum ExitStatus : int {
+    kOk = 0,
+    kFailure = 1,  // the input or the machine: unreadable file, wrong style, no font
+    kUsage = 2,    // the command line
+};
+
+// Thrown anywhere, caught once by run(), which prints "gxtext: " and the message.
+class ToolError : public std::runtime_error {
+public:
+    explicit ToolError(const std::string& message, ExitStatus status = kFailure)
+        : std::runtime_error(message), status(status) {}
+
+    ExitStatus status;
+};
+
+}  // namespace gxtool
