@@ -123,8 +123,9 @@ TEST_P(BlendRows, EqualThePlainFormAtEveryWidth) {
                 if (HasFatalFailure()) return;
             }
         }
+        for (size_t width = 505; width < 520; ++width) check(operation, width, 3, 1, 3);
         check(operation, 41, 50, 0, 0);  // packed rows, which are taken as one
-        check(operation, 640, 20, 1, 3);
+        check(operation, 1100, 20, 1, 3);
         if (HasFatalFailure()) return;
     }
 }

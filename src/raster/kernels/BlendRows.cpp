@@ -30,62 +30,47 @@ using plain::swapRedBlueRow;
 
 #else
 
-// `d` under which `s`, already scaled by its coverage, is put. Where the destination is transparent
-// and the source is not, the old colour bytes go.
-HWY_INLINE V8 dstOver(V8 d, Channels s, V16 sourceIsEmpty) {
-    const V16 alpha = alphaFactor(d);
-    const V16 replaced = isZero(hn::Or(alpha, sourceIsEmpty));
-    return hn::SaturatedAdd(clearWhere(replaced, d), join(scale(s, inverse(alpha))));
+// `d` with `s`, already scaled by its coverage, put under it. `emptySource` is all ones where `s`
+// has no coverage. Where the destination is transparent and the source is not, the old colour bytes
+// go.
+HWY_INLINE V8 dstOver(V8 d, Channels s, V16 emptySource) {
+    const V16 taken = hn::Or(alphaFactor(d), emptySource);
+    // The inverse of all ones is 0x00FF, which scales every channel to 0.
+    return hn::SaturatedAdd(clearWhere(isZero(taken), d), join(scale(s, inverse(taken))));
 }
 
+template <bool kOpaque>
 struct SrcOver8 {
     Tint tint;
     V8 weakest;  // the strongest mask byte that gives no step of alpha
     V16 alphaPlusOne;
-    bool opaque;
 
     explicit HWY_INLINE SrcOver8(Rgba color)
         : tint(color),
           weakest(hn::Set(d8, static_cast<uint8_t>(255 / (color.a + 1)))),
-          alphaPlusOne(hn::Set(d16, static_cast<uint16_t>(color.a + 1))),
-          opaque(color.a == 255) {}
+          alphaPlusOne(hn::Set(d16, static_cast<uint16_t>(color.a + 1))) {}
 
-    HWY_INLINE void operator()(Rgba* out, const uint8_t* mask) const {
-        const V8 all = hn::LoadU(d8, mask);
-        const V8 m = hn::IfThenZeroElse(hn::Eq(hn::Min(all, weakest), all), all);
-        if (allBytesAre(m, 0)) return;
-        if (opaque && allBytesAre(m, 255)) {
-            for (size_t i = 0; i < 4; ++i) storePixels(tint.pixels, out + i * kVectorPixels);
-            return;
-        }
-        const MaskBlock block(m);
-        for (size_t i = 0; i < 4; ++i) {
-            Rgba* p = out + i * kVectorPixels;
-            const V16 factor = block.factor(i);
-            const V16 alpha = hn::ShiftLeft<8>(hn::MulHigh(alphaPlusOne, factor));
-            const V8 d = join(scale(split(loadPixels(p)), inverse(alpha)));
-            storePixels(hn::SaturatedAdd(d, join(tint.scaled(factor))), p);
-        }
+    HWY_INLINE V8 weights(V8 mask) const {
+        if constexpr (kOpaque) return mask;
+        return hn::IfThenZeroElse(hn::Eq(hn::Max(mask, weakest), weakest), mask);
     }
+    HWY_INLINE V8 operator()(V8 d, V16 factor) const {
+        V16 alpha = factor;
+        if constexpr (!kOpaque) alpha = hn::ShiftLeft<8>(hn::MulHigh(alphaPlusOne, factor));
+        return hn::SaturatedAdd(join(scale(split(d), inverse(alpha))), join(tint.scaled(factor)));
+    }
+    HWY_INLINE V8 full() const requires kOpaque { return tint.pixels; }
 };
 
+template <bool kOnOff>  // any coverage counts as full
 struct DstOver8 {
     Tint tint;
-    bool onOff;  // any coverage counts as full
 
-    HWY_INLINE void operator()(Rgba* out, const uint8_t* mask) const {
-        V8 m = hn::LoadU(d8, mask);
-        if (allBytesAre(m, 0)) return;
-        if (onOff) m = hn::VecFromMask(d8, hn::Ne(m, hn::Zero(d8)));
-        V8 d[4];
-        for (size_t i = 0; i < 4; ++i) d[i] = loadPixels(out + i * kVectorPixels);
-        if (allOpaque(hn::And(hn::And(d[0], d[1]), hn::And(d[2], d[3])))) return;
-        const MaskBlock block(m);
-        for (size_t i = 0; i < 4; ++i) {
-            const V16 factor = block.factor(i);
-            storePixels(dstOver(d[i], tint.scaled(factor), isZero(factor)),
-                        out + i * kVectorPixels);
-        }
+    HWY_INLINE V8 weights(V8 mask) const {
+        return kOnOff ? hn::VecFromMask(d8, hn::Ne(mask, hn::Zero(d8))) : mask;
+    }
+    HWY_INLINE V8 operator()(V8 d, V16 factor) const {
+        return dstOver(d, tint.scaled(factor), isZero(factor));
     }
 };
 
@@ -95,25 +80,17 @@ struct DstOver8 {
 struct DstOverSa8 {
     Tint tint;
 
-    HWY_INLINE void operator()(Rgba* out, const uint8_t* mask) const {
-        const V8 m = hn::LoadU(d8, mask);
-        if (allBytesAre(m, 0)) return;
-        const MaskBlock block(m);
-        for (size_t i = 0; i < 4; ++i) {
-            Rgba* p = out + i * kVectorPixels;
-            const V8 d = loadPixels(p);
-            const V16 factor = block.factor(i);
-            const V16 alpha = alphaFactor(d);
-            const V16 empty = isZero(alpha);
-            const Channels old = split(clearWhere(empty, d));
-            const Channels under = scale(tint.scaled(factor), inverse(alpha));
-            const V16 weakening = hn::Or(factor, hn::And(empty, hn::Set(d16, 0xFF00)));
-            const V16 most = hn::Set(d16, 255);
-            const Channels sum = {hn::Min(scale(hn::Add(old.rb, under.rb), weakening), most),
-                                  hn::Min(scale(hn::Add(old.ga, under.ga), weakening), most)};
-            const V8 uncovered = bytes(isZero(factor));
-            storePixels(hn::IfVecThenElse(uncovered, d, join(sum)), p);
-        }
+    HWY_INLINE V8 weights(V8 mask) const { return mask; }
+    HWY_INLINE V8 operator()(V8 d, V16 factor) const {
+        const V16 alpha = alphaFactor(d);
+        const V16 empty = isZero(alpha);
+        const Channels old = split(clearWhere(empty, d));
+        const Channels under = scale(tint.scaled(factor), inverse(alpha));
+        const V16 weakening = hn::Or(factor, hn::And(empty, hn::Set(d16, 0xFF00)));
+        const V16 most = hn::Set(d16, 255);
+        const Channels sum = {hn::Min(scale(hn::Add(old.rb, under.rb), weakening), most),
+                              hn::Min(scale(hn::Add(old.ga, under.ga), weakening), most)};
+        return hn::IfVecThenElse(bytes(isZero(factor)), d, join(sum));
     }
 };
 
@@ -122,10 +99,9 @@ struct Overwrite8 {
     V16 alphaPlusOne;
 
     HWY_INLINE void operator()(Rgba* out, const uint8_t* mask) const {
-        const MaskBlock block(hn::LoadU(d8, mask));
-        for (size_t i = 0; i < 4; ++i) {
-            const V16 alpha = hn::ShiftLeft<8>(hn::MulHigh(alphaPlusOne, block.factor(i)));
-            storePixels(hn::Or(color, onlyAlpha(bytes(alpha))), out + i * kVectorPixels);
+        for (size_t x = 0; x < kBlockPixels; x += kVectorPixels) {
+            const V16 alpha = hn::ShiftLeft<8>(hn::MulHigh(alphaPlusOne, maskFactor(mask + x)));
+            storePixels(hn::Or(color, onlyAlpha(bytes(alpha))), out + x);
         }
     }
 };
@@ -136,65 +112,96 @@ struct Max8 {
     }
 };
 
+// Source pixels in their own order; each pair of channels takes one step to get out.
 template <SourceOrder kOrder>
-HWY_INLINE V8 loadSource(const Rgba* p) {
-    const V8 s = loadPixels(p);
-    if constexpr (kOrder == SourceOrder::kBgra) return shuffled(s, kSwapRedBlue);
-    if constexpr (kOrder == SourceOrder::kArgb) return shuffled(s, kArgbToRgba);
-    return s;
-}
+struct SourceVector {
+    V8 pixels;
+
+    explicit HWY_INLINE SourceVector(const Rgba* p) : pixels(loadPixels(p)) {}
+
+    HWY_INLINE Channels channels() const {
+        constexpr uint8_t kNo = PixelShuffle::kZero;
+        if constexpr (kOrder == SourceOrder::kBgra) {
+            static constexpr PixelShuffle kRedBlue(2, kNo, 0, kNo);
+            return {lanes16(kRedBlue(pixels)), split(pixels).ga};
+        } else if constexpr (kOrder == SourceOrder::kArgb) {
+            static constexpr PixelShuffle kGreenAlpha(2, kNo, 0, kNo);
+            return {split(pixels).ga, lanes16(kGreenAlpha(pixels))};
+        } else {
+            return split(pixels);
+        }
+    }
+    HWY_INLINE V16 alpha() const {
+        return alphaFactor < kOrder == SourceOrder::kArgb ? 0 : 3 > (pixels);
+    }
+    HWY_INLINE V8 rgba() const {
+        static constexpr PixelShuffle kBgraToRgba(2, 1, 0, 3), kArgbToRgba(1, 2, 3, 0);
+        if constexpr (kOrder == SourceOrder::kBgra) return kBgraToRgba(pixels);
+        if constexpr (kOrder == SourceOrder::kArgb) return kArgbToRgba(pixels);
+        return pixels;
+    }
+};
 
 template <SourceOrder kOrder>
 struct SrcOver32 {
+    HWY_INLINE bool isIdle(const Rgba*, const Rgba* source) const {
+        return allBytesAre(anyBits(source), 0);
+    }
+
     HWY_INLINE void operator()(Rgba* out, const Rgba* source) const {
-        for (size_t i = 0; i < 4; ++i) {
-            Rgba* p = out + i * kVectorPixels;
-            const V8 s = loadSource<kOrder>(source + i * kVectorPixels);
-            const V8 d = join(scale(split(loadPixels(p)), inverse(alphaFactor(s))));
-            storePixels(hn::SaturatedAdd(d, s), p);
+        for (size_t x = 0; x < kBlockPixels; x += kVectorPixels) {
+            Rgba* p = out + x;
+            const SourceVector<kOrder> s(source + x);
+            const V8 d = join(scale(split(loadPixels(p)), inverse(s.alpha())));
+            storePixels(hn::SaturatedAdd(d, s.rgba()), p);
         }
     }
 };
 
 template <SourceOrder kOrder>
 struct DstOver32 {
+    HWY_INLINE bool isIdle(const Rgba*, const Rgba* source) const {
+        const V8 any = anyBits(source);
+        return kOrder == SourceOrder::kArgb ? allBytesAre(bytes(alphaFactor<0>(any)), 0)
+                                            : allTransparent(any);
+    }
+
     HWY_INLINE void operator()(Rgba* out, const Rgba* source) const {
-        V8 s[4], d[4];
-        for (size_t i = 0; i < 4; ++i) s[i] = loadSource<kOrder>(source + i * kVectorPixels);
-        if (allTransparent(hn::Or(hn::Or(s[0], s[1]), hn::Or(s[2], s[3])))) return;
-        for (size_t i = 0; i < 4; ++i) d[i] = loadPixels(out + i * kVectorPixels);
-        if (allOpaque(hn::And(hn::And(d[0], d[1]), hn::And(d[2], d[3])))) return;
-        for (size_t i = 0; i < 4; ++i) {
-            const V16 empty = isZero(alphaFactor(s[i]));
-            storePixels(dstOver(d[i], split(clearWhere(empty, s[i])), empty),
-                        out + i * kVectorPixels);
+        for (size_t x = 0; x < kBlockPixels; x += kVectorPixels) {
+            Rgba* p = out + x;
+            const SourceVector<kOrder> s(source + x);
+            storePixels(dstOver(loadPixels(p), s.channels(), isZero(s.alpha())), p);
         }
     }
 };
 
 struct SwapRedBlue {
     HWY_INLINE void operator()(Rgba* out) const {
-        for (size_t i = 0; i < 4; ++i) {
-            Rgba* p = out + i * kVectorPixels;
-            storePixels(shuffled(loadPixels(p), kSwapRedBlue), p);
+        static constexpr PixelShuffle kSwap(2, 1, 0, 3);
+        for (size_t x = 0; x < kBlockPixels; x += kVectorPixels) {
+            storePixels(kSwap(loadPixels(out + x)), out + x);
         }
     }
 };
 
 void srcOver8Rows(const BlendArea& area, Rgba color) {
-    forEachBlockOf<Rgba, uint8_t>(area, SrcOver8(color));
+    if (color.a == 255) {
+        blendRows(area, SrcOver8<true>(color));
+    } else {
+        blendRows(area, SrcOver8<false>(color));
+    }
 }
 
 void dstOver8Rows(const BlendArea& area, Rgba color) {
-    forEachBlockOf<Rgba, uint8_t>(area, DstOver8{Tint(color), false});
+    blendRows(area, DstOver8<false>{Tint(color)});
 }
 
 void dstOverNsa8Rows(const BlendArea& area, Rgba color) {
-    forEachBlockOf<Rgba, uint8_t>(area, DstOver8{Tint(color), true});
+    blendRows(area, DstOver8<true>{Tint(color)});
 }
 
 void dstOverSa8Rows(const BlendArea& area, Rgba color) {
-    forEachBlockOf<Rgba, uint8_t>(area, DstOverSa8{Tint(color)});
+    blendRows(area, DstOverSa8{Tint(color)});
 }
 
 void overwrite8Rows(const BlendArea& area, Rgba color) {

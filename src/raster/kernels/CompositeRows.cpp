@@ -20,46 +20,30 @@ using plain::mixLayersRow;
 
 #else
 
+// Weighs the back layer, so that it is left out where the mask is full.
 struct MixLayers {
-    HWY_INLINE void operator()(Rgba* out, const Rgba* back, const uint8_t* mask) const {
-        const V8 m = hn::LoadU(d8, mask);
-        if (allBytesAre(m, 255)) return;
-        if (allBytesAre(m, 0)) {
-            for (size_t i = 0; i < 4; ++i) {
-                storePixels(loadPixels(back + i * kVectorPixels), out + i * kVectorPixels);
-            }
-            return;
-        }
-        const MaskBlock block(m);
-        for (size_t i = 0; i < 4; ++i) {
-            Rgba* p = out + i * kVectorPixels;
-            const V16 factor = block.factor(i);
-            const V8 under = loadPixels(back + i * kVectorPixels);
-            storePixels(hn::SaturatedAdd(join(scale(split(under), inverse(factor))),
-                                         join(scale(split(loadPixels(p)), factor))),
-                        p);
-        }
+    HWY_INLINE V8 weights(V8 mask) const { return hn::Not(mask); }
+    HWY_INLINE V8 operator()(V8 d, V16 factor, V8 back) const {
+        return hn::SaturatedAdd(join(scale(split(back), factor)),
+                                join(scale(split(d), inverse(factor))));
     }
+    HWY_INLINE V8 full(V8 back) const { return back; }
 };
 
 struct FadeAndUnpremultiply {
     V16 factor;
+    bool fades;
 
     explicit HWY_INLINE FadeAndUnpremultiply(uint32_t alpha)
-        : factor(hn::Set(d16, static_cast<uint16_t>(alpha << 8))) {}
+        : factor(hn::Set(d16, static_cast<uint16_t>(alpha << 8))), fades(alpha != 255) {}
 
+    HWY_INLINE bool isIdle(const Rgba* out) const {
+        return allBytesAre(anyBits(out), 0) | (!fades & allOpaque(commonBits(out)));
+    }
     HWY_INLINE void operator()(Rgba* out) const {
-        V8 p[4];
-        for (size_t i = 0; i < 4; ++i) {
-            p[i] = join(scale(split(loadPixels(out + i * kVectorPixels)), factor));
-        }
-        if (allTransparent(hn::Or(hn::Or(p[0], p[1]), hn::Or(p[2], p[3])))) {
-            for (size_t i = 0; i < 4; ++i) storePixels(hn::Zero(d8), out + i * kVectorPixels);
-            return;
-        }
-        const bool opaque = allOpaque(hn::And(hn::And(p[0], p[1]), hn::And(p[2], p[3])));
-        for (size_t i = 0; i < 4; ++i) {
-            storePixels(opaque ? p[i] : straight(p[i]), out + i * kVectorPixels);
+        for (size_t x = 0; x < kBlockPixels; x += kVectorPixels) {
+            Rgba* p = out + x;
+            storePixels(straight(join(scale(split(loadPixels(p)), factor))), p);
         }
     }
 
@@ -94,25 +78,15 @@ struct FadeAndUnpremultiply {
 };
 
 struct ClearUncovered {
-    HWY_INLINE void operator()(Rgba* out, const uint8_t* mask) const {
-        const V8 uncovered = hn::VecFromMask(d8, hn::Eq(hn::LoadU(d8, mask), hn::Zero(d8)));
-        if (allBytesAre(uncovered, 0)) return;
-        if (allBytesAre(uncovered, 255)) {
-            for (size_t i = 0; i < 4; ++i) storePixels(hn::Zero(d8), out + i * kVectorPixels);
-            return;
-        }
-        const MaskBlock block(uncovered);
-        for (size_t i = 0; i < 4; ++i) {
-            Rgba* p = out + i * kVectorPixels;
-            const V16 factor = block.factor(i);
-            const V16 whole = hn::Or(factor, hn::ShiftRight<8>(factor));
-            storePixels(clearWhere(whole, loadPixels(p)), p);
-        }
+    HWY_INLINE V8 weights(V8 mask) const { return hn::VecFromMask(d8, hn::Eq(mask, hn::Zero(d8))); }
+    HWY_INLINE V8 operator()(V8 d, V16 factor) const {
+        return clearWhere(hn::Or(factor, hn::ShiftRight<8>(factor)), d);
     }
+    HWY_INLINE V8 full() const { return hn::Zero(d8); }
 };
 
 void mixLayersRow(Rgba* out, const Rgba* back, const uint8_t* mask, size_t count) {
-    forEachBlock(count, MixLayers(), out, back, mask);
+    blendRow(count, MixLayers(), out, mask, back);
 }
 
 void fadeAndUnpremultiplyRow(Rgba* pixels, size_t count, uint32_t alpha) {
@@ -120,7 +94,7 @@ void fadeAndUnpremultiplyRow(Rgba* pixels, size_t count, uint32_t alpha) {
 }
 
 void clearUncoveredRow(Rgba* pixels, const uint8_t* mask, size_t count) {
-    forEachBlock(count, ClearUncovered(), pixels, mask);
+    blendRow(count, ClearUncovered(), pixels, mask);
 }
 
 #endif  // GX_SIMD_IS_PLAIN

@@ -78,12 +78,38 @@ HWY_INLINE bool allOpaque(V8 pixels) {
     return allBytesAre(hn::Or(pixels, hn::BitCast(d8, hn::Set(d32, 0x00FFFFFFu))), 255);
 }
 
-HWY_INLINE V8 shuffled(V8 pixels, const uint8_t (&order)[16]) {
-    return hn::TableLookupBytes(pixels, hn::LoadDup128(d8, order));
+HWY_INLINE void storeBlock(V8 pixels, Rgba* out) {
+    for (size_t i = 0; i < 4; ++i) storePixels(pixels, out + i * kVectorPixels);
 }
 
-inline constexpr uint8_t kSwapRedBlue[16] = {2, 1, 0, 3, 6, 5, 4, 7, 10, 9, 8, 11, 14, 13, 12, 15};
-inline constexpr uint8_t kArgbToRgba[16] = {1, 2, 3, 0, 5, 6, 7, 4, 9, 10, 11, 8, 13, 14, 15, 12};
+// Of the four vectors of a block.
+HWY_INLINE V8 anyBits(const Rgba* block) {
+    return hn::Or(
+        hn::Or(loadPixels(block), loadPixels(block + kVectorPixels)),
+        hn::Or(loadPixels(block + 2 * kVectorPixels), loadPixels(block + 3 * kVectorPixels)));
+}
+HWY_INLINE V8 commonBits(const Rgba* block) {
+    return hn::And(
+        hn::And(loadPixels(block), loadPixels(block + kVectorPixels)),
+        hn::And(loadPixels(block + 2 * kVectorPixels), loadPixels(block + 3 * kVectorPixels)));
+}
+
+// Rearranges the bytes of each pixel: byte i of the result is byte places[i] of the pixel, or 0.
+struct PixelShuffle {
+    static constexpr uint8_t kZero = 0x80;
+    alignas(16) uint8_t table[16];
+
+    constexpr PixelShuffle(uint8_t p0, uint8_t p1, uint8_t p2, uint8_t p3) : table() {
+        const uint8_t places[4] = {p0, p1, p2, p3};
+        for (uint8_t i = 0; i < 16; ++i) {
+            const uint8_t place = places[i % 4];
+            table[i] = place == kZero ? kZero : static_cast<uint8_t>(place + i / 4 * 4);
+        }
+    }
+    HWY_INLINE V8 operator()(V8 pixels) const {
+        return hn::TableLookupBytesOr0(pixels, hn::LoadDup128(d8, table));
+    }
+};
 
 // --- scaling
 // ------------------------------------------------------------------------------------------------
@@ -116,11 +142,11 @@ HWY_INLINE Channels scale(Channels c, V16 factor) {
     return {scale(c.rb, factor), scale(c.ga, factor)};
 }
 
-// Each pixel's alpha as a factor for both of its lanes.
+// Each pixel's alpha as a factor for both of its lanes. `place` is the byte that holds it.
+template <uint8_t place = 3>
 HWY_INLINE V16 alphaFactor(V8 pixels) {
-    alignas(16) static constexpr uint8_t kAlpha[16] = {0x80, 3,  0x80, 3,  0x80, 7,  0x80, 7,
-                                                       0x80, 11, 0x80, 11, 0x80, 15, 0x80, 15};
-    return lanes16(hn::TableLookupBytesOr0(pixels, hn::LoadDup128(d8, kAlpha)));
+    static constexpr PixelShuffle kSpread(PixelShuffle::kZero, place, PixelShuffle::kZero, place);
+    return lanes16(kSpread(pixels));
 }
 
 // 255 - k for a factor k.
@@ -146,32 +172,12 @@ struct Tint {
     }
 };
 
-// A block of mask bytes, to be spread over the channels of its pixels.
-class MaskBlock {
-public:
-    explicit HWY_INLINE MaskBlock(V8 mask) : groups_(mask) {
-        if constexpr (kVectorPixels > 4) {
-            // Spreading works within 16 bytes: give each of those the four bytes of its pixels of
-            // all four vectors.
-            static constexpr uint32_t kOrder[8] = {0, 2, 4, 6, 1, 3, 5, 7};
-            groups_ = hn::BitCast(
-                d8, hn::TableLookupLanes(hn::BitCast(d32, mask), hn::SetTableIndices(d32, kOrder)));
-        }
-    }
-
-    // The factors of the pixels of vector i, 0 to 3.
-    HWY_INLINE V16 factor(size_t i) const {
-        alignas(16) static constexpr uint8_t kSpread[4][16] = {
-            {0x80, 0, 0x80, 0, 0x80, 1, 0x80, 1, 0x80, 2, 0x80, 2, 0x80, 3, 0x80, 3},
-            {0x80, 4, 0x80, 4, 0x80, 5, 0x80, 5, 0x80, 6, 0x80, 6, 0x80, 7, 0x80, 7},
-            {0x80, 8, 0x80, 8, 0x80, 9, 0x80, 9, 0x80, 10, 0x80, 10, 0x80, 11, 0x80, 11},
-            {0x80, 12, 0x80, 12, 0x80, 13, 0x80, 13, 0x80, 14, 0x80, 14, 0x80, 15, 0x80, 15}};
-        return lanes16(hn::TableLookupBytesOr0(groups_, hn::LoadDup128(d8, kSpread[i])));
-    }
-
-private:
-    V8 groups_;
-};
+// Mask bytes as factors for both lanes of their pixels.
+HWY_INLINE V16 maskFactor(const uint8_t* mask) {
+    static constexpr PixelShuffle kSpread(PixelShuffle::kZero, 0, PixelShuffle::kZero, 0);
+    const hn::Rebind<uint8_t, decltype(d32)> dMask;
+    return lanes16(kSpread(hn::BitCast(d8, hn::PromoteTo(d32, hn::LoadU(dMask, mask)))));
+}
 
 // --- loops
 // --------------------------------------------------------------------------------------------------
@@ -183,17 +189,155 @@ struct BlockCopy {
     BlockCopy(const T* from, size_t count) { std::memcpy(elements, from, count * sizeof(T)); }
 };
 
-// Calls block(out, in...) for each block of a row; the rest goes through copies, so that nothing
-// past the row is touched.
+// Calls block(out, in...) for each block of a row; what is left goes through copies, so that
+// nothing past the row is touched. Blocks for which block.isIdle(out, in...) holds, where there is
+// such a member, stay as they are.
 template <class Block, typename Out, typename... In>
 HWY_INLINE void forEachBlock(size_t count, const Block& block, Out* out, const In*... in) {
-    size_t x = 0;
-    for (; x + kBlockPixels <= count; x += kBlockPixels) block(out + x, (in + x)...);
-    if (x == count) return;
-    BlockCopy<Out> rest(out + x, count - x);
-    block(rest.elements, BlockCopy<In>(in + x, count - x).elements...);
-    std::memcpy(out + x, rest.elements, (count - x) * sizeof(Out));
+    const size_t rest = count % kBlockPixels;
+    const size_t whole = count - rest;
+    for (size_t x = 0; x < whole; x += kBlockPixels) {
+        if constexpr (requires { block.isIdle(out, in...); }) {
+            if (block.isIdle(out + x, (in + x)...)) continue;
+        }
+        block(out + x, (in + x)...);
+    }
+    if (rest == 0) return;
+    BlockCopy<Out> copy(out + whole, rest);
+    block(copy.elements, BlockCopy<In>(in + whole, rest).elements...);
+    std::memcpy(out + whole, copy.elements, rest * sizeof(Out));
 }
+
+// --- operations through a mask
+// ------------------------------------------------------------------------------
+//
+// Much of a text's mask is empty or full, in stretches too short for the processor to foresee: a
+// branch per vector costs more than it skips. So vectors are sorted first, by the mask alone, and
+// each kind is worked off in a loop of its own.
+//
+// An operation has
+//   weights(mask)            a vector of mask bytes as they count: 0 leaves a pixel as it is
+//   operator()(d, factor, in...)   pixels from pixels, their weights as factors, and further planes
+//   full(in...)              optional: the same where all weights are 255
+
+// Sets of the vectors of pixels in a stretch of mask, one bit each.
+struct SortedVectors {
+    uint64_t full = 0;   // all weights 255
+    uint64_t empty = 0;  // all weights 0
+
+    // Takes in the four vectors whose weights are `w`, as numbers `first` to `first` + 3.
+    HWY_INLINE void add(V8 w, size_t first) {
+        const auto lanes = hn::BitCast(dLane, w);
+        full |= bits(hn::Eq(lanes, hn::Set(dLane, static_cast<Lane>(~Lane{0})))) << first;
+        empty |= bits(hn::Eq(lanes, hn::Zero(dLane))) << first;
+    }
+
+private:
+    // The mask bytes of one vector of pixels as one lane: there are four in a vector of bytes.
+    using Lane = hwy::UnsignedFromSize<kVectorPixels>;
+    static constexpr hn::Repartition<Lane, decltype(d8)> dLane{};
+
+    template <class M>
+    static HWY_INLINE uint64_t bits(M mask) {
+        uint8_t stored[8];
+        hn::StoreMaskBits(dLane, mask, stored);
+        return stored[0];
+    }
+};
+
+constexpr size_t kStretchVectors = 64;
+constexpr size_t kStretchPixels = kStretchVectors * kVectorPixels;
+
+// Fills `weights`, and zeros up to a whole block behind them. `count` is at most kStretchPixels.
+template <class Operation>
+HWY_INLINE SortedVectors sortStretch(const Operation& operation, const uint8_t* mask, size_t count,
+                                     uint8_t* weights) {
+    SortedVectors sorted;
+    size_t x = 0;
+    for (; x + kBlockPixels <= count; x += kBlockPixels) {
+        const V8 w = operation.weights(hn::LoadU(d8, mask + x));
+        hn::Store(w, d8, weights + x);
+        sorted.add(w, x / kVectorPixels);
+    }
+    if (x < count) {
+        const BlockCopy<uint8_t> rest(mask + x, count - x);
+        hn::Store(operation.weights(hn::Load(d8, rest.elements)), d8, weights + x);
+        std::memset(weights + count, 0, x + kBlockPixels - count);
+        sorted.add(hn::Load(d8, weights + x), x / kVectorPixels);
+    }
+    return sorted;
+}
+
+// Applies the operation to up to kStretchPixels pixels.
+template <class Operation, typename... In>
+HWY_INLINE void blendStretch(size_t count, const Operation& operation, Rgba* out,
+                             const uint8_t* mask, const In*... in) {
+    constexpr bool kHasFull = requires {
+        operation.full(loadPixels(in)...);
+    };
+    alignas(64) uint8_t weights[kStretchPixels];
+    const SortedVectors sorted = sortStretch(operation, mask, count, weights);
+    const auto blend = [&](size_t x) HWY_ATTR {
+        storePixels(operation(loadPixels(out + x), maskFactor(weights + x), loadPixels(in + x)...),
+                    out + x);
+    };
+    const size_t wholeVectors = count / kVectorPixels;
+    const uint64_t inside = wholeVectors == 64 ? ~uint64_t{0} : (uint64_t{1} << wholeVectors) - 1;
+    uint64_t full = kHasFull ? sorted.full & inside : 0;
+    uint64_t mixed = ~sorted.empty & inside & ~full;
+
+    if (const size_t rest = count % kVectorPixels) {
+        const size_t x = count - rest;
+        BlockCopy<Rgba> copy(out + x, rest);
+        storePixels(operation(loadPixels(copy.elements), maskFactor(weights + x),
+                              loadPixels(BlockCopy<In>(in + x, rest).elements)...),
+                    copy.elements);
+        std::memcpy(out + x, copy.elements, rest * sizeof(Rgba));
+    }
+    if (mixed == ~uint64_t{0}) {
+        for (size_t x = 0; x < kStretchPixels; x += kVectorPixels) blend(x);
+        return;
+    }
+    for (; mixed != 0; mixed &= mixed - 1) {
+        blend(hwy::Num0BitsBelowLS1Bit_Nonzero64(mixed) * kVectorPixels);
+    }
+    if constexpr (kHasFull) {
+        const auto replace = [&](size_t x) HWY_ATTR {
+            storePixels(operation.full(loadPixels(in + x)...), out + x);
+        };
+        uint64_t fours = full & full >> 1;
+        fours &= fours >> 2 & 0x1111111111111111u;
+        full ^= fours * 0xF;
+        for (; fours != 0; fours &= fours - 1) {
+            const size_t x = hwy::Num0BitsBelowLS1Bit_Nonzero64(fours) * kVectorPixels;
+            for (size_t i = 0; i < 4; ++i) replace(x + i * kVectorPixels);
+        }
+        for (; full != 0; full &= full - 1) {
+            replace(hwy::Num0BitsBelowLS1Bit_Nonzero64(full) * kVectorPixels);
+        }
+    }
+}
+
+template <class Operation, typename... In>
+HWY_INLINE void blendRow(size_t count, const Operation& operation, Rgba* out, const uint8_t* mask,
+                         const In*... in) {
+    for (size_t x = 0; x < count; x += kStretchPixels) {
+        blendStretch(HWY_MIN(count - x, kStretchPixels), operation, out + x, mask + x, (in + x)...);
+    }
+}
+
+template <class Operation>
+HWY_INLINE void blendRows(const BlendArea& area, const Operation& operation) {
+    const BlendArea rows = area.joined(sizeof(Rgba), 1);
+    for (ptrdiff_t y = 0; y < static_cast<ptrdiff_t>(rows.height); ++y) {
+        blendRow(rows.width, operation,
+                 reinterpret_cast<Rgba*>(rows.destination + y * rows.destinationStride),
+                 rows.source + y * rows.sourceStride);
+    }
+}
+
+// --- operations on whole blocks
+// -----------------------------------------------------------------------------
 
 template <typename Out, typename In, class Block>
 HWY_INLINE void forEachBlockOf(const BlendArea& area, const Block& block) {
