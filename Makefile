@@ -4,12 +4,13 @@
 BUILD := build
 PRESET ?= release
 
-.PHONY: help setup demo test bench lint format sanitize test-aarch64 clean
+.PHONY: help setup demo test bench bench-instructions lint format sanitize test-aarch64 clean
 
 help:
 	@echo "make demo          build, then render sample pictures into out/demo/"
 	@echo "make test          build and run every test"
-	@echo "make bench         build and run the benchmarks"
+	@echo "make bench         build and run the benchmarks: ratios to the peers, targets beside"
+	@echo "make bench-instructions  instructions per pixel of the same rows"
 	@echo "make lint          formatting, include rules, clang-tidy, shellcheck"
 	@echo "make format        reformat the sources in place"
 	@echo "make sanitize      the tests under the address, undefined and thread sanitizers"
@@ -35,8 +36,14 @@ test: setup
 bench: setup
 	@scripts/setup bench
 	cmake --preset release -DGXTEXT_BUILD_BENCH=ON
-	cmake --build --preset release
+	cmake --build --preset release --target gxtext_bench
 	scripts/bench $(BUILD)/release
+
+bench-instructions: setup
+	@scripts/setup bench
+	cmake --preset release -DGXTEXT_BUILD_BENCH=ON
+	cmake --build --preset release --target gxtext_bench
+	scripts/bench --instructions $(BUILD)/release
 
 lint: setup
 	@scripts/setup lint

@@ -1,0 +1,44 @@
+// A table of measurements: each row times this library, its plain form and, where one exists, a
+// library that does the same work, all in one process and in turns.
+//
+// A row is one addRow call in the file of its subject; main does the rest.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace gxbench {
+
+// What is timed in a row. Everything a contender needs lives in the functions' captures.
+struct Contenders {
+    std::function<void()> prepare;  // before each run, not timed; may be empty
+    std::function<void()> ours;
+    std::function<void()> plain;  // may be empty
+    std::function<void()> peer;   // empty where the peer is not built in
+};
+
+// What ours must reach against the others, as their time divided by ours; 0 asks for nothing.
+struct Targets {
+    double plain = 0;
+    double peer = 0;
+};
+
+struct Row {
+    std::string operation;  // "mask src-over, clear layer"
+    std::string peerName;   // "pixman"
+    Targets targets;
+    uint64_t pixels = 0;  // that a run works on, for the time per pixel; 0 gives ms per run
+    std::function<Contenders()> make;
+};
+
+// Rows in the order of addition. Called by the add...Rows functions of the subjects.
+void addRow(Row row);
+
+void addBlendRows();
+
+// The names of peers that this build lacks are said above the table.
+void addMissingPeer(const std::string& name);
+
+}  // namespace gxbench
