@@ -5,7 +5,6 @@ import android.graphics.Typeface;
 import android.graphics.fonts.Font;
 import android.graphics.fonts.SystemFonts;
 import android.os.Build;
-import com.norvale.android.sdk.gxe.font.FontManager;
 import java.io.ByteArrayOutputStream;
 import java.io.File;
 import java.io.FileInputStream;
@@ -47,7 +46,11 @@ final class FontSource {
 
     /** The system's own font, for texts without one. */
     static FontSource system(boolean bold) {
-        return new FontSource(Kind.SYSTEM, bold ? "Roboto-Bold.ttf" : "Roboto-Regular.ttf", null);
+        return new FontSource(Kind.SYSTEM, systemFileName(bold), null);
+    }
+
+    private static String systemFileName(boolean bold) {
+        return bold ? "Roboto-Bold.ttf" : "Roboto-Regular.ttf";
     }
 
     Typeface toTypeface() {
@@ -58,14 +61,19 @@ final class FontSource {
                 }
                 return Typeface.createFromFile(name);
             case ASSET:
-                try {
-                    return Typeface.createFromAsset(assets, name);
-                } catch (RuntimeException e) {
-                    throw new IllegalArgumentException(
-                            "font: \"" + name + "\" is no font among the assets", e);
-                }
+                requireAsset();
+                return Typeface.createFromAsset(assets, name);
             default:
                 return Typeface.create(name, Typeface.NORMAL);
+        }
+    }
+
+    /** Not every release refuses an asset that does not exist. */
+    private void requireAsset() {
+        try {
+            assets.open(name).close();
+        } catch (IOException e) {
+            throw new IllegalArgumentException("font: no asset \"" + name + "\"", e);
         }
     }
 
@@ -80,37 +88,27 @@ final class FontSource {
                 break;
             case FAMILY:
                 text.setFontFamilyName(name);
-                putSystemFontOn(text, "Roboto-Regular.ttf");
+                text.setSystemFont(false);
                 break;
             default:
-                putSystemFontOn(text, name);
+                text.setSystemFont(name.equals(systemFileName(true)));
                 break;
         }
     }
 
-    /**
-     * The native library finds the system's fonts in a configuration that only apps of the system
-     * can give. For the others the default font is loaded under a name of its own: its path would
-     * be taken for a part of the configuration.
-     */
-    private static void putSystemFontOn(GxText text, String fileName) {
-        if (FontManager.hasSystemFonts()) {
-            return;
-        }
+    /** The system's own font; throws GxTextException when it has none that can be read. */
+    static File systemFile(boolean bold) {
+        String fileName = systemFileName(bold);
         File file = Build.VERSION.SDK_INT >= 29
                 ? Api29.find(fileName)
                 : new File("/system/fonts/" + fileName);
         if (file == null || !file.canRead()) {
             throw new GxTextException("the system has no readable font; set one");
         }
-        try {
-            text.setFont("system:" + file.getName(), readAll(file));
-        } catch (IOException e) {
-            throw new GxTextException("the system's font " + file + " could not be read: " + e);
-        }
+        return file;
     }
 
-    private static byte[] readAll(File file) throws IOException {
+    static byte[] readAll(File file) {
         try (InputStream in = new FileInputStream(file)) {
             ByteArrayOutputStream out = new ByteArrayOutputStream((int) file.length());
             byte[] buffer = new byte[1 << 16];
@@ -118,6 +116,8 @@ final class FontSource {
                 out.write(buffer, 0, count);
             }
             return out.toByteArray();
+        } catch (IOException e) {
+            throw new GxTextException("the system's font " + file + " could not be read: " + e);
         }
     }
 

@@ -103,6 +103,24 @@ public final class GxText implements AutoCloseable {
     }
 
     /**
+     * Uses the system's own font. When the fonts of the system have been given to {@link
+     * FontManager#setFontConfig}, a text has them without this, and nothing is done.
+     *
+     * @param bold the bold weight instead of the regular one
+     * @throws GxTextException when the system has no font that can be read
+     */
+    // Under its own path the font would be taken for a part of a configuration that ordinary apps
+    // cannot give; so it is loaded under another name.
+    public void setSystemFont(boolean bold) {
+        requireOpen();
+        if (FontManager.hasSystemFonts()) {
+            return;
+        }
+        File file = FontSource.systemFile(bold);
+        setFont("system:" + file.getName(), FontSource.readAll(file));
+    }
+
+    /**
      * Names the family that the text is set in. It chooses between styles of a font that was set;
      * it does not look for a font.
      *

@@ -22,8 +22,8 @@ public class GxTextException extends RuntimeException {
     private GxTextException(String message, int errorCode) {
         super(errorCode == GxError.NONE
                 ? message
-                : message + " (last native error on this thread: " + errorCode + ", "
-                        + GxError.describe(errorCode) + ")");
+                : message + " (native error " + errorCode + ", " + GxError.describe(errorCode)
+                        + ", from this or an earlier failure on this thread)");
         this.errorCode = errorCode;
     }
 

@@ -90,7 +90,8 @@ public class GxTextView extends TextView {
 
     /**
      * Sets the effects and whatever else the style sets. Like {@link TextView#setTypeface} and the
-     * other setters of a view, a later call of one of these holds.
+     * other setters of a view, a later call of one of these holds. A style that is refused leaves the
+     * view as it is.
      *
      * @param style the style; {@link TextStyle#EMPTY} for a text without effects
      * @throws IllegalArgumentException when the style's font does not exist
@@ -98,12 +99,19 @@ public class GxTextView extends TextView {
      */
     public void setTextStyle(@NonNull TextStyle style) {
         Objects.requireNonNull(style, "style");
-        releaseText();
-        if (!style.getEffects().isEmpty() && !isInEditMode()) {
-            text = openText(style);
+        FontSource font = fontOf(style);
+        GxText opened =
+                style.getEffects().isEmpty() || isInEditMode() ? null : openText(style, font);
+        try {
+            style.applyTo(this);
+        } catch (RuntimeException e) {
+            close(opened);
+            throw e;
         }
+        releaseText();
+        text = opened;
+        textFont = font;
         this.style = style;
-        style.applyTo(this);
         letEffectsOut();
         invalidate();
     }
@@ -192,7 +200,8 @@ public class GxTextView extends TextView {
         image = null;
         try {
             if (text == null) {
-                text = openText(style);
+                textFont = fontOf(style);
+                text = openText(style, textFont);
             }
             useSystemFont();
             text.setSource(this);
@@ -205,13 +214,18 @@ public class GxTextView extends TextView {
         return image;
     }
 
-    private GxText openText(TextStyle style) {
+    private FontSource fontOf(TextStyle style) {
+        return style.getFont() == null
+                ? null
+                : FontSource.of(style.getFont(), getContext().getAssets());
+    }
+
+    private static GxText openText(TextStyle style, FontSource font) {
         GxText opened = new GxText();
         try {
             opened.setEffects(style.getEffects());
-            if (style.getFont() != null) {
-                textFont = FontSource.of(style.getFont(), getContext().getAssets());
-                textFont.putOn(opened);
+            if (font != null) {
+                font.putOn(opened);
             }
         } catch (RuntimeException e) {
             opened.close();
@@ -231,10 +245,14 @@ public class GxTextView extends TextView {
         }
     }
 
-    private void releaseText() {
+    private static void close(GxText text) {
         if (text != null) {
             text.close();
         }
+    }
+
+    private void releaseText() {
+        close(text);
         text = null;
         textFont = null;
         image = null;
