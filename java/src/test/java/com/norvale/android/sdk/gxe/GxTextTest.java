@@ -1,0 +1,253 @@
+package com.norvale.android.sdk.gxe;
+
+import static org.junit.Assert.assertEquals;
+import static org.junit.Assert.assertFalse;
+import static org.junit.Assert.assertThrows;
+import static org.junit.Assert.assertTrue;
+
+import android.graphics.Bitmap;
+import android.graphics.Color;
+import android.graphics.fonts.FontVariationAxis;
+import android.text.FontConfig;
+import android.widget.TextView;
+import com.norvale.android.sdk.gxe.font.FontManager;
+import com.norvale.android.sdk.gxe.util.GxError;
+import java.io.IOException;
+import java.lang.reflect.Field;
+import java.nio.file.Files;
+import java.nio.file.Paths;
+import java.util.Arrays;
+import java.util.Collections;
+import org.junit.Test;
+
+/** The object itself: its life, its arguments, its fonts and effects. */
+public class GxTextTest extends NativeTest {
+    private static final TextEffect STROKE = new StrokeEffect.Builder().setSize(6).build();
+
+    private static int inkCount(int[] pixels) {
+        int count = 0;
+        for (int pixel : pixels) {
+            count += pixel >>> 24 != 0 ? 1 : 0;
+        }
+        return count;
+    }
+
+    /** Pixels of "Ag" in a font that was put on the text before. */
+    private static int inkOf(GxText text) {
+        text.setSource(layOut(textView("Ag", LATIN, 48), 0));
+        return inkCount(text.renderPixels());
+    }
+
+    private static int handleOf(GxText text) throws ReflectiveOperationException {
+        Field handle = GxText.class.getDeclaredField("mHandle");
+        handle.setAccessible(true);
+        return handle.getInt(text);
+    }
+
+    private static void setHandle(GxText text, int value) throws ReflectiveOperationException {
+        Field handle = GxText.class.getDeclaredField("mHandle");
+        handle.setAccessible(true);
+        handle.setInt(text, value);
+    }
+
+    @Test
+    public void pictureIsTheViewPlusTheMarginsOfTheEffects() {
+        TextView view = layOut(textView("Ag", LATIN, 48), 0);
+        view.setTextColor(0xFF336699);
+        try (GxText text = new GxText()) {
+            text.setFont(LATIN);
+            text.setSource(view);
+            TextImage plain = text.render();
+            assertEquals(view.getWidth(), plain.getBitmap().getWidth());
+            assertEquals(0, plain.getLeftMargin());
+            assertTrue(Arrays.stream(pixels(plain.getBitmap())).anyMatch(p -> p == 0xFF336699));
+
+            text.setEffects(Collections.singletonList(STROKE));
+            text.setSource(view);
+            TextImage stroked = text.render();
+            Bitmap bitmap = stroked.getBitmap();
+            assertTrue(stroked.getLeftMargin() >= 6 && stroked.getBottomMargin() >= 6);
+            assertEquals(view.getWidth() + stroked.getLeftMargin() + stroked.getRightMargin(),
+                    bitmap.getWidth());
+            assertEquals(view.getHeight() + stroked.getTopMargin() + stroked.getBottomMargin(),
+                    bitmap.getHeight());
+            assertTrue(inkCount(pixels(bitmap)) > inkCount(pixels(plain.getBitmap())));
+
+            text.setEffects(Collections.emptyList());
+            text.setSource(view);
+            assertEquals(0, text.getLeftMargin());
+            assertEquals(inkCount(pixels(plain.getBitmap())), inkCount(text.renderPixels()));
+        }
+    }
+
+    @Test
+    public void everyEffectIsAcceptedAndShows() {
+        TextEffect[] effects = {
+            STROKE,
+            ShadowEffect.outer().setColor(Color.RED).build(),
+            ShadowEffect.inner().setColor(Color.RED).setOpacity(1).build(),
+            new OuterGlowEffect.Builder().setColor(Color.RED).build(),
+            new LinearGradientEffect.Builder().addStop(Color.RED, 0).addStop(Color.GREEN, 1)
+                    .build(),
+        };
+        TextView view = layOut(textView("Ag", LATIN, 48), 0);
+        try (GxText text = new GxText()) {
+            text.setFont(LATIN);
+            text.setSource(view);
+            int[] plain = text.renderPixels();
+            for (TextEffect effect : effects) {
+                text.setEffects(Collections.singletonList(effect));
+                text.setSource(view);
+                assertFalse(effect.getType(), Arrays.equals(plain, text.renderPixels()));
+            }
+            text.setEffects(Arrays.asList(effects));
+            text.setSource(view);
+            text.render();
+        }
+    }
+
+    @Test
+    public void aClosedObjectRefusesAllButClosing() throws Exception {
+        GxText text = new GxText();
+        text.setFont(LATIN);
+        assertTrue(handleOf(text) >= 0);
+        text.close();
+        text.close();
+        assertTrue(text.isClosed());
+        Runnable[] calls = {
+            () -> text.setFont(LATIN), () -> text.setEffects(Collections.singletonList(STROKE)),
+            () -> text.setLineLimit(1), text::render, text::renderPixels, text::getLeftMargin,
+            () -> text.setSource(new TextView(context())),
+        };
+        for (int i = 0; i < calls.length; i++) {
+            assertThrows("call " + i, IllegalStateException.class, calls[i]::run);
+        }
+        new GxText().close(); // never bound
+    }
+
+    @Test
+    public void aReleasedHandleIsReportedWithItsMeaning() throws Exception {
+        GxText gone = new GxText();
+        gone.setFont(LATIN);
+        int handle = handleOf(gone);
+        gone.close();
+        GxText stale = new GxText();
+        setHandle(stale, handle);
+        GxTextException e = assertThrows(GxTextException.class, () -> stale.setFont(LATIN));
+        assertEquals(GxError.NOT_BOUND, e.getErrorCode());
+        assertTrue(e.getMessage(), e.getMessage().contains("19, no native text object"));
+        stale.close();
+    }
+
+    @Test
+    public void aForgottenObjectIsReleasedWhenCollected() throws Exception {
+        int handle = bindAndForget();
+        for (int i = 0; i < 100 && isBound(handle); i++) {
+            System.gc();
+            System.runFinalization();
+            Thread.sleep(10);
+        }
+        assertFalse(isBound(handle));
+    }
+
+    private static int bindAndForget() throws ReflectiveOperationException {
+        GxText text = new GxText();
+        text.setLineLimit(1);
+        return handleOf(text);
+    }
+
+    private static boolean isBound(int handle) throws ReflectiveOperationException {
+        GxText probe = new GxText();
+        setHandle(probe, handle);
+        try {
+            probe.setLineLimit(1);
+            return true;
+        } catch (GxTextException e) {
+            return false;
+        } finally {
+            setHandle(probe, -1);
+        }
+    }
+
+    @Test
+    public void wrongArgumentsAreNamed() {
+        try (GxText text = new GxText()) {
+            assertEquals("view", assertThrows(NullPointerException.class,
+                    () -> text.setSource(null)).getMessage());
+            assertEquals("file", assertThrows(NullPointerException.class,
+                    () -> text.setFont(null)).getMessage());
+            assertTrue(assertThrows(IllegalArgumentException.class,
+                    () -> text.setLineLimit(-1)).getMessage().startsWith("lines: -1"));
+            assertTrue(assertThrows(IllegalArgumentException.class,
+                    () -> text.setSource(new TextView(context()))).getMessage()
+                    .contains("has not been laid out"));
+            assertTrue(assertThrows(IllegalArgumentException.class,
+                    () -> text.setView(new TextView(context()))).getMessage()
+                    .contains("no size yet: 0 x 0"));
+            assertThrows(IllegalStateException.class, text::render);
+            assertTrue(assertThrows(GxTextException.class,
+                    () -> text.setFont("no-such-file.ttf")).getMessage()
+                    .contains("is no readable file"));
+            assertTrue(assertThrows(GxTextException.class,
+                    () -> text.setFont("garbage", new byte[] {1, 2, 3})).getMessage()
+                    .startsWith("data (3 bytes, name \"garbage\") is not a usable font"));
+            assertThrows(GxTextException.class,
+                    () -> text.setFont(context().getAssets(), "no-such-asset.ttf"));
+        }
+        assertThrows(IllegalArgumentException.class,
+                () -> FontManager.insertFontData("", new byte[1]));
+        assertThrows(GxTextException.class,
+                () -> FontManager.insertFontData("garbage2", new byte[1]));
+        assertThrows(IllegalArgumentException.class, () -> FontManager.setFontConfig("fonts"));
+    }
+
+    @Test
+    public void fontsComeFromFilesBytesAndTheFontManager() throws IOException {
+        byte[] bytes = Files.readAllBytes(Paths.get(LATIN));
+        FontManager.insertFontData("inserted.ttf", bytes);
+        try (GxText file = new GxText(); GxText data = new GxText(); GxText name = new GxText()) {
+            file.setFont(LATIN);
+            data.setFont("given.ttf", bytes);
+            name.setFont("inserted.ttf");
+            int ink = inkOf(file);
+            assertTrue(ink > 100);
+            assertEquals(ink, inkOf(data));
+            assertEquals(ink, inkOf(name));
+        }
+    }
+
+    @Test
+    public void theConfigurationOfTheSystemServesTextsWithoutAFont() {
+        FontVariationAxis[] axes = {};
+        FontConfig.Font font = new FontConfig.Font(LATIN, 0, axes, 400, false, null);
+        FontConfig config = new FontConfig(
+                new FontConfig.Family[] {new FontConfig.Family(
+                        "sans-serif", new FontConfig.Font[] {font}, null,
+                        FontConfig.Family.VARIANT_DEFAULT)},
+                new FontConfig.Alias[] {});
+        FontManager.setFontConfig(config);
+        FontManager.setFontConfig(config); // ignored
+        assertTrue(FontManager.hasSystemFonts());
+        try (GxText text = new GxText()) {
+            text.setFontFamilyName("sans-serif");
+            assertTrue(inkOf(text) > 100);
+        }
+    }
+
+    @Test
+    public void lineLimitsAndLimitsInPixelsDecideWhatIsDrawn() {
+        TextView view = layOut(textView("H\nH\nH", LATIN, 40), 0);
+        view.setMaxHeight(10000); // the view then answers -1 for its lines
+        assertEquals(-1, view.getMaxLines());
+        layOut(view, 0);
+        try (GxText text = new GxText()) {
+            text.setFont(LATIN);
+            text.setSource(view);
+            int three = inkCount(text.renderPixels());
+            view.setMaxLines(1);
+            text.setSource(view); // three lines are laid out still, one is shown
+            int one = inkCount(text.renderPixels());
+            assertEquals(three, 3 * one);
+        }
+    }
+}

@@ -1,0 +1,60 @@
+package com.norvale.android.sdk.gxe;
+
+import static org.junit.Assert.assertEquals;
+import static org.junit.Assert.assertTrue;
+
+import android.graphics.Bitmap;
+import android.graphics.drawable.BitmapDrawable;
+import android.view.ViewGroup;
+import android.widget.ImageView;
+import com.norvale.android.sdk.gxe.sample.SampleActivity;
+import java.io.IOException;
+import java.io.OutputStream;
+import java.io.UncheckedIOException;
+import java.nio.charset.StandardCharsets;
+import java.nio.file.Files;
+import java.nio.file.Path;
+import java.nio.file.Paths;
+import java.util.Arrays;
+import org.junit.Test;
+import org.robolectric.Robolectric;
+
+/** The example as an app runs it; writes a picture of it beside the reports. */
+public class SampleActivityTest extends NativeTest {
+    /** Assets live in an application package, which only Android's own tools build. */
+    public static class ActivityWithAssets extends SampleActivity {
+        @Override
+        protected String readAsset(String path) {
+            Path assets = Paths.get(System.getProperty("gxtext.root.dir"),
+                    "examples/android/src/main/assets");
+            try {
+                return new String(
+                        Files.readAllBytes(assets.resolve(path)), StandardCharsets.UTF_8);
+            } catch (IOException e) {
+                throw new UncheckedIOException(e);
+            }
+        }
+    }
+
+    @Test
+    public void theExampleStartsAndDrawsItsThreeTexts() throws IOException {
+        SampleActivity activity = Robolectric.buildActivity(ActivityWithAssets.class).setup().get();
+        ViewGroup content = activity.findViewById(android.R.id.content);
+        ViewGroup column = (ViewGroup) content.getChildAt(0);
+        layOut(column, 900);
+        Bitmap picture = draw(column, 0);
+        Path folder = Paths.get(System.getProperty("gxtext.report.dir"));
+        Files.createDirectories(folder);
+        try (OutputStream out = Files.newOutputStream(folder.resolve("example.png"))) {
+            picture.compress(Bitmap.CompressFormat.PNG, 100, out);
+        }
+        assertEquals(3, column.getChildCount());
+        for (int i = 0; i < 2; i++) {
+            assertTrue("text " + i,
+                    ((GxTextView) column.getChildAt(i)).getRenderCount() > 0);
+        }
+        Bitmap alone = ((BitmapDrawable) ((ImageView) column.getChildAt(2)).getDrawable())
+                .getBitmap();
+        assertTrue(Arrays.stream(pixels(alone)).anyMatch(pixel -> pixel == 0xFFFFFFFF));
+    }
+}
