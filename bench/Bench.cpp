@@ -197,6 +197,9 @@ int main(int argc, char** argv) {
         }
     }
     gxbench::addBlendRows();
+#ifdef GXBENCH_TEXT
+    gxbench::addTextRows();
+#endif
     instructions ? gxbench::countInstructions(filter) : gxbench::printTable(filter);
     return 0;
 }

@@ -37,6 +37,9 @@ struct Row {
 void addRow(Row row);
 
 void addBlendRows();
+#ifdef GXBENCH_TEXT
+void addTextRows();  // need the text libraries
+#endif
 
 // The names of peers that this build lacks are said above the table.
 void addMissingPeer(const std::string& name);
