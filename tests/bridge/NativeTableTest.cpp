@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "bridge/Registration.h"
+#include "support/LogCapture.h"
 
 namespace GxFontEffect {
 namespace {
@@ -47,6 +48,23 @@ TEST(NativeTableTest, HoldsEveryNativeInOrder) {
     }
     EXPECT_EQ(table, kNatives);
     EXPECT_EQ(functions.size(), kNatives.size()) << "two entries share a function";
+}
+
+jint JNICALL refuseVersion(JavaVM*, void** env, jint) {
+    *env = nullptr;
+    return JNI_EVERSION;
+}
+
+TEST(NativeTableTest, LoadsNothingWithoutAnEnvironment) {
+    JNIInvokeInterface_ functions{};
+    functions.GetEnv = refuseVersion;
+    JavaVM vm{&functions};
+    for (JavaVM* machine : {&vm, static_cast<JavaVM*>(nullptr)}) {
+        const gxtest::LogCapture log;
+        EXPECT_EQ(LoadNatives(machine), 0);
+        EXPECT_EQ(log.texts(), std::vector<std::string>{"GxText_JNI_OnLoad"});
+        EXPECT_FALSE(Error_OnLoad(machine));
+    }
 }
 
 }  // namespace

@@ -5,10 +5,12 @@
 // installed it, to hide classes and methods, to make functions fail and to count what is taken and
 // given back; and it tells what a text object holds.
 #include <android/log.h>
+#include <dlfcn.h>
 #include <hwui/Paint.h>
 #include <jni.h>
+#include <malloc.h>
 
-#include <atomic>
+#include <chrono>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
@@ -259,6 +261,35 @@ GX_PROBE(void, settle)(JNIEnv*, jclass, jint strings) {
 
 GX_PROBE(jobjectArray, registrations)(JNIEnv* env, jclass) {
     return toJava(env, registrations);
+}
+
+GX_PROBE(jint, loadAgain)(JNIEnv* env, jclass) {
+    Dl_info library;
+    if (!dladdr(reinterpret_cast<void*>(&GxTextObject::FindGxTextObject), &library)) return 0;
+    void* const handle = dlopen(library.dli_fname, RTLD_NOW | RTLD_NOLOAD);
+    auto* const onLoad = reinterpret_cast<jint (*)(JavaVM*, void*)>(dlsym(handle, "JNI_OnLoad"));
+    JavaVM* vm = nullptr;
+    env->GetJavaVM(&vm);
+    const jint version = onLoad ? onLoad(vm, nullptr) : 0;
+    dlclose(handle);
+    return version;
+}
+
+// What malloc has given out and not got back.
+GX_PROBE(jlong, nativeBytes)(JNIEnv*, jclass) {
+    const struct mallinfo2 info = mallinfo2();
+    return static_cast<jlong>(info.uordblks + info.hblkhd);
+}
+
+// Nanoseconds of `count` renders without the edge to Java.
+GX_PROBE(jlong, renderNanos)(JNIEnv*, jclass, jint handle, jint count) {
+    GxTextObject* text = find(handle);
+    const GxFontEffect::GxView* view = text->GetView();
+    const auto start = std::chrono::steady_clock::now();
+    for (jint i = 0; i < count; i++) {
+        text->RenderTextEffect(view->GetBitmapWidth(), view->GetBitmapHeight());
+    }
+    return std::chrono::nanoseconds(std::chrono::steady_clock::now() - start).count();
 }
 
 GX_PROBE(jobjectArray, takeLog)(JNIEnv* env, jclass) {

@@ -20,9 +20,7 @@ final class AllocationTest {
         Paint paint = new Paint();
         paint.fontFeatureSettings = "'liga' on, 'smcp' on, 'kern' off";
         paint.textLocales = new LocaleList("ja-JP,zh-Hant-TW,ko-KR");
-        TextView view = new TextView();
-        view.width = 40;
-        view.height = 30;
+        TextView view = Widgets.view(40, 30);
         Layout layout = new Layout(new SpannableString("a long enough text \uD83D\uDE00")
                                            .with(new BackgroundColorSpan(-1), 0, 3),
                 3);
@@ -46,20 +44,16 @@ final class AllocationTest {
     }
 
     static void rendersFailWithTheFrameBefore() {
-        Object text = Sdk.newText();
-        Sdk.flag(text, "SetFont", FontTest.FONT);
-        TextView view = new TextView();
-        view.width = 40;
-        view.height = 30;
-        Sdk.flag(text, "SetView", view);
+        TextView view = Widgets.view(40, 30);
+        Object text = Widgets.text(view);
         Sdk.flag(text, "SetLayout", new Layout("ab", 1));
-        Check.equal(40 * 30, ((int[]) Sdk.call(text, "RenderTextEffect")).length, "a frame");
+        Check.equal(40 * 30, Widgets.render(text).length, "a frame");
         view.width = 400;
         Sdk.flag(text, "SetView", view);
         boolean failed = true;
         for (int n = 1; failed; n++) {
             Probe.failAllocation(n);
-            int[] pixels = (int[]) Sdk.call(text, "RenderTextEffect");
+            int[] pixels = Widgets.render(text);
             failed = Probe.endAllocationFailure();
             Check.isTrue(pixels == null || pixels.length == 400 * 30,
                     "allocation " + n + ": an image of another size");

@@ -18,16 +18,13 @@ final class LayoutTest {
     private LayoutTest() {}
 
     private static Object textWith(int gravity, int limit, int maxLines) {
-        Object text = Sdk.newText();
-        TextView view = new TextView();
-        view.width = 300;
-        view.height = 200;
+        TextView view = Widgets.view(300, 200);
         view.paddingLeft = 7;
         view.paddingTop = 10;
         view.paddingBottom = 30;
         view.gravity = gravity;
         view.maxLines = maxLines;
-        Check.isTrue(Sdk.flag(text, "SetView", view), "SetView");
+        Object text = Widgets.text(view);
         Check.isTrue(Sdk.flag(text, "SetLine", limit), "SetLine");
         return text;
     }
@@ -175,15 +172,8 @@ final class LayoutTest {
 
     // Colour of a pixel in the line's box that no ink reaches.
     private static int backgroundOf(CharSequence string) {
-        Object text = Sdk.newText();
-        Sdk.flag(text, "SetFont", FontTest.FONT);
-        TextView view = new TextView();
-        view.width = 40;
-        view.height = 30;
-        Sdk.flag(text, "SetView", view);
-        Layout layout = new Layout(string, 1);
-        setLayout(text, layout);
-        int[] pixels = (int[]) Sdk.call(text, "RenderTextEffect");
-        return pixels[3 * 40];
+        Object text = Widgets.text(Widgets.view(40, 30));
+        setLayout(text, new Layout(string, 1));
+        return Widgets.render(text)[3 * 40];
     }
 }

@@ -2,7 +2,7 @@ package gxtest;
 
 import java.util.List;
 
-/** GxError does not tell the build type, GxText lacks its last native: no exception, all the rest works. */
+/** GxError does not tell the build type, GxText lacks natives: no exception, the rest works. */
 final class LoadIncomplete {
     private LoadIncomplete() {}
 
@@ -14,6 +14,8 @@ final class LoadIncomplete {
         Check.logged(log, "D/Init_GxFontManager_JNI: Init_GxFontManager_JNI");
         Check.isTrue(!Probe.buildTypeSettled(), "left to a later load");
         Check.equal(0, Sdk.error(), "the native of GxError");
-        Check.equal(0, Sdk.number(Sdk.newText(), "GetEffectTopOffset"), "a native of GxText");
+        Check.equal(0,
+                Sdk.number(Sdk.newText(), "AddInnerShadowTextEffect", 90f, 5f, 4f, -1, 1f),
+                "a native of GxText");
     }
 }

@@ -49,4 +49,11 @@ final class LoadTest {
         Check.isTrue(Probe.buildTypeSettled(), "Java was asked for the build type");
         Check.equal(1, Sdk.field(Sdk.ERROR, "asked"), "times that it was asked");
     }
+
+    static void settlesTheBuildTypeOnce() {
+        int before = Probe.registrations().length;
+        Check.equal(0x00010002, Probe.loadAgain(), "version of JNI");
+        Check.equal(before + 3, Probe.registrations().length, "registered again");
+        Check.equal(1, Sdk.field(Sdk.ERROR, "asked"), "times that Java was asked");
+    }
 }

@@ -27,6 +27,15 @@ final class Probe {
     /** One line for each RegisterNatives. */
     static native String[] registrations();
 
+    /** Loads the library once more, as for another class loader; the version that it answers. */
+    static native int loadAgain();
+
+    /** Bytes that malloc has given out. */
+    static native long nativeBytes();
+
+    /** Nanoseconds of this many renders without the way through Java. */
+    static native long renderNanos(int handle, int count);
+
     /** "priority/tag: text" of what was logged since the last call. */
     static native String[] takeLog();
 

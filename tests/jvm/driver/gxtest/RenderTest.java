@@ -15,20 +15,16 @@ final class RenderTest {
 
     // Three lines of capitals that fill more than the view.
     private static Object text(int gravity) {
-        Object text = Sdk.newText();
-        Sdk.flag(text, "SetFont", FontTest.FONT);
-        Paint paint = new Paint();
-        paint.textSize = 40f;
-        Sdk.flag(text, "SetPaint", paint);
-        TextView view = new TextView();
-        view.width = WIDTH;
-        view.height = HEIGHT;
+        TextView view = Widgets.view(WIDTH, HEIGHT);
         view.paddingLeft = PADDING;
         view.paddingTop = PADDING;
         view.paddingRight = PADDING;
         view.paddingBottom = PADDING;
         view.gravity = gravity;
-        Sdk.flag(text, "SetView", view);
+        Object text = Widgets.text(view);
+        Paint paint = new Paint();
+        paint.textSize = 40f;
+        Sdk.flag(text, "SetPaint", paint);
         Layout layout = new Layout("MMMMMMMMMMMMMMM", 3);
         layout.lineLeft = -PADDING;
         layout.lineHeight = 30;
@@ -36,20 +32,16 @@ final class RenderTest {
         return text;
     }
 
-    private static int[] render(Object text) {
-        return (int[]) Sdk.call(text, "RenderTextEffect");
-    }
-
     static void theViewAndItsMarginsAreTheImage() {
         Object text = text(0x33);
-        int[] plain = render(text);
+        int[] plain = Widgets.render(text);
         Check.equal(WIDTH * HEIGHT, plain.length, "pixels without effects");
         Check.isTrue(Arrays.stream(plain).anyMatch(pixel -> pixel == 0xFF000000), "ink");
         Sdk.number(text, "AddStrokeTextEffect", 4f, 0xFFFF0000, 1f, 0, 1);
         Check.equal("[" + WIDTH + ", " + HEIGHT + "]",
                 Arrays.toString((int[]) Sdk.call(text, "GetDrawingBitmapSize")),
                 "size of the last render, before the next");
-        int[] stroked = render(text);
+        int[] stroked = Widgets.render(text);
         int width = WIDTH + Sdk.number(text, "GetEffectLeftOffset")
                 + Sdk.number(text, "GetEffectRightOffset");
         int height = HEIGHT + Sdk.number(text, "GetEffectTopOffset")
@@ -70,7 +62,7 @@ final class RenderTest {
         };
         for (int[] c : cases) {
             Object text = text(c[0]);
-            int[] pixels = render(text);
+            int[] pixels = Widgets.render(text);
             int left = WIDTH, right = 0;
             int top = HEIGHT, bottom = 0;
             for (int i = 0; i < pixels.length; i++) {
@@ -94,35 +86,30 @@ final class RenderTest {
 
     static void zeroSizesGiveAnEmptyArray() {
         Object text = Sdk.newText();
-        Check.equal(0, render(text).length, "a view without a size");
+        Check.equal(0, Widgets.render(text).length, "a view without a size");
         Check.equal("[0, 0]", Arrays.toString((int[]) Sdk.call(text, "GetDrawingBitmapSize")),
                 "size");
     }
 
     static void sizesThatNoArrayHoldsAreRefused() {
         Object text = text(0x33);
-        render(text);
+        Widgets.render(text);
         int[][] sizes = {{46341, 46341}, {Integer.MAX_VALUE, 2}, {2, Integer.MAX_VALUE}};
         for (int[] size : sizes) {
-            TextView view = new TextView();
-            view.width = size[0];
-            view.height = size[1];
-            Check.isTrue(Sdk.flag(text, "SetView", view), "SetView");
-            Check.equal(null, render(text), Arrays.toString(size));
+            Check.isTrue(Sdk.flag(text, "SetView", Widgets.view(size[0], size[1])), "SetView");
+            Check.equal(null, Widgets.render(text), Arrays.toString(size));
         }
         Sdk.number(text, "AddStrokeTextEffect", 4f, 0xFFFF0000, 1f, 0, 1);
-        TextView view = new TextView();
-        view.width = Integer.MAX_VALUE;
-        Sdk.flag(text, "SetView", view);
-        Check.equal(null, render(text), "the margins pass 32 bits");
+        Sdk.flag(text, "SetView", Widgets.view(Integer.MAX_VALUE, 0));
+        Check.equal(null, Widgets.render(text), "the margins pass 32 bits");
     }
 
     static void aRuntimeWithoutRoomGivesNull() {
         Object text = text(0x33);
         Probe.failCall("NewIntArray", 1);
-        Check.equal(null, render(text), "no pixels");
+        Check.equal(null, Widgets.render(text), "no pixels");
         Probe.failCall("NewIntArray", 1);
         Check.equal(null, Sdk.call(text, "GetDrawingBitmapSize"), "no size");
-        Check.equal(WIDTH * HEIGHT, render(text).length, "then again");
+        Check.equal(WIDTH * HEIGHT, Widgets.render(text).length, "then again");
     }
 }

@@ -12,9 +12,7 @@ final class ViewTest {
     private ViewTest() {}
 
     private static TextView view() {
-        TextView view = new TextView();
-        view.width = 300;
-        view.height = 200;
+        TextView view = Widgets.view(300, 200);
         view.paddingLeft = 1;
         view.paddingTop = 2;
         view.paddingRight = 3;

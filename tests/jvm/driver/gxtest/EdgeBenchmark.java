@@ -1,0 +1,48 @@
+package gxtest;
+
+import android.graphics.Paint;
+import android.text.Layout;
+import android.widget.TextView;
+
+/** What the way from Java to the pixels and back costs beside the render itself. Prints one line. */
+public final class EdgeBenchmark {
+    private static final int WIDTH = 1080;
+    private static final int HEIGHT = 320;
+    private static final int ROUNDS = 5;
+    private static final int RENDERS = 40;
+
+    private EdgeBenchmark() {}
+
+    public static void main(String[] arguments) {
+        System.loadLibrary("gxtext_jvm_probe");
+        Probe.install();
+        System.loadLibrary("gxtext");
+        TextView view = Widgets.view(WIDTH, HEIGHT);
+        Object text = Widgets.text(view);
+        Paint paint = new Paint();
+        paint.textSize = 180f;
+        Sdk.flag(text, "SetPaint", paint);
+        Sdk.number(text, "AddStrokeTextEffect", 6f, 0xFFFFFFFF, 1f, 0, 1);
+        Sdk.number(text, "AddOuterShadowTextEffect", 120f, 10f, 12f, 0xFF000000, 0.6f);
+        Sdk.number(text, "AddLinearGradientTextEffect", 90f, 1f,
+                new int[] {0xFFFFD54F, 0xFFE53935}, new float[] {1f, 1f}, new float[] {0f, 1f}, 1f);
+        Layout layout = new Layout("Summer Sale", 1);
+        layout.lineHeight = 200;
+        Sdk.flag(text, "SetLayout", layout);
+
+        double through = Double.MAX_VALUE;
+        double inside = Double.MAX_VALUE;
+        for (int round = 0; round < ROUNDS; round++) {
+            long start = System.nanoTime();
+            for (int i = 0; i < RENDERS; i++) {
+                Widgets.render(text);
+            }
+            through = Math.min(through, (System.nanoTime() - start) / 1e6 / RENDERS);
+            inside = Math.min(
+                    inside, Probe.renderNanos(Sdk.handle(text), RENDERS) / 1e6 / RENDERS);
+            Probe.takeLog();
+        }
+        System.out.printf("%d x %d: %.3f ms through Java, %.3f ms inside, the edge %.1f %%%n",
+                WIDTH, HEIGHT, through, inside, 100 * (through - inside) / through);
+    }
+}

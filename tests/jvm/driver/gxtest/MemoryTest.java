@@ -1,0 +1,64 @@
+package gxtest;
+
+import android.graphics.Paint;
+import android.text.FontConfig;
+import android.text.Layout;
+import android.text.SpannableString;
+import android.text.style.BackgroundColorSpan;
+
+/** What natives take they give back. */
+final class MemoryTest {
+    private static final int ROUNDS = 1000;
+    private static final long NOISE = 256 * 1024;
+
+    private MemoryTest() {}
+
+    static void aThousandRendersLeaveNativeMemoryAsItWas() {
+        Object text = Widgets.text(Widgets.view(200, 60));
+        Sdk.number(text, "AddStrokeTextEffect", 3f, 0xFFFF0000, 1f, 0, 1);
+        Layout layout = new Layout(new SpannableString("Hello, memory")
+                                           .with(new BackgroundColorSpan(-1), 0, 3), 1);
+        expectFlat(() -> {
+            Sdk.flag(text, "SetPaint", new Paint());
+            Sdk.flag(text, "SetLayout", layout);
+            Widgets.render(text);
+        });
+    }
+
+    static void aThousandObjectsLeaveNativeMemoryAsItWas() {
+        byte[] garbage = new byte[10_000];
+        expectFlat(() -> {
+            Object text = Widgets.text(Widgets.view(20, 20));
+            Sdk.flag(text, "SetFont2", "garbage", garbage);
+            Sdk.flag(text, "SetLayout", new Layout("a", 1));
+            Sdk.call(text, "finalize");
+        });
+    }
+
+    static void configurationsThatFailLeaveNativeMemoryAsItWas() {
+        FontConfig.Font font = new FontConfig.Font(FontTest.FONT);
+        FontConfig.Family good = new FontConfig.Family(null, "und-Arab", font, font);
+        FontConfig.Family bad = new FontConfig.Family(null, "und-Arab", font) {
+            @Override
+            public int getVariant() { throw new IllegalStateException("from a family"); }
+        };
+        FontConfig config = new FontConfig(good, good, bad);
+        Probe.forgetFontConfig();
+        expectFlat(() -> Sdk.fonts("SetFontConfig", config));
+    }
+
+    private static void expectFlat(Runnable round) {
+        run(round, ROUNDS / 10);
+        long before = Probe.nativeBytes();
+        run(round, ROUNDS);
+        long growth = Probe.nativeBytes() - before;
+        Check.isTrue(growth < NOISE, "grown by " + growth + " bytes in " + ROUNDS + " rounds");
+    }
+
+    private static void run(Runnable round, int count) {
+        for (int i = 0; i < count; i++) {
+            round.run();
+            Probe.takeLog();
+        }
+    }
+}
