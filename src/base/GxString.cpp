@@ -209,8 +209,7 @@ bool TakesTwoUtf16Units(uint32_t c) {
 
 int64_t Utf16Units(const wchar_t* text) {
     int64_t units = 1;
-    for (; *text; text++)
-        units += TakesTwoUtf16Units(CodePoint(*text)) ? 2 : 1;
+    for (; *text; text++) units += TakesTwoUtf16Units(CodePoint(*text)) ? 2 : 1;
     return units;
 }
 
@@ -432,8 +431,7 @@ int GxString::ReverseFind(const char* pattern) const {
 int GxString::GetUTF8Size() const {
     if (!impl_) return FailNumber(GXE_ERROR_NOT_CONSTRUCTED, kSiteUtf8SizeUnconstructed);
     int64_t size = 1;
-    for (const wchar_t* c = impl_->text(); *c; c++)
-        size += Utf8Units(CodePoint(*c));
+    for (const wchar_t* c = impl_->text(); *c; c++) size += Utf8Units(CodePoint(*c));
     if (size <= INT_MAX) return static_cast<int>(size);
     return FailNumber(GXE_ERROR_INVALID_ARGUMENT, kSiteUtf8SizeLength);
 }

@@ -132,8 +132,7 @@ void ListImpl::Clear() {
     head = tail = nullptr;
     count = 0;
     Remember(nullptr, kNoIndex);
-    for (Cursor& cursor : cursors)
-        cursor.node = nullptr;
+    for (Cursor& cursor : cursors) cursor.node = nullptr;
 }
 
 void ListImpl::FreeNodes() {
@@ -156,10 +155,8 @@ Node* ListImpl::NodeAt(int index) const {
         node = cached;
         at = cachedIndex;
     }
-    for (; at < index; at++)
-        node = node->next;
-    for (; at > index; at--)
-        node = node->previous;
+    for (; at < index; at++) node = node->next;
+    for (; at > index; at--) node = node->previous;
     return node;
 }
 
@@ -227,8 +224,7 @@ bool List::Construct(void* const* items, int count) {
     if (impl_) return Fail(GXE_ERROR_ALREADY_CONSTRUCTED);
     if (!items || count < 0) return Fail(GXE_ERROR_INVALID_ARGUMENT);
     bool ok = Construct();
-    for (int i = 0; ok && i < count; i++)
-        ok = Add(items[i]);
+    for (int i = 0; ok && i < count; i++) ok = Add(items[i]);
     if (!ok) impl_.reset();
     return ok;
 }
@@ -268,8 +264,7 @@ bool List::Remove(int index, int count) {
     if (index < 0 || index >= impl_->count || count < 0 || count > impl_->count) {
         return Fail(GXE_ERROR_OUT_OF_RANGE);
     }
-    for (; count > 0 && index < impl_->count; count--)
-        Remove(index);
+    for (; count > 0 && index < impl_->count; count--) Remove(index);
     return true;
 }
 

@@ -85,8 +85,7 @@ TEST(GxString, EveryOperationNeedsConstruct) {
         [&] { EXPECT_EQ(s.GetUTF16Size(), -1); },
         [&] { EXPECT_EQ(s.GetUTF16(), nullptr); },
     };
-    for (const auto& operation : operations)
-        expectError(8, operation);
+    for (const auto& operation : operations) expectError(8, operation);
 }
 
 TEST(GxString, ConstructsFromEverySource) {
@@ -358,8 +357,7 @@ TEST(GxString, SizesOfOddCodePoints) {
 TEST(GxString, ConvertsToUtf16) {
     const auto units = [](std::initializer_list<uint32_t> codes) {
         std::wstring text;
-        for (uint32_t c : codes)
-            text += static_cast<wchar_t>(c);
+        for (uint32_t c : codes) text += static_cast<wchar_t>(c);
         return utf16(*Text(text.c_str()).get());
     };
     using Units = std::vector<uint16_t>;

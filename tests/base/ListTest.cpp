@@ -35,8 +35,7 @@ void expectError(int code, const std::function<void()>& operation) {
 std::vector<void*> contents(const List& list) {
     std::vector<void*> result;
     result.reserve(static_cast<size_t>(list.GetCount()));
-    for (int i = 0; i < list.GetCount(); i++)
-        result.push_back(list.Get(i));
+    for (int i = 0; i < list.GetCount(); i++) result.push_back(list.Get(i));
     return result;
 }
 
@@ -45,8 +44,7 @@ protected:
     void SetUp() override { ASSERT_TRUE(list.Construct()); }
     void fill(const std::vector<void*>& wanted) {
         ASSERT_TRUE(list.RemoveAll());
-        for (void* item : wanted)
-            ASSERT_TRUE(list.Add(item));
+        for (void* item : wanted) ASSERT_TRUE(list.Add(item));
     }
 
     List list;
@@ -76,8 +74,7 @@ TEST_F(ListTest, EveryOperationNeedsConstruct) {
         [&] { EXPECT_FALSE(bare.Move(1, 0)); },
         [&] { EXPECT_FALSE(bare.EndTraversal(1)); },
     };
-    for (const auto& operation : operations)
-        expectError(8, operation);
+    for (const auto& operation : operations) expectError(8, operation);
 }
 
 TEST_F(ListTest, ConstructsFromListsAndArrays) {
@@ -154,8 +151,7 @@ TEST_F(ListTest, FindsItems) {
     ASSERT_TRUE(other.Construct());
     EXPECT_TRUE(list.IsContained(&other));
     other.Add(B);
-    for (int i = 0; i < List::kMaxTraversals; i++)
-        ASSERT_NE(other.BeginTraversal(), -1);
+    for (int i = 0; i < List::kMaxTraversals; i++) ASSERT_NE(other.BeginTraversal(), -1);
     EXPECT_TRUE(list.IsContained(&other)) << "needs no free cursor";
     other.Add(C);
     EXPECT_FALSE(list.IsContained(&other));

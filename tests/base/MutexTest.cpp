@@ -80,8 +80,7 @@ TEST(Mutex, SerialisesReentrantThreads) {
             }
         });
     }
-    for (std::thread& thread : threads)
-        thread.join();
+    for (std::thread& thread : threads) thread.join();
     EXPECT_EQ(counter, 8000);
 }
 
