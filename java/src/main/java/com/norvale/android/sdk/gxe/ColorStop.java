@@ -13,7 +13,7 @@ public final class ColorStop {
     /**
      * An opaque stop.
      *
-     * @param color {@code 0xAARRGGBB}; the alpha is not used
+     * @param color {@code 0xAARRGGBB}; the alpha multiplies the opacity
      * @param position along the gradient, 0 to 1, kept to two decimals when drawn
      * @throws IllegalArgumentException when the position is out of range
      */
@@ -24,7 +24,7 @@ public final class ColorStop {
     /**
      * A stop.
      *
-     * @param color {@code 0xAARRGGBB}; the alpha is not used
+     * @param color {@code 0xAARRGGBB}; the alpha multiplies the opacity
      * @param opacity 0 to 1
      * @param position along the gradient, 0 to 1, kept to two decimals when drawn
      * @throws IllegalArgumentException when opacity or position is out of range

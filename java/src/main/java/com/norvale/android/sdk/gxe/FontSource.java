@@ -30,15 +30,16 @@ final class FontSource {
     }
 
     /**
-     * What a style's font means: an absolute path is a file, another name with a font's ending is
-     * an asset, the rest is the name of a family.
+     * What a style's font means: an absolute path is a file, another path or a name with a font's
+     * ending is an asset, the rest is the name of a family.
      */
     static FontSource of(String font, AssetManager assets) {
         if (new File(font).isAbsolute()) {
             return new FontSource(Kind.FILE, font, null);
         }
         String lower = font.toLowerCase(Locale.ROOT);
-        boolean isFile = lower.endsWith(".ttf") || lower.endsWith(".otf") || lower.endsWith(".ttc");
+        boolean isFile = lower.contains("/") || lower.endsWith(".ttf") || lower.endsWith(".otf")
+                || lower.endsWith(".ttc") || lower.endsWith(".otc");
         return isFile
                 ? new FontSource(Kind.ASSET, font, assets)
                 : new FontSource(Kind.FAMILY, font, null);

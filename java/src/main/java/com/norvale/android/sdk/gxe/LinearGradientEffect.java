@@ -61,7 +61,7 @@ public final class LinearGradientEffect extends TextEffect {
         float[] positions = new float[stops.size()];
         for (int i = 0; i < colors.length; i++) {
             colors[i] = stops.get(i).getColor();
-            opacities[i] = stops.get(i).getOpacity();
+            opacities[i] = faded(stops.get(i).getOpacity(), colors[i]);
             positions[i] = stops.get(i).getPosition();
         }
         return text.addLinearGradient(angle, scale, colors, opacities, positions, getOpacity());
@@ -142,7 +142,7 @@ public final class LinearGradientEffect extends TextEffect {
         /**
          * Adds an opaque colour after those that are there.
          *
-         * @param color {@code 0xAARRGGBB}; the alpha is not used
+         * @param color {@code 0xAARRGGBB}; the alpha fades it
          * @param position along the ramp, 0 to 1
          * @return this builder
          * @throws IllegalArgumentException when the position is out of range or before the last

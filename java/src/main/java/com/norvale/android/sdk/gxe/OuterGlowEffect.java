@@ -29,7 +29,7 @@ public final class OuterGlowEffect extends TextEffect {
     }
 
     /**
-     * Colour of the glow; its alpha is not used.
+     * Colour of the glow; its alpha multiplies the opacity.
      *
      * @return {@code 0xAARRGGBB}
      */
@@ -40,7 +40,7 @@ public final class OuterGlowEffect extends TextEffect {
 
     @Override
     int addTo(GxText text) {
-        return text.addOuterGlow(size, color, getOpacity());
+        return text.addOuterGlow(size, color, faded(getOpacity(), color));
     }
 
     @Override
@@ -79,7 +79,7 @@ public final class OuterGlowEffect extends TextEffect {
         /**
          * Sets the colour.
          *
-         * @param color {@code 0xAARRGGBB}; the alpha is not used, see {@link #setOpacity}
+         * @param color {@code 0xAARRGGBB}; the alpha multiplies the opacity
          * @return this builder
          */
         @NonNull

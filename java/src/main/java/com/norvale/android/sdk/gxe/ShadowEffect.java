@@ -85,7 +85,7 @@ public final class ShadowEffect extends TextEffect {
     }
 
     /**
-     * Colour of the shadow; its alpha is not used.
+     * Colour of the shadow; its alpha multiplies the opacity.
      *
      * @return {@code 0xAARRGGBB}
      */
@@ -97,8 +97,8 @@ public final class ShadowEffect extends TextEffect {
     @Override
     int addTo(GxText text) {
         return inner
-                ? text.addInnerShadow(angle, distance, size, color, getOpacity())
-                : text.addOuterShadow(angle, distance, size, color, getOpacity());
+                ? text.addInnerShadow(angle, distance, size, color, faded(getOpacity(), color))
+                : text.addOuterShadow(angle, distance, size, color, faded(getOpacity(), color));
     }
 
     @Override
@@ -170,7 +170,7 @@ public final class ShadowEffect extends TextEffect {
         /**
          * Sets the colour.
          *
-         * @param color {@code 0xAARRGGBB}; the alpha is not used, see {@link #setOpacity}
+         * @param color {@code 0xAARRGGBB}; the alpha multiplies the opacity
          * @return this builder
          */
         @NonNull

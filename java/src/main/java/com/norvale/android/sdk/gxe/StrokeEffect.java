@@ -53,7 +53,7 @@ public final class StrokeEffect extends TextEffect {
     }
 
     /**
-     * Colour of the outline; its alpha is not used.
+     * Colour of the outline; its alpha multiplies the opacity.
      *
      * @return {@code 0xAARRGGBB}
      */
@@ -83,7 +83,7 @@ public final class StrokeEffect extends TextEffect {
 
     @Override
     int addTo(GxText text) {
-        return text.addStroke(size, color, getOpacity(), cap, position.nativeValue);
+        return text.addStroke(size, color, faded(getOpacity(), color), cap, position.nativeValue);
     }
 
     @Override
@@ -128,7 +128,7 @@ public final class StrokeEffect extends TextEffect {
         /**
          * Sets the colour.
          *
-         * @param color {@code 0xAARRGGBB}; the alpha is not used, see {@link #setOpacity}
+         * @param color {@code 0xAARRGGBB}; the alpha multiplies the opacity
          * @return this builder
          */
         @NonNull

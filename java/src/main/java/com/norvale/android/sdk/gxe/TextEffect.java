@@ -39,6 +39,14 @@ public abstract class TextEffect {
         return opacity;
     }
 
+    /**
+     * The opacity with the alpha of a colour in it. The native library takes a colour without its
+     * alpha; style files have both multiplied.
+     */
+    static float faded(float opacity, int color) {
+        return opacity * ((color >>> 24) / 255f);
+    }
+
     /** Adds the effect to a native stack: its id, or -1. */
     abstract int addTo(GxText text);
 

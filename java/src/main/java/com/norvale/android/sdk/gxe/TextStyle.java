@@ -414,7 +414,7 @@ public final class TextStyle {
          * Sets the font.
          *
          * @param font absolute path of a font file, a font file among the app's assets, or the name
-         *     of a family; or null to leave the view's
+         *     of a family; null or empty to leave the view's
          * @return this builder
          */
         @NonNull
@@ -611,7 +611,7 @@ public final class TextStyle {
         }
 
         Builder set(Field field, Object value) {
-            if (value == null) {
+            if (value == null || (field == Field.FONT && ((String) value).isEmpty())) {
                 values.remove(field);
                 return this;
             }

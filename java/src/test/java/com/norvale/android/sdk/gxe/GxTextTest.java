@@ -1,5 +1,6 @@
 package com.norvale.android.sdk.gxe;
 
+import static org.junit.Assert.assertArrayEquals;
 import static org.junit.Assert.assertEquals;
 import static org.junit.Assert.assertFalse;
 import static org.junit.Assert.assertThrows;
@@ -104,6 +105,28 @@ public class GxTextTest extends NativeTest {
             text.setSource(view);
             text.render();
         }
+    }
+
+    private static int[] drawWith(TextEffect effect) {
+        try (GxText text = new GxText()) {
+            text.setFont(LATIN);
+            text.setEffects(Collections.singletonList(effect));
+            text.setSource(layOut(textView("Ag", LATIN, 48), 0));
+            return text.renderPixels();
+        }
+    }
+
+    @Test
+    public void theAlphaOfAColourFadesItsEffect() {
+        int alpha = 0x80;
+        assertArrayEquals(
+                drawWith(ShadowEffect.outer().setColor(0xFFFF0000).setOpacity(alpha / 255f)
+                        .build()),
+                drawWith(ShadowEffect.outer().setColor(0x80FF0000).setOpacity(1).build()));
+        assertArrayEquals(
+                drawWith(new LinearGradientEffect.Builder()
+                        .addStop(new ColorStop(Color.RED, alpha / 255f, 0)).build()),
+                drawWith(new LinearGradientEffect.Builder().addStop(0x80FF0000, 0).build()));
     }
 
     @Test

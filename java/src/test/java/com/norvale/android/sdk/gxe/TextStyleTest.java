@@ -6,13 +6,19 @@ import static org.junit.Assert.assertNull;
 import static org.junit.Assert.assertThrows;
 import static org.junit.Assert.assertTrue;
 
+import java.io.IOException;
+import java.nio.file.Files;
+import java.nio.file.Path;
+import java.nio.file.Paths;
 import java.util.Arrays;
 import java.util.HashSet;
 import java.util.List;
 import java.util.Set;
+import java.util.stream.Collectors;
+import java.util.stream.Stream;
 import org.junit.Test;
 
-/** Styles as values and as files; needs no Android. */
+/** Styles as values and as files; needs no device and no native library. */
 public class TextStyleTest {
     private static TextStyle.Builder style() {
         return new TextStyle.Builder();
@@ -102,6 +108,27 @@ public class TextStyleTest {
         assertEquals(new LinearGradientEffect.Builder().addStop(0xFFFF0000, 0.5f).build(),
                 read.get(4));
         assertNull(TextStyle.EMPTY.getSize());
+    }
+
+    @Test
+    public void theExamplesOfTheToolAreReadOrRefusedForWhatJavaLacks() throws IOException {
+        List<Path> files;
+        try (Stream<Path> all = Files.list(
+                Paths.get(System.getProperty("gxtext.root.dir"), "examples", "styles"))) {
+            files = all.filter(f -> f.toString().endsWith(".json")).collect(Collectors.toList());
+        }
+        int read = 0;
+        for (Path file : files) {
+            try {
+                TextStyle style = TextStyle.fromJson(Files.readString(file));
+                assertEquals(file.toString(), style, TextStyle.fromJson(style.toJson()));
+                read++;
+            } catch (IllegalArgumentException e) {
+                assertTrue(file + ": " + e.getMessage(),
+                        e.getMessage().contains("available from Java"));
+            }
+        }
+        assertTrue(read + " of " + files.size(), read > 5);
     }
 
     @Test
