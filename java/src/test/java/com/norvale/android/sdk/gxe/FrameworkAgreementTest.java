@@ -8,6 +8,7 @@ import android.graphics.Rect;
 import android.text.Layout;
 import android.text.SpannableString;
 import android.text.style.BackgroundColorSpan;
+import android.view.Gravity;
 import android.widget.TextView;
 import java.io.IOException;
 import java.util.ArrayList;
@@ -46,9 +47,7 @@ public class FrameworkAgreementTest extends NativeTest {
 
     private static final float[] SIZES = {14, 24, 37.5f, 48, 96};
 
-    /** The picture of the boxes behind the lines alone: the text is transparent. */
-    private static int[] drawBoxes(Sample sample, TextView view) {
-        view.setTextColor(0x00000000);
+    private static int[] drawText(Sample sample, TextView view) {
         try (GxText text = new GxText()) {
             text.setFont(sample.fontFile);
             text.setSource(view);
@@ -77,7 +76,8 @@ public class FrameworkAgreementTest extends NativeTest {
         TextView view = layOut(textView(marked, sample.fontFile, size), (int) (size * 12));
         Layout layout = view.getLayout();
         assertTrue(sample.name, layout.getLineCount() > 1);
-        int[] pixels = drawBoxes(sample, view);
+        view.setTextColor(0x00000000); // the boxes alone
+        int[] pixels = drawText(sample, view);
         float worst = 0;
         for (int i = 0; i < layout.getLineCount(); i++) {
             int baseline = view.getTotalPaddingTop() + layout.getLineBaseline(i);
@@ -116,6 +116,47 @@ public class FrameworkAgreementTest extends NativeTest {
         assertTrue(String.join("\n", lines), worst <= 1);
     }
 
+    /** First and last row with ink among the rows of a line. */
+    private static int[] inkRows(int[] pixels, int width, int top, int bottom) {
+        int first = -1;
+        int last = -1;
+        for (int i = top * width; i < bottom * width; i++) {
+            if (pixels[i] >>> 24 >= 128) {
+                first = first < 0 ? i / width : first;
+                last = i / width;
+            }
+        }
+        return new int[] {first, last};
+    }
+
+    @Test
+    public void everyLineStandsOnTheBaselineOfTheFramework() {
+        int[] gravities = {Gravity.TOP, Gravity.CENTER, Gravity.BOTTOM | Gravity.RIGHT};
+        for (Sample sample : SAMPLES) {
+            for (int gravity : gravities) {
+                TextView view = textView(sample.text, sample.fontFile, 48);
+                view.setTextColor(0xFF000000);
+                view.setGravity(gravity);
+                view.setPadding(5, 7, 11, 13);
+                view.setMinHeight(400);
+                layOut(view, 500);
+                int[] expected = pixels(draw(view, 0));
+                int[] drawn = drawText(sample, view);
+                Layout layout = view.getLayout();
+                int top = view.getTotalPaddingTop();
+                for (int i = 0; i < layout.getLineCount(); i++) {
+                    int[] there = inkRows(expected, 500, top + layout.getLineTop(i),
+                            top + layout.getLineBottom(i));
+                    int[] here = inkRows(drawn, 500, top + layout.getLineTop(i),
+                            top + layout.getLineBottom(i));
+                    String what = sample.name + " line " + i + " gravity " + gravity;
+                    assertEquals(what, there[0], here[0], 1);
+                    assertEquals(what, there[1], here[1], 1);
+                }
+            }
+        }
+    }
+
     /** Bounds of what is at least half covered. */
     private static Rect inkBounds(int[] pixels, int width) {
         Rect bounds = new Rect();
@@ -152,12 +193,7 @@ public class FrameworkAgreementTest extends NativeTest {
             view.setTextColor(0xFF000000);
             Bitmap framework = draw(view, 0);
             int[] expected = pixels(framework);
-            int[] drawn;
-            try (GxText text = new GxText()) {
-                text.setFont(sample.fontFile);
-                text.setSource(view);
-                drawn = text.renderPixels();
-            }
+            int[] drawn = drawText(sample, view);
             int width = view.getWidth();
             Rect there = inkBounds(expected, width);
             Rect here = inkBounds(drawn, width);

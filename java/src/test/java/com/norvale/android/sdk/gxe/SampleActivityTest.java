@@ -16,6 +16,8 @@ import java.nio.file.Files;
 import java.nio.file.Path;
 import java.nio.file.Paths;
 import java.util.Arrays;
+import java.util.regex.Matcher;
+import java.util.regex.Pattern;
 import org.junit.Test;
 import org.robolectric.Robolectric;
 
@@ -25,15 +27,31 @@ public class SampleActivityTest extends NativeTest {
     public static class ActivityWithAssets extends SampleActivity {
         @Override
         protected String readAsset(String path) {
-            Path assets = Paths.get(System.getProperty("gxtext.root.dir"),
-                    "examples/android/src/main/assets");
             try {
-                return new String(
-                        Files.readAllBytes(assets.resolve(path)), StandardCharsets.UTF_8);
+                return read("examples/android/src/main/assets/" + path);
             } catch (IOException e) {
                 throw new UncheckedIOException(e);
             }
         }
+    }
+
+    private static String read(String path) throws IOException {
+        return new String(
+                Files.readAllBytes(Paths.get(System.getProperty("gxtext.root.dir"), path)),
+                StandardCharsets.UTF_8);
+    }
+
+    @Test
+    public void theDocumentationQuotesTheExample() throws IOException {
+        String example = read("examples/android/src/main/java/com/norvale/android/sdk/gxe/sample/"
+                + "SampleActivity.java");
+        Matcher block = Pattern.compile("```java\n(.*?)```", Pattern.DOTALL)
+                .matcher(read("docs/java.md"));
+        int count = 0;
+        for (; block.find(); count++) {
+            assertTrue(block.group(1), example.contains(block.group(1)));
+        }
+        assertEquals(2, count);
     }
 
     @Test
