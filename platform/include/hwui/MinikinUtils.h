@@ -43,8 +43,7 @@ public:
         const size_t glyphCount = layout.nGlyphs();
         for (size_t start = 0, end = 0; start < glyphCount; start = end) {
             const minikin::MinikinFont* runFont = layout.getFont(static_cast<int>(start));
-            while (end < glyphCount && layout.getFont(static_cast<int>(end)) == runFont)
-                end++;
+            while (end < glyphCount && layout.getFont(static_cast<int>(end)) == runFont) end++;
 
             SkFont& skFont = paint->getSkFont();
             const float skewX = skFont.getSkewX();
