@@ -8,8 +8,6 @@ import static org.junit.Assert.assertTrue;
 
 import android.graphics.Bitmap;
 import android.graphics.Color;
-import android.graphics.fonts.FontVariationAxis;
-import android.text.FontConfig;
 import android.widget.TextView;
 import com.norvale.android.sdk.gxe.font.FontManager;
 import com.norvale.android.sdk.gxe.util.GxError;
@@ -236,24 +234,6 @@ public class GxTextTest extends NativeTest {
             assertTrue(ink > 100);
             assertEquals(ink, inkOf(data));
             assertEquals(ink, inkOf(name));
-        }
-    }
-
-    @Test
-    public void theConfigurationOfTheSystemServesTextsWithoutAFont() {
-        FontVariationAxis[] axes = {};
-        FontConfig.Font font = new FontConfig.Font(LATIN, 0, axes, 400, false, null);
-        FontConfig config = new FontConfig(
-                new FontConfig.Family[] {new FontConfig.Family(
-                        "sans-serif", new FontConfig.Font[] {font}, null,
-                        FontConfig.Family.VARIANT_DEFAULT)},
-                new FontConfig.Alias[] {});
-        FontManager.setFontConfig(config);
-        FontManager.setFontConfig(config); // ignored
-        assertTrue(FontManager.hasSystemFonts());
-        try (GxText text = new GxText()) {
-            text.setFontFamilyName("sans-serif");
-            assertTrue(inkOf(text) > 100);
         }
     }
 
