@@ -153,6 +153,14 @@ TEST(Program, RendersTheSameBytesEveryTimeAndEverywhere) {
     }
 }
 
+TEST(Program, OpacityMultipliesTheColoursAlpha) {
+    const Image image = picture(runGxtext(
+        withFont({"render", "--text", "Hamburg", "--color", "#C0336699", "--opacity", "0.5"})));
+    uint32_t strongest = 0;
+    for (const uint32_t pixel : image.pixels) strongest = std::max(strongest, pixel >> 24);
+    EXPECT_EQ(strongest, 0x60u);
+}
+
 TEST(Program, PicturesAreAsLargeAsMeasured) {
     const std::vector<std::string> options{"--text", "Wide\nand tall", "--padding", "3,5,7,9"};
     const json measure = measured(options);

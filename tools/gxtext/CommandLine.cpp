@@ -129,7 +129,7 @@ void addColorOptions(StyleOptions& options) {
             [](Style& style, const std::string& text) { style.background = parseColor(text); })
         ->check(isColor(true));
     options
-        .add<float>("--opacity", "Opacity of the text fill, 0-1 (default 1)", "N", group,
+        .add<float>("--opacity", "Fades the picture, effects included, 0-1 (default 1)", "N", group,
                     [](Style& style, const float& opacity) { style.opacity = opacity; })
         ->check(inRange(limits::kUnit));
 }
@@ -246,6 +246,7 @@ int run(int argc, char** argv, const std::function<void(bool)>& showLibraryLog) 
     app.set_version_flag("--version", versionText());
     app.require_subcommand(1);
     app.fallthrough();
+    app.footer("Exit status: 0 success, 1 failure, 2 wrong command line.");
     bool verbose = false;
     app.add_flag("-v,--verbose", verbose, "Print the library's log on standard error");
 

@@ -50,6 +50,14 @@ android::Paint makePaint(const Style& style, bool fakeBold) {
     return paint;
 }
 
+// The text colour's alpha fades the whole picture, which is what opacity asks for: the stack's own
+// text opacity only chooses the composition.
+uint32_t fadedColor(const Style& style) {
+    const auto alpha = static_cast<float>(style.color.argb >> 24);
+    const auto faded = static_cast<uint32_t>(toInt(alpha * style.opacity + 0.5f));
+    return faded << 24 | (style.color.argb & 0x00FFFFFFu);
+}
+
 Align resolve(Align align, bool rightToLeft) {
     if (align != Align::kStart) return align;
     return rightToLeft ? Align::kRight : Align::kLeft;
@@ -154,7 +162,7 @@ Scene::Scene(const Style& style) {
     android::Paint paint = makePaint(style, fonts_.fakeBold);
     object_.SetPaint(paint);
     object_.SetTextStyle(style.bold, style.italic);
-    object_.SetTextColor(style.color.argb);
+    object_.SetTextColor(fadedColor(style));
     object_.SetBackgroundColor(style.background.value_or(Color{0}).argb,
                                style.background.has_value());
     const std::wstring wide(characters.begin(), characters.end());
