@@ -9,4 +9,10 @@ if(NOT ANDROID AND NOT JAVA_HOME AND NOT DEFINED ENV{JAVA_HOME})
         cmake_path(GET JAVA_HOME PARENT_PATH JAVA_HOME)
     endif()
 endif()
-find_package(JNI COMPONENTS JVM)
+# Only the header is needed. The NDK comes with it; elsewhere a component has to be named, for without
+# one the window toolkit is looked for too.
+if(ANDROID)
+    find_package(JNI)
+else()
+    find_package(JNI COMPONENTS JVM)
+endif()
