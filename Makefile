@@ -28,7 +28,7 @@ demo: setup
 	scripts/demo $(BUILD)/release out/demo
 
 test: setup
-	@scripts/setup demo
+	@scripts/setup demo java
 	cmake --preset $(PRESET)
 	cmake --build --preset $(PRESET)
 	ctest --preset $(PRESET)
