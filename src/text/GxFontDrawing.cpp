@@ -261,7 +261,7 @@ bool GxFontDrawing::drawLines(GxTextObject* text, GxEffect* effect) {
         if (!mask || !glyphList->Add(mask.get())) {
             return ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, kSiteNoMemory);
         }
-        mask.release();
+        static_cast<void>(mask.release());  // the list's from here on
         _DoRender(saturate((int64_t{line->x} + left) << kFixedShift),
                   saturate((int64_t{line->y} + top) << kFixedShift), glyphList.get(), effect,
                   line->direction);

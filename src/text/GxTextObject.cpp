@@ -273,7 +273,9 @@ GxTextObject::~GxTextObject() {
 }
 
 bool GxTextObject::requireConstructed(int site) const {
-    return impl || ReportNativeError(kTag, GXE_ERROR_NOT_CONSTRUCTED, site);
+    if (impl) return true;
+    ReportNativeError(kTag, GXE_ERROR_NOT_CONSTRUCTED, site);
+    return false;
 }
 
 bool GxTextObject::Construct() {
