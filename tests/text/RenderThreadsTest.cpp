@@ -17,10 +17,9 @@ constexpr int kThreads = 8;
 constexpr int kRounds = 5;
 
 // One widget with every effect that Java can add, drawn from scratch.
-class Widget : public TextFixture {
+class Widget : public TextScene {
 public:
-    Widget() { SetUp(); }
-    void TestBody() override {}
+    Widget() { prepare(); }
 
     gxtest::Image draw(const std::wstring& string) {
         GxEffect* effect = text.GetEffect();

@@ -42,7 +42,8 @@ constexpr SystemFamily kSystemFamilies[] = {
     {"und-Zsye", gxtest::kNotoColorEmoji, 0},
 };
 
-class TextFixture : public testing::Test {
+// One text object, for use on any thread.
+class TextScene {
 protected:
     // The configuration is set once per process: every test sees the same families.
     static const std::vector<GxFontFamily*>& systemFamilies() {
@@ -80,7 +81,7 @@ protected:
         return family;
     }
 
-    void SetUp() override {
+    void prepare() {
         systemFamilies();
         ASSERT_TRUE(text.Construct());
         setPaint(48);
@@ -142,6 +143,11 @@ protected:
 
     int lineX = 4;
     GxTextObject text;
+};
+
+class TextFixture : public testing::Test, protected TextScene {
+protected:
+    void SetUp() override { prepare(); }
 };
 
 // Box of the pixels with any alpha: left, top, right, bottom; all 0 when there is none.
