@@ -69,11 +69,12 @@ Outcome runGxtext(const std::vector<std::string>& arguments, const std::string& 
     return outcome;
 }
 
-Outcome runGxtextOnTerminal(const std::vector<std::string>& arguments) {
+std::optional<Outcome> runGxtextOnTerminal(const std::vector<std::string>& arguments) {
     const int terminal = posix_openpt(O_RDWR | O_NOCTTY);
-    Outcome outcome;
-    if (terminal < 0 || grantpt(terminal) != 0 || unlockpt(terminal) != 0) return outcome;
+    if (terminal < 0 || grantpt(terminal) != 0 || unlockpt(terminal) != 0) return std::nullopt;
     const int out = open(ptsname(terminal), O_RDWR | O_NOCTTY);
+    if (out < 0) return std::nullopt;
+    Outcome outcome;
     const Stream in;
     const Stream err;
     outcome.status = runWith(arguments, in.descriptor(), out, err.descriptor());

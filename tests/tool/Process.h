@@ -1,6 +1,7 @@
 // Runs the program under test.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,7 +16,8 @@ struct Outcome {
 // Runs the gxtext program of this build with `input` on its standard input and waits for its end.
 Outcome runGxtext(const std::vector<std::string>& arguments, const std::string& input = "");
 
-// The same with standard output on a pseudo-terminal; `out` stays empty.
-Outcome runGxtextOnTerminal(const std::vector<std::string>& arguments);
+// The same with standard output on a pseudo-terminal; `out` stays empty. Nothing where the machine
+// has none to give.
+std::optional<Outcome> runGxtextOnTerminal(const std::vector<std::string>& arguments);
 
 }  // namespace gxtest

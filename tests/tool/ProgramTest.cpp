@@ -206,9 +206,10 @@ TEST(Program, OptionsGoOverTheStyleFile) {
 }
 
 TEST(Program, DoesNotWritePicturesToATerminal) {
-    const Outcome outcome = gxtest::runGxtextOnTerminal(withFont({"render", "--text", "Hi"}));
-    EXPECT_EQ(outcome.status, 2);
-    EXPECT_THAT(outcome.err, HasSubstr("terminal"));
+    const auto outcome = gxtest::runGxtextOnTerminal(withFont({"render", "--text", "Hi"}));
+    if (!outcome) GTEST_SKIP() << "this machine gives no pseudo-terminals";
+    EXPECT_EQ(outcome->status, 2);
+    EXPECT_THAT(outcome->err, HasSubstr("terminal"));
 }
 
 TEST(Program, NamesMissingGlyphs) {

@@ -4,6 +4,7 @@
 #include <array>
 #include <functional>
 #include <memory>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -25,6 +26,10 @@ struct Filter {
     std::function<void(GxECoreBase&)> usual;
     std::function<void(GxECoreBase&, float)> hostile;
 };
+
+void PrintTo(const Filter& filter, std::ostream* out) {
+    *out << "style " << filter.style;
+}
 
 const GxGradient kStops[] = {{0xFFFF0000, 1, 0}, {0xFF00FF00, 1, 0.5f}, {0xFF0000FF, 1, 1}};
 
