@@ -37,6 +37,7 @@ struct Row {
 void addRow(Row row);
 
 void addBlendRows();
+void addDilationRows();
 #ifdef GXBENCH_TEXT
 void addTextRows();  // need the text libraries
 #endif

@@ -1,4 +1,5 @@
 // The kernels of a build without Highway: each is its plain form.
+#include "raster/kernels/DiscDilation.h"
 #include "raster/kernels/PlainBlendRows.h"
 #include "raster/kernels/SimdTargets.h"
 
@@ -39,6 +40,16 @@ void fadeAndUnpremultiplyRow(Rgba* pixels, size_t count, uint32_t alpha) {
 }
 void clearUncoveredRow(Rgba* pixels, const uint8_t* mask, size_t count) {
     plain::clearUncoveredRow(pixels, mask, count);
+}
+
+void dilateOutside(const DilationBand& band) {
+    dilateOutsidePlain(band);
+}
+void dilateInside(const DilationBand& band) {
+    dilateInsidePlain(band);
+}
+void minimum(uint8_t* a, const uint8_t* b, int64_t count) {
+    minimumPlain(a, b, count);
 }
 
 std::vector<std::string> simdTargetNames() {

@@ -1,0 +1,205 @@
+// The fast dilation against its plain form, byte for byte, on every instruction set. That the plain
+// form is right is shown with the stroke.
+#include "raster/kernels/DiscDilation.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "effect/filters/GxStroke.h"
+#include "raster/SimdTest.h"
+#include "support/Random.h"
+
+namespace GxFontEffect::kernels {
+namespace {
+
+using gxtest::Random;
+using Bytes = std::vector<uint8_t>;
+
+enum Content { kEmpty, kFull, kNoise, kPoint, kBars, kContents };
+
+struct Plane {
+    int64_t columns;
+    int64_t rows;
+    int64_t stride;
+    Bytes bytes;
+
+    // Ends with the last pixel, whatever the stride: a sanitizer sees every byte too many.
+    Plane(int64_t planeColumns, int64_t planeRows, int64_t gap)
+        : columns(planeColumns),
+          rows(planeRows),
+          stride(planeColumns + gap),
+          bytes(static_cast<size_t>((rows - 1) * stride + columns)) {}
+
+    uint8_t& at(int64_t x, int64_t y) { return bytes[static_cast<size_t>(y * stride + x)]; }
+};
+
+// Solid rectangles with a soft edge, as upright and lying stems of letters.
+void drawBars(Random& random, Plane& plane) {
+    for (int bar = 0; bar < 4; ++bar) {
+        const int left = random.between(0, static_cast<int>(plane.columns) - 1);
+        const int top = random.between(0, static_cast<int>(plane.rows) - 1);
+        const int64_t right = std::min<int64_t>(plane.columns, left + random.between(1, 40));
+        const int64_t bottom = std::min<int64_t>(plane.rows, top + random.between(1, 40));
+        for (int64_t y = top; y < bottom; ++y) {
+            for (int64_t x = left; x < right; ++x) {
+                const bool edge = x == left || y == top || x == right - 1 || y == bottom - 1;
+                plane.at(x, y) = edge ? random.byte() : 255;
+            }
+        }
+    }
+}
+
+void draw(Random& random, Content content, Plane& plane) {
+    switch (content) {
+        case kFull:
+            std::fill(plane.bytes.begin(), plane.bytes.end(), uint8_t{255});
+            return;
+        case kNoise:
+            plane.bytes = random.edgeBytes(plane.bytes.size());
+            return;
+        case kPoint:
+            plane.at(random.between(0, static_cast<int>(plane.columns) - 1),
+                     random.between(0, static_cast<int>(plane.rows) - 1)) = random.edgeByte();
+            return;
+        case kBars:
+            return drawBars(random, plane);
+        default:
+            return;
+    }
+}
+
+struct Kernel {
+    Bytes cells;
+    int64_t side;
+};
+
+Kernel disc(float radius) {
+    unsigned char* cells = nullptr;
+    const int64_t side = makeCircleKernel(&cells, radius);
+    Kernel kernel{Bytes(cells, cells + side * side), side};
+    std::free(cells);
+    return kernel;
+}
+
+// Both dilations of a mask, into an output that holds something already.
+void expectPlainBytes(Random& random, Content content, int64_t columns, int64_t rows,
+                      const Kernel& kernel) {
+    SCOPED_TRACE(std::to_string(columns) + " x " + std::to_string(rows) + ", content " +
+                 std::to_string(content) + ", kernel " + std::to_string(kernel.side));
+    Plane mask(columns, rows, random.oneIn(2) ? 0 : random.between(0, 40));
+    draw(random, content, mask);
+    Plane out(columns + kernel.side - 1, rows + kernel.side - 1,
+              random.oneIn(2) ? 0 : random.between(0, 40));
+    if (random.oneIn(3)) draw(random, kBars, out);
+    if (random.oneIn(5)) draw(random, kNoise, out);
+
+    DilationBand band;
+    band.mask = mask.bytes.data();
+    band.maskStride = mask.stride;
+    band.columns = columns;
+    band.rows = rows;
+    band.kernel = kernel.cells.data();
+    band.kernelSize = kernel.side;
+    band.outStride = out.stride;
+    const auto dilated = [&](void (*dilate)(const DilationBand&)) {
+        Bytes copy = out.bytes;
+        band.out = copy.data();
+        dilate(band);
+        return copy;
+    };
+    // Not EXPECT_EQ: it would print planes.
+    EXPECT_TRUE(dilated(dilateOutside) == dilated(dilateOutsidePlain)) << "outside";
+    EXPECT_TRUE(dilated(dilateInside) == dilated(dilateInsidePlain)) << "inside";
+}
+
+constexpr float kRadii[] = {0,     0.3f, 0.5f,  0.7f, 1,     1.3f, 1.5f, 2,     2.4f,
+                            2.6f,  3,    3.7f,  4.2f, 5,     6,    7.5f, 9.45f, 10,
+                            12.8f, 15,   16.3f, 20,   22.5f, 25,   27,   30};
+
+class DiscDilationTest : public gxtest::SimdTest {};
+
+TEST_P(DiscDilationTest, EverySmallWidth) {
+    Random random(11);
+    GX_TRACE_SEED(random);
+    for (int64_t columns = 1; columns <= 80; ++columns) {
+        for (int content = 0; content < kContents; ++content) {
+            const float radius = kRadii[random.between(0, 13)];
+            expectPlainBytes(random, Content(content), columns, random.between(1, 20),
+                             disc(radius));
+        }
+    }
+}
+
+TEST_P(DiscDilationTest, EveryRadius) {
+    Random random(12);
+    GX_TRACE_SEED(random);
+    for (const float radius : kRadii) {
+        for (int content = 0; content < kContents; ++content) {
+            expectPlainBytes(random, Content(content), random.between(20, 150),
+                             random.between(1, 40), disc(radius));
+        }
+    }
+}
+
+TEST_P(DiscDilationTest, SeveralTiles) {
+    Random random(13);
+    GX_TRACE_SEED(random);
+    for (const float radius : {0.4f, 1.0f, 2.0f, 3.0f, 5.5f, 10.0f}) {
+        expectPlainBytes(random, kNoise, random.between(509, 515), 4, disc(radius));
+        expectPlainBytes(random, kBars, random.between(1000, 1100), 30, disc(radius));
+    }
+    for (const float radius : {50.0f, 63.6f, 127.4f, 128.0f}) {
+        expectPlainBytes(random, kPoint, random.between(100, 200), 5, disc(radius));
+        expectPlainBytes(random, kBars, random.between(30, 80), 4, disc(radius));
+    }
+}
+
+// Kernels that are no disc: anything; symmetric but stronger outside than inside; no middle.
+TEST_P(DiscDilationTest, AnyKernel) {
+    Random random(14);
+    GX_TRACE_SEED(random);
+    expectPlainBytes(random, kNoise, 50, 9, disc(2));
+    for (const int64_t side : {1, 3, 4, 7}) {
+        expectPlainBytes(random, kNoise, 45, 6,
+                         {random.edgeBytes(static_cast<size_t>(side * side)), side});
+    }
+    expectPlainBytes(random, kBars, 45, 30, {{255, 0, 255, 0, 0, 0, 255, 0, 255}, 3});
+    expectPlainBytes(random, kBars, 45, 30, {{9, 90, 9, 90, 0, 90, 9, 90, 9}, 3});
+    expectPlainBytes(random, kBars, 45, 30, {{90, 0, 90, 90, 0, 90, 90, 0, 90}, 3});
+}
+
+TEST_P(DiscDilationTest, EmptyBandsDoNothing) {
+    DilationBand band;
+    dilateOutside(band);
+    const Kernel kernel = disc(1);
+    band.kernel = kernel.cells.data();
+    band.kernelSize = kernel.side;
+    band.columns = 5;
+    dilateInside(band);
+    band.columns = 0;
+    band.rows = 5;
+    dilateInside(band);
+    minimum(nullptr, nullptr, 0);
+}
+
+TEST_P(DiscDilationTest, MinimumOfEveryLength) {
+    Random random(15);
+    GX_TRACE_SEED(random);
+    for (size_t count = 1; count < 200; ++count) {
+        Bytes a = random.edgeBytes(count);
+        Bytes expected = a;
+        const Bytes b = random.edgeBytes(count);
+        minimum(a.data(), b.data(), static_cast<int64_t>(count));
+        minimumPlain(expected.data(), b.data(), static_cast<int64_t>(count));
+        EXPECT_EQ(a, expected);
+    }
+}
+
+GX_INSTANTIATE_SIMD_TESTS(DiscDilationTest);
+
+}  // namespace
+}  // namespace GxFontEffect::kernels
