@@ -4,10 +4,11 @@
 BUILD := build
 PRESET ?= release
 
-.PHONY: help setup demo test bench bench-instructions lint format sanitize test-aarch64 clean
+.PHONY: help setup demo demo-java test bench bench-instructions lint format sanitize test-aarch64 clean
 
 help:
 	@echo "make demo          build, then render sample pictures into out/demo/"
+	@echo "make demo-java     render pictures through the Java SDK into out/demo-java/"
 	@echo "make test          build and run every test"
 	@echo "make bench         build and run the benchmarks: ratios to the peers, targets beside"
 	@echo "make bench-instructions  instructions per pixel of the same rows"
@@ -26,6 +27,12 @@ demo: setup
 	cmake --preset release
 	cmake --build --preset release --target gxtext_tool
 	scripts/demo $(BUILD)/release out/demo
+
+demo-java: setup
+	@scripts/setup demo java
+	cmake --preset release
+	cmake --build --preset release --target gxtext
+	scripts/demo-java $(BUILD)/release out/demo-java
 
 test: setup
 	@scripts/setup demo java
