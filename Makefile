@@ -4,12 +4,13 @@
 BUILD := build
 PRESET ?= release
 
-.PHONY: help setup demo demo-java test bench bench-instructions lint format sanitize test-aarch64 clean
+.PHONY: help setup demo demo-java test aar bench bench-instructions lint format sanitize test-aarch64 clean
 
 help:
 	@echo "make demo          build, then render sample pictures into out/demo/"
 	@echo "make demo-java     render pictures through the Java SDK into out/demo-java/"
 	@echo "make test          build and run every test"
+	@echo "make aar           pack the SDK and the libraries built for Android into out/aar/"
 	@echo "make bench         build and run the benchmarks: ratios to the peers, targets beside"
 	@echo "make bench-instructions  instructions per pixel of the same rows"
 	@echo "make lint          formatting, include rules, clang-tidy, shellcheck"
@@ -39,6 +40,10 @@ test: setup
 	cmake --preset $(PRESET)
 	cmake --build --preset $(PRESET)
 	ctest --preset $(PRESET)
+
+aar: setup
+	@scripts/setup java
+	scripts/aar out/aar $(AAR_OPTIONS)
 
 bench: setup
 	@scripts/setup bench
