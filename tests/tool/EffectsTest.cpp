@@ -13,7 +13,8 @@ namespace {
 using namespace GxFontEffect;
 
 EffectStyle effectOf(const std::string& json) {
-    return parseStyle("{\"effects\": [" + json + "]}", "s", GXTEXT_SOURCE_DIR "/examples/styles")
+    return parseStyle("{\"effects\": [" + json + "]}", "s",
+                      GXTEXT_SOURCE_DIR "/examples/styles/patterns")
         .effects.at(0);
 }
 

@@ -155,7 +155,7 @@ TEST(Schema, DefaultsAreTheParsers) {
 TEST(Schema, ExampleStylesAreValid) {
     int count = 0;
     for (const auto& entry :
-         std::filesystem::directory_iterator(GXTEXT_SOURCE_DIR "/examples/styles")) {
+         std::filesystem::recursive_directory_iterator(GXTEXT_SOURCE_DIR "/examples/styles")) {
         if (entry.path().extension() != ".json") continue;
         EXPECT_NO_THROW(loadStyle(entry.path().string())) << entry.path();
         count++;
