@@ -19,7 +19,8 @@
 // two is all that counts.
 //
 // The output goes in column tiles. The rows that a mask row reaches are kept in a ring, small
-// enough for the first-level cache, and join the output when no further row reaches them.
+// enough for the first-level cache, and join the output when no further row reaches them. Blank
+// paper and the insides of stems are passed over.
 HWY_BEFORE_NAMESPACE();
 namespace GxFontEffect::kernels::HWY_NAMESPACE {
 
@@ -37,6 +38,11 @@ void minimum(uint8_t* a, const uint8_t* b, int64_t count) {
 
 inline constexpr int64_t kLanes = static_cast<int64_t>(kBlockPixels);
 
+HWY_INLINE void raise(uint8_t* out, V8 to) {
+    hn::StoreU(hn::Max(hn::LoadU(d8, out), to), d8, out);
+}
+
+// The output in column tiles. Works in some 40 KiB of the stack.
 class DiscTile {
 public:
     DiscTile(const DilationBand& band, const DiscShape& shape, bool inverted)
@@ -108,7 +114,8 @@ private:
             return;
         }
         const uint8_t* mask = band_.mask + y * band_.maskStride + maskBegin_;
-        for (int64_t i = 0; i < count; ++i) out[i] = mask[i] ^ inversion_;
+        const uint8_t inversion = inversion_;
+        for (int64_t i = 0; i < count; ++i) out[i] = mask[i] ^ inversion;
     }
 
     Ink inkOf() const {
@@ -133,39 +140,74 @@ private:
             lastInk_ = y;
             uint8_t* const* middle = slots_ + y % side_ + radius_;
             for (int64_t x = 0; x < count_; x += kLanes) {
-                const uint64_t window = windowBlocks_ << (x / kLanes);
+                uint64_t window = windowBlocks_ << (x / kLanes);
                 if (!(ink.any & window)) continue;
-                spread(x, ink.up & window, ink.down & window, middle);
+                if (x + kLanes < count_ && (ink.any & window << 1)) {
+                    window |= window << 1;
+                    spread<2>(x, ink.up & window, ink.down & window, middle);
+                    x += kLanes;
+                } else {
+                    spread<1>(x, ink.up & window, ink.down & window, middle);
+                }
             }
         }
         std::swap(above_, here_);
         std::swap(here_, below_);
     }
 
+    // The output of kVectors vectors from x on; two at a time share the disc's cells. No branch
+    // depends on the pixels, but for the first.
+    template <int kVectors>
     HWY_INLINE void spread(int64_t x, bool up, bool down, uint8_t* const* middle) const {
         const uint8_t* centre = here_->pixels + x + radius_;
-        V8 columns[DiscShape::kMaxRadius + 1];
-        columns[0] = hn::LoadU(d8, centre);
-        for (int64_t i = 1; i <= radius_; ++i) {
-            columns[i] = hn::Max(hn::LoadU(d8, centre - i), hn::LoadU(d8, centre + i));
+        if (!up && !down && isFull<kVectors>(centre)) {
+            const V8 full = hn::Set(d8, 255);
+            for (int v = 0; v < kVectors; ++v) hn::Store(full, d8, middle[0] + x + v * kLanes);
+            return;
         }
-        V8 chord = hn::Zero(d8);
-        int reach = 0;
-        for (int64_t y = up || down ? radius_ : 0; y >= 0; --y) {
-            for (; reach < shape_.chords[y]; ++reach) chord = hn::Max(chord, columns[reach]);
-            V8 reached = chord;
-            for (int i = shape_.rimEnds[y]; i < shape_.rimEnds[y + 1]; ++i) {
-                const DiscShape::RimCell cell = shape_.rim[i];
-                const V8 loss = hn::Set(d8, cell.loss);
-                reached = hn::Max(reached, hn::SaturatedSub(columns[cell.column], loss));
+        V8 columns[DiscShape::kMaxRadius + 1][kVectors];
+        V8 chords[DiscShape::kMaxRadius + 2][kVectors];
+        for (int v = 0; v < kVectors; ++v) {
+            chords[0][v] = hn::Zero(d8);
+            chords[1][v] = columns[0][v] = hn::LoadU(d8, centre + v * kLanes);
+        }
+        for (int64_t i = 1; i <= radius_; ++i) {
+            for (int v = 0; v < kVectors; ++v) {
+                const uint8_t* at = centre + v * kLanes;
+                columns[i][v] = hn::Max(hn::LoadU(d8, at - i), hn::LoadU(d8, at + i));
+                chords[i + 1][v] = hn::Max(chords[i][v], columns[i][v]);
             }
-            if (y == 0 || down) raise(middle[y] + x, reached);
-            if (y != 0 && up) raise(middle[-y] + x, reached);
+        }
+        const DiscShape& shape = shape_;
+        for (int64_t y = up || down ? radius_ : 0; y >= 0; --y) {
+            V8 reached[kVectors];
+            for (int v = 0; v < kVectors; ++v) reached[v] = chords[shape.chords[y]][v];
+            const DiscShape::RimCell* cell = shape.rim.data() + shape.rimEnds[y];
+            const DiscShape::RimCell* end = shape.rim.data() + shape.rimEnds[y + 1];
+            do {
+                const V8 loss = hn::Set(d8, cell->loss);
+                for (int v = 0; v < kVectors; ++v) {
+                    const V8 rim = hn::SaturatedSub(columns[cell->column][v], loss);
+                    reached[v] = hn::Max(reached[v], rim);
+                }
+                ++cell;
+            } while (cell != end);
+            if (y == 0 || down) raiseAll(middle[y] + x, reached);
+            if (y != 0 && up) raiseAll(middle[-y] + x, reached);
         }
     }
 
-    static HWY_INLINE void raise(uint8_t* out, V8 to) {
-        hn::Store(hn::Max(hn::Load(d8, out), to), d8, out);
+    // Full pixels stay full when the disc's own centre is.
+    template <int kVectors>
+    HWY_INLINE bool isFull(const uint8_t* pixels) const {
+        V8 all = hn::Set(d8, shape_.chords[0] > 0 ? 255 : 0);
+        for (int v = 0; v < kVectors; ++v) all = hn::And(all, hn::LoadU(d8, pixels + v * kLanes));
+        return allBytesAre(all, 255);
+    }
+
+    template <int kVectors>
+    static HWY_INLINE void raiseAll(uint8_t* out, const V8 (&to)[kVectors]) {
+        for (int v = 0; v < kVectors; ++v) raise(out + v * kLanes, to[v]);
     }
 
     void flushRow(int64_t y) const {
@@ -177,7 +219,7 @@ private:
 
     struct Maximum {
         HWY_INLINE void operator()(uint8_t* out, const uint8_t* in) const {
-            hn::StoreU(hn::Max(hn::LoadU(d8, out), hn::LoadU(d8, in)), d8, out);
+            raise(out, hn::LoadU(d8, in));
         }
     };
 
@@ -202,7 +244,84 @@ private:
     uint8_t* slots_[2 * kMaxSide];  // of output row i: slots_[i % side], and on without wrapping
 };
 
+// Discs of a few pixels have so few cells that they go cell by cell, straight from the mask into
+// the output.
+template <int kRadius>
+class SmallDisc {
+public:
+    SmallDisc(const DilationBand& band, const DiscShape& shape, bool inverted)
+        : band_(band), inversion_(inverted ? 255 : 0) {
+        for (int y = 0; y <= kRadius; ++y) {
+            for (int x = 0; x <= kRadius; ++x) losses_[y][x] = hn::Set(d8, shape.lossAt(x, y));
+        }
+    }
+
+    // Bands narrower than a vector of output are left to the tiles.
+    static bool takes(const DilationBand& band, const DiscShape& shape) {
+        return shape.radius == kRadius && band.columns + 2 * kRadius >= kLanes;
+    }
+
+    void dilate() const {
+        const int64_t last = band_.columns + 2 * kRadius - kLanes;
+        for (int64_t y = 0; y < band_.rows; ++y) {
+            const uint8_t* mask = band_.mask + y * band_.maskStride;
+            uint8_t* out = band_.out + y * band_.outStride;
+            spreadEdge(mask, 0, out);
+            int64_t x = kLanes;
+            for (; x + kLanes <= band_.columns; x += kLanes) {
+                spread(mask + x - kRadius, out + x);
+            }
+            // The last vector may overlap the one before: a maximum taken twice is the same.
+            for (; x < last; x += kLanes) spreadEdge(mask, x, out);
+            if (last > 0) spreadEdge(mask, last, out);
+        }
+    }
+
+private:
+    // As spread, with nothing around the band.
+    HWY_INLINE void spreadEdge(const uint8_t* mask, int64_t x, uint8_t* out) const {
+        constexpr int64_t kWindow = kLanes + 2 * kRadius;
+        uint8_t window[kWindow];
+        std::memset(window, inversion_, kWindow);
+        const int64_t first = x - 2 * kRadius;
+        const int64_t begin = std::max<int64_t>(0, first);
+        const int64_t end = std::min(band_.columns, x + kLanes);
+        std::memcpy(window + (begin - first), mask + begin, static_cast<size_t>(end - begin));
+        spread(window + kRadius, out + x);
+    }
+
+    // `mask` is the pixel over the first cell of the output's middle row.
+    HWY_INLINE void spread(const uint8_t* mask, uint8_t* out) const {
+        const V8 inversion = hn::Set(d8, inversion_);
+        V8 columns[kRadius + 1];
+        columns[0] = hn::Xor(hn::LoadU(d8, mask), inversion);
+        V8 any = columns[0];
+        for (int i = 1; i <= kRadius; ++i) {
+            columns[i] = hn::Max(hn::Xor(hn::LoadU(d8, mask - i), inversion),
+                                 hn::Xor(hn::LoadU(d8, mask + i), inversion));
+            any = hn::Or(any, columns[i]);
+        }
+        if (allBytesAre(any, 0)) return;
+        uint8_t* middle = out + kRadius * band_.outStride;
+        for (int y = 0; y <= kRadius; ++y) {
+            V8 reached = hn::Zero(d8);
+            for (int x = 0; x <= kRadius; ++x) {
+                reached = hn::Max(reached, hn::SaturatedSub(columns[x], losses_[y][x]));
+            }
+            raise(middle + y * band_.outStride, reached);
+            if (y != 0) raise(middle - y * band_.outStride, reached);
+        }
+    }
+
+    const DilationBand& band_;
+    const uint8_t inversion_;
+    V8 losses_[kRadius + 1][kRadius + 1];
+};
+
 void dilateDisc(const DilationBand& band, const DiscShape& shape, bool inverted) {
+    if (SmallDisc<1>::takes(band, shape)) return SmallDisc<1>(band, shape, inverted).dilate();
+    if (SmallDisc<2>::takes(band, shape)) return SmallDisc<2>(band, shape, inverted).dilate();
+    if (SmallDisc<3>::takes(band, shape)) return SmallDisc<3>(band, shape, inverted).dilate();
     DiscTile(band, shape, inverted).dilate();
 }
 
@@ -228,20 +347,28 @@ HWY_EXPORT(dilateDisc);
 HWY_EXPORT(minimum);
 
 bool DiscShape::readRow(const uint8_t* below, const uint8_t* above, int y, int64_t stride) {
-    int columns = 0;
-    uint16_t& rimEnd = rimEnds[y + 1] = rimEnds[y];
+    size_t columns = 0;
+    size_t rimEnd = rimEnds[y];
+    const auto addRimCell = [&](int x, int coverage) {
+        if (rimEnd < rim.size()) {
+            rim[rimEnd] = {static_cast<uint8_t>(x), static_cast<uint8_t>(255 - coverage)};
+        }
+        ++rimEnd;
+    };
     for (int x = 0; x <= radius; ++x) {
         const uint8_t coverage = below[x];
         if (below[-x] != coverage || above[x] != coverage || above[-x] != coverage) return false;
         if (y > 0 && coverage > below[x - stride]) return false;
-        if (coverage == 255 && columns == x) {
+        if (coverage == 255 && columns == static_cast<size_t>(x)) {
             ++columns;
         } else if (coverage != 0) {
-            if (rimEnd == rim.size()) return false;
-            rim[rimEnd++] = {static_cast<uint8_t>(x), static_cast<uint8_t>(255 - coverage)};
+            addRimCell(x, coverage);
         }
     }
+    if (rimEnd == rimEnds[y]) addRimCell(0, 0);
+    if (rimEnd > rim.size()) return false;
     chords[y] = static_cast<uint8_t>(columns);
+    rimEnds[y + 1] = static_cast<uint16_t>(rimEnd);
     return true;
 }
 
@@ -250,6 +377,7 @@ bool DiscShape::read(const DilationBand& band) {
     if (side < 1 || side % 2 == 0 || side / 2 > kMaxRadius) return false;
     radius = static_cast<int>(side / 2);
     rimEnds[0] = 0;
+    kernel = band.kernel;
     const uint8_t* centre = band.kernel + radius * side + radius;
     for (int y = 0; y <= radius; ++y) {
         if (!readRow(centre + y * side, centre - y * side, y, side)) return false;

@@ -24,7 +24,8 @@ struct DilationBand {
 };
 
 // For every pixel m and kernel cell k: out = max(out, max(0, m + k - 255)). What `out` holds
-// counts.
+// counts. Fast for discs up to radius 127: kernels with four equal quadrants that grow weaker away
+// from the middle row. Others go cell by cell.
 void dilateOutside(const DilationBand& band);
 // The same of the inverted coverage 255 - m: out = max(out, max(0, k - m)).
 void dilateInside(const DilationBand& band);

@@ -18,13 +18,20 @@ struct DiscShape {
     };
 
     int radius = 0;
-    std::array<uint8_t, kMaxRadius + 1> chords;    // full columns from the middle on
-    std::array<uint16_t, kMaxRadius + 2> rimEnds;  // row y has rim cells [rimEnds[y], [y + 1])
+    const uint8_t* kernel = nullptr;
+    std::array<uint8_t, kMaxRadius + 1> chords;  // full columns from the middle on
+    // Row y has the rim cells [rimEnds[y], rimEnds[y + 1]), at least one: a cell without coverage
+    // fills in.
+    std::array<uint16_t, kMaxRadius + 2> rimEnds;
     std::array<RimCell, 1024> rim;
 
     // False when the kernel is none: not symmetric, stronger farther from the middle row, too large
     // or too soft to hold.
     bool read(const DilationBand& band);
+
+    uint8_t lossAt(int x, int y) const {
+        return static_cast<uint8_t>(255 - kernel[(radius + y) * (2 * radius + 1) + radius + x]);
+    }
 
 private:
     bool readRow(const uint8_t* below, const uint8_t* above, int y, int64_t stride);
