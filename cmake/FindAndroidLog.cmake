@@ -1,5 +1,15 @@
 # The Android log: part of the NDK on the device, Debian's android-liblog elsewhere.
 # Defines the target AndroidLog::AndroidLog.
+if(ANDROID)
+    # The NDK's compiler knows where both the header and the library are.
+    if(NOT TARGET AndroidLog::AndroidLog)
+        add_library(AndroidLog::AndroidLog INTERFACE IMPORTED)
+        target_link_libraries(AndroidLog::AndroidLog INTERFACE log)
+    endif()
+    set(AndroidLog_FOUND TRUE)
+    return()
+endif()
+
 find_path(AndroidLog_INCLUDE_DIR android/log.h PATH_SUFFIXES android)
 find_library(AndroidLog_LIBRARY log PATH_SUFFIXES android)
 
