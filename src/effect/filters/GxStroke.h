@@ -59,9 +59,9 @@ struct StrokeDTArgs {
 // the background of the box: the stack keeps it in the glyphs.
 //
 // Null inputs, a box the wrong way round, work buffers that do not fit in 2^31 - 1 bytes and
-// failed allocations leave the layers as they were. Coverage outside the bitmap is 0. Cost: (2R +
-// 1)^2 operations per covered pixel (inside: per uncovered one), work bytes per padded pixel 2 (3
-// centred) plus the disc.
+// failed allocations leave the layers as they were. Coverage outside the bitmap is 0. Cost per
+// pixel: proportional to R near the glyphs' edges, little elsewhere; work bytes per padded pixel 2
+// (3 centred) plus the disc.
 class GXTEXT_API GxStroke : public GxPropertyCore<GxStrokeProperty> {
 public:
     GxStroke() : GxPropertyCore(GXE_STYLE_STROKE) {}
