@@ -47,15 +47,17 @@ struct Planes {
         : mask(geometry.width, geometry.height),
           blurred(geometry.width, geometry.height),
           rows(geometry.width, 2),
+          scratch(kernels::blurScratchBytes(geometry.width, geometry.height, geometry.radius)),
           pixels(geometry.width),
           taps(geometry.radius) {}
     explicit operator bool() const {
-        return mask && blurred && rows && pixels && static_cast<bool>(taps);
+        return mask && blurred && rows && scratch && pixels && static_cast<bool>(taps);
     }
 
     WorkPlane<uint8_t> mask;
     WorkPlane<uint8_t> blurred;
-    WorkPlane<uint8_t> rows;     // two, for the growth and the blur
+    WorkPlane<uint8_t> rows;     // two, for the growth
+    WorkPlane<uint8_t> scratch;  // for the blur
     WorkPlane<uint32_t> pixels;  // one row of the result
     BlurTaps taps;
 };
@@ -145,7 +147,7 @@ void renderGlow(const GxECore::ParamPostProcessing* param, const GxOuterGlowProp
         planes.mask.data(), planes.blurred.data(), geometry.width, geometry.height,
         planes.taps.compute(computeGlowWeights),
         side == GlowSide::kInner ? kernels::BlurInput::kInverse : kernels::BlurInput::kDirect,
-        planes.rows.data());
+        planes.scratch.data());
     // 4. Colour.
     paint(text, geometry, planes, table.data(), side, param->dst);
 }

@@ -39,31 +39,33 @@ void tintWhole(const TextMask& text, const GxBitmap* layer, uint32_t color) {
 
 // Coverage of row y as the first column's blur window sees it: `line` holds width + 2 radius cells,
 // cell i is column i - radius - shift.
-void shiftedRow(const TextMask& text, int64_t y, int64_t offset, const WorkPlane<uint8_t>& line) {
-    std::memset(line.data(), 0, static_cast<size_t>(line.width));
+void shiftedRow(const TextMask& text, int64_t y, int64_t offset, uint8_t* line, int64_t width) {
+    std::memset(line, 0, static_cast<size_t>(width));
     const uint8_t* coverage = text.row(y);
     if (!coverage) return;
     const int64_t first = std::max<int64_t>(text.firstColumn + offset, 0);
-    const int64_t last = std::min<int64_t>(text.lastColumn + offset, line.width);
+    const int64_t last = std::min<int64_t>(text.lastColumn + offset, width);
     if (first >= last) return;
-    std::memcpy(line.data() + first, coverage + (first - offset - text.firstColumn),
+    std::memcpy(line + first, coverage + (first - offset - text.firstColumn),
                 static_cast<size_t>(last - first));
 }
 
 void blurShiftedRows(const TextMask& text, const ShadowShift& shift,
-                     const kernels::BlurWeights& weights, const WorkPlane<uint8_t>& line,
-                     const WorkPlane<uint8_t>& background) {
-    const int64_t radius = weights.radius;
-    for (int64_t y = 0; y < background.height; ++y) {
-        const int64_t source = y - radius - shift.y;
-        if (source < 0 || source >= text.height) {
-            std::memset(background.row(y), 255, static_cast<size_t>(background.width));
-            continue;
+                     const kernels::BlurWeights& weights, const WorkPlane<uint8_t>& lines,
+                     const WorkPlane<uint8_t>& background, uint8_t* scratch) {
+    const int64_t offset = weights.radius + int64_t{shift.y};
+    const int64_t first = std::clamp<int64_t>(offset, 0, background.height);
+    const int64_t last = std::clamp<int64_t>(offset + text.height, first, background.height);
+    std::memset(background.data(), 255, static_cast<size_t>(background.count()));
+    for (int64_t y = first; y < last; y += lines.height) {
+        const int64_t rows = std::min(lines.height, last - y);
+        for (int64_t i = 0; i < rows; ++i) {
+            shiftedRow(text, y + i - offset, weights.radius + int64_t{shift.x}, lines.row(i),
+                       lines.width);
         }
-        shiftedRow(text, source, radius + shift.x, line);
-        kernels::blurRows(
-            {line.data(), line.width, background.row(y), background.width, background.width, 1},
-            weights, kernels::BlurInput::kInverse);
+        kernels::blurRows({lines.data(), lines.width, background.row(y), background.width,
+                           background.width, rows},
+                          weights, kernels::BlurInput::kInverse, scratch);
     }
 }
 
@@ -120,19 +122,21 @@ void GxInnerShadow::doPostProcessing(GxECore::ParamPostProcessing* param) {
         tintWhole(text, param->dst, property->color);
         return;
     }
-    const WorkPlane<uint8_t> line(text.width + 2 * radius);
+    const WorkPlane<uint8_t> lines(text.width + 2 * radius, kernels::kBlurStripWidth);
     const WorkPlane<uint8_t> background(text.width, text.height + 2 * radius);
     const WorkPlane<uint8_t> shade(text.width, text.height);
+    const WorkPlane<uint8_t> scratch(
+        kernels::blurScratchBytes(lines.width, background.height, radius));
     const BlurTaps taps(radius);
-    if (!line || !background || !shade || !taps) return;
+    if (!lines || !background || !shade || !scratch || !taps) return;
     const kernels::BlurWeights weights = taps.compute(computeGaussianWeights);
 
     // 2. Rows.
-    blurShiftedRows(text, shift, weights, line, background);
+    blurShiftedRows(text, shift, weights, lines, background, scratch.data());
     // 3. Columns.
     kernels::blurColumns(
         {background.data(), background.width, shade.data(), shade.width, shade.width, shade.height},
-        weights, kernels::BlurInput::kDirect);
+        weights, kernels::BlurInput::kDirect, scratch.data());
     // 4. Inside only.
     keepInGlyphs(text, shift, radius, shade);
     // 5. The tint.

@@ -23,8 +23,9 @@ namespace GxFontEffect {
 //
 // No margin. Blend: destination over source. Null inputs, a box the wrong way round, sizes past
 // 65,535 or the work memory's limit and failed allocations leave the layer as it was. Cost: 4
-// radius + 2 products per pixel of the box, 2 radius + 1 per pixel of the rows that the blur adds;
-// work bytes per pixel of the box 2, plus one per pixel of 2 radius rows.
+// radius + 4 byte products per pixel of the box where the mask varies; work bytes per pixel of the
+// box 2, plus one per pixel of 2 radius rows, plus 64 per pixel of the longer side with twice the
+// radius.
 class GXTEXT_API GxInnerShadow : public GxPropertyCore<GxInnerShadowProperty> {
 public:
     GxInnerShadow() : GxPropertyCore(GXE_STYLE_INNER_SHADOW) {}

@@ -78,7 +78,7 @@ void GxOuterShadow::doPostProcessing(GxECore::ParamPostProcessing* param) {
     // 2. The padded mask.
     const WorkPlane<uint8_t> mask(text.width + 2 * padding, text.height + 2 * padding);
     const WorkPlane<uint8_t> shadow(mask.width, mask.height);
-    const WorkPlane<uint8_t> scratch(mask.width);
+    const WorkPlane<uint8_t> scratch(kernels::blurScratchBytes(mask.width, mask.height, radius));
     const BlurTaps taps(radius);
     if (!mask || !shadow || !scratch || !taps) return;
     text.copyTo(mask.row(padding) + padding, mask.width);

@@ -21,9 +21,9 @@ namespace GxFontEffect {
 // needs that much less, not below 0. Blend: destination over source.
 //
 // Null inputs, a box the wrong way round, a shadow wholly beside the layer, sizes past 65,535 or
-// the work memory's limit and failed allocations leave the layer as it was. Cost: 4 radius + 2
-// products per padded pixel, the padding being twice the radius on each side; work bytes per padded
-// pixel 2.
+// the work memory's limit and failed allocations leave the layer as it was. Cost: 4 radius + 4
+// byte products per padded pixel where the mask varies, the padding being twice the radius on each
+// side; work bytes per padded pixel 2, plus 32 per pixel of the longer side.
 class GXTEXT_API GxOuterShadow : public GxPropertyCore<GxOuterShadowProperty> {
 public:
     GxOuterShadow() : GxPropertyCore(GXE_STYLE_OUTER_SHADOW) {}

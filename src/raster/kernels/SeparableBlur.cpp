@@ -63,17 +63,4 @@ void blurPlanePlain(const uint8_t* in, uint8_t* out, int64_t width, int64_t heig
     }
 }
 
-void blurRows(const BlurPass& pass, const BlurWeights& weights, BlurInput input) {
-    blurRowsPlain(pass, weights, input);
-}
-
-void blurColumns(const BlurPass& pass, const BlurWeights& weights, BlurInput input) {
-    blurColumnsPlain(pass, weights, input);
-}
-
-void blurPlane(const uint8_t* in, uint8_t* out, int64_t width, int64_t height,
-               const BlurWeights& weights, BlurInput input, uint8_t* scratch) {
-    blurPlanePlain(in, out, width, height, weights, input, scratch);
-}
-
 }  // namespace GxFontEffect::kernels

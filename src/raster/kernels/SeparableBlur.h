@@ -28,17 +28,29 @@ struct BlurPass {
     int64_t rows = 0;
 };
 
+// Rows of a pass that are blurred side by side: passes over rows are best given in multiples of it.
+inline constexpr int64_t kBlurStripWidth = 32;
+
+// Bytes of the work memory for passes that read up to width x height cells: a strip of the plane
+// with the weights of the differences behind it.
+constexpr int64_t blurScratchBytes(int64_t width, int64_t height, int64_t radius) {
+    return ((width > height ? width : height) + 8) * kBlurStripWidth + (radius + 4) * 8;
+}
+
+// `scratch` holds blurScratchBytes() of the cells that are read; its contents do not matter.
+//
 // out[y][x] = (sum over i = -radius ... radius of taps[|i|] x in[y][x + radius + i]) / sum, rounded
 // down: reads columns + 2 radius cells per row.
-void blurRows(const BlurPass& pass, const BlurWeights& weights, BlurInput input);
+void blurRows(const BlurPass& pass, const BlurWeights& weights, BlurInput input, uint8_t* scratch);
 // out[y][x] = (sum of taps[|i|] x in[y + radius + i][x]) / sum, rounded down: reads rows + 2 radius
 // rows.
-void blurColumns(const BlurPass& pass, const BlurWeights& weights, BlurInput input);
+void blurColumns(const BlurPass& pass, const BlurWeights& weights, BlurInput input,
+                 uint8_t* scratch);
 
 // Both directions over a packed plane of width x height: columns first, then rows, the quotient
 // truncated to a byte after each. Cells nearer than `radius` to the plane's edge are not computed:
-// they become 0, or 255 of inverse input, and count as that in the second pass. `scratch` holds
-// `width` bytes. Extents below 2 radius do nothing.
+// they become 0, or 255 of inverse input, and count as that in the second pass. Extents below 2
+// radius do nothing.
 void blurPlane(const uint8_t* in, uint8_t* out, int64_t width, int64_t height,
                const BlurWeights& weights, BlurInput input, uint8_t* scratch);
 

@@ -1,6 +1,7 @@
 // The kernels of a build without Highway: each is its plain form.
 #include "raster/kernels/DiscDilation.h"
 #include "raster/kernels/PlainBlendRows.h"
+#include "raster/kernels/SeparableBlur.h"
 #include "raster/kernels/SimdTargets.h"
 
 namespace GxFontEffect::kernels {
@@ -50,6 +51,18 @@ void dilateInside(const DilationBand& band) {
 }
 void minimum(uint8_t* a, const uint8_t* b, int64_t count) {
     minimumPlain(a, b, count);
+}
+void blurRows(const BlurPass& pass, const BlurWeights& weights, BlurInput input,
+              uint8_t* /*scratch*/) {
+    blurRowsPlain(pass, weights, input);
+}
+void blurColumns(const BlurPass& pass, const BlurWeights& weights, BlurInput input,
+                 uint8_t* /*scratch*/) {
+    blurColumnsPlain(pass, weights, input);
+}
+void blurPlane(const uint8_t* in, uint8_t* out, int64_t width, int64_t height,
+               const BlurWeights& weights, BlurInput input, uint8_t* scratch) {
+    blurPlanePlain(in, out, width, height, weights, input, scratch);
 }
 
 std::vector<std::string> simdTargetNames() {
