@@ -197,6 +197,7 @@ int main(int argc, char** argv) {
         }
     }
     gxbench::addBlendRows();
+    gxbench::addBlurRows();
     gxbench::addDilationRows();
 #ifdef GXBENCH_TEXT
     gxbench::addTextRows();

@@ -37,6 +37,7 @@ struct Row {
 void addRow(Row row);
 
 void addBlendRows();
+void addBlurRows();
 void addDilationRows();
 #ifdef GXBENCH_TEXT
 void addTextRows();  // need the text libraries
