@@ -18,7 +18,7 @@ struct Sample {
 
 // Fonts come by file: a family's file is the installation's choice.
 const Sample kSamples[] = {
-    {"comic", "Ka!", "truetype/dejavu/DejaVuSans-BoldOblique.ttf"},
+    {"comic", "Ka!", "truetype/noto/NotoSans-BoldItalic.ttf"},
     {"gold", "Age", "truetype/dejavu/DejaVuSerif-Bold.ttf"},
     {"planet", "Sol", "truetype/dejavu/DejaVuSans-Bold.ttf"},
     {"fire", "نار", "truetype/noto/NotoKufiArabic-Bold.ttf"},
