@@ -15,7 +15,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <limits>
 #include <new>
 #include <string>
 #include <vector>
@@ -47,11 +46,6 @@ constexpr size_t kMaxMaskPixels = size_t{1} << 28;
 
 // Positions handed to the stack are in 26.6 fixed point.
 constexpr int kFixedShift = 6;
-
-int32_t saturate(int64_t value) {
-    return static_cast<int32_t>(std::clamp<int64_t>(value, std::numeric_limits<int32_t>::min(),
-                                                    std::numeric_limits<int32_t>::max()));
-}
 
 // Pixels to the record's unsigned 16 bits; what is larger is cut.
 uint16_t maskExtent(float pixels) {
@@ -151,10 +145,10 @@ std::unique_ptr<GxGlyph, void (*)(GxGlyph*)> drawMask(const minikin::Layout& lay
 }
 
 void moveBackgroundBox(GxLineInfo& line, int left, int top, float advance) {
-    line.rect.left = saturate(int64_t{line.x} + left);
-    line.rect.top = saturate(int64_t{line.rect.top} + top);
-    line.rect.right = saturate(int64_t{line.rect.left} + toInt(advance));
-    line.rect.bottom = saturate(int64_t{line.rect.bottom} + top);
+    line.rect.left = saturateInt(int64_t{line.x} + left);
+    line.rect.top = saturateInt(int64_t{line.rect.top} + top);
+    line.rect.right = saturateInt(int64_t{line.rect.left} + toInt(advance));
+    line.rect.bottom = saturateInt(int64_t{line.rect.bottom} + top);
 }
 
 }  // namespace
@@ -262,8 +256,8 @@ bool GxFontDrawing::drawLines(GxTextObject* text, GxEffect* effect) {
             return ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, kSiteNoMemory);
         }
         static_cast<void>(mask.release());  // the list's from here on
-        _DoRender(saturate((int64_t{line->x} + left) << kFixedShift),
-                  saturate((int64_t{line->y} + top) << kFixedShift), glyphList.get(), effect,
+        _DoRender(saturateInt((int64_t{line->x} + left) << kFixedShift),
+                  saturateInt((int64_t{line->y} + top) << kFixedShift), glyphList.get(), effect,
                   line->direction);
         moveBackgroundBox(*line, left, top, layout.getAdvance());
     }
@@ -279,8 +273,8 @@ void GxFontDrawing::_DoRender(int x, int y, List* glyphs, GxEffect* effect, int 
         const auto* glyph =
             static_cast<const GxGlyph*>(glyphs->Get(direction < 0 ? count - 1 - i : i));
         if (!glyph) continue;
-        effect->renderEffectLayer(saturate(glyph->xOffset + (penX >> kFixedShift)),
-                                  saturate(baseY - glyph->baseline), glyph);
+        effect->renderEffectLayer(saturateInt(glyph->xOffset + (penX >> kFixedShift)),
+                                  saturateInt(baseY - glyph->baseline), glyph);
         penX += int64_t{glyph->width} << kFixedShift;
     }
 }
