@@ -36,7 +36,7 @@ final class Probe {
     /** Nanoseconds of this many renders without the way through Java. */
     static native long renderNanos(int handle, int count);
 
-    /** "priority/tag: text" of what was logged since the last call. */
+    /** "priority/tag: text" of what this thread logged since the last call. */
     static native String[] takeLog();
 
     /** The given C++ allocation of this thread (1: the next) fails. */
@@ -50,6 +50,9 @@ final class Probe {
 
     /** Records a code for this thread. */
     static native void setError(int code);
+
+    /** Writes to one variable many times, without a lock. */
+    static native void race();
 
     static native boolean buildTypeSettled();
 
