@@ -4,7 +4,7 @@
 BUILD := build
 PRESET ?= release
 
-.PHONY: help setup demo demo-java test aar bench bench-instructions lint format sanitize test-aarch64 clean
+.PHONY: help setup demo demo-java test aar bench bench-instructions bench-scaling lint format sanitize test-aarch64 clean
 
 help:
 	@echo "make demo          build, then render sample pictures into out/demo/"
@@ -13,6 +13,7 @@ help:
 	@echo "make aar           pack the SDK and the libraries built for Android into out/aar/"
 	@echo "make bench         build and run the benchmarks: ratios to the peers, targets beside"
 	@echo "make bench-instructions  instructions per pixel of the same rows"
+	@echo "make bench-scaling   time against radius, area and number of effects, into docs/"
 	@echo "make lint          formatting, include rules, clang-tidy, shellcheck"
 	@echo "make format        reformat the sources in place"
 	@echo "make sanitize      the tests under the address, undefined and thread sanitizers"
@@ -45,17 +46,11 @@ aar: setup
 	@scripts/setup java
 	scripts/aar out/aar $(AAR_OPTIONS)
 
-bench: setup
+bench bench-instructions bench-scaling: setup
 	@scripts/setup bench
 	cmake --preset release -DGXTEXT_BUILD_BENCH=ON
 	cmake --build --preset release --target gxtext_bench
-	scripts/bench $(BUILD)/release
-
-bench-instructions: setup
-	@scripts/setup bench
-	cmake --preset release -DGXTEXT_BUILD_BENCH=ON
-	cmake --build --preset release --target gxtext_bench
-	scripts/bench --instructions $(BUILD)/release
+	scripts/bench $(patsubst bench-%,--%,$(filter bench-%,$@)) $(BUILD)/release
 
 lint: setup
 	@scripts/setup lint

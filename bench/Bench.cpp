@@ -1,12 +1,12 @@
 #include "Bench.h"
 
-#include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <cstring>
 #include <utility>
 
+#include "Measure.h"
 #include "Planes.h"
+#include "Scaling.h"
 #include "raster/kernels/SimdTargets.h"
 
 #ifdef GXBENCH_CALLGRIND
@@ -27,55 +27,14 @@ std::vector<std::string>& missingPeers() {
     return instance;
 }
 
-double median(std::vector<double> values) {
-    if (values.empty()) return 0;
-    const auto middle = values.begin() + static_cast<ptrdiff_t>(values.size() / 2);
-    std::nth_element(values.begin(), middle, values.end());
-    return *middle;
-}
-
-double secondsOf(const Contenders& contenders, const std::function<void()>& run) {
-    if (!run) return 0;
-    if (contenders.prepare) contenders.prepare();
-    const auto start = std::chrono::steady_clock::now();
-    run();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
-// Times of one contender over the repetitions.
-struct Times {
-    std::vector<double> seconds;
-
-    double mid() const { return median(seconds); }
-    // The times of `this` over those of `ours`, repetition by repetition: what slows the machine
-    // for a while slows both.
-    double ratioTo(const Times& ours) const {
-        std::vector<double> ratios;
-        for (size_t i = 0; i < seconds.size(); ++i) ratios.push_back(seconds[i] / ours.seconds[i]);
-        return median(ratios);
-    }
-};
-
 struct Result {
     Times ours, plain, peer;
 };
 
 Result measure(const Contenders& contenders) {
-    double once = 0;
-    for (const auto* run : {&contenders.ours, &contenders.plain, &contenders.peer}) {
-        secondsOf(contenders, *run);  // warm-up
-        once += secondsOf(contenders, *run);
-    }
-    const int repetitions = std::clamp(static_cast<int>(1.0 / std::max(once, 1e-6)), 7, 61);
-    Result result;
-    for (int i = 0; i < repetitions; ++i) {
-        for (const auto& [times, run] : {std::pair{&result.ours, &contenders.ours},
-                                         {&result.plain, &contenders.plain},
-                                         {&result.peer, &contenders.peer}}) {
-            if (*run) times->seconds.push_back(secondsOf(contenders, *run));
-        }
-    }
-    return result;
+    std::vector<Times> times =
+        measureInTurns(contenders.prepare, {contenders.ours, contenders.plain, contenders.peer});
+    return {std::move(times[0]), std::move(times[1]), std::move(times[2])};
 }
 
 // --- table of times
@@ -113,9 +72,9 @@ bool printRow(const Row& row, const Result& result) {
     const bool hasPeer = !result.peer.seconds.empty();
     const bool holds = overPlain >= row.targets.plain && (!hasPeer || overPeer >= row.targets.peer);
     std::printf("%-36s%s%s%s%s%s  %-22s%-9s %s\n", row.operation.c_str(),
-                cell(result.ours.mid() * unit, 9, "%.3f").c_str(),
-                cell(result.plain.mid() * unit, 9, "%.3f").c_str(),
-                cell(result.peer.mid() * unit, 9, "%.3f").c_str(),
+                cell(result.ours.median() * unit, 9, "%.3f").c_str(),
+                cell(result.plain.median() * unit, 9, "%.3f").c_str(),
+                cell(result.peer.median() * unit, 9, "%.3f").c_str(),
                 cell(overPlain, 9, "%.2fx").c_str(), cell(overPeer, 9, "%.2fx").c_str(),
                 targetText(row, hasPeer).c_str(), hasPeer ? row.peerName.c_str() : "",
                 !holds     ? "SHORT"
@@ -183,13 +142,15 @@ void addMissingPeer(const std::string& name) {
 
 }  // namespace gxbench
 
-// gxtext_bench [--instructions] [--target NAME] [FILTER]
+// gxtext_bench [--instructions | --scaling] [--target NAME] [FILTER]
 int main(int argc, char** argv) {
-    bool instructions = false;
+    void (*measureAll)(const std::string&) = gxbench::printTable;
     std::string filter;
     for (int i = 1; i < argc; ++i) {
         if (std::strcmp(argv[i], "--instructions") == 0) {
-            instructions = true;
+            measureAll = gxbench::countInstructions;
+        } else if (std::strcmp(argv[i], "--scaling") == 0) {
+            measureAll = gxbench::printScaling;
         } else if (std::strcmp(argv[i], "--target") == 0 && i + 1 < argc) {
             GxFontEffect::kernels::forceSimdTarget(argv[++i]);
         } else {
@@ -202,6 +163,6 @@ int main(int argc, char** argv) {
 #ifdef GXBENCH_TEXT
     gxbench::addTextRows();
 #endif
-    instructions ? gxbench::countInstructions(filter) : gxbench::printTable(filter);
+    measureAll(filter);
     return 0;
 }

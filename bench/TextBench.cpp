@@ -3,10 +3,14 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <functional>
 #include <memory>
 #include <string>
 
 #include "Bench.h"
+#ifdef GXBENCH_PILLOW
+#include "PillowTitle.h"
+#endif
 #include "base/List.h"
 #include "effect/GxEffect.h"
 #include "text/GxLineInfo.h"
@@ -21,8 +25,15 @@ using namespace GxFontEffect;
 
 constexpr int kViewWidth = 900;
 constexpr int kViewHeight = 220;
+constexpr int kLeft = 20;
 constexpr int kBaseline = 140;
+constexpr int kFontSize = 96;
 constexpr const wchar_t* kText = L"Golden Hour";
+
+constexpr int kStroke = 6;
+constexpr int kShadowRadius = 10;
+constexpr int kShadowDistance = 8;
+constexpr int kGlowRadius = 16;
 
 // One line in bold, drawn again and again.
 class Title {
@@ -33,7 +44,7 @@ public:
         android::Paint paint;
         constexpr uint32_t kAntiAlias = 1;
         paint.setJavaFlags(kAntiAlias);
-        paint.getSkFont().setSize(96);
+        paint.getSkFont().setSize(kFontSize);
         text_.SetPaint(paint);
         text_.SetTextColor(0xFFF0C040);
         text_.SetText(kText);
@@ -50,7 +61,7 @@ public:
     // Before each render: it moves them.
     void setLines() {
         auto line = std::make_unique<GxLineInfo>();
-        line->x = 20;
+        line->x = kLeft;
         line->y = kBaseline;
         line->end = static_cast<int32_t>(std::char_traits<wchar_t>::length(kText));
         List lines;
@@ -74,23 +85,65 @@ private:
     int height_ = 0;
 };
 
-void addTitleRow(const std::string& operation, void (*addEffects)(GxEffect&)) {
-    addRow({operation, "", {}, 0, [=] {
-                const auto title = std::make_shared<Title>(addEffects);
-                if (!title->hasInk()) std::fprintf(stderr, "%s: drew nothing\n", operation.c_str());
-                return Contenders{[=] { title->setLines(); }, [=] { title->render(); }, {}, {}};
-            }});
+void addPlainEffects(GxEffect& /*effect*/) {}
+
+void addTitleEffects(GxEffect& effect) {
+    effect.addStrokeText(kStroke, 0xFF402000, 1.0f, 0, GxStrokeProperty::kOutside);
+    effect.addOuterShadowText(120, kShadowDistance, kShadowRadius, 0xFF000000, 0.6f);
+    effect.addOuterGlowText(kGlowRadius, 0xFFFFE080, 0.8f, 0, nullptr);
+}
+
+constexpr const char* kPillow = "Pillow";
+
+#ifdef GXBENCH_PILLOW
+
+std::function<void()> pillow() {
+    PillowTitle title;
+    for (const wchar_t* c = kText; *c; ++c) title.text += static_cast<char>(*c);
+    title.font = GXBENCH_FONT;
+    title.size = kFontSize;
+    title.width = kViewWidth;
+    title.height = kViewHeight;
+    title.left = kLeft;
+    title.baseline = kBaseline;
+    title.stroke = kStroke;
+    title.shadowRadius = kShadowRadius;
+    title.shadowDistance = kShadowDistance;
+    title.glowRadius = kGlowRadius;
+    return pillowRun(title);
+}
+
+#else
+
+std::function<void()> pillow() {
+    return {};
+}
+
+#endif
+
+Contenders titleContenders(const std::string& operation, void (*addEffects)(GxEffect&)) {
+    const auto title = std::make_shared<Title>(addEffects);
+    if (!title->hasInk()) std::fprintf(stderr, "%s: drew nothing\n", operation.c_str());
+    Contenders contenders;
+    contenders.prepare = [=] { title->setLines(); };
+    contenders.ours = [=] { title->render(); };
+    return contenders;
 }
 
 }  // namespace
 
 void addTextRows() {
-    addTitleRow("plain 96 px title in process", [](GxEffect&) {});
-    addTitleRow("title with stroke, shadow and glow", [](GxEffect& effect) {
-        effect.addStrokeText(6, 0xFF402000, 1.0f, 0, GxStrokeProperty::kOutside);
-        effect.addOuterShadowText(120, 8, 10, 0xFF000000, 0.6f);
-        effect.addOuterGlowText(16, 0xFFFFE080, 0.8f, 0, nullptr);
-    });
+#ifndef GXBENCH_PILLOW
+    addMissingPeer(kPillow);
+#endif
+    const std::string plain = "plain 96 px title in process";
+    addRow({plain, "", {}, 0, [=] { return titleContenders(plain, addPlainEffects); }});
+    const std::string styled = "title with stroke, shadow and glow";
+    addRow({styled, kPillow, {0, 8}, 0, [=] {
+                Contenders contenders = titleContenders(styled, addTitleEffects);
+                contenders.peer = pillow();
+                return contenders;
+            }});
 }
 
 }  // namespace gxbench
