@@ -37,7 +37,7 @@ demo-java: setup
 	scripts/demo-java $(BUILD)/release out/demo-java
 
 test: setup
-	@scripts/setup demo java
+	@scripts/setup demo java peers
 	cmake --preset $(PRESET)
 	cmake --build --preset $(PRESET)
 	ctest --preset $(PRESET)
@@ -62,7 +62,7 @@ format:
 	scripts/lint --format
 
 sanitize: setup
-	@scripts/setup demo sanitize
+	@scripts/setup demo sanitize peers
 	cmake --preset asan
 	cmake --build --preset asan
 	ctest --preset asan

@@ -20,9 +20,9 @@ PixelFormat pixelFormat(const SkBitmap& bitmap) {
 }
 
 ColorF premultiply(SkColor color) {
-    const float a = SkColorGetA(color) / 255.0f;
-    return {SkColorGetR(color) / 255.0f * a, SkColorGetG(color) / 255.0f * a,
-            SkColorGetB(color) / 255.0f * a, a};
+    const float a = SkColorGetA(color) * kByteToUnit;
+    return {SkColorGetR(color) * kByteToUnit * a, SkColorGetG(color) * kByteToUnit * a,
+            SkColorGetB(color) * kByteToUnit * a, a};
 }
 
 }  // namespace portable

@@ -11,6 +11,10 @@
 
 namespace portable {
 
+// Channels are multiplied by this, not divided by 255, and unpremultiplied by the reciprocal of
+// alpha: Android's arithmetic, which near halves gives other bytes than a division.
+constexpr float kByteToUnit = 1 / 255.0f;
+
 // Premultiplied, 0 to 1.
 struct ColorF {
     float r = 0;
@@ -44,16 +48,17 @@ inline uint8_t toByte(float v) {
     return static_cast<uint8_t>(std::bit_cast<uint32_t>(v * 255 + 8388608.0f) & 0xFF);
 }
 
-// Bytes to colour. Channels are divided by 255; alpha-only pixels are black.
+// Bytes to colour; alpha-only pixels are black.
 inline ColorF loadPixel(PixelFormat format, const uint8_t* pixel) {
-    if (format == PixelFormat::kAlpha8) return {0, 0, 0, pixel[0] / 255.0f};
-    ColorF c = {pixel[0] / 255.0f, pixel[1] / 255.0f, pixel[2] / 255.0f, pixel[3] / 255.0f};
+    if (format == PixelFormat::kAlpha8) return {0, 0, 0, pixel[0] * kByteToUnit};
+    ColorF c = {pixel[0] * kByteToUnit, pixel[1] * kByteToUnit, pixel[2] * kByteToUnit,
+                pixel[3] * kByteToUnit};
     if (format == PixelFormat::kOpaque) c.a = 1;
     if (format == PixelFormat::kUnpremul) c = {c.r * c.a, c.g * c.a, c.b * c.a, c.a};
     return c;
 }
 
-// Colour to bytes. Unpremultiplied channels are divided by alpha first, 0 where alpha is 0.
+// Colour to bytes. Unpremultiplied channels are taken out of alpha first, 0 where alpha is 0.
 inline void storePixel(PixelFormat format, const ColorF& color, uint8_t* pixel) {
     if (format == PixelFormat::kAlpha8) {
         pixel[0] = toByte(color.a);
@@ -61,7 +66,8 @@ inline void storePixel(PixelFormat format, const ColorF& color, uint8_t* pixel) 
     }
     ColorF c = color;
     if (format == PixelFormat::kUnpremul) {
-        c = c.a != 0 ? ColorF{c.r / c.a, c.g / c.a, c.b / c.a, c.a} : ColorF{};
+        const float scale = c.a != 0 ? 1 / c.a : 0;
+        c = {c.r * scale, c.g * scale, c.b * scale, c.a};
     }
     pixel[0] = toByte(c.r);
     pixel[1] = toByte(c.g);

@@ -34,9 +34,16 @@ void replace(const SkBitmap& bitmap, const SkIRect& area, PixelFormat format, co
     }
 }
 
+// Whether a colour leaves every pixel alone. Pixels of alpha 0 keep their colour bytes then, which
+// the arithmetic of blending would clear.
+bool hasNoEffect(const ColorF& color, SkBlendMode mode) {
+    const bool over = mode == SkBlendMode::kSrcOver || mode == SkBlendMode::kDstOver;
+    return mode == SkBlendMode::kDst || (over && color.a == 0);
+}
+
 // Blends one colour into all pixels of area, which lies inside the bitmap.
 void fill(const SkBitmap& bitmap, const SkIRect& area, const ColorF& color, SkBlendMode mode) {
-    if (area.isEmpty()) return;
+    if (area.isEmpty() || hasNoEffect(color, mode)) return;
     const PixelFormat format = portable::pixelFormat(bitmap);
     const bool opaque = mode == SkBlendMode::kSrcOver && color.a == 1;
     if (opaque || mode == SkBlendMode::kSrc || mode == SkBlendMode::kClear) {
@@ -63,6 +70,7 @@ public:
           fColor(portable::premultiply(paint ? paint->getColor() : SK_ColorBLACK)) {}
 
     PixelFormat format() const { return fFormat; }
+    bool isHidden() const { return hasNoEffect(fColor, SkBlendMode::kSrcOver); }
     const uint8_t* row(int y) const { return pixelAt(fBitmap, fFormat, 0, y); }
 
     // Unpremultiplied onto the same, without a paint's alpha: then most pixels need no arithmetic.
@@ -138,7 +146,7 @@ void SkCanvas::drawRect(const SkRect& rect, const SkPaint& paint) {
 
 void SkCanvas::drawBitmap(const SkBitmap& bitmap, SkScalar x, SkScalar y, const SkPaint* paint) {
     const BitmapSource source(bitmap, paint);
-    if (source.format() == PixelFormat::kNone) return;
+    if (source.format() == PixelFormat::kNone || source.isHidden()) return;
     const SkRect place = SkRect::MakeXYWH(x, y, static_cast<SkScalar>(bitmap.width()),
                                           static_cast<SkScalar>(bitmap.height()));
     SkIRect area = place.isFinite() ? roundEdges(place) : SkIRect::MakeEmpty();
@@ -161,7 +169,7 @@ void SkCanvas::drawBitmap(const SkBitmap& bitmap, SkScalar x, SkScalar y, const 
 }
 
 void SkCanvas::drawTextBlob(const SkTextBlob* blob, SkScalar x, SkScalar y, const SkPaint& paint) {
-    if (!blob || fClip.isEmpty()) return;
+    if (!blob || fClip.isEmpty() || SkColorGetA(paint.getColor()) == 0) return;
     if (!touches(blob->bounds().makeOffset(x, y), fClip)) return;
     portable::paintText(fBitmap, fClip, *blob, x, y, paint.getColor());
 }

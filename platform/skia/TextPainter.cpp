@@ -162,7 +162,7 @@ void TextPainter::blitColor(uint8_t* row, const uint8_t* mask, int count,
     for (int i = 0; i < count; ++i, row += 4) {
         const uint8_t c = gamma ? (*gamma)[mask[i]] : mask[i];
         if (c == 0) continue;
-        const float f = c / 255.0f;
+        const float f = c * kByteToUnit;
         blendPixel(fFormat, {fColor.r * f, fColor.g * f, fColor.b * f, fColor.a * f}, row);
     }
 }

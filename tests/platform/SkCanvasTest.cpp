@@ -10,6 +10,7 @@
 #include <limits>
 #include <vector>
 
+#include "PlainBlend.h"
 #include "support/Random.h"
 
 namespace gxtest {
@@ -17,8 +18,6 @@ namespace {
 
 constexpr float kInf = std::numeric_limits<float>::infinity();
 constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
-
-using Pixel = std::array<uint8_t, 4>;
 
 struct Image {
     Image(int w, int h, SkAlphaType alphaType = kUnpremul_SkAlphaType)
@@ -47,23 +46,6 @@ struct Image {
 Pixel toPixel(SkColor c) {
     return {static_cast<uint8_t>(SkColorGetR(c)), static_cast<uint8_t>(SkColorGetG(c)),
             static_cast<uint8_t>(SkColorGetB(c)), static_cast<uint8_t>(SkColorGetA(c))};
-}
-
-// Source over, unpremultiplied on both sides, channel by channel in single precision.
-Pixel sourceOver(const Pixel& source, const Pixel& dest) {
-    const float sa = source[3] / 255.0f;
-    const float da = dest[3] / 255.0f;
-    const float a = sa + da * (1 - sa);
-    Pixel out;
-    for (int i = 0; i < 4; ++i) {
-        const float s = source[i] / 255.0f * sa;
-        const float d = dest[i] / 255.0f * da;
-        const float over = s + d * (1 - sa);
-        float v = i == 3 ? a : a == 0 ? 0 : over / a;
-        v = std::min(std::max(v, 0.0f), 1.0f);
-        out[i] = static_cast<uint8_t>(std::nearbyint(v * 255));
-    }
-    return out;
 }
 
 TEST(SkBitmapTest, OnlyMemoryThatFitsIsInstalled) {
@@ -167,8 +149,8 @@ TEST(SkCanvasTest, DrawRectBlendsLikeTheSlowModel) {
                                     y >= std::min(t, b) && y < std::max(t, b);
                 Pixel was;
                 std::copy_n(&before[4 * (static_cast<size_t>(y) * 17 + x)], 4, was.begin());
-                ASSERT_EQ(image.at(x, y),
-                          inside ? sourceOver(toPixel(paint.getColor()), was) : was);
+                const bool drawn = inside && SkColorGetA(paint.getColor()) != 0;
+                ASSERT_EQ(image.at(x, y), drawn ? sourceOver(toPixel(paint.getColor()), was) : was);
             }
         }
     }
@@ -313,6 +295,20 @@ TEST(SkCanvasTest, DrawColorBlendModes) {
     cleared.bytes.assign(12, 77);
     SkCanvas(cleared.bitmap).drawColor(0, SkBlendMode::kSrc);
     EXPECT_EQ(cleared.bytes, std::vector<uint8_t>(12));
+}
+
+TEST(SkCanvasTest, AColourOfAlpha0LeavesEveryByte) {
+    Image source(1, 1);
+    source.bytes = {1, 2, 3, 4};
+    Image image(1, 1);
+    image.bytes = {200, 100, 50, 0};
+    SkPaint paint;
+    paint.setColor(SkColorSetARGB(0, 9, 9, 9));
+    SkCanvas canvas(image.bitmap);
+    canvas.drawRect(SkRect::MakeWH(1, 1), paint);
+    canvas.drawBitmap(source.bitmap, 0, 0, &paint);
+    canvas.drawColor(paint.getColor());
+    EXPECT_EQ(image.at(0, 0), (Pixel{200, 100, 50, 0}));
 }
 
 TEST(SkCanvasTest, PremultipliedOpaqueAndAlphaOnlyTargets) {

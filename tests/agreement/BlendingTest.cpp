@@ -1,0 +1,137 @@
+// Blending on unpremultiplied colour against CanvasKit, which is the device's canvas built for
+// WebAssembly.
+#include <gtest/gtest.h>
+
+#include <sys/wait.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include "Figure.h"
+#include "SkCanvas.h"
+#include "platform/PlainBlend.h"
+#include "support/Random.h"
+#include "support/TempFolder.h"
+
+namespace gxtest {
+namespace {
+
+constexpr int kSize = 256;
+constexpr int kTile = 8;
+constexpr size_t kBytes = size_t{4} * kSize * kSize;
+
+std::string readFile(const std::string& path) {
+    std::ifstream stream(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+// Every pair of alphas, colours and edges at random.
+std::string makeJob(Random& random) {
+    std::string bytes;
+    for (int i = 0; i < kSize * kSize; ++i) {
+        for (int c = 0; c < 3; ++c) bytes += static_cast<char>(random.edgeByte());
+        bytes += static_cast<char>(i % kSize);
+    }
+    for (int i = 0; i < kSize * kSize; ++i) {
+        for (int c = 0; c < 3; ++c) bytes += static_cast<char>(random.edgeByte());
+        bytes += static_cast<char>(i / kSize);
+    }
+    return bytes;
+}
+
+SkBitmap overPixels(char* pixels) {
+    SkBitmap bitmap;
+    EXPECT_TRUE(
+        bitmap.installPixels(SkImageInfo::Make(kSize, kSize, kRGBA_8888_SkColorType,
+                                               kUnpremul_SkAlphaType, SkColorSpace::MakeSRGB()),
+                             pixels, size_t{4} * kSize));
+    return bitmap;
+}
+
+Pixel pixelAt(const char* picture, int x, int y) {
+    Pixel pixel;
+    std::copy_n(picture + 4 * (static_cast<size_t>(y) * kSize + x), 4, pixel.begin());
+    return pixel;
+}
+
+// As blend.cjs says.
+void drawRectangles(const char* source, const SkBitmap& target) {
+    for (int y = 0; y < kSize; y += kTile) {
+        for (int x = 0; x < kSize; x += kTile) {
+            const Pixel color = pixelAt(source, x, y);
+            const Pixel edges = pixelAt(source, x + 1, y);
+            const auto edge = [&](int i) { return static_cast<int8_t>(edges[i]) / 16.0f; };
+            const auto left = static_cast<float>(x);
+            const auto top = static_cast<float>(y);
+            SkPaint paint;
+            paint.setColor(SkColorSetARGB(color[3], color[0], color[1], color[2]));
+            SkCanvas canvas(target);
+            canvas.clipRect(SkRect::MakeLTRB(left, top, left + kTile, top + kTile),
+                            SkClipOp::kIntersect, false);
+            canvas.drawRect(
+                SkRect::MakeLTRB(left + edge(0), top + edge(1), left + edge(2), top + edge(3)),
+                paint);
+        }
+    }
+}
+
+// WebAssembly rounds by adding a half and cutting off, the processors of devices to the nearest and
+// to even, as is done here; all else has to be the same.
+void compare(const std::string& job, const std::string& ours, const char* theirs, bool rectangles,
+             Figure* figure) {
+    for (int y = 0; y < kSize; ++y) {
+        for (int x = 0; x < kSize; ++x) {
+            const Pixel got = pixelAt(ours.data(), x, y);
+            const Pixel expected = pixelAt(theirs, x, y);
+            if (figure->add(got == expected)) continue;
+            const Pixel source = rectangles
+                                     ? pixelAt(job.data(), x / kTile * kTile, y / kTile * kTile)
+                                     : pixelAt(job.data(), x, y);
+            const auto exact = sourceOverExactly(source, pixelAt(job.data() + kBytes, x, y));
+            for (int c = 0; c < 4; ++c) {
+                ASSERT_EQ(got[c], std::nearbyint(exact[c])) << exact[c];
+                ASSERT_EQ(expected[c], std::floor(exact[c] + 0.5f)) << exact[c];
+            }
+        }
+    }
+}
+
+TEST(BlendingTest, BitmapsAndRectanglesAreCanvasKits) {
+    constexpr int kJobs = 16;
+    Random random(41);
+    GX_TRACE_SEED(random);
+    std::string jobs;
+    for (int i = 0; i < kJobs; ++i) jobs += makeJob(random);
+    const TempFolder folder;
+    const std::string command = std::string("'" GXTEXT_CANVASKIT_RUN "' '" GXTEXT_CANVASKIT_BUILD) +
+                                "' < '" + folder.write("jobs", jobs) + "' > '" +
+                                folder.path("pictures") + "' 2> '" + folder.path("errors") + "'";
+    const int status = std::system(command.c_str());
+    if (WIFEXITED(status) && WEXITSTATUS(status) == 77) {
+        GTEST_SKIP() << readFile(folder.path("errors"));
+    }
+    ASSERT_EQ(status, 0) << readFile(folder.path("errors"));
+    const std::string pictures = readFile(folder.path("pictures"));
+    ASSERT_EQ(pictures.size(), jobs.size());
+
+    Figure bitmaps("bitmap over bitmap against CanvasKit, pixels");
+    Figure rectangles("rectangles over bitmap against CanvasKit, pixels");
+    bitmaps.note = rectangles.note = "; all of them halves, rounded up there and to even here";
+    for (int i = 0; i < kJobs; ++i) {
+        const std::string job = jobs.substr(2 * kBytes * i, 2 * kBytes);
+        std::string source = job.substr(0, kBytes);
+        std::string target = job.substr(kBytes);
+        SkCanvas(overPixels(target.data())).drawBitmap(overPixels(source.data()), 0, 0);
+        compare(job, target, &pictures[2 * kBytes * i], false, &bitmaps);
+        target = job.substr(kBytes);
+        drawRectangles(source.data(), overPixels(target.data()));
+        compare(job, target, &pictures[2 * kBytes * i + kBytes], true, &rectangles);
+        ASSERT_FALSE(HasFatalFailure()) << "job " << i;
+    }
+}
+
+}  // namespace
+}  // namespace gxtest

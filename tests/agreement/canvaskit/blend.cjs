@@ -1,0 +1,56 @@
+// Draws on unpremultiplied RGBA canvases. Standard input holds jobs, each two pictures of 256 x 256
+// pixels, source and target. For each job two pictures go to standard output: the source drawn over
+// the target as a bitmap, and the target with a rectangle in each tile of 8 x 8 pixels. The tile's
+// first source pixel is the rectangle's colour, the next two its edges from the tile's corner, as
+// signed sixteenths of a pixel; it is clipped to the tile.
+'use strict';
+const SIZE = 256, TILE = 8, BYTES = 4 * SIZE * SIZE;
+
+require(process.argv[2])().then((kit) => {
+  const input = require('fs').readFileSync(0);
+  const info = {
+    width: SIZE, height: SIZE, colorType: kit.ColorType.RGBA_8888,
+    alphaType: kit.AlphaType.Unpremul, colorSpace: kit.ColorSpace.SRGB,
+  };
+
+  function drawn(target, draw) {
+    const memory = kit.Malloc(Uint8Array, BYTES);
+    memory.toTypedArray().set(target);
+    const surface = kit.MakeRasterDirectSurface(info, memory, 4 * SIZE);
+    draw(surface.getCanvas());
+    surface.flush();
+    const pixels = Buffer.from(memory.toTypedArray());
+    surface.delete();
+    kit.Free(memory);
+    return pixels;
+  }
+
+  function drawRectangles(canvas, source) {
+    const paint = new kit.Paint();
+    paint.setAntiAlias(false);
+    for (let y = 0; y < SIZE; y += TILE) {
+      for (let x = 0; x < SIZE; x += TILE) {
+        const at = 4 * (y * SIZE + x);
+        const [r, g, b, a] = source.subarray(at, at + 4);
+        const edge = (i) => source.readInt8(at + 4 + i) / 16;
+        paint.setColorInt(((a << 24) | (r << 16) | (g << 8) | b) >>> 0);
+        canvas.save();
+        canvas.clipRect(kit.XYWHRect(x, y, TILE, TILE), kit.ClipOp.Intersect, false);
+        canvas.drawRect(kit.LTRBRect(x + edge(0), y + edge(1), x + edge(2), y + edge(3)), paint);
+        canvas.restore();
+      }
+    }
+    paint.delete();
+  }
+
+  const output = [];
+  for (let at = 0; at < input.length; at += 2 * BYTES) {
+    const source = input.subarray(at, at + BYTES);
+    const target = input.subarray(at + BYTES, at + 2 * BYTES);
+    const image = kit.MakeImage(info, source, 4 * SIZE);
+    output.push(drawn(target, (canvas) => canvas.drawImage(image, 0, 0)));
+    image.delete();
+    output.push(drawn(target, (canvas) => drawRectangles(canvas, source)));
+  }
+  require('fs').writeFileSync(1, Buffer.concat(output));
+});
