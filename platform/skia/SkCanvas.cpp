@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <iterator>
 
 #include "skia/Numbers.h"
 #include "skia/PixelBlend.h"
@@ -41,13 +42,36 @@ bool hasNoEffect(const ColorF& color, SkBlendMode mode) {
     return mode == SkBlendMode::kDst || (over && color.a == 0);
 }
 
+// Source over on unpremultiplied pixels, a stretch of the colour at a time.
+void fillUnpremul(const SkBitmap& bitmap, const SkIRect& area, SkColor color) {
+    constexpr int kStretch = 64;
+    uint8_t colors[4 * kStretch];
+    for (uint8_t* c = colors; c < std::end(colors); c += 4) {
+        c[0] = static_cast<uint8_t>(SkColorGetR(color));
+        c[1] = static_cast<uint8_t>(SkColorGetG(color));
+        c[2] = static_cast<uint8_t>(SkColorGetB(color));
+        c[3] = static_cast<uint8_t>(SkColorGetA(color));
+    }
+    for (int y = area.fTop; y < area.fBottom; ++y) {
+        for (int x = area.fLeft; x < area.fRight; x += kStretch) {
+            portable::blendUnpremulRow(colors, pixelAt(bitmap, PixelFormat::kUnpremul, x, y),
+                                       static_cast<size_t>(std::min(kStretch, area.fRight - x)));
+        }
+    }
+}
+
 // Blends one colour into all pixels of area, which lies inside the bitmap.
-void fill(const SkBitmap& bitmap, const SkIRect& area, const ColorF& color, SkBlendMode mode) {
-    if (area.isEmpty() || hasNoEffect(color, mode)) return;
+void fill(const SkBitmap& bitmap, const SkIRect& area, SkColor color, SkBlendMode mode) {
+    const ColorF source = portable::premultiply(color);
+    if (area.isEmpty() || hasNoEffect(source, mode)) return;
     const PixelFormat format = portable::pixelFormat(bitmap);
-    const bool opaque = mode == SkBlendMode::kSrcOver && color.a == 1;
-    if (opaque || mode == SkBlendMode::kSrc || mode == SkBlendMode::kClear) {
-        replace(bitmap, area, format, portable::blend(mode, color, ColorF()));
+    const bool over = mode == SkBlendMode::kSrcOver;
+    if ((over && source.a == 1) || mode == SkBlendMode::kSrc || mode == SkBlendMode::kClear) {
+        replace(bitmap, area, format, portable::blend(mode, source, ColorF()));
+        return;
+    }
+    if (over && format == PixelFormat::kUnpremul) {
+        fillUnpremul(bitmap, area, color);
         return;
     }
     const size_t step = portable::bytesPerPixel(format);
@@ -55,7 +79,7 @@ void fill(const SkBitmap& bitmap, const SkIRect& area, const ColorF& color, SkBl
         uint8_t* pixel = pixelAt(bitmap, format, area.fLeft, y);
         for (int x = area.fLeft; x < area.fRight; ++x, pixel += step) {
             const ColorF d = portable::loadPixel(format, pixel);
-            portable::storePixel(format, portable::blend(mode, color, d), pixel);
+            portable::storePixel(format, portable::blend(mode, source, d), pixel);
         }
     }
 }
@@ -73,7 +97,7 @@ public:
     bool isHidden() const { return hasNoEffect(fColor, SkBlendMode::kSrcOver); }
     const uint8_t* row(int y) const { return pixelAt(fBitmap, fFormat, 0, y); }
 
-    // Unpremultiplied onto the same, without a paint's alpha: then most pixels need no arithmetic.
+    // Unpremultiplied onto the same, without a paint's alpha: then whole rows go at once.
     bool sharesFormat(PixelFormat target) const {
         return fFormat == PixelFormat::kUnpremul && target == fFormat && fColor.a == 1;
     }
@@ -93,19 +117,6 @@ private:
     PixelFormat fFormat;
     ColorF fColor;
 };
-
-// Source over for unpremultiplied bytes where the source hides the pixel or shows nothing of
-// itself. False when it does neither.
-bool blendTrivially(const uint8_t* source, uint8_t* pixel) {
-    const bool copies = source[3] == 255;
-    if (!copies && source[3] != 0) return false;
-    if (copies) {
-        std::memcpy(pixel, source, 4);
-    } else if (pixel[3] == 0) {
-        std::memset(pixel, 0, 4);
-    }
-    return true;
-}
 
 // Which pixel of a source that starts at offset is nearest to the centre of destination pixel i.
 // The next destination pixel is nearest to the next one.
@@ -129,7 +140,7 @@ SkCanvas::SkCanvas(const SkBitmap& bitmap) : fBitmap(bitmap) {
 }
 
 void SkCanvas::drawColor(SkColor color, SkBlendMode mode) {
-    fill(fBitmap, fClip, portable::premultiply(color), mode);
+    fill(fBitmap, fClip, color, mode);
 }
 
 void SkCanvas::clipRect(const SkRect& rect, SkClipOp op, bool) {
@@ -141,7 +152,7 @@ void SkCanvas::drawRect(const SkRect& rect, const SkPaint& paint) {
     if (paint.getStyle() != SkPaint::kFill_Style || !rect.isFinite()) return;
     SkIRect area = roundEdges(rect.makeSorted());
     if (!area.intersect(fClip)) return;
-    fill(fBitmap, area, portable::premultiply(paint.getColor()), SkBlendMode::kSrcOver);
+    fill(fBitmap, area, paint.getColor(), SkBlendMode::kSrcOver);
 }
 
 void SkCanvas::drawBitmap(const SkBitmap& bitmap, SkScalar x, SkScalar y, const SkPaint* paint) {
@@ -155,14 +166,20 @@ void SkCanvas::drawBitmap(const SkBitmap& bitmap, SkScalar x, SkScalar y, const 
     const PixelFormat format = portable::pixelFormat(fBitmap);
     const size_t step = portable::bytesPerPixel(format);
     const int firstColumn = nearestPixel(area.fLeft, x);
-    const bool sameFormat = source.sharesFormat(format);
+    const int columns = area.fRight - area.fLeft;
+    // Rounding may have put an edge half a pixel outside.
+    const bool wholeRows =
+        source.sharesFormat(format) && firstColumn >= 0 && columns <= bitmap.width() - firstColumn;
     for (int j = area.fTop; j < area.fBottom; ++j) {
-        // Rounding may have put an edge half a pixel outside.
         const uint8_t* row = source.row(std::clamp(nearestPixel(j, y), 0, bitmap.height() - 1));
         uint8_t* pixel = pixelAt(fBitmap, format, area.fLeft, j);
-        for (int i = area.fLeft; i < area.fRight; ++i, pixel += step) {
-            const int at = std::clamp(firstColumn + i - area.fLeft, 0, bitmap.width() - 1);
-            if (sameFormat && blendTrivially(row + 4 * static_cast<size_t>(at), pixel)) continue;
+        if (wholeRows) {
+            portable::blendUnpremulRow(row + 4 * static_cast<size_t>(firstColumn), pixel,
+                                       static_cast<size_t>(columns));
+            continue;
+        }
+        for (int i = 0; i < columns; ++i, pixel += step) {
+            const int at = std::clamp(firstColumn + i, 0, bitmap.width() - 1);
             portable::blendPixel(format, source.colorAt(row, at), pixel);
         }
     }

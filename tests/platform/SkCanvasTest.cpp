@@ -129,6 +129,21 @@ TEST(SkCanvasTest, DrawBitmapBlendsEveryPairOfAlphasLikeTheSlowModel) {
     }
 }
 
+TEST(SkCanvasTest, DrawBitmapCopiesEveryColourOntoAClearPixel) {
+    Image source(256, 256), target(256, 256);
+    for (int y = 0; y < 256; ++y) {
+        for (int x = 0; x < 256; ++x) {
+            const auto value = static_cast<uint8_t>(x), alpha = static_cast<uint8_t>(y);
+            const Pixel from = {value, value, value, alpha};
+            ASSERT_EQ(sourceOver(from, {7, 7, 7, 0}), alpha ? from : Pixel());
+            std::copy(from.begin(), from.end(), &source.bytes[4 * (size_t(y) * 256 + size_t(x))]);
+        }
+    }
+    SkCanvas(target.bitmap).drawBitmap(source.bitmap, 0, 0);
+    std::fill_n(source.bytes.begin(), 4 * 256, uint8_t{0});  // what is clear has no colour
+    EXPECT_EQ(target.bytes, source.bytes);
+}
+
 TEST(SkCanvasTest, DrawRectBlendsLikeTheSlowModel) {
     Random random(21);
     GX_TRACE_SEED(random);
