@@ -58,17 +58,21 @@ void blendInFloat(const Words& source, Words& pixels) {
     std::memcpy(pixels, result, sizeof(result));
 }
 
+void blendBlock(const uint8_t* source, uint8_t* pixels, size_t bytes) {
+    Words s = {}, d = {};
+    std::memcpy(s, source, bytes);
+    std::memcpy(d, pixels, bytes);
+    if (!blendTrivially(s, d)) blendInFloat(s, d);
+    std::memcpy(pixels, d, bytes);
+}
+
 }  // namespace
 
 void blendUnpremulRow(const uint8_t* source, uint8_t* pixels, size_t count) {
-    for (size_t i = 0; i < count; i += kBlock) {
-        const size_t bytes = 4 * std::min(kBlock, count - i);
-        Words s = {}, d = {};
-        std::memcpy(s, source + 4 * i, bytes);
-        std::memcpy(d, pixels + 4 * i, bytes);
-        if (!blendTrivially(s, d)) blendInFloat(s, d);
-        std::memcpy(pixels + 4 * i, d, bytes);
-    }
+    constexpr size_t kBytes = sizeof(Words);
+    size_t i = 0;
+    for (; i + kBytes <= 4 * count; i += kBytes) blendBlock(source + i, pixels + i, kBytes);
+    if (i < 4 * count) blendBlock(source + i, pixels + i, 4 * count - i);
 }
 
 PixelFormat pixelFormat(const SkBitmap& bitmap) {
