@@ -76,7 +76,9 @@ GlyphScaler::GlyphScaler(FontFace& face, const GlyphSettings& settings)
 // skew, and the ratio to the size wanted where FreeType cannot give that size.
 void GlyphScaler::select() {
     fLoadFlags = this->loadFlags();
-    fLinearAdvance = fSettings.subpixel || fSettings.hinting == SkFontHinting::kNone;
+    // Light hinting moves points up and down only.
+    const bool light = fSettings.hinting == SkFontHinting::kSlight && !fSettings.alias;
+    fLinearAdvance = fSettings.subpixel || fSettings.hinting == SkFontHinting::kNone || light;
     fMatrix.xx = fSettings.scaleX < 0 ? -1.0f : 1.0f;
     fMatrix.xy = fSettings.skewX;
     if (FT_IS_SCALABLE(fFace)) {

@@ -79,9 +79,13 @@ public:
         FT_Outline_Get_CBox(&slot->outline, &box);
         result.box = SkIRect::MakeLTRB(box.xMin >> 6, -((box.yMax + 63) >> 6), (box.xMax + 63) >> 6,
                                        -(box.yMin >> 6));
-        EXPECT_EQ(FT_Render_Glyph(slot, request.mono ? FT_RENDER_MODE_MONO : FT_RENDER_MODE_NORMAL),
-                  0);
-        readBitmap(*slot, &result);
+        if (request.mono) {
+            // As the device does, and not FT_Render_Glyph: its smaller bitmap loses thin parts.
+            readMono(&slot->outline, &result);
+        } else {
+            EXPECT_EQ(FT_Render_Glyph(slot, FT_RENDER_MODE_NORMAL), 0);
+            readBitmap(*slot, &result);
+        }
         return result;
     }
 
@@ -94,9 +98,30 @@ private:
         result->height = static_cast<int>(bitmap.rows);
         for (unsigned y = 0; y < bitmap.rows; ++y) {
             const uint8_t* row = bitmap.buffer + static_cast<ptrdiff_t>(y) * bitmap.pitch;
-            for (unsigned x = 0; x < bitmap.width; ++x) {
-                const bool mono = bitmap.pixel_mode == FT_PIXEL_MODE_MONO;
-                result->coverage.push_back(mono ? (row[x / 8] >> (7 - x % 8) & 1) * 255 : row[x]);
+            result->coverage.insert(result->coverage.end(), row, row + bitmap.width);
+        }
+    }
+
+    void readMono(FT_Outline* outline, ReferenceGlyph* result) {
+        const SkIRect& box = result->box;
+        if (box.isEmpty()) return;
+        result->left = box.fLeft;
+        result->top = box.fTop;
+        result->width = box.fRight - box.fLeft;
+        result->height = box.fBottom - box.fTop;
+        const int pitch = (result->width + 7) / 8;
+        std::vector<uint8_t> bits(static_cast<size_t>(pitch) * result->height);
+        FT_Bitmap bitmap = {};
+        bitmap.width = static_cast<unsigned>(result->width);
+        bitmap.rows = static_cast<unsigned>(result->height);
+        bitmap.pitch = pitch;
+        bitmap.buffer = bits.data();
+        bitmap.pixel_mode = FT_PIXEL_MODE_MONO;
+        FT_Outline_Translate(outline, -64L * box.fLeft, 64L * box.fBottom);
+        EXPECT_EQ(FT_Outline_Get_Bitmap(library_, outline, &bitmap), 0);
+        for (int y = 0; y < result->height; ++y) {
+            for (int x = 0; x < result->width; ++x) {
+                result->coverage.push_back((bits[y * pitch + x / 8] >> (7 - x % 8) & 1) * 255);
             }
         }
     }

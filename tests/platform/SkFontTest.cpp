@@ -49,7 +49,7 @@ const SettingCase kSettings[] = {
     {"full", [](SkFont& f) { f.setHinting(SkFontHinting::kFull); }, kPlain | FT_LOAD_TARGET_NORMAL,
      false},
     {"slight", [](SkFont& f) { f.setHinting(SkFontHinting::kSlight); },
-     kPlain | FT_LOAD_TARGET_LIGHT, false},
+     kPlain | FT_LOAD_TARGET_LIGHT, true},
     {"unhinted", [](SkFont& f) { f.setHinting(SkFontHinting::kNone); }, kPlain | FT_LOAD_NO_HINTING,
      true},
     {"subpixel", [](SkFont& f) { f.setSubpixel(true); }, kPlain | FT_LOAD_TARGET_NORMAL, true},
