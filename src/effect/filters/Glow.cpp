@@ -46,18 +46,18 @@ struct Planes {
     explicit Planes(const Geometry& geometry)
         : mask(geometry.width, geometry.height),
           blurred(geometry.width, geometry.height),
-          rows(geometry.width, 2),
-          scratch(kernels::blurScratchBytes(geometry.width, geometry.height, geometry.radius)),
+          scratch(std::max(
+              kernels::growthScratchBytes(geometry.width),
+              kernels::blurScratchBytes(geometry.width, geometry.height, geometry.radius))),
           pixels(geometry.width),
           taps(geometry.radius) {}
     explicit operator bool() const {
-        return mask && blurred && rows && scratch && pixels && static_cast<bool>(taps);
+        return mask && blurred && scratch && pixels && static_cast<bool>(taps);
     }
 
     WorkPlane<uint8_t> mask;
     WorkPlane<uint8_t> blurred;
-    WorkPlane<uint8_t> rows;     // two, for the growth
-    WorkPlane<uint8_t> scratch;  // for the blur
+    WorkPlane<uint8_t> scratch;  // for the growth, then for the blur
     WorkPlane<uint32_t> pixels;  // one row of the result
     BlurTaps taps;
 };
@@ -115,8 +115,8 @@ void makeGlowTable(const GxOuterGlowProperty* record, uint32_t* table, float spr
 
 void growWithOwnMemory(unsigned char* mask, int passes, int width, int height) {
     if (!mask || width < 1) return;
-    const WorkPlane<uint8_t> rows(width, 2);
-    if (rows) kernels::growMask(mask, width, height, passes, rows.data());
+    const WorkPlane<uint8_t> scratch(kernels::growthScratchBytes(width));
+    if (scratch) kernels::growMask(mask, width, height, passes, scratch.data());
 }
 
 // A glow in steps:
@@ -141,7 +141,7 @@ void renderGlow(const GxECore::ParamPostProcessing* param, const GxOuterGlowProp
     if (side == GlowSide::kInner) invert(planes.mask);
     // 2. Growth.
     kernels::growMask(planes.mask.data(), geometry.width, geometry.height, geometry.passes,
-                      planes.rows.data());
+                      planes.scratch.data());
     // 3. Blur.
     kernels::blurPlane(
         planes.mask.data(), planes.blurred.data(), geometry.width, geometry.height,

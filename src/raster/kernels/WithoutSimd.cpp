@@ -1,5 +1,6 @@
 // The kernels of a build without Highway: each is its plain form.
 #include "raster/kernels/DiscDilation.h"
+#include "raster/kernels/Growth.h"
 #include "raster/kernels/PlainBlendRows.h"
 #include "raster/kernels/SeparableBlur.h"
 #include "raster/kernels/SimdTargets.h"
@@ -51,6 +52,9 @@ void dilateInside(const DilationBand& band) {
 }
 void minimum(uint8_t* a, const uint8_t* b, int64_t count) {
     minimumPlain(a, b, count);
+}
+void growMask(uint8_t* mask, int64_t width, int64_t height, int64_t passes, uint8_t* scratch) {
+    growMaskPlain(mask, width, height, passes, scratch);
 }
 void blurRows(const BlurPass& pass, const BlurWeights& weights, BlurInput input,
               uint8_t* /*scratch*/) {
