@@ -17,7 +17,7 @@ help:
 	@echo "make lint          formatting, include rules, clang-tidy, shellcheck"
 	@echo "make format        reformat the sources in place"
 	@echo "make sanitize      the tests under the address, undefined and thread sanitizers"
-	@echo "make test-aarch64  foundation, raster and effect tests on 64-bit ARM (qemu)"
+	@echo "make test-aarch64  the C++ tests on 64-bit ARM (qemu)"
 	@echo "make setup         install what building and testing needs; nothing if all is there"
 	@echo "make clean         remove build/ and out/"
 
@@ -71,7 +71,8 @@ sanitize: setup
 	ctest --preset tsan
 
 test-aarch64: setup
-	@scripts/setup aarch64
+	@scripts/setup demo aarch64
+	scripts/arm64-sysroot $(BUILD)/arm64-sysroot
 	cmake --preset aarch64
 	cmake --build --preset aarch64
 	ctest --preset aarch64
