@@ -57,7 +57,8 @@ public:
     sk_sp<SkTypeface> refTypeface() const { return fTypeface; }
     void setTypeface(sk_sp<SkTypeface> typeface) { fTypeface = std::move(typeface); }
 
-    // Advances in pixels, one per glyph. Glyphs the font does not have measure 0.
+    // Advances in pixels, one per glyph. Glyphs the font does not have measure 0. This and the two
+    // below throw std::bad_alloc when memory runs out.
     void getWidths(const SkGlyphID glyphs[], int count, SkScalar widths[]) const {
         this->getWidthsBounds(glyphs, count, widths, nullptr, nullptr);
     }

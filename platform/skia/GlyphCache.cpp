@@ -1,36 +1,51 @@
 #include "skia/GlyphCache.h"
 
+#include <algorithm>
 #include <bit>
 #include <iterator>
 #include <new>
+#include <utility>
+
+#include "skia/TextGamma.h"
 
 namespace portable {
 
 namespace {
 
-std::shared_ptr<const Glyph> makeGlyph(const SkTypeface& typeface, const GlyphSettings& settings,
-                                       SkGlyphID id, unsigned phase, bool withCoverage) {
-    auto glyph = std::make_shared<Glyph>();
+size_t pixelCount(const SkIRect& box) {
+    return static_cast<size_t>(box.fRight - box.fLeft) *
+           static_cast<size_t>(box.fBottom - box.fTop);
+}
+
+// Source is a GlyphScaler with the glyph loaded or a GlyphOutline.
+template <typename Source>
+std::shared_ptr<const GlyphMask> makeMask(Source& source, unsigned phase, unsigned gammaLevel) {
     const GlyphPlacement placement = {1, phase * 0.25, 0};
+    auto mask = std::make_shared<GlyphMask>();
+    mask->kind = source.kind();
+    mask->bounds = source.bounds(placement);
+    const size_t pixels = pixelCount(mask->bounds);
+    if (pixels == 0 || pixels > GlyphCache::kMaxMaskPixels) return mask;
+    mask->coverage.resize(pixels);
+    source.render(placement, mask->bounds, mask->coverage.data());
+    if (mask->kind == MaskKind::kGrey) {
+        applyGamma(gammaLevel, mask->coverage.data(), pixels);
+    }
+    return mask;
+}
+
+std::shared_ptr<const GlyphMask> loadMask(const SkTypeface& typeface, const GlyphSettings& settings,
+                                          SkGlyphID glyph, unsigned phase, unsigned gammaLevel) {
     GlyphScaler scaler(typeface.face(), settings);
-    glyph->measuredOnly = !withCoverage;
-    if (!scaler.load(id)) return glyph;
-    glyph->advance = scaler.advance();
-    glyph->kind = scaler.kind();
-    glyph->bounds = scaler.bounds(placement);
-    const SkIRect& box = glyph->bounds;
-    const size_t pixels =
-        static_cast<size_t>(box.fRight - box.fLeft) * static_cast<size_t>(box.fBottom - box.fTop);
-    if (!withCoverage || pixels == 0 || pixels > GlyphCache::kMaxMaskPixels) return glyph;
-    glyph->coverage.resize(pixels);
-    scaler.render(placement, box, glyph->coverage.data());
-    return glyph;
+    if (!scaler.load(glyph)) return std::make_shared<GlyphMask>();
+    return makeMask(scaler, phase, gammaLevel);
 }
 
 // Shared by all failures, so that failing needs no memory.
-const std::shared_ptr<const Glyph>& blankGlyph() {
-    static const Glyph blank;
-    static const std::shared_ptr<const Glyph> pointer(std::shared_ptr<const Glyph>(), &blank);
+const std::shared_ptr<const GlyphMask>& blankMask() {
+    static const GlyphMask blank;
+    static const std::shared_ptr<const GlyphMask> pointer(std::shared_ptr<const GlyphMask>(),
+                                                          &blank);
     return pointer;
 }
 
@@ -42,11 +57,20 @@ GlyphCache& GlyphCache::shared() {
     return instance;
 }
 
+GlyphCache::Key::Key(const SkTypeface& face, const GlyphSettings& settings, SkGlyphID id)
+    : typeface(face.uniqueID()),
+      size(std::bit_cast<uint32_t>(settings.size)),
+      scaleX(std::bit_cast<uint32_t>(settings.scaleX)),
+      skewX(std::bit_cast<uint32_t>(settings.skewX)),
+      flags(settings.flags()),
+      glyph(id),
+      form(kMetrics) {}
+
 size_t GlyphCache::KeyHash::operator()(const Key& key) const {
     uint64_t hash = 0;
     for (const uint64_t part :
          {uint64_t{key.typeface} << 32 | key.size, uint64_t{key.scaleX} << 32 | key.skewX,
-          uint64_t{key.flags} << 32 | uint64_t{key.glyph} << 16 | key.phase}) {
+          uint64_t{key.flags} << 32 | uint64_t{key.glyph} << 16 | key.form}) {
         // The odd multiplier is 2^64 divided by the golden ratio.
         hash = (hash ^ part) * 0x9E3779B97F4A7C15u;
         hash ^= hash >> 32;
@@ -54,72 +78,102 @@ size_t GlyphCache::KeyHash::operator()(const Key& key) const {
     return hash;
 }
 
-size_t GlyphCache::cost(const Glyph& glyph) {
-    // List and table nodes and the shared pointer's block, about.
+size_t GlyphCache::cost(const Entry& entry) {
+    // List and table nodes and the shared pointers' blocks, about.
     constexpr size_t kBookkeeping = 128;
-    return sizeof(Entry) + sizeof(Glyph) + kBookkeeping + glyph.coverage.capacity();
+    size_t bytes = sizeof(Entry) + kBookkeeping;
+    if (entry.outline) bytes += entry.outline->bytes();
+    if (entry.mask) bytes += sizeof(GlyphMask) + entry.mask->coverage.capacity();
+    return bytes;
 }
 
-std::shared_ptr<const Glyph> GlyphCache::measure(const SkTypeface& typeface,
-                                                 const GlyphSettings& settings, SkGlyphID glyph) {
-    return this->get(typeface, settings, glyph, 0, false);
+// Glyphs are made without the lock: other threads go on meanwhile, at worst one is made twice.
+void GlyphCache::measure(const SkTypeface& typeface, const GlyphSettings& settings,
+                         const SkGlyphID glyphs[], int count, bool drawnNext, GlyphMetrics out[]) {
+    if (!settings.drawable()) {
+        std::fill_n(out, count, GlyphMetrics());
+        return;
+    }
+    Key key(typeface, settings, 0);
+    std::unique_lock<std::mutex> lock(fMutex);
+    for (int i = 0; i < count; ++i) {
+        key.glyph = glyphs[i];
+        if (const Entry* known = this->find(key)) {
+            out[i] = known->metrics;
+            continue;
+        }
+        lock.unlock();
+        Entry made = {key, {}, nullptr, nullptr};
+        {
+            GlyphScaler scaler(typeface.face(), settings);
+            if (scaler.load(glyphs[i])) {
+                made.metrics = {scaler.advance(), scaler.bounds(GlyphPlacement())};
+                const size_t pixels = pixelCount(made.metrics.bounds);
+                if (drawnNext && pixels > 0 && pixels <= kMaxMaskPixels) {
+                    made.outline = scaler.copyOutline();
+                }
+            }
+        }
+        out[i] = made.metrics;
+        lock.lock();
+        this->insert(std::move(made));
+    }
 }
 
-std::shared_ptr<const Glyph> GlyphCache::draw(const SkTypeface& typeface,
-                                              const GlyphSettings& settings, SkGlyphID glyph,
-                                              unsigned phase) {
-    return this->get(typeface, settings, glyph, phase, true);
-}
-
-std::shared_ptr<const Glyph> GlyphCache::get(const SkTypeface& typeface,
-                                             const GlyphSettings& settings, SkGlyphID glyph,
-                                             unsigned phase, bool withCoverage) {
-    if (!settings.drawable()) return blankGlyph();
-    const Key key = {typeface.uniqueID(),
-                     std::bit_cast<uint32_t>(settings.size),
-                     std::bit_cast<uint32_t>(settings.scaleX),
-                     std::bit_cast<uint32_t>(settings.skewX),
-                     settings.flags(),
-                     glyph,
-                     static_cast<uint16_t>(phase)};
-    if (auto found = this->find(key, withCoverage)) return found;
-    // Not under the lock: other threads go on while this glyph is made, at worst it is made twice.
-    std::shared_ptr<const Glyph> made;
+std::shared_ptr<const GlyphMask> GlyphCache::draw(const SkTypeface& typeface,
+                                                  const GlyphSettings& settings, SkGlyphID glyph,
+                                                  unsigned phase, unsigned gammaLevel) {
+    if (!settings.drawable()) return blankMask();
+    Key key(typeface, settings, glyph);
+    const Key metricsKey = key;
+    key.form = static_cast<uint16_t>(phase << 8 | gammaLevel);
+    std::shared_ptr<const GlyphOutline> outline;
+    {
+        const std::lock_guard<std::mutex> lock(fMutex);
+        if (const Entry* known = this->find(key)) return known->mask;
+        if (Entry* measured = this->find(metricsKey)) {
+            fBytes -= cost(*measured);
+            // The other phases will want it, too.
+            outline = settings.subpixel ? measured->outline : std::move(measured->outline);
+            fBytes += cost(*measured);
+        }
+    }
+    std::shared_ptr<const GlyphMask> made;
     try {
-        made = makeGlyph(typeface, settings, glyph, phase, withCoverage);
-        this->insert(key, made);
+        made = outline ? makeMask(*outline, phase, gammaLevel)
+                       : loadMask(typeface, settings, glyph, phase, gammaLevel);
+        const std::lock_guard<std::mutex> lock(fMutex);
+        this->insert({key, {}, nullptr, made});
     } catch (const std::bad_alloc&) {
-        if (!made) return blankGlyph();
+        if (!made) return blankMask();
     }
     return made;
 }
 
-std::shared_ptr<const Glyph> GlyphCache::find(const Key& key, bool withCoverage) {
-    const std::lock_guard<std::mutex> lock(fMutex);
+GlyphCache::Entry* GlyphCache::find(const Key& key) {
     const auto found = fIndex.find(key);
     if (found == fIndex.end()) return nullptr;
-    const Entries::iterator entry = found->second;
-    if (withCoverage && entry->glyph->measuredOnly) return nullptr;
-    fEntries.splice(fEntries.begin(), fEntries, entry);
-    return entry->glyph;
+    fEntries.splice(fEntries.begin(), fEntries, found->second);
+    return &*found->second;
 }
 
-void GlyphCache::insert(const Key& key, const std::shared_ptr<const Glyph>& glyph) {
-    const std::lock_guard<std::mutex> lock(fMutex);
-    if (const auto found = fIndex.find(key); found != fIndex.end()) this->erase(found->second);
-    fEntries.push_front({key, glyph});
+void GlyphCache::insert(Entry entry) {
+    if (const auto found = fIndex.find(entry.key); found != fIndex.end()) {
+        this->erase(found->second);
+    }
+    fEntries.push_front(std::move(entry));
     try {
-        fIndex.emplace(key, fEntries.begin());
+        fIndex.emplace(fEntries.front().key, fEntries.begin());
     } catch (...) {
         fEntries.pop_front();
         throw;
     }
-    fBytes += cost(*glyph);
+    fBytes += cost(fEntries.front());
     while (fBytes > kMaxBytes) this->erase(std::prev(fEntries.end()));
 }
 
 void GlyphCache::erase(Entries::iterator entry) {
-    fBytes -= cost(*entry->glyph);
+    fBytes -= cost(*entry);
     fIndex.erase(entry->key);
     fEntries.erase(entry);
 }
@@ -130,6 +184,13 @@ void GlyphCache::forget(SkFontID typeface) {
         const auto current = entry++;
         if (current->key.typeface == typeface) this->erase(current);
     }
+}
+
+void GlyphCache::clear() {
+    const std::lock_guard<std::mutex> lock(fMutex);
+    fIndex.clear();
+    fEntries.clear();
+    fBytes = 0;
 }
 
 size_t GlyphCache::bytes() const {

@@ -17,15 +17,19 @@
 
 namespace portable {
 
-// A glyph at one size and subpixel phase.
-struct Glyph {
+// Of a glyph at one size, at a whole-pixel position.
+struct GlyphMetrics {
     float advance = 0;
     SkIRect bounds = SkIRect::MakeEmpty();
+};
+
+// A glyph to be put onto a bitmap, at one size and subpixel phase.
+struct GlyphMask {
+    SkIRect bounds = SkIRect::MakeEmpty();
     MaskKind kind = MaskKind::kGrey;
-    // Coverage of bounds, rows packed. Empty for blank glyphs, for glyphs only measured so far and
-    // for those larger than GlyphCache::kMaxMaskPixels.
+    // Of bounds, rows packed; grey coverage has been through the gamma table. Empty for blank
+    // glyphs and for those larger than GlyphCache::kMaxMaskPixels.
     std::vector<uint8_t> coverage;
-    bool measuredOnly = true;
 };
 
 // Process-wide; used from any thread. What was used longest ago goes first when it is full.
@@ -38,42 +42,52 @@ public:
 
     static GlyphCache& shared();
 
-    // Never null. Blank with advance 0 when the glyph cannot be loaded or memory runs out.
-    std::shared_ptr<const Glyph> measure(const SkTypeface& typeface, const GlyphSettings& settings,
-                                         SkGlyphID glyph);
-    // With coverage; phase is the horizontal position inside the pixel, in quarters.
-    std::shared_ptr<const Glyph> draw(const SkTypeface& typeface, const GlyphSettings& settings,
-                                      SkGlyphID glyph, unsigned phase);
+    // Fills out[0, count). Glyphs that cannot be loaded measure 0. With `drawnNext` their outlines
+    // are kept for draw(), so that they are not loaded a second time. Throws std::bad_alloc.
+    void measure(const SkTypeface& typeface, const GlyphSettings& settings,
+                 const SkGlyphID glyphs[], int count, bool drawnNext, GlyphMetrics out[]);
+    // Phase is the horizontal position inside the pixel, in quarters; gammaLevel as of
+    // portable::gammaLevel. Never null; blank when the glyph cannot be loaded or memory runs out.
+    std::shared_ptr<const GlyphMask> draw(const SkTypeface& typeface, const GlyphSettings& settings,
+                                          SkGlyphID glyph, unsigned phase, unsigned gammaLevel);
     // Drops what belongs to a typeface that is gone.
     void forget(SkFontID typeface);
+    void clear();
 
     size_t bytes() const;
 
 private:
     struct Key {
+        Key(const SkTypeface& face, const GlyphSettings& settings, SkGlyphID id);
+        bool operator==(const Key&) const = default;
+
         SkFontID typeface;
         uint32_t size;  // bits of the float, as below
         uint32_t scaleX;
         uint32_t skewX;
         uint32_t flags;
         SkGlyphID glyph;
-        uint16_t phase;
-        bool operator==(const Key&) const = default;
+        // kMetrics, or the mask at one phase for one gamma level.
+        uint16_t form;
     };
+    static constexpr uint16_t kMetrics = 0xFFFF;
+
     struct KeyHash {
         size_t operator()(const Key& key) const;
     };
     struct Entry {
         Key key;
-        std::shared_ptr<const Glyph> glyph;
+        GlyphMetrics metrics;
+        std::shared_ptr<const GlyphOutline> outline;  // beside metrics, until it was drawn
+        std::shared_ptr<const GlyphMask> mask;        // null beside metrics
     };
     using Entries = std::list<Entry>;
 
-    static size_t cost(const Glyph& glyph);
-    std::shared_ptr<const Glyph> get(const SkTypeface& typeface, const GlyphSettings& settings,
-                                     SkGlyphID glyph, unsigned phase, bool withCoverage);
-    std::shared_ptr<const Glyph> find(const Key& key, bool withCoverage);
-    void insert(const Key& key, const std::shared_ptr<const Glyph>& glyph);
+    static size_t cost(const Entry& entry);
+    // These three are called with the lock held. find() gives null when there is none, and makes
+    // what it finds the most recently used.
+    Entry* find(const Key& key);
+    void insert(Entry entry);
     void erase(Entries::iterator entry);
 
     mutable std::mutex fMutex;

@@ -32,15 +32,6 @@ float fromFixed(FT_Fixed v) {
     return static_cast<float>(static_cast<double>(v) / 65536.0);
 }
 
-// Box of FreeType coordinates (26.6, y upwards) to pixels.
-SkIRect placeBox(const FT_BBox& box, const GlyphPlacement& p) {
-    const double unit = p.scale / 64;
-    return SkIRect::MakeLTRB(floorToInt(static_cast<double>(box.xMin) * unit + p.dx),
-                             floorToInt(-static_cast<double>(box.yMax) * unit + p.dy),
-                             ceilToInt(static_cast<double>(box.xMax) * unit + p.dx),
-                             ceilToInt(-static_cast<double>(box.yMin) * unit + p.dy));
-}
-
 void makeBinary(uint8_t* coverage, size_t count) {
     std::transform(coverage, coverage + count, coverage,
                    [](uint8_t c) -> uint8_t { return c < 128 ? 0 : 255; });
@@ -49,14 +40,6 @@ void makeBinary(uint8_t* coverage, size_t count) {
 size_t pixelCount(const SkIRect& window) {
     return static_cast<size_t>(window.fRight - window.fLeft) *
            static_cast<size_t>(window.fBottom - window.fTop);
-}
-
-bool exceedsRaster(const FT_Outline& outline) {
-    // FreeType refuses outlines from 2^24 on; sums on the way there must not overflow either.
-    constexpr FT_Pos kLimit = 1 << 24;
-    return std::any_of(outline.points, outline.points + outline.n_points, [](const FT_Vector& p) {
-        return p.x <= -kLimit || p.x >= kLimit || p.y <= -kLimit || p.y >= kLimit;
-    });
 }
 
 // Running out of memory must not be taken for a glyph that the font does not have.
@@ -252,18 +235,15 @@ void GlyphScaler::readLayers(FT_UInt glyph) {
     fKind = MaskKind::kColor;
 }
 
-bool GlyphScaler::outlineBox(FT_BBox* box) const {
-    const FT_GlyphSlot slot = fFace->glyph;
-    if (slot->format != FT_GLYPH_FORMAT_OUTLINE || slot->outline.n_contours == 0) return false;
-    FT_Outline_Get_CBox(&slot->outline, box);
-    return true;
+bool GlyphScaler::loadLayer(const Layer& layer) {
+    return this->loadSlot(layer.glyph) && fFace->glyph->format == FT_GLYPH_FORMAT_OUTLINE;
 }
 
 bool GlyphScaler::layersBox(FT_BBox* all) {
     bool any = false;
     for (const Layer& layer : fLayers) {
         FT_BBox box;
-        if (!this->loadSlot(layer.glyph) || !this->outlineBox(&box)) continue;
+        if (!this->loadLayer(layer) || !outlineBox(fFace->glyph->outline, &box)) continue;
         if (!any) *all = box;
         any = true;
         *all = {std::min(all->xMin, box.xMin), std::min(all->yMin, box.yMin),
@@ -273,15 +253,16 @@ bool GlyphScaler::layersBox(FT_BBox* all) {
 }
 
 SkIRect GlyphScaler::bounds(const GlyphPlacement& placement) {
-    SkIRect box = SkIRect::MakeEmpty();
-    FT_BBox outline = {};
+    FT_BBox box;
     if (fContent == Content::kStrike) {
-        box = fStrike.bounds(fMatrix, placement);
-    } else if ((fContent == Content::kOutline && this->outlineBox(&outline)) ||
-               (fContent == Content::kLayers && this->layersBox(&outline))) {
-        box = placeBox(outline, placement);
+        const SkIRect picture = fStrike.bounds(fMatrix, placement);
+        return picture.isEmpty() ? SkIRect::MakeEmpty() : picture;
     }
-    return box.isEmpty() ? SkIRect::MakeEmpty() : box;
+    if ((fContent == Content::kOutline && outlineBox(fFace->glyph->outline, &box)) ||
+        (fContent == Content::kLayers && this->layersBox(&box))) {
+        return placeBox(box, placement);
+    }
+    return SkIRect::MakeEmpty();
 }
 
 void GlyphScaler::render(const GlyphPlacement& placement, const SkIRect& window, uint8_t* out) {
@@ -291,7 +272,7 @@ void GlyphScaler::render(const GlyphPlacement& placement, const SkIRect& window,
         case Content::kBlank:
             return;
         case Content::kOutline:
-            this->renderOutline(placement, window, out);
+            this->renderSlot(placement, window, out);
             return;
         case Content::kLayers:
             this->renderLayers(placement, window, out);
@@ -308,10 +289,9 @@ void GlyphScaler::renderLayers(const GlyphPlacement& placement, const SkIRect& w
     const size_t count = pixelCount(window);
     std::vector<uint8_t> mask(count);
     for (const Layer& layer : fLayers) {
-        if (!this->loadSlot(layer.glyph)) continue;
-        if (fFace->glyph->format != FT_GLYPH_FORMAT_OUTLINE) continue;
+        if (!this->loadLayer(layer)) continue;
         std::fill(mask.begin(), mask.end(), uint8_t{0});
-        this->renderOutline(placement, window, mask.data());
+        this->renderSlot(placement, window, mask.data());
         for (size_t i = 0; i < count; ++i) {
             const unsigned alpha = div255(mask[i] * layer.alpha);
             out[i] = static_cast<uint8_t>(alpha + div255(out[i] * (255 - alpha)));
@@ -319,53 +299,14 @@ void GlyphScaler::renderLayers(const GlyphPlacement& placement, const SkIRect& w
     }
 }
 
-void GlyphScaler::renderOutline(const GlyphPlacement& placement, const SkIRect& window,
-                                uint8_t* out) {
-    // Shares everything but the points with the slot, which must stay as it is.
-    FT_Outline outline = fFace->glyph->outline;
-    if (outline.n_points <= 0 || outline.n_contours <= 0) return;
-    const double x0 = (placement.dx - window.fLeft) * 64;
-    const double y0 = (window.fBottom - placement.dy) * 64;
-    fPoints.assign(outline.points, outline.points + outline.n_points);
-    for (FT_Vector& p : fPoints) {
-        p.x = floorToInt(static_cast<double>(p.x) * placement.scale + x0 + 0.5);
-        p.y = floorToInt(static_cast<double>(p.y) * placement.scale + y0 + 0.5);
-    }
-    outline.points = fPoints.data();
-    if (exceedsRaster(outline)) return;
-    // Scaled outlines are filled by pixel centres alone, without FreeType's care for thin parts.
-    if (placement.scale != 1) outline.flags |= FT_OUTLINE_IGNORE_DROPOUTS;
-    if (fKind == MaskKind::kBinary) {
-        this->renderBinary(&outline, window, out);
-        return;
-    }
-    FT_Bitmap bitmap = {};
-    bitmap.width = static_cast<unsigned>(window.fRight - window.fLeft);
-    bitmap.rows = static_cast<unsigned>(window.fBottom - window.fTop);
-    bitmap.pitch = window.fRight - window.fLeft;
-    bitmap.buffer = out;
-    bitmap.num_grays = 256;
-    bitmap.pixel_mode = FT_PIXEL_MODE_GRAY;
-    // What the rasteriser refuses stays blank.
-    succeeded(FT_Outline_Get_Bitmap(fFace->glyph->library, &outline, &bitmap));
+void GlyphScaler::renderSlot(const GlyphPlacement& placement, const SkIRect& window, uint8_t* out) {
+    const FT_GlyphSlot slot = fFace->glyph;
+    fillOutline(slot->library, slot->outline, fKind, placement, window, out);
 }
 
-void GlyphScaler::renderBinary(FT_Outline* outline, const SkIRect& window, uint8_t* out) {
-    const unsigned width = static_cast<unsigned>(window.fRight - window.fLeft);
-    const unsigned height = static_cast<unsigned>(window.fBottom - window.fTop);
-    const unsigned pitch = (width + 7) / 8;
-    std::vector<uint8_t> bits(static_cast<size_t>(pitch) * height);
-    FT_Bitmap bitmap = {};
-    bitmap.width = width;
-    bitmap.rows = height;
-    bitmap.pitch = static_cast<int>(pitch);
-    bitmap.buffer = bits.data();
-    bitmap.pixel_mode = FT_PIXEL_MODE_MONO;
-    if (!succeeded(FT_Outline_Get_Bitmap(fFace->glyph->library, outline, &bitmap))) return;
-    const uint8_t* row = bits.data();
-    for (unsigned y = 0; y < height; ++y, row += pitch) {
-        for (unsigned x = 0; x < width; ++x) *out++ = (row[x >> 3] >> (7 - (x & 7)) & 1) * 255;
-    }
+std::shared_ptr<const GlyphOutline> GlyphScaler::copyOutline() const {
+    if (fContent != Content::kOutline) return nullptr;
+    return std::make_shared<const GlyphOutline>(*fFace->glyph, fKind);
 }
 
 }  // namespace portable

@@ -2,21 +2,17 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 #include "SkRect.h"
 #include "SkTypes.h"
 #include "skia/FontFace.h"
+#include "skia/GlyphOutline.h"
 #include "skia/GlyphSettings.h"
 #include "skia/StrikeImage.h"
 
 namespace portable {
-
-enum class MaskKind : uint8_t {
-    kBinary,  // pixels 0 or 255
-    kGrey,    // coverage, still without gamma
-    kColor,   // alpha of a colour glyph, blended as it is
-};
 
 // Holds the face locked: make one, take the glyphs, drop it. Fonts lie about everything, so every
 // result has an answer: glyphs that cannot be loaded measure 0 and are blank, boxes are held within
@@ -41,6 +37,10 @@ public:
     // left unset. What cannot be drawn is 0.
     void render(const GlyphPlacement& placement, const SkIRect& window, uint8_t* out);
 
+    // The glyph, to be boxed and rendered later as by the calls above; null when it is not a single
+    // outline.
+    std::shared_ptr<const GlyphOutline> copyOutline() const;
+
 private:
     struct Layer {
         FT_UInt glyph;
@@ -56,11 +56,10 @@ private:
     void readAdvance(FT_UInt glyph);
     void readLayers(FT_UInt glyph);
 
-    bool outlineBox(FT_BBox* box) const;
+    bool loadLayer(const Layer& layer);
     bool layersBox(FT_BBox* all);
     void renderLayers(const GlyphPlacement& placement, const SkIRect& window, uint8_t* out);
-    void renderOutline(const GlyphPlacement& placement, const SkIRect& window, uint8_t* out);
-    void renderBinary(FT_Outline* outline, const SkIRect& window, uint8_t* out);
+    void renderSlot(const GlyphPlacement& placement, const SkIRect& window, uint8_t* out);
 
     FontFace::Access fAccess;
     FT_Face fFace;
@@ -75,7 +74,6 @@ private:
     enum class Content { kBlank, kOutline, kLayers, kStrike } fContent = Content::kBlank;
     std::vector<Layer> fLayers;
     StrikeImage fStrike;
-    std::vector<FT_Vector> fPoints;
 };
 
 }  // namespace portable

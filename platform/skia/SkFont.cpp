@@ -3,6 +3,7 @@
 #include <ft2build.h>
 #include FT_TRUETYPE_TABLES_H
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -59,17 +60,18 @@ void SkFont::getWidthsBounds(const SkGlyphID glyphs[], int count, SkScalar width
     const auto settings = asOutlines ? portable::GlyphSettings::forOutlines(*this)
                                      : portable::GlyphSettings::forMasks(*this);
     const float scale = asOutlines ? fSize / portable::kOutlineSize : 1;
-    portable::GlyphCache& cache = portable::GlyphCache::shared();
-    for (int i = 0; i < count; ++i) {
-        SkScalar width = 0;
-        SkRect box = SkRect::MakeEmpty();
+    constexpr int kBatch = 64;
+    portable::GlyphMetrics metrics[kBatch];
+    for (int start = 0; start < count; start += kBatch) {
+        const int batch = std::min(count - start, kBatch);
         if (fTypeface) {
-            const auto glyph = cache.measure(*fTypeface, settings, glyphs[i]);
-            width = finiteOrZero(glyph->advance * scale);
-            box = scaled(glyph->bounds, scale);
+            portable::GlyphCache::shared().measure(*fTypeface, settings, glyphs + start, batch,
+                                                   !asOutlines, metrics);
         }
-        if (widths) widths[i] = width;
-        if (bounds) bounds[i] = box;
+        for (int i = 0; i < batch; ++i) {
+            if (widths) widths[start + i] = finiteOrZero(metrics[i].advance * scale);
+            if (bounds) bounds[start + i] = scaled(metrics[i].bounds, scale);
+        }
     }
 }
 

@@ -1,6 +1,7 @@
 #include "skia/TextGamma.h"
 
 #include <cmath>
+#include <cstring>
 
 namespace portable {
 
@@ -9,7 +10,8 @@ namespace {
 // Android's text gamma 1.4, kept in steps of 1/64.
 constexpr double kExponent = 89.0 / 64;
 
-constexpr unsigned kTableBits = 3;
+constexpr unsigned kLevelBits = 3;
+static_assert(1u << kLevelBits == kGammaLevels);
 
 // Mixes text of the luminance with its opposite as if by coverage in linear light, and asks which
 // coverage gives the same mix in the encoded values.
@@ -27,7 +29,7 @@ CoverageTable makeTable(double luminance) {
     return table;
 }
 
-using Tables = std::array<CoverageTable, 1 << kTableBits>;
+using Tables = std::array<CoverageTable, kGammaLevels>;
 
 Tables makeTables() {
     Tables tables;
@@ -41,11 +43,36 @@ Tables makeTables() {
 
 }  // namespace
 
-const CoverageTable& textGamma(SkColor color) {
-    static const Tables tables = makeTables();
+unsigned gammaLevel(SkColor color) {
     const unsigned luminance =
         (54 * SkColorGetR(color) + 183 * SkColorGetG(color) + 19 * SkColorGetB(color)) >> 8;
-    return tables[luminance >> (8 - kTableBits)];
+    return luminance >> (8 - kLevelBits);
+}
+
+namespace {
+
+const CoverageTable& gammaTable(unsigned level) {
+    static const Tables tables = makeTables();
+    return tables[level];
+}
+
+}  // namespace
+
+void applyGamma(unsigned level, uint8_t* coverage, size_t count) {
+    const CoverageTable& table = gammaTable(level);
+    constexpr size_t kBlock = sizeof(uint64_t);
+    size_t i = 0;
+    for (; i + kBlock <= count; i += kBlock) {
+        uint64_t block;
+        std::memcpy(&block, coverage + i, kBlock);
+        if (block == 0 || block == ~uint64_t{0}) continue;  // ends that stay
+        for (size_t j = i; j < i + kBlock; ++j) coverage[j] = table[coverage[j]];
+    }
+    for (; i < count; ++i) coverage[i] = table[coverage[i]];
+}
+
+const CoverageTable& textGamma(SkColor color) {
+    return gammaTable(gammaLevel(color));
 }
 
 }  // namespace portable

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <new>
 #include <vector>
 
@@ -27,6 +28,52 @@ SkIRect moved(const SkIRect& r, int dx, int dy) {
     return SkIRect::MakeLTRB(r.fLeft + dx, r.fTop + dy, r.fRight + dx, r.fBottom + dy);
 }
 
+// The whole alpha's scaled coverage over what is there.
+uint8_t coverageOver(unsigned coverage, unsigned d) {
+    return static_cast<uint8_t>(coverage + div255(d * (255 - coverage)));
+}
+
+// Opaque text moves a pixel towards 255 by the coverage.
+constexpr uint8_t towards255(uint8_t d, uint8_t c) {
+    return static_cast<uint8_t>(div255(d * (255u - c) + 255u * c));
+}
+
+// The same for a block, in 16-bit lanes: div255 of these sums stays below 2^16.
+constexpr int kBlock = 16;
+void moveBlockTowards255(uint8_t* row, const uint8_t* mask) {
+    uint16_t v[kBlock];
+    for (int i = 0; i < kBlock; ++i) {
+        v[i] = static_cast<uint16_t>(row[i] * (255 - mask[i]) + 255 * mask[i] + 128);
+    }
+    for (int i = 0; i < kBlock; ++i) {
+        row[i] = static_cast<uint8_t>(static_cast<uint16_t>(v[i] + (v[i] >> 8)) >> 8);
+    }
+}
+
+// Most of a large glyph is empty or full.
+void blitOpaque(uint8_t* row, const uint8_t* mask, int count) {
+    int i = 0;
+    for (; i + kBlock <= count; i += kBlock) {
+        uint64_t half[2];
+        std::memcpy(half, mask + i, kBlock);
+        if ((half[0] | half[1]) == 0) continue;
+        if ((half[0] & half[1]) == ~uint64_t{0}) {
+            std::memset(row + i, 0xFF, kBlock);
+        } else {
+            moveBlockTowards255(row + i, mask + i);
+        }
+    }
+    for (; i < count; ++i) row[i] = towards255(row[i], mask[i]);
+}
+
+void blitAlpha(uint8_t* row, const uint8_t* mask, int count, unsigned alpha) {
+    if (alpha == 255) {
+        blitOpaque(row, mask, count);
+        return;
+    }
+    for (int i = 0; i < count; ++i) row[i] = coverageOver(div255(alpha * mask[i]), row[i]);
+}
+
 class TextPainter {
 public:
     TextPainter(const SkBitmap& bitmap, const SkIRect& clip, SkColor color)
@@ -35,7 +82,7 @@ public:
           fClip(clip),
           fAlpha(SkColorGetA(color)),
           fColor(premultiply(color)),
-          fGamma(textGamma(color)) {}
+          fGammaLevel(gammaLevel(color)) {}
 
     void paintRun(const SkTextBlob::Run& run, SkScalar x, SkScalar y);
 
@@ -44,16 +91,15 @@ private:
                    SkScalar x, SkScalar y);
     void paintPart(GlyphScaler& scaler, const GlyphPlacement& placement, bool gamma);
     void paintOutline(GlyphScaler& scaler, SkGlyphID glyph, const GlyphPlacement& placement);
-    void blit(const Mask& mask, const CoverageTable* gamma);
-    void blitAlpha(uint8_t* row, const uint8_t* mask, int count, const CoverageTable* gamma) const;
-    void blitColor(uint8_t* row, const uint8_t* mask, int count, const CoverageTable* gamma) const;
+    void blit(const Mask& mask);
+    void blitColor(uint8_t* row, const uint8_t* mask, int count) const;
 
     const SkBitmap& fBitmap;
     PixelFormat fFormat;
     SkIRect fClip;
     unsigned fAlpha;
     ColorF fColor;
-    const CoverageTable& fGamma;
+    unsigned fGammaLevel;
     std::vector<uint8_t> fScratch;
 };
 
@@ -93,14 +139,14 @@ void TextPainter::paintMask(const SkTypeface& typeface, const GlyphSettings& set
         phase = static_cast<unsigned>(floorToInt((biased - static_cast<float>(left)) * 4)) & 3;
     }
     const int top = roundToInt(y);
-    const auto cached = GlyphCache::shared().draw(typeface, settings, glyph, phase);
-    const CoverageTable* gamma = cached->kind == MaskKind::kGrey ? &fGamma : nullptr;
-    if (!cached->coverage.empty()) {
-        this->blit({cached->coverage.data(), moved(cached->bounds, left, top)}, gamma);
-    } else if (!cached->bounds.isEmpty()) {
+    const auto mask = GlyphCache::shared().draw(typeface, settings, glyph, phase, fGammaLevel);
+    if (!mask->coverage.empty()) {
+        this->blit({mask->coverage.data(), moved(mask->bounds, left, top)});
+    } else if (!mask->bounds.isEmpty()) {
         GlyphScaler scaler(typeface.face(), settings);
         if (!scaler.load(glyph)) return;
-        this->paintPart(scaler, {1, left + phase * 0.25, static_cast<double>(top)}, gamma);
+        this->paintPart(scaler, {1, left + phase * 0.25, static_cast<double>(top)},
+                        mask->kind == MaskKind::kGrey);
     }
 }
 
@@ -118,10 +164,11 @@ void TextPainter::paintPart(GlyphScaler& scaler, const GlyphPlacement& placement
     fScratch.resize(static_cast<size_t>(window.fRight - window.fLeft) *
                     static_cast<size_t>(window.fBottom - window.fTop));
     scaler.render(placement, window, fScratch.data());
-    this->blit({fScratch.data(), window}, gamma ? &fGamma : nullptr);
+    if (gamma) applyGamma(fGammaLevel, fScratch.data(), fScratch.size());
+    this->blit({fScratch.data(), window});
 }
 
-void TextPainter::blit(const Mask& mask, const CoverageTable* gamma) {
+void TextPainter::blit(const Mask& mask) {
     SkIRect area = mask.bounds;
     if (!area.intersect(fClip)) return;
     const ptrdiff_t stride = mask.bounds.fRight - mask.bounds.fLeft;
@@ -133,36 +180,17 @@ void TextPainter::blit(const Mask& mask, const CoverageTable* gamma) {
                        static_cast<size_t>(y) * fBitmap.rowBytes() +
                        static_cast<size_t>(area.fLeft) * bytesPerPixel(fFormat);
         if (fFormat == PixelFormat::kAlpha8) {
-            this->blitAlpha(row, source, count, gamma);
+            blitAlpha(row, source, count, fAlpha);
         } else {
-            this->blitColor(row, source, count, gamma);
+            this->blitColor(row, source, count);
         }
     }
 }
 
-// Opaque text moves each pixel towards 255 by the coverage; with less than full alpha the scaled
-// coverage goes over what is there.
-void TextPainter::blitAlpha(uint8_t* row, const uint8_t* mask, int count,
-                            const CoverageTable* gamma) const {
-    for (int i = 0; i < count; ++i) {
-        if (mask[i] == 0) continue;
-        const unsigned c = gamma ? (*gamma)[mask[i]] : mask[i];
-        const unsigned d = row[i];
-        if (fAlpha == 255) {
-            row[i] = static_cast<uint8_t>(div255(d * (255 - c) + 255 * c));
-        } else {
-            const unsigned s = div255(fAlpha * c);
-            row[i] = static_cast<uint8_t>(s + div255(d * (255 - s)));
-        }
-    }
-}
-
-void TextPainter::blitColor(uint8_t* row, const uint8_t* mask, int count,
-                            const CoverageTable* gamma) const {
+void TextPainter::blitColor(uint8_t* row, const uint8_t* mask, int count) const {
     for (int i = 0; i < count; ++i, row += 4) {
-        const uint8_t c = gamma ? (*gamma)[mask[i]] : mask[i];
-        if (c == 0) continue;
-        const float f = c * kByteToUnit;
+        if (mask[i] == 0) continue;
+        const float f = mask[i] * kByteToUnit;
         blendPixel(fFormat, {fColor.r * f, fColor.g * f, fColor.b * f, fColor.a * f}, row);
     }
 }

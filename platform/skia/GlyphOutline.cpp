@@ -1,0 +1,153 @@
+#include "skia/GlyphOutline.h"
+
+#include FT_OUTLINE_H
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <new>
+#include <type_traits>
+#include <vector>
+
+#include "skia/Numbers.h"
+
+namespace portable {
+
+namespace {
+
+// The sum, held within ±kMaxCoordinate.
+FT_Pos moved(FT_Pos v, int64_t distance) {
+    constexpr int64_t kMax = kMaxCoordinate;
+    return static_cast<FT_Pos>(std::clamp(v + distance, -kMax, kMax));
+}
+
+bool exceedsRaster(const FT_Outline& outline) {
+    // FreeType refuses outlines from 2^24 on; sums on the way there must not overflow either.
+    constexpr FT_Pos kLimit = 1 << 24;
+    return std::any_of(outline.points, outline.points + outline.n_points, [](const FT_Vector& p) {
+        return p.x <= -kLimit || p.x >= kLimit || p.y <= -kLimit || p.y >= kLimit;
+    });
+}
+
+// False for an outline that is refused.
+bool getBitmap(FT_Library library, FT_Outline* outline, const FT_Bitmap& bitmap) {
+    const FT_Error error = FT_Outline_Get_Bitmap(library, outline, &bitmap);
+    if (FT_ERROR_BASE(error) == FT_Err_Out_Of_Memory) throw std::bad_alloc();
+    return error == 0;
+}
+
+void fillGrey(FT_Library library, FT_Outline* outline, const SkIRect& window, uint8_t* out) {
+    FT_Bitmap bitmap = {};
+    bitmap.width = static_cast<unsigned>(window.fRight - window.fLeft);
+    bitmap.rows = static_cast<unsigned>(window.fBottom - window.fTop);
+    bitmap.pitch = window.fRight - window.fLeft;
+    bitmap.buffer = out;
+    bitmap.num_grays = 256;
+    bitmap.pixel_mode = FT_PIXEL_MODE_GRAY;
+    getBitmap(library, outline, bitmap);
+}
+
+void fillBinary(FT_Library library, FT_Outline* outline, const SkIRect& window, uint8_t* out) {
+    const unsigned width = static_cast<unsigned>(window.fRight - window.fLeft);
+    const unsigned height = static_cast<unsigned>(window.fBottom - window.fTop);
+    const unsigned pitch = (width + 7) / 8;
+    std::vector<uint8_t> bits(static_cast<size_t>(pitch) * height);
+    FT_Bitmap bitmap = {};
+    bitmap.width = width;
+    bitmap.rows = height;
+    bitmap.pitch = static_cast<int>(pitch);
+    bitmap.buffer = bits.data();
+    bitmap.pixel_mode = FT_PIXEL_MODE_MONO;
+    if (!getBitmap(library, outline, bitmap)) return;
+    const uint8_t* row = bits.data();
+    for (unsigned y = 0; y < height; ++y, row += pitch) {
+        for (unsigned x = 0; x < width; ++x) *out++ = (row[x >> 3] >> (7 - (x & 7)) & 1) * 255;
+    }
+}
+
+}  // namespace
+
+bool outlineBox(const FT_Outline& outline, FT_BBox* box) {
+    if (outline.n_contours == 0) return false;
+    FT_Outline_Get_CBox(&outline, box);
+    return true;
+}
+
+SkIRect placeBox(const FT_BBox& box, const GlyphPlacement& p) {
+    const double unit = p.scale / 64;  // of 26.6, y upwards
+    const SkIRect placed =
+        SkIRect::MakeLTRB(floorToInt(static_cast<double>(box.xMin) * unit + p.dx),
+                          floorToInt(-static_cast<double>(box.yMax) * unit + p.dy),
+                          ceilToInt(static_cast<double>(box.xMax) * unit + p.dx),
+                          ceilToInt(-static_cast<double>(box.yMin) * unit + p.dy));
+    return placed.isEmpty() ? SkIRect::MakeEmpty() : placed;
+}
+
+void fillOutline(FT_Library library, const FT_Outline& outline, MaskKind kind,
+                 const GlyphPlacement& placement, const SkIRect& window, uint8_t* out) {
+    if (outline.n_points <= 0 || outline.n_contours <= 0) return;
+    const double x0 = (placement.dx - window.fLeft) * 64;
+    const double y0 = (window.fBottom - placement.dy) * 64;
+    std::vector<FT_Vector> points(outline.points, outline.points + outline.n_points);
+    if (placement.scale == 1) {
+        const auto dx = static_cast<int64_t>(std::floor(x0 + 0.5));
+        const auto dy = static_cast<int64_t>(std::floor(y0 + 0.5));
+        for (FT_Vector& p : points) p = {moved(p.x, dx), moved(p.y, dy)};
+    } else {
+        for (FT_Vector& p : points) {
+            p.x = floorToInt(static_cast<double>(p.x) * placement.scale + x0 + 0.5);
+            p.y = floorToInt(static_cast<double>(p.y) * placement.scale + y0 + 0.5);
+        }
+    }
+    // Shares everything but the points with the original, which must stay as it is.
+    FT_Outline placed = outline;
+    placed.points = points.data();
+    if (exceedsRaster(placed)) return;
+    // Scaled outlines are filled by pixel centres alone, without FreeType's care for thin parts.
+    if (placement.scale != 1) placed.flags |= FT_OUTLINE_IGNORE_DROPOUTS;
+    if (kind == MaskKind::kBinary) {
+        fillBinary(library, &placed, window, out);
+    } else {
+        fillGrey(library, &placed, window, out);
+    }
+}
+
+GlyphOutline::GlyphOutline(const FT_GlyphSlotRec& slot, MaskKind kind)
+    : fLibrary(slot.library),
+      fKind(kind),
+      fOutline(slot.outline),
+      fBlock(new char[bytesOf(slot.outline)]) {
+    const auto points = static_cast<size_t>(fOutline.n_points);
+    const auto contours = static_cast<size_t>(fOutline.n_contours);
+    char* next = fBlock.get();
+    const auto copy = [&next](auto*& array, size_t count) {
+        const size_t bytes = count * sizeof(*array);
+        if (bytes != 0) std::memcpy(next, array, bytes);
+        array = reinterpret_cast<std::remove_reference_t<decltype(array)>>(next);
+        next += bytes;
+    };
+    copy(fOutline.points, points);  // the strictest alignment first
+    copy(fOutline.contours, contours);
+    copy(fOutline.tags, points);
+    fOutline.flags &= ~FT_OUTLINE_OWNER;
+}
+
+size_t GlyphOutline::bytesOf(const FT_Outline& outline) {
+    return static_cast<size_t>(outline.n_points) * (sizeof(FT_Vector) + sizeof(*outline.tags)) +
+           static_cast<size_t>(outline.n_contours) * sizeof(*outline.contours);
+}
+
+SkIRect GlyphOutline::bounds(const GlyphPlacement& placement) const {
+    FT_BBox box;
+    return outlineBox(fOutline, &box) ? placeBox(box, placement) : SkIRect::MakeEmpty();
+}
+
+void GlyphOutline::render(const GlyphPlacement& placement, const SkIRect& window,
+                          uint8_t* out) const {
+    std::memset(out, 0,
+                static_cast<size_t>(window.fRight - window.fLeft) *
+                    static_cast<size_t>(window.fBottom - window.fTop));
+    fillOutline(fLibrary, fOutline, fKind, placement, window, out);
+}
+
+}  // namespace portable
