@@ -1,16 +1,12 @@
 #include "minikin/LocaleList.h"
 
 #include <gtest/gtest.h>
-#include <unicode/uchar.h>
-#include <unicode/uloc.h>
 
 #include <string>
 #include <thread>
 #include <vector>
 
-#include "minikin/LikelyScript.h"
 #include "minikin/Locale.h"
-#include "minikin/Unicode.h"
 
 namespace {
 
@@ -73,29 +69,6 @@ TEST(LocaleListTest, TagsAreCompletedByTheLikelyScript) {
         {"ar-u-nu-latn", "ar-Arab"},
     };
     for (const auto& c : cases) EXPECT_EQ(Locale(c.tag).toString(), c.completed) << c.tag;
-}
-
-TEST(LocaleListTest, LikelyScriptsAgreeWithIcu) {
-    const std::string letters = "abcdefghijklmnopqrstuvwxyz";
-    int compared = 0;
-    for (const char a : letters) {
-        for (const char b : letters) {
-            for (const std::string region : {"", "TW", "PK", "CN", "IN", "ME", "US"}) {
-                const std::string language{a, b};
-                std::string tag = language;
-                if (!region.empty()) tag.append("_").append(region);
-                char full[ULOC_FULLNAME_CAPACITY];
-                char script[ULOC_SCRIPT_CAPACITY];
-                UErrorCode status = U_ZERO_ERROR;
-                uloc_addLikelySubtags(tag.c_str(), full, sizeof(full), &status);
-                uloc_getScript(full, script, sizeof(script), &status);
-                if (U_FAILURE(status) || script[0] == 0) continue;
-                EXPECT_EQ(minikin::likelyScript(language, region), script) << tag;
-                compared++;
-            }
-        }
-    }
-    EXPECT_GT(compared, 1000);
 }
 
 TEST(LocaleListTest, EmojiStyles) {
@@ -164,14 +137,6 @@ TEST(LocaleListTest, ThreadsGetOneIdForOneString) {
     }
     for (std::thread& thread : threads) thread.join();
     for (size_t i = kLists; i < ids.size(); i++) EXPECT_EQ(ids[i], ids[i - kLists]);
-}
-
-TEST(UnicodeTest, EmojiModifierBasesAgreeWithIcu) {
-    for (UChar32 c = 0; c <= 0x10FFFF; c++) {
-        ASSERT_EQ(minikin::isEmojiModifierBase(static_cast<uint32_t>(c)),
-                  static_cast<bool>(u_hasBinaryProperty(c, UCHAR_EMOJI_MODIFIER_BASE)))
-            << c;
-    }
 }
 
 }  // namespace

@@ -1,0 +1,118 @@
+// What fonts are chosen by: properties of characters and languages against ICU's data, coverage
+// against FreeType's reading of the fonts.
+#include <gtest/gtest.h>
+#include <unicode/uchar.h>
+#include <unicode/uloc.h>
+#include <unicode/unorm2.h>
+#include <unicode/utf16.h>
+
+#include <ft2build.h>
+#include FT_FREETYPE_H
+
+#include <set>
+#include <string>
+#include <utility>
+
+#include "Figure.h"
+#include "minikin/FontFamily.h"
+#include "minikin/LikelyScript.h"
+#include "minikin/SparseBitSet.h"
+#include "minikin/Unicode.h"
+#include "platform/FreeTypeReference.h"
+#include "support/Fonts.h"
+
+namespace gxtest {
+namespace {
+
+constexpr UChar32 kLastCodePoint = 0x10FFFF;
+
+TEST(UnicodeTest, LikelyScriptsAreIcus) {
+    const std::string letters = "abcdefghijklmnopqrstuvwxyz";
+    Figure figure("likely scripts against ICU, languages and regions");
+    for (const char a : letters) {
+        for (const char b : letters) {
+            for (const std::string region : {"", "TW", "PK", "CN", "IN", "ME", "US"}) {
+                const std::string language{a, b};
+                std::string tag = language;
+                if (!region.empty()) tag.append("_").append(region);
+                char full[ULOC_FULLNAME_CAPACITY];
+                char script[ULOC_SCRIPT_CAPACITY];
+                UErrorCode status = U_ZERO_ERROR;
+                uloc_addLikelySubtags(tag.c_str(), full, sizeof(full), &status);
+                uloc_getScript(full, script, sizeof(script), &status);
+                if (U_FAILURE(status) || script[0] == 0) continue;
+                EXPECT_TRUE(figure.add(minikin::likelyScript(language, region) == script)) << tag;
+            }
+        }
+    }
+    EXPECT_GT(figure.compared, 1000u);
+}
+
+TEST(UnicodeTest, EmojiModifierBasesAreIcus) {
+    Figure figure("emoji modifier bases against ICU, code points");
+    for (UChar32 c = 0; c <= kLastCodePoint; c++) {
+        const bool expected = u_hasBinaryProperty(c, UCHAR_EMOJI_MODIFIER_BASE);
+        EXPECT_TRUE(figure.add(minikin::isEmojiModifierBase(static_cast<uint32_t>(c)) == expected))
+            << std::hex << c;
+    }
+}
+
+TEST(UnicodeTest, DecompositionsBeginAsIcus) {
+    UErrorCode status = U_ZERO_ERROR;
+    const UNormalizer2* normalizer = unorm2_getNFDInstance(&status);
+    ASSERT_TRUE(U_SUCCESS(status));
+    Figure figure("first character of decompositions against ICU, code points");
+    for (UChar32 c = 0; c <= kLastCodePoint; c++) {
+        UChar units[8];
+        status = U_ZERO_ERROR;
+        const int32_t length = unorm2_getRawDecomposition(normalizer, c, units, 8, &status);
+        UChar32 expected = c;
+        if (length > 0) U16_GET_UNSAFE(units, 0, expected);
+        const uint32_t first = minikin::firstOfDecomposition(static_cast<uint32_t>(c));
+        EXPECT_TRUE(figure.add(first == static_cast<uint32_t>(expected))) << std::hex << c;
+    }
+}
+
+std::set<FT_UInt32> listed(const FT_UInt32* list) {
+    std::set<FT_UInt32> values;
+    for (; list && *list; ++list) values.insert(*list);
+    return values;
+}
+
+TEST(UnicodeTest, CoverageIsFreeTypes) {
+    Figure figure("coverage of 11 fonts against FreeType, code points");
+    Figure sequences("variation sequences of 11 fonts against FreeType");
+    const std::pair<const char*, int> fonts[] = {
+        {kNotoSans, 0}, {kNotoArabic, 0},     {kNotoDevanagari, 0}, {kNotoHebrew, 0},
+        {kNotoThai, 0}, {kNotoColorEmoji, 0}, {kDejaVuSans, 0},     {kNotoCjk, 0},
+        {kNotoCjk, 1},  {kNotoCjk, 2},        {kNotoCjk, 3},
+    };
+    for (const auto& [file, index] : fonts) {
+        SCOPED_TRACE(std::string(file) + " " + std::to_string(index));
+        const auto family = makeFamily(loadFont(file, index));
+        FreeTypeReference reference(fontBytes(file), index);
+        std::set<FT_ULong> covered;
+        FT_UInt glyph = 0;
+        for (FT_ULong c = FT_Get_First_Char(reference.face(), &glyph); glyph != 0;
+             c = FT_Get_Next_Char(reference.face(), c, &glyph)) {
+            covered.insert(c);
+        }
+        for (uint32_t c = 0; c <= static_cast<uint32_t>(kLastCodePoint); ++c) {
+            EXPECT_TRUE(figure.add(family->getCoverage().get(c) == (covered.count(c) != 0)))
+                << std::hex << c;
+        }
+        // FreeType's lists last until it is asked for the next one.
+        for (const FT_UInt32 selector : listed(FT_Face_GetVariantSelectors(reference.face()))) {
+            const auto characters = listed(FT_Face_GetCharsOfVariant(reference.face(), selector));
+            for (const FT_ULong c : covered) {
+                const bool expected = characters.count(static_cast<FT_UInt32>(c)) != 0;
+                EXPECT_TRUE(
+                    sequences.add(family->hasGlyph(static_cast<uint32_t>(c), selector) == expected))
+                    << std::hex << c << " " << selector;
+            }
+        }
+    }
+}
+
+}  // namespace
+}  // namespace gxtest
