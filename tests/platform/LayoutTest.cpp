@@ -209,40 +209,6 @@ protected:
     std::unique_ptr<Typeface> typeface;
 };
 
-TEST_F(LayoutTest, SingleWordsAgreeWithHarfBuzz) {
-    const struct {
-        const char* font;
-        int face;
-        std::u16string text;
-        bool rtl;
-    } cases[] = {
-        {gxtest::kNotoSans, 0, u"Typography", false},
-        {gxtest::kNotoSans, 0, u"AVATAR", false},
-        {gxtest::kDejaVuSans, 0, u"o\u0308ffice", false},
-        {gxtest::kNotoArabic, 0, u"\u0645\u0631\u062D\u0628\u0627", true},
-        {gxtest::kNotoArabic, 0, u"\u0644\u0627\u064E\u0651", true},
-        {gxtest::kNotoDevanagari, 0, u"\u0939\u093F\u0928\u094D\u0926\u0940", false},
-        {gxtest::kNotoDevanagari, 0, u"\u0915\u094D\u0937\u0924\u094D\u0930\u093F\u092F", false},
-        {gxtest::kNotoThai, 0, u"\u0E2A\u0E27\u0E31\u0E2A\u0E14\u0E35\u0E04\u0E23\u0E31\u0E1A",
-         false},
-        {gxtest::kNotoHebrew, 0, u"\u05E9\u05C1\u05B8\u05DC\u05D5\u05B9\u05DD", true},
-        {gxtest::kNotoCjk, 0, u"\u304B\u305F\u304B\u306A", false},
-        {gxtest::kNotoCjk, 1, u"\uD55C\uAD6D\uC5B4", false},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(testing::Message() << c.font << " face " << c.face);
-        setFont(c.font, c.face);
-        const Layout layout = layOut(c.text);
-        const ShapedText expected = Reference(c.font, 40, c.face).shape(c.text, c.rtl);
-        expectSame(layout, expected);
-        for (const uint32_t id : glyphs(layout)) EXPECT_NE(id, 0u);
-        float sum = 0;
-        for (const float advance : layout.getAdvances()) sum += advance;
-        EXPECT_NEAR(sum, layout.getAdvance(), kStep);
-        EXPECT_EQ(layout.getAdvances().size(), c.text.size());
-    }
-}
-
 TEST_F(LayoutTest, AdvancesStandAtTheFirstUnitOfEachCluster) {
     setFont(gxtest::kNotoDevanagari);
     const std::u16string text = u"\u0915\u093F\u0916\u0917";  // the sign I goes before its letter

@@ -4,7 +4,6 @@
 
 #include <cmath>
 #include <limits>
-#include <string>
 #include <vector>
 
 #include "FreeTypeReference.h"
@@ -17,8 +16,8 @@ namespace {
 
 constexpr float kInf = std::numeric_limits<float>::infinity();
 constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
-constexpr FT_Int32 kAlways = FT_LOAD_IGNORE_GLOBAL_ADVANCE_WIDTH | FT_LOAD_COLOR;
-constexpr FT_Int32 kPlain = kAlways | FT_LOAD_NO_AUTOHINT | FT_LOAD_NO_BITMAP;
+constexpr FT_Int32 kPlain =
+    FT_LOAD_IGNORE_GLOBAL_ADVANCE_WIDTH | FT_LOAD_COLOR | FT_LOAD_NO_AUTOHINT | FT_LOAD_NO_BITMAP;
 
 float widthOf(const SkFont& font, SkGlyphID glyph) {
     float width = -1;
@@ -36,61 +35,6 @@ SkRect toRect(const SkIRect& r, float scale = 1) {
     return SkRect::MakeLTRB(r.fLeft * scale, r.fTop * scale, r.fRight * scale, r.fBottom * scale);
 }
 
-struct SettingCase {
-    const char* name;
-    void (*apply)(SkFont&);
-    FT_Int32 flags;
-    bool linear;
-};
-
-// The same flags, and the same field read, as the device.
-const SettingCase kSettings[] = {
-    {"default", [](SkFont&) {}, kPlain | FT_LOAD_TARGET_NORMAL, false},
-    {"full", [](SkFont& f) { f.setHinting(SkFontHinting::kFull); }, kPlain | FT_LOAD_TARGET_NORMAL,
-     false},
-    {"slight", [](SkFont& f) { f.setHinting(SkFontHinting::kSlight); },
-     kPlain | FT_LOAD_TARGET_LIGHT, true},
-    {"unhinted", [](SkFont& f) { f.setHinting(SkFontHinting::kNone); }, kPlain | FT_LOAD_NO_HINTING,
-     true},
-    {"subpixel", [](SkFont& f) { f.setSubpixel(true); }, kPlain | FT_LOAD_TARGET_NORMAL, true},
-    {"alias", [](SkFont& f) { f.setEdging(SkFont::Edging::kAlias); }, kPlain | FT_LOAD_TARGET_MONO,
-     false},
-    {"alias unhinted",
-     [](SkFont& f) {
-         f.setEdging(SkFont::Edging::kAlias);
-         f.setHinting(SkFontHinting::kNone);
-     },
-     kPlain | FT_LOAD_NO_HINTING, true},
-    {"autohint", [](SkFont& f) { f.setForceAutoHinting(true); },
-     kAlways | FT_LOAD_NO_BITMAP | FT_LOAD_FORCE_AUTOHINT, false},
-};
-
-TEST(SkFontTest, AdvancesAndBoxesAreFreeTypes) {
-    for (const char* file : {kDejaVuSans, kNotoSans, kNotoDevanagari}) {
-        FreeTypeReference reference(fontBytes(file));
-        const sk_sp<SkTypeface> typeface = loadTypeface(file);
-        for (const SettingCase& setting : kSettings) {
-            for (const float size : {9.0f, 16.0f, 42.7f, 256.0f}) {
-                SCOPED_TRACE(std::string(file) + " " + setting.name + " " + std::to_string(size));
-                SkFont font(typeface, size);
-                setting.apply(font);
-                const auto fixedSize = to26Dot6(size);
-                for (const SkGlyphID glyph : {3, 17, 36, 68, 72, 120, 200}) {
-                    GlyphRequest request{fixedSize, fixedSize, setting.flags};
-                    const ReferenceGlyph expected = reference.take(glyph, request);
-                    EXPECT_EQ(widthOf(font, glyph),
-                              setting.linear ? expected.linearAdvance : expected.advance)
-                        << glyph;
-                    const bool blank = expected.box.isEmpty();
-                    EXPECT_EQ(boundsOf(font, glyph),
-                              blank ? SkRect::MakeEmpty() : toRect(expected.box))
-                        << glyph;
-                }
-            }
-        }
-    }
-}
-
 TEST(SkFontTest, StretchIsPartOfTheSize) {
     FreeTypeReference reference(fontBytes(kDejaVuSans));
     const SkGlyphID glyph = reference.glyph('m');
@@ -103,17 +47,6 @@ TEST(SkFontTest, StretchIsPartOfTheSize) {
     font.setScaleX(-0.7f);
     EXPECT_EQ(widthOf(font, glyph), -expected.advance);
     EXPECT_LT(boundsOf(font, glyph).fLeft, 0);
-}
-
-TEST(SkFontTest, SkewLeansUnhintedOutlines) {
-    FreeTypeReference reference(fontBytes(kDejaVuSans));
-    const SkGlyphID glyph = reference.glyph('l');
-    SkFont font(loadTypeface(kDejaVuSans), 40, 1, -0.25f);
-    GlyphRequest request{to26Dot6(40), to26Dot6(40), kPlain | FT_LOAD_NO_HINTING};
-    request.shear = 0x4000;
-    const ReferenceGlyph expected = reference.take(glyph, request);
-    EXPECT_EQ(widthOf(font, glyph), expected.linearAdvance);
-    EXPECT_EQ(boundsOf(font, glyph), toRect(expected.box));
 }
 
 TEST(SkFontTest, FakeBoldGrowsRightAndUpByA34thOfTheSize) {

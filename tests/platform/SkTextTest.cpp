@@ -58,45 +58,6 @@ protected:
     SkGlyphID g = reference.glyph('g');
 };
 
-TEST_F(SkTextTest, CoverageIsFreeTypesThroughTheCurve) {
-    for (const float size : {8.0f, 17.3f, 40.0f}) {
-        const ReferenceGlyph expected = reference.take(g, plainRequest(size));
-        expectGlyph(drawn(SkFont(typeface, size), g, 10, 40), expected, 10, 40, blackTextGamma);
-    }
-    GlyphRequest request = plainRequest(40);
-    request.strength = to26Dot6(40) / 34;
-    SkFont font(typeface, 40);
-    font.setEmbolden(true);
-    expectGlyph(drawn(font, g, 10, 40), reference.take(g, request), 10, 40, blackTextGamma);
-
-    request = plainRequest(40);
-    request.flags |= FT_LOAD_NO_HINTING;
-    request.shear = 0x4000;
-    font = SkFont(typeface, 40, 1, -0.25f);
-    expectGlyph(drawn(font, g, 10, 40), reference.take(g, request), 10, 40, blackTextGamma);
-}
-
-TEST_F(SkTextTest, AliasedPixelsAreAllOrNothing) {
-    GlyphRequest request = plainRequest(31);
-    request.flags |= FT_LOAD_TARGET_MONO;
-    request.mono = true;
-    SkFont font(typeface, 31);
-    font.setEdging(SkFont::Edging::kAlias);
-    expectGlyph(drawn(font, g, 10, 40), reference.take(g, request), 10, 40, unchanged);
-}
-
-TEST_F(SkTextTest, OtherHintingsUseTheirFlags) {
-    SkFont font(typeface, 23);
-    font.setHinting(SkFontHinting::kNone);
-    GlyphRequest request = plainRequest(23);
-    request.flags |= FT_LOAD_NO_HINTING;
-    expectGlyph(drawn(font, g, 10, 40), reference.take(g, request), 10, 40, blackTextGamma);
-    font.setHinting(SkFontHinting::kNormal);
-    font.setForceAutoHinting(true);
-    request.flags = FT_LOAD_IGNORE_GLOBAL_ADVANCE_WIDTH | FT_LOAD_FORCE_AUTOHINT;
-    expectGlyph(drawn(font, g, 10, 40), reference.take(g, request), 10, 40, blackTextGamma);
-}
-
 TEST_F(SkTextTest, WholePixelPositionsRoundTheSumHalvesUp) {
     const ReferenceGlyph expected = reference.take(g, plainRequest(20));
     const struct {
