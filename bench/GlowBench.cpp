@@ -1,12 +1,17 @@
-// Rows of the glow's growth.
+// Rows of the glow's growth and of its colours.
+#include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <memory>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "Bench.h"
 #include "Planes.h"
 #include "raster/kernels/Growth.h"
+#include "raster/kernels/PlainBlendRows.h"
+#include "raster/kernels/SeparableBlur.h"
 
 #ifdef GXBENCH_OPENCV
 #include <opencv2/imgproc.hpp>
@@ -79,6 +84,57 @@ void addGrowthRow(const std::string& content, Mask (*mask)(), int passes, double
             }});
 }
 
+// The text as a glow of 10 pixels has it: grown, and blurred towards a hundredth.
+Mask glowCoverage() {
+    Mask mask = textMask(), blurred(mask.size());
+    constexpr int kRadius = 9;
+    int32_t taps[kRadius + 1];
+    BlurWeights weights{taps, kRadius, 0};
+    for (int i = 0; i <= kRadius; ++i) {
+        taps[i] = static_cast<int32_t>(128 * std::pow(100, -i * i / double{kRadius * kRadius}));
+        weights.sum += (i ? 2 : 1) * taps[i];
+    }
+    std::vector<uint8_t> scratch(static_cast<size_t>(
+        std::max(growthScratchBytes(kWidth), blurScratchBytes(kWidth, kHeight, kRadius))));
+    growMask(mask.data(), kWidth, kHeight, 5, scratch.data());
+    blurPlane(mask.data(), blurred.data(), kWidth, kHeight, weights, BlurInput::kDirect,
+              scratch.data());
+    return blurred;
+}
+
+// The coverage in colours, beneath a layer.
+void addColorRow(const std::string& content, Mask (*coverage)(), Layer (*layer)(), double target) {
+    struct Scene {
+        Mask coverage;
+        Layer before, layer;
+        std::vector<uint32_t> table;
+    };
+    addRow({"colour map, " + content, "", {target, 0}, kPixels, [=] {
+                const auto scene = std::make_shared<Scene>();
+                scene->coverage = coverage();
+                scene->before = scene->layer = layer();
+                for (uint32_t i = 0; i <= 256; ++i) {
+                    scene->table.push_back((256 - i) * 255 / 256 << 24 | i / 2 << 16 | 0x40FF);
+                }
+                const auto run = [=](const auto& map) {
+                    const BlendArea area{reinterpret_cast<uint8_t*>(scene->layer.data()),
+                                         kWidth * 4,
+                                         scene->coverage.data(),
+                                         kWidth,
+                                         kWidth,
+                                         kHeight};
+                    return [=] { map(area, scene->table.data()); };
+                };
+                return Contenders{[=] {
+                                      std::memcpy(scene->layer.data(), scene->before.data(),
+                                                  kPixels * sizeof(uint32_t));
+                                  },
+                                  run(dstOverMapped8Rows),
+                                  run(plain::dstOverMapped8Rows),
+                                  {}};
+            }});
+}
+
 }  // namespace
 
 void addGlowRows() {
@@ -91,6 +147,15 @@ void addGlowRows() {
     addGrowthRow(
         "full", [] { return filledMask(255); }, 5, 0);
     addGrowthRow("noise", noiseMask, 5, 0);
+    addColorRow(
+        "glow on clear", glowCoverage, [] { return filledLayer(0); }, 8);
+    addColorRow("glow on random", glowCoverage, randomLayer, 8);
+    addColorRow(
+        "empty", [] { return filledMask(0); }, randomLayer, 0);
+    addColorRow(
+        "full", [] { return filledMask(255); }, randomLayer, 0);
+    addColorRow("noise", noiseMask, randomLayer, 0);
+    addColorRow("patches", patchyMask, randomLayer, 0);
 }
 
 }  // namespace gxbench

@@ -2,59 +2,18 @@
 
 #include <android/log.h>
 
-#include <algorithm>
 #include <bit>
 
-#include "raster/kernels/BlendRows.h"
+#include "raster/BlendCut.h"
 
 namespace GxFontEffect {
 
-using kernels::BlendArea;
 using kernels::fromWord;
 using kernels::SourceOrder;
 
 namespace {
 
 constexpr const char* kTag = "Blender";
-
-// A source placed at (x, y) and cut to the destination. Strides are in bytes. 64 bits: the bitmap's
-// extents are unsigned and x + width may pass the int range. No area, of no pixels, when nothing
-// is to be drawn.
-BlendArea cut(int64_t x, int64_t y, const GxBitmap* destination, const void* source, int64_t width,
-              int64_t height, int64_t stride, int64_t sourceBytes) {
-    if (!destination || !source || !destination->data) return {};
-    const int64_t left = std::max<int64_t>(x, 0);
-    const int64_t right = std::min<int64_t>(x + width, destination->width);
-    const int64_t top = std::max<int64_t>(y, 0);
-    const int64_t bottom = std::min<int64_t>(y + height, destination->height);
-    if (left >= right || top >= bottom) return {};
-
-    const int64_t pixelBytes = destination->bytesPerPixel == 4 ? 4 : 1;
-    const int64_t rowBytes = destination->width * pixelBytes;
-    BlendArea area;
-    area.destination = destination->data + top * rowBytes + left * pixelBytes;
-    area.destinationStride = rowBytes;
-    area.source =
-        static_cast<const uint8_t*>(source) + (top - y) * stride + (left - x) * sourceBytes;
-    area.sourceStride = stride;
-    area.width = static_cast<size_t>(right - left);
-    area.height = static_cast<size_t>(bottom - top);
-    return area;
-}
-
-bool isLayer(const GxBitmap* bitmap) {
-    return bitmap && bitmap->bytesPerPixel == 4;
-}
-
-BlendArea cutMaskOntoLayer(int x, int y, const GxBitmap* layer, const uint8_t* mask, int64_t width,
-                           int64_t height, int64_t stride) {
-    return isLayer(layer) ? cut(x, y, layer, mask, width, height, stride, 1) : BlendArea();
-}
-
-BlendArea cut32OntoLayer(int x, int y, const GxBitmap* layer, const void* source, int64_t width,
-                         int64_t height, int64_t stride) {
-    return isLayer(layer) ? cut(x, y, layer, source, width, height, stride, 4) : BlendArea();
-}
 
 // Words 0xAARRGGBB lie in memory as blue, green, red, alpha.
 static_assert(std::endian::native == std::endian::little);
@@ -155,7 +114,7 @@ void drawMask(int x, int y, const GxBitmap* destination, const uint8_t* mask, in
         kernels::overwrite8Rows(cutMaskOntoLayer(x, y, destination, mask, width, height, width),
                                 fromWord(color));
     } else if (destination && destination->bytesPerPixel != 0) {
-        kernels::max8Rows(cut(x, y, destination, mask, width, height, width, 1));
+        kernels::max8Rows(cutToBitmap(x, y, destination, mask, width, height, width, 1));
     }
 }
 

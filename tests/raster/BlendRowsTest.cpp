@@ -42,12 +42,26 @@ Operation blending32(const char* name, SourceOrder order) {
             [=](const BlendArea& area, Rgba) { kPlain(area, order); }};
 }
 
+// The table that colours are mapped through.
+const uint32_t* someTable() {
+    static const std::vector<uint32_t> table = [] {
+        Random random(23);
+        std::vector<uint32_t> colors(257);
+        for (uint32_t& color : colors) color = random.word() & (random.oneIn(4) ? 0xFFFFFF : ~0u);
+        return colors;
+    }();
+    return table.data();
+}
+
 std::vector<Operation> operations() {
     return {
         tinting<srcOver8Rows, plain::srcOver8Rows>("source over"),
         tinting<dstOver8Rows, plain::dstOver8Rows>("destination over"),
         tinting<dstOverNsa8Rows, plain::dstOverNsa8Rows>("destination over, on or off"),
         tinting<dstOverSa8Rows, plain::dstOverSa8Rows>("other"),
+        {"colours by coverage", 4, 1,
+         [](const BlendArea& area, Rgba) { dstOverMapped8Rows(area, someTable()); },
+         [](const BlendArea& area, Rgba) { plain::dstOverMapped8Rows(area, someTable()); }},
         tinting<overwrite8Rows, plain::overwrite8Rows>("overwrite"),
         {"maximum", 1, 1, [](const BlendArea& area, Rgba) { max8Rows(area); },
          [](const BlendArea& area, Rgba) { plain::max8Rows(area); }},

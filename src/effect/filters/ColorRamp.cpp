@@ -9,7 +9,7 @@ namespace GxFontEffect {
 
 namespace {
 
-constexpr int kLast = kernels::kColorTableSize - 1;
+constexpr int kLast = kRampSize - 1;
 constexpr float kStep = 0.00390625f;  // 1 / 256
 
 float curved(float t, int curve) {
@@ -37,7 +37,7 @@ void fillColorRamp(uint32_t* table, const GxGradient* stops, int stopCount, floa
                    int curve) {
     if (!table || !stops || stopCount < 1) return;
     if (stopCount == 1) {
-        std::fill_n(table, kernels::kColorTableSize, stops[0].color);
+        std::fill_n(table, kRampSize, stops[0].color);
         return;
     }
     table[0] = stops[0].color;

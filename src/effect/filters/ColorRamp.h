@@ -9,7 +9,6 @@
 
 #include "effect/GxECore.h"
 #include "effect/GxProperty.h"
-#include "raster/kernels/ColorMap.h"
 
 namespace GxFontEffect {
 
@@ -19,6 +18,9 @@ enum GxRampCurve : int {
     GXE_CURVE_ROOT = 1,    // u = square root of t
     GXE_CURVE_SQUARE = 2,  // u = t^2
 };
+
+// Entries of a ramp's table, 0 to 256.
+inline constexpr int kRampSize = 257;
 
 // Fills the 257 entries of `table` with straight colours: entry 0 is the first stop's, entry 256
 // the last one's, entry i between them the ramp at u(i / 256). `firstPosition` stands in for the

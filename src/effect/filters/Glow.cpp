@@ -6,8 +6,8 @@
 #include "effect/filters/Shadow.h"
 #include "effect/filters/TextMask.h"
 #include "effect/filters/WorkPlane.h"
-#include "raster/GxBlender.h"
-#include "raster/kernels/ColorMap.h"
+#include "raster/BlendCut.h"
+#include "raster/kernels/BlendRows.h"
 #include "raster/kernels/Growth.h"
 
 namespace GxFontEffect {
@@ -19,7 +19,7 @@ constexpr int kCentreWeight = 128;
 constexpr double kGrowthShare = 0.4750000089406967;
 constexpr float kBlurShare = 0.9f;
 constexpr uint32_t kWhite = 0xFFFFFFFFu;
-constexpr int kLast = kernels::kColorTableSize - 1;
+constexpr int kLast = kRampSize - 1;
 // The coverage from which the alpha falls, as a share of the table.
 constexpr float kSpread = 0.3f;
 
@@ -49,16 +49,12 @@ struct Planes {
           scratch(std::max(
               kernels::growthScratchBytes(geometry.width),
               kernels::blurScratchBytes(geometry.width, geometry.height, geometry.radius))),
-          pixels(geometry.width),
           taps(geometry.radius) {}
-    explicit operator bool() const {
-        return mask && blurred && scratch && pixels && static_cast<bool>(taps);
-    }
+    explicit operator bool() const { return mask && blurred && scratch && static_cast<bool>(taps); }
 
     WorkPlane<uint8_t> mask;
     WorkPlane<uint8_t> blurred;
     WorkPlane<uint8_t> scratch;  // for the growth, then for the blur
-    WorkPlane<uint32_t> pixels;  // one row of the result
     BlurTaps taps;
 };
 
@@ -70,22 +66,24 @@ void invert(const WorkPlane<uint8_t>& plane) {
 }
 
 // Lays the blurred coverage, in the colours of `table`, beneath what the layer holds. The inner
-// glow's cells that the blur did not reach are opaque white.
+// glow's cells that the blur did not reach, which hold 255, are opaque white.
 void paint(const TextMask& text, const Geometry& geometry, const Planes& planes,
            const uint32_t* table, GlowSide side, const GxBitmap* layer) {
-    uint32_t* pixels = planes.pixels.data();
-    const int64_t width = geometry.width;
-    const int64_t frame = side == GlowSide::kInner ? geometry.radius : 0;
-    for (int64_t y = 0; y < geometry.height; ++y) {
-        if (y < frame || y >= geometry.height - frame) {
-            std::fill_n(pixels, width, kWhite);
-        } else {
-            kernels::mapCoverage(planes.blurred.row(y), pixels, width, table);
-            std::fill_n(pixels, frame, kWhite);
-            std::fill_n(pixels + width - frame, frame, kWhite);
-        }
-        drawPixels(text.left - geometry.padding, text.top - geometry.padding + y, layer, pixels,
-                   width, 1, width, GXE_BLEND_DST_OVER);
+    const int64_t frame = geometry.radius;
+    const int64_t right = geometry.width - frame;
+    const int64_t bottom = geometry.height - frame;
+    const auto part = [&](int64_t x0, int64_t y0, int64_t x1, int64_t y1) {
+        return cutMaskOntoLayer(text.left - geometry.padding + x0, text.top - geometry.padding + y0,
+                                layer, planes.blurred.row(y0) + x0, x1 - x0, y1 - y0,
+                                geometry.width);
+    };
+    kernels::dstOverMapped8Rows(part(frame, frame, right, bottom), table);
+    if (side == GlowSide::kOuter) return;
+    for (const kernels::BlendArea& area :
+         {part(0, 0, geometry.width, frame), part(0, frame, frame, bottom),
+          part(right, frame, geometry.width, bottom),
+          part(0, bottom, geometry.width, geometry.height)}) {
+        kernels::dstOver8Rows(area, kernels::fromWord(kWhite));
     }
 }
 
@@ -98,7 +96,7 @@ void computeGlowWeights(int* weights, int* sum, int radius) {
 void makeGlowTable(const GxOuterGlowProperty* record, uint32_t* table, float spread, int curve) {
     if (!table) return;
     const bool invisible = !record || record->size == 0.0f;
-    std::fill_n(table, kernels::kColorTableSize, invisible ? 0u : record->color);
+    std::fill_n(table, kRampSize, invisible ? 0u : record->color);
     if (invisible) return;
     fillColorRamp(table, record->stops, record->stopCount, 0.0f, curve);
 
@@ -133,7 +131,7 @@ void renderGlow(const GxECore::ParamPostProcessing* param, const GxOuterGlowProp
     if (geometry.reach < 1) return;
     const Planes planes(geometry);
     if (!planes) return;
-    std::array<uint32_t, kernels::kColorTableSize> table;
+    std::array<uint32_t, kRampSize> table;
     makeGlowTable(record, table.data(), kSpread, GXE_CURVE_LINEAR);
 
     // 1. The mask.

@@ -25,6 +25,13 @@ constexpr uint32_t scale(uint32_t c, uint32_t k) {
     return ((c + 1) * k) >> 8;
 }
 
+// A word 0xAARRGGBB with its colour channels scaled by its alpha.
+constexpr uint32_t premultiplied(uint32_t argb) {
+    const uint32_t a = argb >> 24;
+    return a << 24 | scale((argb >> 16) & 0xFFu, a) << 16 | scale((argb >> 8) & 0xFFu, a) << 8 |
+           scale(argb & 0xFFu, a);
+}
+
 constexpr uint8_t clamp255(uint32_t v) {
     return static_cast<uint8_t>(v < 255 ? v : 255);
 }

@@ -1,5 +1,7 @@
 #include "raster/kernels/BlendRows.h"
 
+#include <bit>
+
 #include "raster/kernels/PlainBlendRows.h"
 #include "raster/kernels/Simd.h"
 
@@ -20,6 +22,7 @@ namespace GxFontEffect::kernels::HWY_NAMESPACE {
 
 using plain::dstOver32Rows;
 using plain::dstOver8Rows;
+using plain::dstOverMapped8Rows;
 using plain::dstOverNsa8Rows;
 using plain::dstOverSa8Rows;
 using plain::max8Rows;
@@ -29,15 +32,6 @@ using plain::srcOver8Rows;
 using plain::swapRedBlueRow;
 
 #else
-
-// `d` with `s`, already scaled by its coverage, put under it. `emptySource` is all ones where `s`
-// has no coverage. Where the destination is transparent and the source is not, the old colour bytes
-// go.
-HWY_INLINE V8 dstOver(V8 d, Channels s, V16 emptySource) {
-    const V16 taken = hn::Or(alphaFactor(d), emptySource);
-    // The inverse of all ones is 0x00FF, which scales every channel to 0.
-    return hn::SaturatedAdd(clearWhere(isZero(taken), d), join(scale(s, inverse(taken))));
-}
 
 template <bool kOpaque>
 struct SrcOver8 {
@@ -66,12 +60,41 @@ template <bool kOnOff>  // any coverage counts as full
 struct DstOver8 {
     Tint tint;
 
-    HWY_INLINE V8 weights(V8 mask) const {
-        return kOnOff ? hn::VecFromMask(d8, hn::Ne(mask, hn::Zero(d8))) : mask;
-    }
+    HWY_INLINE V8 weights(V8 mask) const { return kOnOff ? onOrOff(mask) : mask; }
     HWY_INLINE V8 operator()(V8 d, V16 factor) const {
         return dstOver(d, tint.scaled(factor), isZero(factor));
     }
+};
+
+// Pixels by coverage. Those without coverage are transparent.
+class ColorsByCoverage {
+public:
+    explicit ColorsByCoverage(const uint32_t* table) {
+        for (uint32_t m = 1; m < 256; ++m) {
+            words[m] = std::bit_cast<uint32_t>(fromWord(premultiplied(table[256 - m])));
+        }
+    }
+    HWY_INLINE V8 operator[](V32 coverage) const {
+        const hn::RebindToSigned<decltype(d32)> dIndex;
+        return hn::BitCast(d8, hn::GatherIndex(d32, words, hn::BitCast(dIndex, coverage)));
+    }
+
+private:
+    alignas(64) uint32_t words[256] = {};
+};
+
+struct DstOverMapped8 {
+    const ColorsByCoverage& colors;
+    V8 fullColor;
+
+    explicit HWY_INLINE DstOverMapped8(const ColorsByCoverage& colorsByCoverage)
+        : colors(colorsByCoverage), fullColor(colors[hn::Set(d32, 255)]) {}
+
+    HWY_INLINE V8 weights(V8 mask) const { return mask; }
+    HWY_INLINE V8 operator()(V8 d, V16 factor) const {
+        return dstOver(d, colors[hn::ShiftRight<24>(hn::BitCast(d32, factor))]);
+    }
+    HWY_INLINE V8 onto(V8 d) const { return dstOver(d, fullColor); }
 };
 
 // Onto what is there, weakened by the mask: (d + under + 1) x m >> 8, at most 255. The formula's
@@ -204,6 +227,11 @@ void dstOverSa8Rows(const BlendArea& area, Rgba color) {
     blendRows(area, DstOverSa8{Tint(color)});
 }
 
+void dstOverMapped8Rows(const BlendArea& area, const uint32_t* table) {
+    const ColorsByCoverage colors(table);
+    blendRows(area, DstOverMapped8(colors));
+}
+
 void overwrite8Rows(const BlendArea& area, Rgba color) {
     const V16 alphaPlusOne = hn::Set(d16, static_cast<uint16_t>(color.a + 1));
     color.a = 0;
@@ -250,6 +278,7 @@ HWY_EXPORT(srcOver8Rows);
 HWY_EXPORT(dstOver8Rows);
 HWY_EXPORT(dstOverNsa8Rows);
 HWY_EXPORT(dstOverSa8Rows);
+HWY_EXPORT(dstOverMapped8Rows);
 HWY_EXPORT(overwrite8Rows);
 HWY_EXPORT(max8Rows);
 HWY_EXPORT(srcOver32Rows);
@@ -267,6 +296,9 @@ void dstOverNsa8Rows(const BlendArea& area, Rgba color) {
 }
 void dstOverSa8Rows(const BlendArea& area, Rgba color) {
     HWY_DYNAMIC_DISPATCH(dstOverSa8Rows)(area, color);
+}
+void dstOverMapped8Rows(const BlendArea& area, const uint32_t* table) {
+    HWY_DYNAMIC_DISPATCH(dstOverMapped8Rows)(area, table);
 }
 void overwrite8Rows(const BlendArea& area, Rgba color) {
     HWY_DYNAMIC_DISPATCH(overwrite8Rows)(area, color);

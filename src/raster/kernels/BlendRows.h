@@ -42,6 +42,11 @@ void dstOverNsa8Rows(const BlendArea& area, Rgba color);
 void dstOverSa8Rows(const BlendArea& area, Rgba color);
 void overwrite8Rows(const BlendArea& area, Rgba color);
 
+// 8-bit mask in colours by coverage, destination over source: where the mask is not 0, the straight
+// colour 0xAARRGGBB table[256 - mask] is premultiplied and put under the pixel. Entries 1 to 255
+// are read.
+void dstOverMapped8Rows(const BlendArea& area, const uint32_t* table);
+
 // 8-bit mask onto an 8-bit mask: the larger of the two.
 void max8Rows(const BlendArea& area);
 

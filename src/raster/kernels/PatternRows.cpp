@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "raster/GxMath.h"
-#include "raster/kernels/ColorMap.h"
+#include "raster/kernels/BlendPixel.h"
 
 namespace GxFontEffect::kernels {
 

@@ -29,6 +29,8 @@ inline constexpr hn::ScalableTag<uint32_t> d32;
 using V8 = hn::Vec<decltype(d8)>;
 using V16 = hn::Vec<decltype(d16)>;
 using V32 = hn::Vec<decltype(d32)>;
+inline constexpr hn::RebindToFloat<decltype(d32)> dNumber;
+using Numbers = hn::Vec<decltype(dNumber)>;
 
 inline constexpr size_t kBlockPixels = hn::MaxLanes(d8);
 inline constexpr size_t kVectorPixels = kBlockPixels / 4;
@@ -39,6 +41,11 @@ static_assert(kVectorPixels == 4 || kVectorPixels == 8);
 
 HWY_INLINE V8 loadPixels(const Rgba* p) {
     return hn::LoadU(d8, reinterpret_cast<const uint8_t*>(p));
+}
+
+// A number for each pixel.
+HWY_INLINE Numbers loadPixels(const float* p) {
+    return hn::LoadU(dNumber, p);
 }
 
 HWY_INLINE void storePixels(V8 v, Rgba* p) {
@@ -179,6 +186,31 @@ HWY_INLINE V16 maskFactor(const uint8_t* mask) {
     return lanes16(kSpread(hn::BitCast(d8, hn::PromoteTo(d32, hn::LoadU(dMask, mask)))));
 }
 
+// --- destination over source
+// -------------------------------------------------------------------------------
+
+// `d` with `s`, already scaled by its coverage, put under it. `emptySource` is all ones where `s`
+// has no coverage. Where the destination is transparent and the source is not, the old colour bytes
+// go.
+HWY_INLINE V8 dstOver(V8 d, Channels s, V16 emptySource) {
+    const V16 taken = hn::Or(alphaFactor(d), emptySource);
+    // The inverse of all ones is 0x00FF, which scales every channel to 0.
+    return hn::SaturatedAdd(clearWhere(isZero(taken), d), join(scale(s, inverse(taken))));
+}
+
+// The same for pixels `s` that a mask switches on or off: factors of 255 or 0.
+HWY_INLINE V8 dstOver(V8 d, V8 s, V16 factor) {
+    return dstOver(d, split(s), isZero(hn::And(alphaFactor(s), factor)));
+}
+HWY_INLINE V8 dstOver(V8 d, V8 s) {
+    return dstOver(d, split(s), isZero(alphaFactor(s)));
+}
+
+// Weights of a mask that switches on or off.
+HWY_INLINE V8 onOrOff(V8 mask) {
+    return hn::VecFromMask(d8, hn::Ne(mask, hn::Zero(d8)));
+}
+
 // --- loops
 // --------------------------------------------------------------------------------------------------
 
@@ -219,6 +251,7 @@ HWY_INLINE void forEachBlock(size_t count, const Block& block, Out* out, const I
 //   weights(mask)            a vector of mask bytes as they count: 0 leaves a pixel as it is
 //   operator()(d, factor, in...)   pixels from pixels, their weights as factors, and further planes
 //   full(in...)              optional: the same where all weights are 255
+//   onto(d, in...)           the same where pixels matter even then
 
 // Sets of the vectors of pixels in a stretch of mask, one bit each.
 struct SortedVectors {
@@ -272,8 +305,11 @@ HWY_INLINE SortedVectors sortStretch(const Operation& operation, const uint8_t* 
 template <class Operation, typename... In>
 HWY_INLINE void blendStretch(size_t count, const Operation& operation, Rgba* out,
                              const uint8_t* mask, const In*... in) {
-    constexpr bool kHasFull = requires {
+    constexpr bool kReplaces = requires {
         operation.full(loadPixels(in)...);
+    };
+    constexpr bool kHasFull = kReplaces || requires {
+        operation.onto(loadPixels(out), loadPixels(in)...);
     };
     alignas(64) uint8_t weights[kStretchPixels];
     const SortedVectors sorted = sortStretch(operation, mask, count, weights);
@@ -303,7 +339,11 @@ HWY_INLINE void blendStretch(size_t count, const Operation& operation, Rgba* out
     }
     if constexpr (kHasFull) {
         const auto replace = [&](size_t x) HWY_ATTR {
-            storePixels(operation.full(loadPixels(in + x)...), out + x);
+            if constexpr (kReplaces) {
+                storePixels(operation.full(loadPixels(in + x)...), out + x);
+            } else {
+                storePixels(operation.onto(loadPixels(out + x), loadPixels(in + x)...), out + x);
+            }
         };
         uint64_t fours = full & full >> 1;
         fours &= fours >> 2 & 0x1111111111111111u;

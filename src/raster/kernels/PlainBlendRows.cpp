@@ -59,6 +59,12 @@ void dstOverSa8Rows(const BlendArea& area, Rgba color) {
     forEachPixel<Rgba, uint8_t>(area, [=](Rgba d, uint8_t m) { return dstOverSa8(d, m, color); });
 }
 
+void dstOverMapped8Rows(const BlendArea& area, const uint32_t* table) {
+    forEachPixel<Rgba, uint8_t>(area, [=](Rgba d, uint8_t m) {
+        return m == 0 ? d : dstOver32(d, fromWord(premultiplied(table[256 - m])));
+    });
+}
+
 void overwrite8Rows(const BlendArea& area, Rgba color) {
     forEachPixel<Rgba, uint8_t>(area, [=](Rgba, uint8_t m) { return overwrite8(m, color); });
 }

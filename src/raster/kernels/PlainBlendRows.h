@@ -10,6 +10,7 @@ void srcOver8Rows(const BlendArea& area, Rgba color);
 void dstOver8Rows(const BlendArea& area, Rgba color);
 void dstOverNsa8Rows(const BlendArea& area, Rgba color);
 void dstOverSa8Rows(const BlendArea& area, Rgba color);
+void dstOverMapped8Rows(const BlendArea& area, const uint32_t* table);
 void overwrite8Rows(const BlendArea& area, Rgba color);
 void max8Rows(const BlendArea& area);
 void srcOver32Rows(const BlendArea& area, SourceOrder order);

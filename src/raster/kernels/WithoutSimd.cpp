@@ -19,6 +19,9 @@ void dstOverNsa8Rows(const BlendArea& area, Rgba color) {
 void dstOverSa8Rows(const BlendArea& area, Rgba color) {
     plain::dstOverSa8Rows(area, color);
 }
+void dstOverMapped8Rows(const BlendArea& area, const uint32_t* table) {
+    plain::dstOverMapped8Rows(area, table);
+}
 void overwrite8Rows(const BlendArea& area, Rgba color) {
     plain::overwrite8Rows(area, color);
 }
