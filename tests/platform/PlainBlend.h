@@ -1,4 +1,4 @@
-// Source over on unpremultiplied pixels, channel by channel in single precision.
+// Blending as it is written down, pixel by pixel.
 #pragma once
 
 #include <array>
@@ -7,9 +7,18 @@
 
 namespace gxtest {
 
+// Text of an alpha over a byte of a mask, by its coverage: what is there moves towards 255.
+inline uint8_t overMask(uint8_t dest, uint8_t coverage, int alpha) {
+    const auto div255 = [](int v) { return (v + 127) / 255; };
+    if (alpha == 255) return static_cast<uint8_t>(div255(dest * (255 - coverage) + 255 * coverage));
+    const int source = div255(alpha * coverage);
+    return static_cast<uint8_t>(source + div255(dest * (255 - source)));
+}
+
+// Unpremultiplied.
 using Pixel = std::array<uint8_t, 4>;
 
-// Before the one rounding: 0 to 255.
+// Source over, channel by channel in single precision, before the one rounding: 0 to 255.
 inline std::array<float, 4> sourceOverExactly(const Pixel& source, const Pixel& dest) {
     constexpr float kUnit = 1 / 255.0f;
     const float sa = source[3] * kUnit;

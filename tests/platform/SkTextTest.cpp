@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "FreeTypeReference.h"
+#include "PlainBlend.h"
 #include "SfntFile.h"
 #include "SkDrawing.h"
 #include "skia/GlyphCache.h"
@@ -98,9 +99,7 @@ TEST_F(SkTextTest, SubpixelPositionsFallIntoQuarters) {
 }
 
 TEST_F(SkTextTest, OverlapsMoveTowardsFullCoverage) {
-    const auto lerp = [](unsigned d, unsigned c) {
-        return static_cast<uint8_t>(std::lround((d * (255.0 - c) + 255.0 * c) / 255));
-    };
+    const auto lerp = [](uint8_t d, uint8_t c) { return overMask(d, c, 255); };
     EXPECT_EQ(lerp(128, 128), 192);
     SkFont font(typeface, 30);
     const MaskCanvas once = drawn(font, g, 10, 30);
@@ -121,8 +120,7 @@ TEST_F(SkTextTest, TranslucentTextGoesOverWhatIsThere) {
     mask.canvas->drawColor(SkColorSetARGB(90, 0, 0, 0), SkBlendMode::kSrc);
     mask.draw(font, {{g, 10, 30}}, SkColorSetARGB(77, 0, 0, 0));
     for (size_t i = 0; i < mask.pixels.size(); ++i) {
-        const double s = std::round(77.0 * opaque.pixels[i] / 255);
-        ASSERT_EQ(mask.pixels[i], s + std::round(90 * (255 - s) / 255));
+        ASSERT_EQ(mask.pixels[i], overMask(90, opaque.pixels[i], 77));
     }
 }
 

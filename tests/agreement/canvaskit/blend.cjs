@@ -2,21 +2,23 @@
 // pixels, source and target. For each job two pictures go to standard output: the source drawn over
 // the target as a bitmap, and the target with a rectangle in each tile of 8 x 8 pixels. The tile's
 // first source pixel is the rectangle's colour, the next two its edges from the tile's corner, as
-// signed sixteenths of a pixel; it is clipped to the tile.
+// signed sixteenths of a pixel; it is clipped to the tile. Then come masks of one byte per pixel, from
+// the first bytes of the first source: letters of the font on a clear mask, and on that source.
 'use strict';
 const SIZE = 256, TILE = 8, BYTES = 4 * SIZE * SIZE;
+const [, , kitPath, fontPath] = process.argv;
 
-require(process.argv[2])().then((kit) => {
+require(kitPath)().then((kit) => {
   const input = require('fs').readFileSync(0);
   const info = {
     width: SIZE, height: SIZE, colorType: kit.ColorType.RGBA_8888,
     alphaType: kit.AlphaType.Unpremul, colorSpace: kit.ColorSpace.SRGB,
   };
 
-  function drawn(target, draw) {
-    const memory = kit.Malloc(Uint8Array, BYTES);
+  function drawn(target, draw, format = info) {
+    const memory = kit.Malloc(Uint8Array, target.length);
     memory.toTypedArray().set(target);
-    const surface = kit.MakeRasterDirectSurface(info, memory, 4 * SIZE);
+    const surface = kit.MakeRasterDirectSurface(format, memory, target.length / SIZE);
     draw(surface.getCanvas());
     surface.flush();
     const pixels = Buffer.from(memory.toTypedArray());
@@ -43,6 +45,24 @@ require(process.argv[2])().then((kit) => {
     paint.delete();
   }
 
+  const maskInfo = {
+    width: SIZE, height: SIZE, colorType: kit.ColorType.Alpha_8,
+    alphaType: kit.AlphaType.Premul, colorSpace: kit.ColorSpace.SRGB,
+  };
+  const bytes = require('fs').readFileSync(fontPath);
+  const font = new kit.Font(kit.Typeface.MakeFreeTypeFaceFromData(bytes.buffer), 40);
+
+  // Letters that do not touch.
+  function drawLetters(canvas) {
+    const paint = new kit.Paint();
+    for (let y = 0; y < SIZE; y += 64) {
+      for (let x = 0; x < SIZE; x += 64) {
+        canvas.drawText('agO8BQ@&%SswxyzR'[y / 16 + x / 64], x + 8, y + 48, paint, font);
+      }
+    }
+    paint.delete();
+  }
+
   const output = [];
   for (let at = 0; at < input.length; at += 2 * BYTES) {
     const source = input.subarray(at, at + BYTES);
@@ -52,5 +72,7 @@ require(process.argv[2])().then((kit) => {
     image.delete();
     output.push(drawn(target, (canvas) => drawRectangles(canvas, source)));
   }
+  output.push(drawn(Buffer.alloc(SIZE * SIZE), drawLetters, maskInfo));
+  output.push(drawn(input.subarray(0, SIZE * SIZE), drawLetters, maskInfo));
   require('fs').writeFileSync(1, Buffer.concat(output));
 });
