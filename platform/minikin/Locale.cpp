@@ -94,15 +94,6 @@ uint32_t packRegion(std::string region) {
     return pack(region);
 }
 
-// Codes that were replaced, and what replaced them.
-std::string currentLanguage(const std::string& language) {
-    if (language == "iw") return "he";
-    if (language == "in") return "id";
-    if (language == "ji") return "yi";
-    if (language == "jw") return "jv";
-    return language;
-}
-
 // Value of the key "em" in a Unicode extension: the emoji presentation asked for.
 EmojiStyle emojiStyleOfExtension(const std::vector<std::string>& subtags, size_t begin) {
     bool inUnicodeExtension = false;
@@ -188,7 +179,7 @@ bool Locale::parse(std::string_view tag) {
     const size_t count = subtags.size();
     if (!std::all_of(subtags.begin(), subtags.end(), isWellFormedSubtag)) return false;
     if (!isLanguage(subtags[0])) return false;
-    const std::string language = currentLanguage(subtags[0]);
+    const std::string language(currentLanguage(subtags[0]));
     mLanguage = pack(language);
 
     size_t next = 1;

@@ -15,7 +15,7 @@
 
 #include "Figure.h"
 #include "minikin/FontFamily.h"
-#include "minikin/LikelyScript.h"
+#include "minikin/Locale.h"
 #include "minikin/SparseBitSet.h"
 #include "minikin/Unicode.h"
 #include "platform/FreeTypeReference.h"
@@ -26,26 +26,37 @@ namespace {
 
 constexpr UChar32 kLastCodePoint = 0x10FFFF;
 
-TEST(UnicodeTest, LikelyScriptsAreIcus) {
-    const std::string letters = "abcdefghijklmnopqrstuvwxyz";
-    Figure figure("likely scripts against ICU, languages and regions");
-    for (const char a : letters) {
-        for (const char b : letters) {
-            for (const std::string region : {"", "TW", "PK", "CN", "IN", "ME", "US"}) {
-                const std::string language{a, b};
-                std::string tag = language;
-                if (!region.empty()) tag.append("_").append(region);
-                char full[ULOC_FULLNAME_CAPACITY];
-                char script[ULOC_SCRIPT_CAPACITY];
-                UErrorCode status = U_ZERO_ERROR;
-                uloc_addLikelySubtags(tag.c_str(), full, sizeof(full), &status);
-                uloc_getScript(full, script, sizeof(script), &status);
-                if (U_FAILURE(status) || script[0] == 0) continue;
-                EXPECT_TRUE(figure.add(minikin::likelyScript(language, region) == script)) << tag;
+// A locale as ICU completes it, cut after the script; empty where it does not know one.
+std::string completedByIcu(const std::string& tag) {
+    char full[ULOC_FULLNAME_CAPACITY], completed[ULOC_FULLNAME_CAPACITY];
+    char script[ULOC_SCRIPT_CAPACITY];
+    UErrorCode status = U_ZERO_ERROR;
+    uloc_addLikelySubtags(tag.c_str(), full, sizeof(full), &status);
+    uloc_toLanguageTag(full, completed, sizeof(completed), false, &status);
+    uloc_getScript(full, script, sizeof(script), &status);
+    if (U_FAILURE(status) || script[0] == 0) return "";
+    const std::string result(completed);
+    return result.substr(0, result.find(script) + 4);
+}
+
+TEST(UnicodeTest, LocalesAreCompletedAsByIcu) {
+    Figure figure("languages and likely scripts against ICU, locales");
+    const auto compare = [&figure](const std::string& language, const std::string& region) {
+        const std::string expected = completedByIcu(language + region);
+        if (expected.empty() || language == "und") return;
+        const std::string completed = minikin::Locale(language + region).toString();
+        EXPECT_TRUE(figure.add(completed == expected + region)) << language << region;
+    };
+    for (char a = 'a'; a <= 'z'; ++a) {
+        for (char b = 'a'; b <= 'z'; ++b) {
+            for (const char* region :
+                 {"", "-TW", "-PK", "-CN", "-IN", "-ME", "-US", "-IR", "-RU"}) {
+                compare({a, b}, region);
             }
+            for (char c = 'a'; c <= 'z'; ++c) compare({a, b, c}, "");
         }
     }
-    EXPECT_GT(figure.compared, 1000u);
+    EXPECT_GT(figure.compared, 2000u);
 }
 
 TEST(UnicodeTest, EmojiModifierBasesAreIcus) {
