@@ -160,6 +160,7 @@ int main(int argc, char** argv) {
     gxbench::addBlendRows();
     gxbench::addBlurRows();
     gxbench::addDilationRows();
+    gxbench::addFillRows();
     gxbench::addGlowRows();
 #ifdef GXBENCH_TEXT
     gxbench::addTextRows();

@@ -39,6 +39,7 @@ void addRow(Row row);
 void addBlendRows();
 void addBlurRows();
 void addDilationRows();
+void addFillRows();
 void addGlowRows();
 #ifdef GXBENCH_TEXT
 void addTextRows();  // need the text libraries

@@ -42,19 +42,16 @@ void GxLinearGradient::doPostProcessing(GxECore::ParamPostProcessing* param) {
     if (!property || !text.isValid()) return;
     if (!(property->scale >= kMinFillScale) || !property->stops || property->stopCount < 1) return;
 
+    const WorkPlane<float> columns(text.lastColumn - text.firstColumn);
+    if (!columns) return;
+
     // 1. Colours.
     const auto table = makeGradientTable(*property);
     // 2. Direction.
-    const auto width = static_cast<float>(text.width);
-    const auto height = static_cast<float>(text.height);
-    const Steps steps = stepsOf(property->angle, property->scale, width, height);
-    // 3. Rows.
-    paintFill(text, param->dst,
-              [&](int64_t y, int64_t first, int64_t count, const uint8_t* mask, uint32_t* out) {
-                  const float rowTerm = steps.y * (static_cast<float>(y) - height * 0.5f);
-                  kernels::linearGradientRow({mask, out, first, count, table.data()}, rowTerm,
-                                             steps.x, width * 0.5f);
-              });
+    const Steps steps = stepsOf(property->angle, property->scale, static_cast<float>(text.width),
+                                static_cast<float>(text.height));
+    // 3. Pixels.
+    kernels::linearGradientRows(gradientFill(text, param->dst, table, columns), steps.x, steps.y);
 }
 
 }  // namespace GxFontEffect

@@ -22,7 +22,7 @@ namespace GxFontEffect {
 // Blend: destination over source. Pixels of the box outside the bitmap are not drawn.
 //
 // Null inputs, a box the wrong way round and a failed allocation leave the layer as it was. Cost:
-// two products and a table entry per covered pixel; work bytes: 4 per column, one row.
+// a sum, a table entry and a blend per covered pixel; work bytes: 4 per column, none per pixel.
 class GXTEXT_API GxLinearGradient : public GxStopsCore<GxLinearGradientProperty> {
 public:
     GxLinearGradient() : GxStopsCore(GXE_STYLE_LINEAR_GRADIENT) {}

@@ -25,6 +25,11 @@ void GxPattern::setProperty(const GxProperty* source) {
     ownPattern = std::move(picture);
 }
 
+// The fill in steps:
+//   1. find the size of the picture's tile;
+//   2. look up every covered pixel between four pixels of the picture and lay the colour beneath
+//      the layer.
+
 void GxPattern::doPostProcessing(GxECore::ParamPostProcessing* param) {
     const TextMask text(param);
     if (!property || !text.isValid() || !(property->scale >= kMinFillScale)) return;
@@ -33,18 +38,29 @@ void GxPattern::doPostProcessing(GxECore::ParamPostProcessing* param) {
         return;
     }
 
-    kernels::PatternTile tile;
-    tile.pixels = picture->data;
-    tile.width = picture->width;
-    tile.height = picture->height;
-    tile.scale = property->scale;
-    tile.opacity = property->opacity;
-    tile.tileWidth = toInt(tile.scale * static_cast<float>(tile.width));
-    tile.tileHeight = toInt(tile.scale * static_cast<float>(tile.height));
-    paintFill(text, param->dst,
-              [&](int64_t y, int64_t first, int64_t count, const uint8_t* mask, uint32_t* out) {
-                  kernels::patternRow(tile, first, y, count, mask, out);
-              });
+    // Work memory.
+    const int64_t width = text.lastColumn - text.firstColumn;
+    const WorkPlane<kernels::Rgba> row(width);
+    const WorkPlane<kernels::PatternColumn> columns(width);
+    const WorkPlane<uint8_t> covered(width + 8);
+    const WorkPlane<float> texels(int64_t{picture->width} + 1, 4);
+    if (!row || !columns || !covered || !texels) return;
+
+    // 1. The tile.
+    kernels::PatternFill fill;
+    fill.tile.pixels = picture->data;
+    fill.tile.width = picture->width;
+    fill.tile.height = picture->height;
+    fill.tile.scale = property->scale;
+    fill.tile.opacity = property->opacity;
+    fill.tile.tileWidth = toInt(property->scale * static_cast<float>(picture->width));
+    fill.tile.tileHeight = toInt(property->scale * static_cast<float>(picture->height));
+    // 2. Pixels.
+    fill.area = fillArea(text, param->dst);
+    fill.firstColumn = text.firstColumn;
+    fill.firstRow = text.firstRow;
+    fill.memory = {row.data(), columns.data(), covered.data(), texels.data()};
+    kernels::patternRows(fill);
 }
 
 }  // namespace GxFontEffect

@@ -15,18 +15,15 @@ void GxRadialGradient::doPostProcessing(GxECore::ParamPostProcessing* param) {
     if (!property || !text.isValid()) return;
     if (!(property->scale >= kMinFillScale) || !property->stops || property->stopCount < 1) return;
 
+    const WorkPlane<float> columns(text.lastColumn - text.firstColumn);
+    if (!columns) return;
+
     // 1. Colours.
     const auto table = makeGradientTable(*property);
-    // 2. Rows: entry 256 lies half a width from the centre.
+    // 2. Pixels: entry 256 lies half a width from the centre.
     const auto width = static_cast<float>(text.width);
-    const auto height = static_cast<float>(text.height);
     const float step = (256.0f / width + 256.0f / width) / property->scale;
-    paintFill(text, param->dst,
-              [&](int64_t y, int64_t first, int64_t count, const uint8_t* mask, uint32_t* out) {
-                  const float dy = static_cast<float>(y) - height * 0.5f;
-                  kernels::radialGradientRow({mask, out, first, count, table.data()}, dy, step,
-                                             width * 0.5f);
-              });
+    kernels::radialGradientRows(gradientFill(text, param->dst, table, columns), step);
 }
 
 }  // namespace GxFontEffect

@@ -22,7 +22,8 @@ namespace GxFontEffect {
 // transparent and change nothing.
 //
 // Null inputs, a box the wrong way round and a failed allocation leave the layer as it was. Cost: a
-// square root and a table entry per covered pixel; work bytes: 4 per column, one row.
+// square root, a table entry and a blend per covered pixel; work bytes: 4 per column, none per
+// pixel.
 class GXTEXT_API GxRadialGradient : public GxStopsCore<GxRadialGradientProperty> {
 public:
     GxRadialGradient() : GxStopsCore(GXE_STYLE_RADIAL_GRADIENT) {}

@@ -61,12 +61,4 @@ void drawTinted(int64_t x, int64_t y, const GxBitmap* layer, const uint8_t* mask
                                  static_cast<int>(stride), color, mode);
 }
 
-void drawPixels(int64_t x, int64_t y, const GxBitmap* layer, const uint32_t* pixels, int64_t width,
-                int64_t height, int64_t stride, int mode) {
-    if (!fitInt({x, y, width, height, stride})) return;
-    GxBlender().drawBitmapBlend32(static_cast<int>(x), static_cast<int>(y), layer, pixels,
-                                  static_cast<int>(width), static_cast<int>(height),
-                                  static_cast<int>(stride), mode);
-}
-
 }  // namespace GxFontEffect

@@ -1,4 +1,4 @@
-// The text's coverage as a filter sees it, and drawing a filter's result.
+// The text's coverage as a filter sees it, and drawing a mask that it made.
 #pragma once
 
 #include <cstdint>
@@ -43,11 +43,8 @@ private:
     const uint8_t* pixels = nullptr;  // cell (0, 0) of the bitmap
 };
 
-// GxBlender's drawing operations at a position of 64 bits; nothing is drawn where 32 do not do.
-// Strides count elements.
+// GxBlender::drawBitmapBlend8 at a position of 64 bits; nothing is drawn where 32 do not do.
 void drawTinted(int64_t x, int64_t y, const GxBitmap* layer, const uint8_t* mask, int64_t width,
                 int64_t height, int64_t stride, uint32_t color, int mode);
-void drawPixels(int64_t x, int64_t y, const GxBitmap* layer, const uint32_t* pixels, int64_t width,
-                int64_t height, int64_t stride, int mode);
 
 }  // namespace GxFontEffect

@@ -1,31 +1,37 @@
-// Rows of a gradient, seen through a mask.
+// Gradients seen through a mask and laid beneath a layer.
 #pragma once
 
 #include <cstdint>
 
+#include "raster/kernels/BlendRows.h"
+
 namespace GxFontEffect::kernels {
 
-// `count` pixels of one row from column `first` of the box on (count may be 0). Where `mask` is 0
-// the pixel is 0; elsewhere it is the table's colour, coverage is not applied. `table` has 256
-// premultiplied colours. Arrays must not overlap, no alignment is needed.
-//
-// Floats are evaluated in single precision as written, products rounded before the sum and every
-// column from its own number: stepping or a fused multiply-add would move pixels to other entries.
-struct GradientRow {
-    const uint8_t* mask = nullptr;
-    uint32_t* out = nullptr;
-    int64_t first = 0;
-    int64_t count = 0;
-    const uint32_t* table = nullptr;
+// Where a gradient is drawn and what it is drawn with. `area` lays an 8-bit mask on a layer: where
+// the mask is not 0, the colour goes under the pixel (destination over source); coverage is not
+// applied. The area's first pixel lies at (firstColumn, firstRow) of the text's box, `centreX` and
+// `centreY` are the middle of the box.
+struct GradientFill {
+    BlendArea area;
+    int64_t firstColumn = 0;
+    int64_t firstRow = 0;
+    float centreX = 0;
+    float centreY = 0;
+    const uint32_t* table = nullptr;  // 256 premultiplied colours 0xAARRGGBB
+    float* columns = nullptr;         // work memory: area.width numbers
 };
 
-// index = clamp((int)(rowTerm + step x (column - centre)), -128, 127) + 128.
-void linearGradientRow(const GradientRow& row, float rowTerm, float step, float centre);
-// index = clamp((int)(step x sqrt(dy^2 + (column - centre)^2)), 0, 255).
-void radialGradientRow(const GradientRow& row, float dy, float step, float centre);
+// Floats are evaluated in single precision as written, products rounded before the sum and every
+// column from its own number: stepping or a fused multiply-add would move pixels to other entries.
+// With dx = column - centreX, dy = row - centreY:
+//
+// entry = clamp((int)(stepY x dy + stepX x dx), -128, 127) + 128.
+void linearGradientRows(const GradientFill& fill, float stepX, float stepY);
+// entry = clamp((int)(step x sqrt(dy^2 + dx^2)), 0, 255).
+void radialGradientRows(const GradientFill& fill, float step);
 
 // The formulas, pixel by pixel.
-void linearGradientRowPlain(const GradientRow& row, float rowTerm, float step, float centre);
-void radialGradientRowPlain(const GradientRow& row, float dy, float step, float centre);
+void linearGradientRowsPlain(const GradientFill& fill, float stepX, float stepY);
+void radialGradientRowsPlain(const GradientFill& fill, float step);
 
 }  // namespace GxFontEffect::kernels

@@ -1,6 +1,8 @@
 // The kernels of a build without Highway: each is its plain form.
 #include "raster/kernels/DiscDilation.h"
+#include "raster/kernels/GradientRows.h"
 #include "raster/kernels/Growth.h"
+#include "raster/kernels/PatternRows.h"
 #include "raster/kernels/PlainBlendRows.h"
 #include "raster/kernels/SeparableBlur.h"
 #include "raster/kernels/SimdTargets.h"
@@ -55,6 +57,15 @@ void dilateInside(const DilationBand& band) {
 }
 void minimum(uint8_t* a, const uint8_t* b, int64_t count) {
     minimumPlain(a, b, count);
+}
+void linearGradientRows(const GradientFill& fill, float stepX, float stepY) {
+    linearGradientRowsPlain(fill, stepX, stepY);
+}
+void radialGradientRows(const GradientFill& fill, float step) {
+    radialGradientRowsPlain(fill, step);
+}
+void patternRows(const PatternFill& fill) {
+    patternRowsPlain(fill);
 }
 void growMask(uint8_t* mask, int64_t width, int64_t height, int64_t passes, uint8_t* scratch) {
     growMaskPlain(mask, width, height, passes, scratch);
