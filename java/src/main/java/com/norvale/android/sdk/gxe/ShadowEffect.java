@@ -1,27 +1,22 @@
 package com.norvale.android.sdk.gxe;
 
 import android.util.JsonWriter;
-import com.norvale.android.sdk.gxe.annotation.ColorInt;
 import com.norvale.android.sdk.gxe.annotation.FloatRange;
 import com.norvale.android.sdk.gxe.annotation.NonNull;
 import com.norvale.android.sdk.gxe.annotation.Px;
 import java.io.IOException;
 
 /** A soft shadow, behind the letters or inside them. */
-public final class ShadowEffect extends TextEffect {
+public final class ShadowEffect extends ColoredEffect {
     private final boolean inner;
     private final float angle;
     private final float distance;
-    private final float size;
-    private final int color;
 
     private ShadowEffect(Builder builder) {
-        super(builder.inner ? "innerShadow" : "outerShadow", builder.opacity);
+        super(builder.inner ? "innerShadow" : "outerShadow", builder);
         inner = builder.inner;
         angle = builder.angle;
         distance = builder.distance;
-        size = builder.size;
-        color = builder.color;
     }
 
     /**
@@ -74,56 +69,33 @@ public final class ShadowEffect extends TextEffect {
         return distance;
     }
 
-    /**
-     * How far the shadow is blurred.
-     *
-     * @return pixels, 0 to 100
-     */
-    @Px
-    public float getSize() {
-        return size;
-    }
-
-    /**
-     * Colour of the shadow; its alpha multiplies the opacity.
-     *
-     * @return {@code 0xAARRGGBB}
-     */
-    @ColorInt
-    public int getColor() {
-        return color;
-    }
-
     @Override
     int addTo(GxText text) {
         return inner
-                ? text.addInnerShadow(angle, distance, size, color, faded(getOpacity(), color))
-                : text.addOuterShadow(angle, distance, size, color, faded(getOpacity(), color));
+                ? text.addInnerShadow(angle, distance, getSize(), getColor(), fadedOpacity())
+                : text.addOuterShadow(angle, distance, getSize(), getColor(), fadedOpacity());
     }
 
     @Override
     Object[] settings() {
-        return new Object[] {angle, distance, size, color};
+        return new Object[] {angle, distance, getSize(), getColor()};
     }
 
     @Override
     void writeSettings(JsonWriter writer) throws IOException {
         writer.name("angle").value(StyleWriter.number(angle));
         writer.name("distance").value(StyleWriter.number(distance));
-        writer.name("size").value(StyleWriter.number(size));
-        writer.name("color").value(StyleWriter.color(color));
+        writeSizeAndColor(writer);
     }
 
     /** Collects the settings of a shadow; see {@link #outer()} and {@link #inner()}. */
-    public static final class Builder {
+    public static final class Builder extends ColoredEffect.Builder<Builder> {
         private final boolean inner;
         private float angle = 120;
         private float distance = 5;
-        private float size = 5;
-        private int color = 0xFF000000;
-        private float opacity = 0.75f;
 
         private Builder(boolean inner) {
+            super(5, 0xFF000000, 0.75f);
             this.inner = inner;
         }
 
@@ -154,41 +126,8 @@ public final class ShadowEffect extends TextEffect {
             return this;
         }
 
-        /**
-         * Sets the blur.
-         *
-         * @param size pixels, 0 to 100; the part after the point is cut off
-         * @return this builder
-         * @throws IllegalArgumentException when out of range
-         */
-        @NonNull
-        public Builder setSize(@Px @FloatRange(from = 0, to = 100) float size) {
-            this.size = Range.PERCENT.check("size", size);
-            return this;
-        }
-
-        /**
-         * Sets the colour.
-         *
-         * @param color {@code 0xAARRGGBB}; the alpha multiplies the opacity
-         * @return this builder
-         */
-        @NonNull
-        public Builder setColor(@ColorInt int color) {
-            this.color = color;
-            return this;
-        }
-
-        /**
-         * Sets the opacity.
-         *
-         * @param opacity 0 to 1
-         * @return this builder
-         * @throws IllegalArgumentException when out of range
-         */
-        @NonNull
-        public Builder setOpacity(@FloatRange(from = 0, to = 1) float opacity) {
-            this.opacity = Range.UNIT.check("opacity", opacity);
+        @Override
+        Builder self() {
             return this;
         }
 

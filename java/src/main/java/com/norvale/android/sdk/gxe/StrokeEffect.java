@@ -1,16 +1,13 @@
 package com.norvale.android.sdk.gxe;
 
 import android.util.JsonWriter;
-import com.norvale.android.sdk.gxe.annotation.ColorInt;
-import com.norvale.android.sdk.gxe.annotation.FloatRange;
 import com.norvale.android.sdk.gxe.annotation.IntRange;
 import com.norvale.android.sdk.gxe.annotation.NonNull;
-import com.norvale.android.sdk.gxe.annotation.Px;
 import java.io.IOException;
 import java.util.Objects;
 
 /** An outline along the edges of the letters. */
-public final class StrokeEffect extends TextEffect {
+public final class StrokeEffect extends ColoredEffect {
     /** Which side of the edge the outline lies on. */
     public enum Position {
         /** Half inside, half outside; drawn over the text's fill. */
@@ -29,37 +26,13 @@ public final class StrokeEffect extends TextEffect {
         }
     }
 
-    private final float size;
-    private final int color;
     private final int cap;
     private final Position position;
 
     private StrokeEffect(Builder builder) {
-        super("stroke", builder.opacity);
-        size = builder.size;
-        color = builder.color;
+        super("stroke", builder);
         cap = builder.cap;
         position = builder.position;
-    }
-
-    /**
-     * Width of the outline.
-     *
-     * @return pixels, 0 to 100
-     */
-    @Px
-    public float getSize() {
-        return size;
-    }
-
-    /**
-     * Colour of the outline; its alpha multiplies the opacity.
-     *
-     * @return {@code 0xAARRGGBB}
-     */
-    @ColorInt
-    public int getColor() {
-        return color;
     }
 
     /**
@@ -83,18 +56,17 @@ public final class StrokeEffect extends TextEffect {
 
     @Override
     int addTo(GxText text) {
-        return text.addStroke(size, color, faded(getOpacity(), color), cap, position.nativeValue);
+        return text.addStroke(getSize(), getColor(), fadedOpacity(), cap, position.nativeValue);
     }
 
     @Override
     Object[] settings() {
-        return new Object[] {size, color, cap, position};
+        return new Object[] {getSize(), getColor(), cap, position};
     }
 
     @Override
     void writeSettings(JsonWriter writer) throws IOException {
-        writer.name("size").value(StyleWriter.number(size));
-        writer.name("color").value(StyleWriter.color(color));
+        writeSizeAndColor(writer);
         if (cap != 0) {
             writer.name("cap").value(cap);
         }
@@ -102,52 +74,13 @@ public final class StrokeEffect extends TextEffect {
     }
 
     /** Starts from a black outline of 2 pixels around the letters. */
-    public static final class Builder {
-        private float size = 2;
-        private int color = 0xFF000000;
-        private float opacity = 1;
+    public static final class Builder extends ColoredEffect.Builder<Builder> {
         private int cap;
         private Position position = Position.OUTSIDE;
 
         /** An outline with the settings that a style file leaves out. */
-        public Builder() {}
-
-        /**
-         * Sets the width.
-         *
-         * @param size pixels, 0 to 100; the part after the point is cut off
-         * @return this builder
-         * @throws IllegalArgumentException when out of range
-         */
-        @NonNull
-        public Builder setSize(@Px @FloatRange(from = 0, to = 100) float size) {
-            this.size = Range.PERCENT.check("size", size);
-            return this;
-        }
-
-        /**
-         * Sets the colour.
-         *
-         * @param color {@code 0xAARRGGBB}; the alpha multiplies the opacity
-         * @return this builder
-         */
-        @NonNull
-        public Builder setColor(@ColorInt int color) {
-            this.color = color;
-            return this;
-        }
-
-        /**
-         * Sets the opacity.
-         *
-         * @param opacity 0 to 1
-         * @return this builder
-         * @throws IllegalArgumentException when out of range
-         */
-        @NonNull
-        public Builder setOpacity(@FloatRange(from = 0, to = 1) float opacity) {
-            this.opacity = Range.UNIT.check("opacity", opacity);
-            return this;
+        public Builder() {
+            super(2, 0xFF000000, 1);
         }
 
         /**
@@ -172,6 +105,11 @@ public final class StrokeEffect extends TextEffect {
         @NonNull
         public Builder setPosition(@NonNull Position position) {
             this.position = Objects.requireNonNull(position, "position");
+            return this;
+        }
+
+        @Override
+        Builder self() {
             return this;
         }
 

@@ -90,11 +90,15 @@ final class StyleReader {
         return effect;
     }
 
-    private static TextEffect readStroke(JsonObject object) {
-        StrokeEffect.Builder builder = new StrokeEffect.Builder();
+    private static void readColored(JsonObject object, ColoredEffect.Builder<?> builder) {
         object.number("size", Range.PERCENT, builder::setSize);
         object.color("color", builder::setColor);
         object.number("opacity", Range.UNIT, builder::setOpacity);
+    }
+
+    private static TextEffect readStroke(JsonObject object) {
+        StrokeEffect.Builder builder = new StrokeEffect.Builder();
+        readColored(object, builder);
         object.integer("cap", Range.SMALL_INT, builder::setCap);
         for (StrokeEffect.Position position : StrokeEffect.Position.values()) {
             if (position.styleName.equals(object.peek("position"))) {
@@ -112,17 +116,13 @@ final class StyleReader {
     private static TextEffect readShadow(JsonObject object, ShadowEffect.Builder builder) {
         object.number("angle", Range.ANGLE, builder::setAngle);
         object.number("distance", Range.PERCENT, builder::setDistance);
-        object.number("size", Range.PERCENT, builder::setSize);
-        object.color("color", builder::setColor);
-        object.number("opacity", Range.UNIT, builder::setOpacity);
+        readColored(object, builder);
         return builder.build();
     }
 
     private static TextEffect readOuterGlow(JsonObject object) {
         OuterGlowEffect.Builder builder = new OuterGlowEffect.Builder();
-        object.number("size", Range.PERCENT, builder::setSize);
-        object.color("color", builder::setColor);
-        object.number("opacity", Range.UNIT, builder::setOpacity);
+        readColored(object, builder);
         if (object.peek("stops") != null) {
             throw fail(object.place + ".stops", "the colour stops of a glow are not available from Java");
         }
