@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # For the scripts of this folder: Maven on the SDK, and leaving with exit 77 and the reason where it,
 # a compiler or what they need to download is missing. They set `build`, the folder for all output.
 
@@ -13,7 +14,8 @@ require_maven() {
 
 # What was downloaded once is not asked for again, so this needs no network then.
 run_maven() {
-    timeout 540 mvn -B "-Dgxtext.build.dir=${build:?}" "$@" >"$build/maven.log" 2>&1
+    local log=${build:?}/maven.log
+    timeout 540 mvn -B "-Dgxtext.build.dir=$build" "$@" >"$log" 2>&1
 }
 
 # For everything short of running tests: a failure to download is no failure of the SDK.
