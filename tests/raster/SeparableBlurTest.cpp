@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "raster/SimdTest.h"
+#include "raster/kernels/Reciprocal.h"
 #include "support/Random.h"
 
 namespace GxFontEffect::kernels {
@@ -77,10 +78,20 @@ void fillPixel(Plane& plane, Random& random) {
     plane.cells[random.word() % plane.size()] = random.edgeByte();
 }
 
+// Every second cell alike, in either direction: two by two they do not change.
+void fillStripes(Plane& plane, Random& random) {
+    const uint8_t values[] = {random.byte(), random.byte()};
+    const int64_t step = random.oneIn(2) ? 1 : plane.width;
+    for (int64_t i = 0; i < plane.width * plane.height; ++i) {
+        plane.cells[static_cast<size_t>(i)] = values[i / step % plane.width % 2];
+    }
+}
+
 void fillNothing(Plane& /*plane*/, Random& /*random*/) {}
 
 const std::vector<Content>& contents() {
-    static const std::vector<Content> all = {fillText, fillNoise, fillFull, fillPixel, fillNothing};
+    static const std::vector<Content> all = {fillText,  fillNoise,   fillFull,
+                                             fillPixel, fillStripes, fillNothing};
     return all;
 }
 
@@ -171,7 +182,7 @@ TEST_P(SeparableBlur, EqualsTheFormulaAtEveryRadius) {
 TEST_P(SeparableBlur, EqualsTheFormulaOnEveryContent) {
     GX_TRACE_SEED(random);
     for (const Content& content : contents()) {
-        for (const int32_t radius : {1, 2, 5, 25}) {
+        for (const int32_t radius : {1, 2, 3, 5, 8, 25, 45}) {
             for (const BlurInput input : {BlurInput::kDirect, BlurInput::kInverse}) {
                 checkPlane(300, 170, Bell(radius, someCentre()), input, content);
                 checkPlane(100, 301, Bell(radius, someCentre()), input, content);
@@ -196,18 +207,35 @@ TEST_P(SeparableBlur, DividesByLargeSums) {
     }
 }
 
-// Weights that the differences cannot take: rising outwards, above 128, a step of 128.
+// Weights at the edges of what each form takes: rising outwards, above 128, a step of 128, two
+// neighbours above 255, odd and small sums, no 16 bits for the sum.
 TEST_P(SeparableBlur, TakesAnyWeights) {
     for (const std::vector<int32_t>& taps :
-         std::vector<std::vector<int32_t>>{{1, 2, 3}, {1000, 10}, {128, 0}, {129, 60}, {5, -1}}) {
+         std::vector<std::vector<int32_t>>{{1, 2, 3},
+                                           {1000, 10},
+                                           {128, 0},
+                                           {129, 60},
+                                           {5, -1},
+                                           {127, 0},
+                                           {3, 1},
+                                           {2, 1},
+                                           {1, 0},
+                                           {100, 78},
+                                           {128, 128, 0, 0},
+                                           {128, 127, 1, 0},
+                                           {100, 100, 28, 0},
+                                           {128, 64, 64, 63, 0, 0},
+                                           {126, 126, 65, 0, 0},
+                                           {128, 128, 128, 128, 128, 128, 50}}) {
         Bell bell(1, 100);
         bell.taps = taps;
         bell.weights.taps = bell.taps.data();
         bell.weights.radius = static_cast<int32_t>(taps.size()) - 1;
         bell.weights.sum = taps[0];
         for (size_t i = 1; i < taps.size(); ++i) bell.weights.sum += 2 * std::max(taps[i], 0);
-        const Content& content = taps.back() < 0 ? contents()[4] : contents()[1];
+        const Content& content = taps.back() < 0 ? fillNothing : fillNoise;
         checkPasses(50, 7, bell, BlurInput::kDirect, content);
+        checkPasses(50, 7, bell, BlurInput::kInverse, content);
         checkPlane(50, 40, bell, BlurInput::kInverse, content);
     }
     checkPasses(50, 7, Bell(2, 100), BlurInput::kDirect, fillNoise);
@@ -228,6 +256,21 @@ TEST_P(SeparableBlur, TakesEmptyAreas) {
 }
 
 GX_INSTANTIATE_SIMD_TESTS(SeparableBlur);
+
+// The quotient changes at the multiples of the divisor only.
+TEST(Reciprocal, DividesEvery16BitNumber) {
+    for (uint32_t divisor = 2; divisor <= 65535; ++divisor) {
+        const Reciprocal reciprocal(divisor);
+        for (uint32_t multiple = 0; multiple <= 65534; multiple += divisor) {
+            const uint32_t last = std::min(multiple + divisor - 1, 65534u);
+            for (const uint32_t a : {multiple, last}) {
+                const uint32_t quotient =
+                    (a + reciprocal.lift) * uint32_t{reciprocal.factor} >> (16 + reciprocal.shift);
+                ASSERT_EQ(quotient, a / divisor) << a << " / " << divisor;
+            }
+        }
+    }
+}
 
 }  // namespace
 }  // namespace GxFontEffect::kernels

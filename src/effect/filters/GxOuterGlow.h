@@ -23,8 +23,8 @@ namespace GxFontEffect {
 // Null inputs, a box the wrong way round, work memory past its limit and failed allocations leave
 // the layer as it was: the growth's rows are allocated with the rest, so that no half-made glow is
 // drawn. Cost per padded pixel, the padding being 2 (size + 1) on each side: 9 additions per growth
-// pass, 4 x 0.9 size products of the blur, one colour; work bytes per padded pixel 2, plus 32 per
-// pixel of the longer side.
+// pass, at most 4 x 0.9 size products of the blur, one colour; work bytes per padded pixel 2, plus
+// 96 per pixel of the longer side (160 from a size of 35 on).
 class GXTEXT_API GxOuterGlow : public GxGlowCore<GxOuterGlowProperty> {
 public:
     GxOuterGlow() : GxGlowCore(GXE_STYLE_OUTER_GLOW) {}

@@ -1,18 +1,20 @@
-// The fast blur of raster/kernels/SeparableBlur.h.
+// The fast blur of raster/kernels/SeparableBlur.h, in three forms:
 //
-// Work goes in strips: as many rows or columns side by side as a vector has bytes, copied into a
-// packed buffer in which a step along the blur is one vector. Rows are transposed on the way in and
-// out, so that one loop serves both directions, and each cell of the plane is fetched once however
-// wide the window is.
+// * over few cells, directly (BlurDirect-inl.h);
+// * from the places where cells change, where these are few, as in a mask of text
+//   (BlurChanges-inl.h);
+// * else from all cells (BlurTaps-inl.h).
 //
-// With g(t) = w(t) - w(t + 1), the sums of neighbouring outputs differ by
+// The last two work in strips: as many rows or columns side by side as a vector has bytes, so that
+// a step along the blur is one vector. They find by how much each sum differs from the one before
+// it: with g(t) = w(t) - w(t + 1),
 //     F(y) - F(y - 1) = sum over t = 0 ... radius of g(t) (in(y + t) - in(y - 1 - t)).
 // The g are not negative and add up to the centre's weight, so that for a weight of up to 128 the
-// difference fits 16 bits whatever the radius: the loop over the taps multiplies bytes and adds up
-// in 16 bits, and one 32-bit addition per output carries the sum on. Inverse input turns the
-// signs.
+// difference fits 16 bits whatever the radius. Inverse input turns the signs.
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
+#include <limits>
 
 #include "raster/kernels/SeparableBlur.h"
 #include "raster/kernels/Simd.h"
@@ -22,7 +24,10 @@
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
-#include "raster/kernels/PixelVector-inl.h"
+#include "raster/kernels/BlurChanges-inl.h"
+#include "raster/kernels/BlurDirect-inl.h"
+#include "raster/kernels/BlurTaps-inl.h"
+#include "raster/kernels/BlurTranspose-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace GxFontEffect::kernels::HWY_NAMESPACE {
@@ -41,456 +46,311 @@ void blurBoth(const uint8_t* in, uint8_t* out, int64_t width, int64_t height,
 
 #else
 
-constexpr int64_t kLanes = hn::MaxLanes(d8);
-static_assert(kLanes <= kBlurStripWidth);
+// --- strips
+// --------------------------------------------------------------------------------------------------
 
-inline constexpr hn::ScalableTag<int8_t> dSigned8;
-inline constexpr hn::ScalableTag<int16_t> dSigned16;
-inline constexpr hn::ScalableTag<int32_t> dSigned32;
-inline constexpr hn::ScalableTag<float> dFloat;
-using S16 = hn::Vec<decltype(dSigned16)>;
-using S32 = hn::Vec<decltype(dSigned32)>;
-using F32 = hn::Vec<decltype(dFloat)>;
-
-// --- taps of the difference
-// -----------------------------------------------------------------------------------
-
-// Outputs that are worked out together.
-constexpr int64_t kSteps = 4;
-
-// Coefficients of F(y) - F(y - 1), k = 0 ... 2 radius + 1 for in(y - 1 - radius + k), two by two as
-// bytes of a word: those from an even k, and those that start one earlier. One empty entry before
-// and two behind let a block of outputs share each pair of steps.
-class DifferenceTaps {
-public:
-    struct Pairs {
-        uint32_t even;  // k, k + 1, k, k + 1
-        uint32_t odd;   // k - 1, k, k - 1, k
-    };
-
-    DifferenceTaps(const BlurWeights& weights, BlurInput input, uint8_t* memory)
-        : count(weights.radius + 3), sign(input == BlurInput::kDirect ? 1 : -1), memory(memory) {
-        for (int64_t p = -1; p < count; ++p) {
-            const Pairs pairs = {pair(weights, 2 * p), pair(weights, 2 * p - 1)};
-            std::memcpy(memory + (p + 1) * int64_t{sizeof(Pairs)}, &pairs, sizeof(Pairs));
+// Of the first window in a strip.
+Sums firstSums(const uint8_t* strip, const BlurWeights& weights, BlurInput input) {
+    Sums sums;
+    for (int64_t i = 0; i <= 2 * int64_t{weights.radius}; ++i) {
+        const uint8_t* pair = strip + i / 2 * 2 * kLanes;
+        Wide cells = {lanes16(hn::LoadU(d8, pair)), lanes16(hn::LoadU(d8, pair + kLanes))};
+        if (i % 2 != 0) {
+            cells = {hn::ShiftRight<8>(cells.lower), hn::ShiftRight<8>(cells.upper)};
+        } else {
+            const V16 first = hn::Set(d16, 0x00FF);
+            cells = {hn::And(cells.lower, first), hn::And(cells.upper, first)};
         }
+        sums.add(cells, weights.taps[std::abs(i - weights.radius)]);
     }
+    sums.finish(weights, input);
+    return sums;
+}
 
-    HWY_INLINE Pairs operator[](int64_t p) const {
-        Pairs pairs;
-        std::memcpy(&pairs, memory + (p + 1) * int64_t{sizeof(Pairs)}, sizeof(Pairs));
-        return pairs;
-    }
-
-    const int64_t count;
-
-private:
-    static int32_t tap(const BlurWeights& weights, int64_t t) {
-        return t <= weights.radius ? weights.taps[t] : 0;
-    }
-    uint32_t coefficient(const BlurWeights& weights, int64_t k) const {
-        const int64_t t = k - weights.radius - 1;
-        if (k < 0 || t > weights.radius) return 0;
-        const int64_t distance = t < 0 ? -1 - t : t;
-        const int32_t g = tap(weights, distance) - tap(weights, distance + 1);
-        return static_cast<uint32_t>(t < 0 ? -g * sign : g * sign) & 0xFFu;
-    }
-    uint32_t pair(const BlurWeights& weights, int64_t k) const {
-        return (coefficient(weights, k) | coefficient(weights, k + 1) << 8) * 0x10001u;
-    }
-
-    const int32_t sign;
-    const uint8_t* memory;
-};
-
-// Totals of one output's lanes, in the order of InterleaveLower and InterleaveUpper of bytes.
-struct Difference {
-    S16 lower;
-    S16 upper;
-};
-
-// Two vectors next to one another along the blur. The products fit 16 bits, the sum of a pair too;
-// totals may wrap on the way.
-#if HWY_TARGET == HWY_NEON
-
-// The coefficients add up to 0, so that cells may be counted from 128.
-class CellPair {
+// Finds windows of a strip all of whose vectors are alike, one window after the other.
+class EvenWindows {
 public:
-    HWY_INLINE CellPair(V8 a, V8 b)
-        : first(hn::BitCast(dSigned8, hn::Xor(a, hn::Set(d8, 0x80)))),
-          second(hn::BitCast(dSigned8, hn::Xor(b, hn::Set(d8, 0x80)))) {}
+    EvenWindows(const uint8_t* strip, const BlurWeights& weights)
+        : strip(strip), reach(2 * int64_t{weights.radius}) {}
 
-    HWY_INLINE void addTo(Difference& total, uint32_t pair) const {
-        const int8x8_t g = vdup_n_s8(static_cast<int8_t>(pair));
-        const int8x8_t h = vdup_n_s8(static_cast<int8_t>(pair >> 8));
-        total.lower = S16(vmlal_s8(total.lower.raw, vget_low_s8(first.raw), g));
-        total.upper = S16(vmlal_s8(total.upper.raw, vget_high_s8(first.raw), g));
-        total.lower = S16(vmlal_s8(total.lower.raw, vget_low_s8(second.raw), h));
-        total.upper = S16(vmlal_s8(total.upper.raw, vget_high_s8(second.raw), h));
-    }
-
-private:
-    hn::Vec<decltype(dSigned8)> first;
-    hn::Vec<decltype(dSigned8)> second;
-};
-
-#else
-
-class CellPair {
-public:
-    HWY_INLINE CellPair(V8 a, V8 b)
-        : lower(hn::InterleaveLower(d8, a, b)), upper(hn::InterleaveUpper(d8, a, b)) {}
-
-    HWY_INLINE void addTo(Difference& total, uint32_t pair) const {
-        const V32 taps = hn::Set(d32, pair);
-        total.lower = hn::Add(total.lower, products(lower, taps));
-        total.upper = hn::Add(total.upper, products(upper, taps));
-    }
-
-private:
-    // Bytes without sign by bytes with sign, neighbours added.
-    static HWY_INLINE S16 products(V8 cells, V32 taps) {
-#if HWY_TARGET == HWY_AVX2
-        return S16{_mm256_maddubs_epi16(cells.raw, taps.raw)};
-#else
-        return S16{_mm_maddubs_epi16(cells.raw, taps.raw)};
-#endif
-    }
-
-    V8 lower;
-    V8 upper;
-};
-
-#endif
-
-// --- sums and quotients
-// ---------------------------------------------------------------------------------------
-
-// floor(a / S) for 0 <= a <= 255 S.
-//
-// Up to a sum S of 2^14, a + 0.5 is exact in single precision, and at least 0.5 / S away from S
-// times any whole number; the errors of 1 / S and of the product add up to less than 256 x 2^-23 <
-// 0.5 / S. So the product, truncated, is the quotient. Beyond, it is off by one at most, which the
-// remainder shows.
-class Quotient {
-public:
-    explicit HWY_INLINE Quotient(int32_t sum)
-        : divisor(hn::Set(dSigned32, sum)),
-          inverse(hn::Set(dFloat, 1.0f / static_cast<float>(sum))),
-          isSmall(sum <= 1 << 14) {}
-
-    HWY_INLINE S32 operator()(S32 a) const {
-        const F32 lifted = hn::Add(hn::ConvertTo(dFloat, a), hn::Set(dFloat, 0.5f));
-        const S32 quotient = hn::ConvertTo(dSigned32, hn::Mul(lifted, inverse));
-        if (isSmall) return quotient;
-        const S32 rest = hn::Sub(a, hn::Mul(quotient, divisor));
-        const S32 isBelow = hn::VecFromMask(dSigned32, hn::Lt(rest, hn::Zero(dSigned32)));
-        const S32 isInside = hn::VecFromMask(dSigned32, hn::Lt(rest, divisor));
-        // True is -1: of a quotient that is right, both cancel against the 1.
-        return hn::Add(hn::Add(quotient, hn::Set(dSigned32, 1)), hn::Add(isBelow, isInside));
-    }
-
-private:
-    S32 divisor;
-    F32 inverse;
-    bool isSmall;
-};
-
-// 32-bit totals of the lanes of S16: those at even and at odd places.
-struct WideTotals {
-    S32 even;
-    S32 odd;
-
-    HWY_INLINE void add(S16 difference) {
-        const S32 pairs = hn::BitCast(dSigned32, difference);
-        even = hn::Add(even, hn::ShiftRight<16>(hn::ShiftLeft<16>(pairs)));
-        odd = hn::Add(odd, hn::ShiftRight<16>(pairs));
-    }
-    HWY_INLINE S16 means(const Quotient& quotient) const {
-        return hn::BitCast(dSigned16, hn::Or(quotient(even), hn::ShiftLeft<16>(quotient(odd))));
-    }
-};
-
-// The running sums of a strip.
-class Sums {
-public:
-    // Of the first output: the window starts at `cells`.
-    HWY_INLINE Sums(const uint8_t* cells, const BlurWeights& weights, BlurInput input)
-        : lower{hn::Zero(dSigned32), hn::Zero(dSigned32)}, upper(lower) {
-        const int64_t radius = weights.radius;
-        for (int64_t i = -radius; i <= radius; ++i) {
-            const V8 row = hn::LoadU(d8, cells + (radius + i) * kLanes);
-            const S32 tap = hn::Set(dSigned32, weights.taps[i < 0 ? -i : i]);
-            addProducts(lower, hn::InterleaveLower(d8, row, hn::Zero(d8)), tap);
-            addProducts(upper, hn::InterleaveUpper(d8, row, hn::Zero(d8)), tap);
-        }
-        if (input == BlurInput::kDirect) return;
-        const S32 full = hn::Set(dSigned32, 255 * weights.sum);
-        for (WideTotals* totals : {&lower, &upper}) {
-            totals->even = hn::Sub(full, totals->even);
-            totals->odd = hn::Sub(full, totals->odd);
-        }
-    }
-
-    HWY_INLINE void add(const Difference& difference) {
-        lower.add(difference.lower);
-        upper.add(difference.upper);
-    }
-
-    HWY_INLINE void storeMeans(const Quotient& quotient, uint8_t* out) const {
-        const S16 low = lower.means(quotient);
-        const S16 high = upper.means(quotient);
-#if HWY_TARGET == HWY_AVX2
-        // Packs within blocks of 16 bytes, which is how the lanes were drawn apart.
-        const V8 means{_mm256_packus_epi16(low.raw, high.raw)};
-#else
-        const hn::Half<decltype(d8)> half;
-        const V8 means = hn::Combine(d8, hn::DemoteTo(half, high), hn::DemoteTo(half, low));
-#endif
-        hn::StoreU(means, d8, out);
-    }
-
-private:
-    static HWY_INLINE void addProducts(WideTotals& totals, V8 cells, S32 tap) {
-        const V32 pairs = hn::BitCast(d32, cells);
-        const S32 even = hn::BitCast(dSigned32, hn::And(pairs, hn::Set(d32, 0xFFFF)));
-        const S32 odd = hn::BitCast(dSigned32, hn::ShiftRight<16>(pairs));
-        totals.even = hn::Add(totals.even, hn::Mul(even, tap));
-        totals.odd = hn::Add(totals.odd, hn::Mul(odd, tap));
-    }
-
-    WideTotals lower;
-    WideTotals upper;
-};
-
-// --- one strip
-// ------------------------------------------------------------------------------------------------
-
-// The vectors behind a strip's last one that a block of outputs reads.
-constexpr int64_t kReadAhead = kSteps + 1;
-
-// The strip in place: the vectors 1 ... steps + 2 radius hold the cells, outputs come out from
-// vector 0 on. Up to kSteps - 1 vectors behind the outputs are overwritten.
-class Strip {
-public:
-    Strip(uint8_t* memory, const BlurWeights& weights, BlurInput input, const DifferenceTaps& taps)
-        : vectors(memory), weights(weights), input(input), taps(taps), quotient(weights.sum) {}
-
-    void blur(int64_t steps) {
-        Sums sums(at(1), weights, input);
-        sums.storeMeans(quotient, at(0));
-        seen = 1;
-        lastChange = 0;
-        for (int64_t y = 1; y < steps; y += kSteps) {
-            if (isEven(y)) {
-                const V8 same = hn::LoadU(d8, at(y - 1));
-                for (int64_t j = 0; j < kSteps; ++j) hn::StoreU(same, d8, at(y + j));
-            } else {
-                blurBlock(y, sums);
-            }
-        }
-    }
-
-private:
-    HWY_INLINE uint8_t* at(int64_t i) const { return vectors + i * kLanes; }
-    HWY_INLINE V8 cells(int64_t i) const { return hn::LoadU(d8, at(i)); }
-
-    // Whether all vectors that the block from y reads are alike: its outputs are those before.
-    HWY_INLINE bool isEven(int64_t y) {
-        const int64_t last = y + 2 * taps.count - 1;
-        seen = HWY_MAX(seen, y);
+    // The vectors y ... y + count - 1 and the window behind, y even. They may be overwritten
+    // afterwards up to y + count.
+    HWY_INLINE bool isEven(int64_t y, int64_t count) {
+        const int64_t first = y / 2;
+        const int64_t last = (y + count + reach) / 2;
+        seen = std::max(seen, first);
         while (seen < last) {
-            const int64_t end = HWY_MIN(seen + kSteps, last);
+            const int64_t end = std::min(seen + 4, last);
             V8 difference = hn::Zero(d8);
-            V8 before = cells(seen);
-            for (int64_t i = seen + 1; i <= end; ++i) {
-                const V8 here = cells(i);
-                difference = hn::Or(difference, hn::Xor(before, here));
-                before = here;
+            for (; seen < end; ++seen) {
+                const uint8_t* at = strip + 2 * seen * kLanes;
+                difference = hn::Or(difference, differing(at, at + 2 * kLanes));
+                difference = hn::Or(difference, differing(at + kLanes, at + 3 * kLanes));
             }
             if (!allBytesAre(difference, 0)) lastChange = end;
-            seen = end;
         }
-        return lastChange <= y;
+        return lastChange <= first && isPairEven(strip + 2 * first * kLanes);
     }
 
-    HWY_INLINE void blurBlock(int64_t y, Sums& sums) const {
-        const S16 zero = hn::Zero(dSigned16);
-        Difference d0{zero, zero}, d1 = d0, d2 = d0, d3 = d0;
-        const uint8_t* in = at(y);
-        DifferenceTaps::Pairs before = taps[-1];
-        for (int64_t p = 0; p < taps.count; ++p, in += 2 * kLanes) {
-            const DifferenceTaps::Pairs pairs = taps[p];
-            const CellPair pair(hn::LoadU(d8, in), hn::LoadU(d8, in + kLanes));
-            pair.addTo(d0, pairs.even);
-            pair.addTo(d1, pairs.odd);
-            pair.addTo(d2, before.even);
-            pair.addTo(d3, before.odd);
-            before = pairs;
-        }
-        uint8_t* out = at(y);
-        for (const Difference* d : {&d0, &d1, &d2, &d3}) {
-            sums.add(*d);
-            sums.storeMeans(quotient, out);
-            out += kLanes;
-        }
+private:
+    static HWY_INLINE V8 differing(const uint8_t* a, const uint8_t* b) {
+        return hn::Xor(hn::LoadU(d8, a), hn::LoadU(d8, b));
+    }
+    static HWY_INLINE bool isPairEven(const uint8_t* pair) {
+        const V16 lower = lanes16(hn::LoadU(d8, pair));
+        const V16 upper = lanes16(hn::LoadU(d8, pair + kLanes));
+        const V16 differs = hn::Or(hn::Xor(lower, hn::ShiftRight<8>(lower)),
+                                   hn::Xor(upper, hn::ShiftRight<8>(upper)));
+        return allBytesAre(bytes(hn::And(differs, hn::Set(d16, 0x00FF))), 0);
     }
 
-    uint8_t* const vectors;
-    const BlurWeights& weights;
-    const BlurInput input;
-    const DifferenceTaps& taps;
-    const Quotient quotient;
-    int64_t seen = 0;        // vectors up to here are compared with the ones before
+    const uint8_t* const strip;
+    const int64_t reach;
+    int64_t seen = 0;        // pairs up to here are compared with the ones before
     int64_t lastChange = 0;  // none behind it, up to `seen`, differs
 };
 
-// --- to and from strips
-// ---------------------------------------------------------------------------------------
+// Where the vectors of outputs go, `step` bytes apart.
+struct Outputs {
+    uint8_t* first;
+    int64_t step;
+    HWY_INLINE void store(int64_t y, V8 means) const { hn::StoreU(means, d8, first + y * step); }
+};
 
-// Blocks of 16 rows of 16 bytes, turned.
-HWY_INLINE void transpose(V8 (&v)[16]) {
-    for (int stage = 0; stage < 4; ++stage) {
-        V8 turned[16];
-        for (int i = 0; i < 8; ++i) {
-            turned[2 * i] = hn::InterleaveLower(d8, v[i], v[i + 8]);
-            turned[2 * i + 1] = hn::InterleaveUpper(d8, v[i], v[i + 8]);
-        }
-        std::memcpy(v, turned, sizeof(turned));
+// Outputs y to y + count: by their differences, or like the one before when there are none.
+template <class Means>
+HWY_INLINE void blurBlock(int64_t y, int64_t count, const Difference* differences, Means& means,
+                          const Outputs& out) {
+    for (int64_t j = 0; j < count; ++j) {
+        if (differences) means.add(differences[j]);
+        out.store(y + j, means.means());
     }
 }
 
-constexpr int64_t kBlock = 16;
-inline constexpr hn::CappedTag<uint8_t, kBlock> dBlock;
-
-// Row i of a strip of `count` rows; rows beyond stand in as the last.
-HWY_INLINE int64_t rowOf(int64_t i, int64_t count) {
-    return HWY_MIN(i, count - 1);
-}
-
-// Where the block that starts at x has to start to end with the row.
-HWY_INLINE int64_t blockStart(int64_t x, int64_t length) {
-    return HWY_MIN(x, length - kBlock);
-}
-
-// Vector x of the strip gets column x of up to kLanes rows.
-void loadTransposed(const uint8_t* rows, int64_t stride, int64_t count, int64_t length,
-                    uint8_t* strip) {
-    if (length < kBlock) {
-        for (int64_t x = 0; x < length; ++x) {
-            for (int64_t i = 0; i < kLanes; ++i) {
-                strip[x * kLanes + i] = rows[rowOf(i, count) * stride + x];
-            }
-        }
-        return;
-    }
-    for (int64_t x = 0; x < length; x += kBlock) {
-        const int64_t start = blockStart(x, length);
-        V8 v[16];
-        for (int64_t i = 0; i < kBlock; ++i) {
-            const uint8_t* from = rows + start;
-            const auto low = hn::LoadU(dBlock, from + rowOf(i, count) * stride);
-#if HWY_TARGET == HWY_AVX2
-            v[i] =
-                hn::Combine(d8, hn::LoadU(dBlock, from + rowOf(i + kBlock, count) * stride), low);
-#else
-            v[i] = low;
-#endif
-        }
-        transpose(v);
-        for (int64_t i = 0; i < kBlock; ++i) hn::StoreU(v[i], d8, strip + (start + i) * kLanes);
+// The strip of `steps` + 2 radius vectors in scratch.strip + kLanes. Outputs may go to
+// scratch.strip.
+template <class Means, class Taps>
+void blurStrip(const BlurScratch& scratch, const BlurWeights& weights, BlurInput input,
+               const Taps& taps, int64_t steps, const Outputs& out) {
+    const uint8_t* strip = scratch.strip + kLanes;
+    taps.prepare(steps + 2 * int64_t{weights.radius});
+    EvenWindows windows(strip, weights);
+    Means means(weights, firstSums(strip, weights, input));
+    out.store(0, means.means());
+    Difference differences[Taps::kSteps];
+    for (int64_t y = 1; y < steps; y += Taps::kSteps) {
+        const bool isEven = windows.isEven(y - 1, Taps::kSteps);
+        if (!isEven) taps.find(y, differences);
+        blurBlock(y, std::min(Taps::kSteps, steps - y), isEven ? nullptr : differences, means, out);
     }
 }
 
-void storeTransposed(const uint8_t* strip, uint8_t* rows, int64_t stride, int64_t count,
-                     int64_t length) {
-    if (length < kBlock) {
-        for (int64_t x = 0; x < length; ++x) {
-            for (int64_t i = 0; i < count; ++i) rows[i * stride + x] = strip[x * kLanes + i];
-        }
-        return;
-    }
-    for (int64_t x = 0; x < length; x += kBlock) {
-        const int64_t start = blockStart(x, length);
-        V8 v[16];
-        for (int64_t i = 0; i < kBlock; ++i) v[i] = hn::LoadU(d8, strip + (start + i) * kLanes);
-        transpose(v);
-        for (int64_t i = 0; i < kBlock; ++i) {
-            uint8_t* to = rows + start + i * stride;
-#if HWY_TARGET == HWY_AVX2
-            if (i < count) hn::StoreU(hn::LowerHalf(dBlock, v[i]), dBlock, to);
-            if (i + kBlock < count) {
-                hn::StoreU(hn::UpperHalf(dBlock, v[i]), dBlock, to + kBlock * stride);
-            }
-#else
-            if (i < count) hn::StoreU(v[i], dBlock, to);
-#endif
-        }
+// The outputs of the lines of changes. The first window stands in the strip.
+template <class Means>
+void blurChanges(const BlurScratch& scratch, const BlurWeights& weights, BlurInput input,
+                 const ChangeLines& changes, int64_t steps, const Outputs& out) {
+    Means means(weights, firstSums(scratch.strip + kLanes, weights, input));
+    out.store(0, means.means());
+    Difference differences[ChangeLines::kSteps];
+    for (int64_t y = 1; y < steps; y += ChangeLines::kSteps) {
+        const bool isEven = !changes.find(y, differences);
+        blurBlock(y, std::min(ChangeLines::kSteps, steps - y), isEven ? nullptr : differences,
+                  means, out);
     }
 }
 
-// The same for `count` columns, which lie as a strip has them.
-void loadColumns(const uint8_t* columns, int64_t stride, int64_t count, int64_t length,
-                 uint8_t* strip) {
-    for (int64_t y = 0; y < length; ++y, columns += stride, strip += kLanes) {
-        if (count == kLanes) {
-            hn::StoreU(hn::LoadU(d8, columns), d8, strip);
-        } else {
-            std::memcpy(strip, columns, static_cast<size_t>(count));
-        }
-    }
-}
+// --- single passes
+// -------------------------------------------------------------------------------------------
 
-void storeColumns(const uint8_t* strip, uint8_t* columns, int64_t stride, int64_t count,
-                  int64_t length) {
-    for (int64_t y = 0; y < length; ++y, columns += stride, strip += kLanes) {
-        if (count == kLanes) {
-            hn::StoreU(hn::LoadU(d8, strip), d8, columns);
-        } else {
-            std::memcpy(columns, strip, static_cast<size_t>(count));
-        }
-    }
-}
+// What a pass is likely to see: few changes, or so many that it is not worth a look.
+enum class Content { kAny, kDense };
 
-// --- whole passes
-// ---------------------------------------------------------------------------------------------
-
-// Rows may be blurred onto their own first cells: a strip is read whole before it is written.
-void blurAll(const BlurPass& pass, const BlurWeights& weights, BlurInput input, bool alongRows,
-             uint8_t* scratch) {
+template <class Means, class Taps>
+void blurStrips(const BlurPass& pass, const BlurWeights& weights, BlurInput input, bool alongRows,
+                Content content, uint8_t* memory) {
     const int64_t across = alongRows ? pass.rows : pass.columns;
     const int64_t steps = alongRows ? pass.columns : pass.rows;
-    if (across <= 0 || steps <= 0) return;
-    const int64_t length = steps + 2 * int64_t{weights.radius};
-    const DifferenceTaps taps(weights, input, scratch + (1 + length + kReadAhead) * kLanes);
-    Strip strip(scratch, weights, input, taps);
+    const int64_t reach = 2 * int64_t{weights.radius};
+    const int64_t length = steps + reach;
+    const BlurScratch scratch(memory, length, weights.radius);
+    uint8_t* strip = scratch.strip + kLanes;
+    const auto load = alongRows ? loadRows : loadColumns;
+    const auto addChanges = alongRows ? addRowChanges : addColumnChanges;
+    const auto store = alongRows ? storeRows : storeColumns;
     for (int64_t i = 0; i < across; i += kLanes) {
-        const int64_t count = HWY_MIN(across - i, kLanes);
-        uint8_t* cells = scratch + kLanes;
-        if (alongRows) {
-            loadTransposed(pass.in + i * pass.inStride, pass.inStride, count, length, cells);
-            strip.blur(steps);
-            storeTransposed(scratch, pass.out + i * pass.outStride, pass.outStride, count, steps);
-        } else {
-            loadColumns(pass.in + i, pass.inStride, count, length, cells);
-            strip.blur(steps);
-            storeColumns(scratch, pass.out + i, pass.outStride, count, steps);
+        const int64_t count = std::min(across - i, kLanes);
+        const uint8_t* in = pass.in + i * (alongRows ? pass.inStride : 1);
+        uint8_t* to = pass.out + i * (alongRows ? pass.outStride : 1);
+        const bool isWhole = !alongRows && count == kLanes;
+        const Outputs out = isWhole ? Outputs{to, pass.outStride} : Outputs{scratch.strip, kLanes};
+        bool isSparse = false;
+        if (content == Content::kAny) {
+            const ChangeLines changes(weights, input, steps, scratch);
+            isSparse = addChanges(in, pass.inStride, count, length, scratch, changes);
+            if (isSparse) {
+                load(in, pass.inStride, count, reach + 1, strip);
+                blurChanges<Means>(scratch, weights, input, changes, steps, out);
+            }
         }
+        if (!isSparse) {
+            const Taps taps(weights, input, scratch);
+            load(in, pass.inStride, count, length, strip);
+            blurStrip<Means>(scratch, weights, input, taps, steps, out);
+        }
+        if (!isWhole) store(scratch.strip, to, pass.outStride, count, steps);
     }
+}
+
+template <class Taps>
+void blurWith(const BlurPass& pass, const BlurWeights& weights, BlurInput input, bool alongRows,
+              Content content, uint8_t* scratch) {
+    if (NarrowMeans<false>::takes(weights)) {
+        blurStrips<NarrowMeans<false>, Taps>(pass, weights, input, alongRows, content, scratch);
+    } else if (NarrowMeans<true>::takes(weights)) {
+        blurStrips<NarrowMeans<true>, Taps>(pass, weights, input, alongRows, content, scratch);
+    } else {
+        blurStrips<WideMeans, Taps>(pass, weights, input, alongRows, content, scratch);
+    }
+}
+
+// Rows may be blurred onto their own first cells: a strip is read whole before it is written.
+void blurAny(const BlurPass& pass, const BlurWeights& weights, BlurInput input, bool alongRows,
+             Content content, uint8_t* scratch) {
+    if (pass.columns <= 0 || pass.rows <= 0) return;
+    if (RunTaps::pays(weights)) {
+        blurWith<RunTaps>(pass, weights, input, alongRows, content, scratch);
+    } else {
+        blurWith<PairedTaps>(pass, weights, input, alongRows, content, scratch);
+    }
+}
+
+template <int kRadius>
+bool blurDirect(const BlurPass& pass, const BlurWeights& weights, BlurInput input, bool alongRows,
+                uint8_t* memory) {
+    using Taps = DirectTaps<kRadius>;
+    if (pass.columns < kLanes || pass.rows < 2 || !Taps::takes(weights)) return false;
+    const int64_t length = std::max(pass.columns, pass.rows) + Taps::kReach;
+    const BlurScratch scratch(memory, length, kRadius);
+    const Taps taps(weights, input);
+    (alongRows ? blurRowsDirect<kRadius> : blurColumnsDirect<kRadius>)(pass, taps, scratch);
+    return true;
+}
+
+void blurAll(const BlurPass& pass, const BlurWeights& weights, BlurInput input, bool alongRows,
+             uint8_t* scratch) {
+    if (blurDirect<1>(pass, weights, input, alongRows, scratch) ||
+        blurDirect<2>(pass, weights, input, alongRows, scratch) ||
+        blurDirect<3>(pass, weights, input, alongRows, scratch) ||
+        blurDirect<4>(pass, weights, input, alongRows, scratch) ||
+        blurDirect<5>(pass, weights, input, alongRows, scratch) ||
+        blurDirect<6>(pass, weights, input, alongRows, scratch)) {
+        return;
+    }
+    blurAny(pass, weights, input, alongRows, Content::kAny, scratch);
+}
+
+// --- both passes
+// ---------------------------------------------------------------------------------------------
+
+struct Box {
+    int64_t left;
+    int64_t top;
+    int64_t right;
+    int64_t bottom;
+};
+
+HWY_INLINE bool isBlank(const uint8_t* cells, int64_t step, int64_t count) {
+    V8 any = hn::Zero(d8);
+    for (int64_t i = 0; i < count; ++i, cells += step) any = hn::Or(any, hn::LoadU(d8, cells));
+    return allBytesAre(any, 0);
+}
+
+HWY_INLINE bool isRowBlank(const uint8_t* row, int64_t width) {
+    return isBlank(row, kLanes, width / kLanes) && isBlank(row + width - kLanes, kLanes, 1);
+}
+
+// What is not blank, in columns to the next vector; at least one of them wide and a row high.
+Box inkOf(const uint8_t* in, int64_t width, int64_t height) {
+    Box box = {0, 0, width, height};
+    while (box.top + 1 < box.bottom && isRowBlank(in + box.top * width, width)) ++box.top;
+    while (box.bottom - 1 > box.top && isRowBlank(in + (box.bottom - 1) * width, width))
+        --box.bottom;
+    const uint8_t* first = in + box.top * width;
+    const int64_t rows = box.bottom - box.top;
+    while (box.left + 2 * kLanes <= box.right && isBlank(first + box.left, width, rows)) {
+        box.left += kLanes;
+    }
+    while (box.right - 2 * kLanes >= box.left && isBlank(first + box.right - kLanes, width, rows)) {
+        box.right -= kLanes;
+    }
+    return box;
+}
+
+// All cells but those of the area's rows and the ink's columns.
+void fillAround(uint8_t* out, int64_t width, int64_t height, const Box& ink, const Box& area,
+                uint8_t value) {
+    std::memset(out, value, static_cast<size_t>(area.top * width));
+    uint8_t* row = out + area.top * width;
+    for (int64_t y = area.top; y < area.bottom; ++y, row += width) {
+        std::memset(row, value, static_cast<size_t>(ink.left));
+        std::memset(row + ink.right, value, static_cast<size_t>(width - ink.right));
+    }
+    std::memset(row, value, static_cast<size_t>((height - area.bottom) * width));
+}
+
+template <int kRadius>
+bool blurBothDirect(const BlurPass& area, const BlurWeights& weights, BlurInput input,
+                    uint8_t* memory) {
+    using Taps = DirectTaps<kRadius>;
+    if (area.columns < kLanes || area.rows < 2 || !Taps::takes(weights)) return false;
+    const int64_t length = std::max(area.columns, area.rows) + Taps::kReach;
+    const BlurScratch scratch(memory, length, kRadius);
+    const Taps taps(weights, input);
+    blurBothDirect<kRadius>(area, taps, scratch);
+    return true;
 }
 
 void blurBoth(const uint8_t* in, uint8_t* out, int64_t width, int64_t height,
               const BlurWeights& weights, BlurInput input, uint8_t* scratch) {
     const int64_t radius = weights.radius;
-    const int64_t columns = width - 2 * radius;
-    const int64_t rows = height - 2 * radius;
-    if (columns < 0 || rows < 0) return;
-    std::memset(out, input == BlurInput::kDirect ? 0 : 255, static_cast<size_t>(width * height));
+    Box area = {radius, radius, width - radius, height - radius};
+    if (area.left > area.right || area.top > area.bottom) return;
+    Box ink = area;
+    // Blank paper stays blank, which is also what lies outside the area.
+    if (input == BlurInput::kDirect && area.right - area.left >= kLanes && area.bottom > area.top) {
+        const Box all = inkOf(in, width, height);
+        ink = {std::max(area.left, all.left), area.top, std::min(area.right, all.right),
+               area.bottom};
+        area = {std::max(area.left, all.left - radius), std::max(area.top, all.top - radius),
+                std::min(area.right, all.right + radius),
+                std::min(area.bottom, all.bottom + radius)};
+    }
+    const uint8_t border = input == BlurInput::kDirect ? 0 : 255;
+    if (ink.left >= ink.right || area.top >= area.bottom) {
+        std::memset(out, border, static_cast<size_t>(width * height));
+        return;
+    }
+    fillAround(out, width, height, ink, area, border);
+    const int64_t rows = area.bottom - area.top;
+    const int64_t columns = area.right - area.left;
+    const uint8_t* firstWindows = in + (area.top - radius) * width;
+    uint8_t* firstRow = out + area.top * width;
+    const BlurPass both = {
+        firstWindows + area.left, width, firstRow + area.left, width, columns, rows};
+    if (blurBothDirect<1>(both, weights, input, scratch) ||
+        blurBothDirect<2>(both, weights, input, scratch) ||
+        blurBothDirect<3>(both, weights, input, scratch) ||
+        blurBothDirect<4>(both, weights, input, scratch) ||
+        blurBothDirect<5>(both, weights, input, scratch) ||
+        blurBothDirect<6>(both, weights, input, scratch)) {
+        return;
+    }
     // The columns' means go where the rows' means replace them.
-    uint8_t* firstRow = out + radius * width;
-    uint8_t* means = firstRow + radius;
-    blurAll({in + radius, width, means, width, columns, rows}, weights, input, false, scratch);
-    blurAll({firstRow, width, means, width, columns, rows}, weights, input, true, scratch);
+    blurAny(
+        {firstWindows + ink.left, width, firstRow + ink.left, width, ink.right - ink.left, rows},
+        weights, input, false, Content::kAny, scratch);
+    blurAny({firstRow + area.left - radius, width, firstRow + area.left, width, columns, rows},
+            weights, input, true, Content::kDense, scratch);
 }
 
 #endif  // GX_SIMD_IS_PLAIN

@@ -31,10 +31,15 @@ struct BlurPass {
 // Rows of a pass that are blurred side by side: passes over rows are best given in multiples of it.
 inline constexpr int64_t kBlurStripWidth = 32;
 
-// Bytes of the work memory for passes that read up to width x height cells: a strip of the plane
-// with the weights of the differences behind it.
+// From this radius on, blurs may keep sums of neighbouring cells.
+inline constexpr int64_t kBlurRunRadius = 32;
+
+// Bytes of the work memory for passes that read up to width x height cells: a strip of the plane,
+// the differences or sums of its cells, and the weights' differences.
 constexpr int64_t blurScratchBytes(int64_t width, int64_t height, int64_t radius) {
-    return ((width > height ? width : height) + 8) * kBlurStripWidth + (radius + 4) * 8;
+    const int64_t length = width > height ? width : height;
+    const int64_t perCell = kBlurStripWidth * (radius < kBlurRunRadius ? 3 : 5);
+    return (length + 160) * perCell + radius * 12;
 }
 
 // `scratch` holds blurScratchBytes() of the cells that are read; its contents do not matter.
