@@ -6,9 +6,6 @@
 #include <unicode/utf16.h>
 #include <unicode/utf8.h>
 
-#include <ft2build.h>
-#include FT_FREETYPE_H
-
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -26,6 +23,7 @@
 #include "hwui/Typeface.h"
 #include "minikin/LocaleList.h"
 #include "minikin/SparseBitSet.h"
+#include "platform/FreeTypeReference.h"
 #include "support/Fonts.h"
 #include "support/Random.h"
 #include "support/TempFolder.h"
@@ -172,6 +170,9 @@ constexpr Setting kSettings[] = {
     {"hinted", 23, 1, "", true},
 };
 
+constexpr int kLoadFlags = FT_LOAD_TARGET_NORMAL | FT_LOAD_NO_AUTOHINT | FT_LOAD_NO_BITMAP |
+                           FT_LOAD_IGNORE_GLOBAL_ADVANCE_WIDTH | FT_LOAD_COLOR;
+
 struct ShapedGlyph {
     int id, cluster, dx, dy, ax, ay;
 };
@@ -204,9 +205,7 @@ std::vector<std::vector<ShapedGlyph>> shapeByProgram(const Sample& sample, const
                           "\" --text-file='" + wordFile + "' --font-file='" +
                           fontPath(sample.font) + "'";
     if (setting.hinted) {
-        constexpr int kFlags = FT_LOAD_TARGET_NORMAL | FT_LOAD_NO_AUTOHINT | FT_LOAD_NO_BITMAP |
-                               FT_LOAD_IGNORE_GLOBAL_ADVANCE_WIDTH | FT_LOAD_COLOR;
-        command += " --font-funcs=ft --ft-load-flags=" + std::to_string(kFlags);
+        command += " --font-funcs=ft --ft-load-flags=" + std::to_string(kLoadFlags);
     }
     std::vector<std::vector<ShapedGlyph>> result;
     FILE* pipe = popen(command.c_str(), "r");
@@ -237,6 +236,7 @@ struct Figures {
     Figure glyphs{"glyph ids and offsets against hb-shape, glyphs"};
     Figure units{"clusters against hb-shape, UTF-16 units"};
     Figure advances{"advances against hb-shape, glyphs"};
+    Figure bounds{"bounds against FreeType's boxes at these positions, words"};
     float widest = 0;
     ~Figures() {
         char text[80];
@@ -305,6 +305,45 @@ bool isSame(const Layout& layout, const std::vector<ShapedGlyph>& expected,
     return same;
 }
 
+// The control boxes of FreeType's glyphs in whole pixels where the layout has them, put together;
+// as long as there is no ink, the last blank's place.
+minikin::MinikinRect boxAround(const Layout& layout, FT_Face face, const Setting& setting) {
+    const auto size = static_cast<float>(setting.size * 64);
+    EXPECT_EQ(FT_Set_Char_Size(face, static_cast<FT_F26Dot6>(size * setting.scaleX),
+                               static_cast<FT_F26Dot6>(size), 72, 72),
+              0);
+    minikin::MinikinRect around;
+    bool hasInk = false;
+    for (int i = 0; i < static_cast<int>(layout.nGlyphs()); ++i) {
+        EXPECT_EQ(FT_Load_Glyph(face, layout.getGlyphId(i), kLoadFlags), 0);
+        FT_BBox box;
+        FT_Outline_Get_CBox(&face->glyph->outline, &box);
+        const bool isBlank = box.xMin == box.xMax || box.yMin == box.yMax;
+        minikin::MinikinRect glyph;
+        if (!isBlank) {
+            glyph = {std::floor(static_cast<float>(box.xMin) / 64),
+                     -std::ceil(static_cast<float>(box.yMax) / 64),
+                     std::ceil(static_cast<float>(box.xMax) / 64),
+                     -std::floor(static_cast<float>(box.yMin) / 64)};
+        }
+        glyph.offset(layout.getX(i), layout.getY(i));
+        if (!hasInk) around = glyph;
+        if (hasInk && !isBlank) {
+            around = {std::min(around.mLeft, glyph.mLeft), std::min(around.mTop, glyph.mTop),
+                      std::max(around.mRight, glyph.mRight),
+                      std::max(around.mBottom, glyph.mBottom)};
+        }
+        hasInk = hasInk || !isBlank;
+    }
+    return around;
+}
+
+bool isNear(const minikin::MinikinRect& a, const minikin::MinikinRect& b) {
+    constexpr float kNear = 1e-3f;
+    return std::fabs(a.mLeft - b.mLeft) < kNear && std::fabs(a.mTop - b.mTop) < kNear &&
+           std::fabs(a.mRight - b.mRight) < kNear && std::fabs(a.mBottom - b.mBottom) < kNear;
+}
+
 Layout layOutWord(const Paint& paint, const Typeface& typeface, const std::u32string& word) {
     std::vector<uint16_t> units;
     for (const char32_t c : word) {
@@ -334,6 +373,7 @@ TEST(ShapingTest, WordsOfAllScriptsAreHarfBuzzs) {
         SCOPED_TRACE(sample.name);
         const auto family = makeFamily(loadFont(sample.font, sample.face));
         std::vector<std::shared_ptr<minikin::FontFamily>> families = {family};
+        FreeTypeReference reference(fontBytes(sample.font), sample.face);
         const std::unique_ptr<Typeface> typeface(
             Typeface::createFromFamilies(std::move(families), 400, 0));
         const auto words = wordsOf(sample, *family, kRandomWords, &random);
@@ -358,6 +398,9 @@ TEST(ShapingTest, WordsOfAllScriptsAreHarfBuzzs) {
                 const Layout layout = layOutWord(paint, *typeface, words[i]);
                 EXPECT_TRUE(
                     figures.words.add(isSame(layout, shaped[i], words[i], setting, &figures)))
+                    << encoded(words[i]);
+                EXPECT_TRUE(figures.bounds.add(
+                    isNear(layout.getBounds(), boxAround(layout, reference.face(), setting))))
                     << encoded(words[i]);
             }
         }
