@@ -4,12 +4,13 @@
 BUILD := build
 PRESET ?= release
 
-.PHONY: help setup demo demo-java test aar bench bench-instructions bench-scaling lint format sanitize test-aarch64 clean
+.PHONY: help setup demo demo-java test agreement aar bench bench-instructions bench-scaling lint format sanitize test-aarch64 clean
 
 help:
 	@echo "make demo          build, then render sample pictures into out/demo/"
 	@echo "make demo-java     render pictures through the Java SDK into out/demo-java/"
 	@echo "make test          build and run every test"
+	@echo "make agreement     the text stack against HarfBuzz, FreeType, ICU, Unicode and CanvasKit, in figures"
 	@echo "make aar           pack the SDK and the libraries built for Android into out/aar/"
 	@echo "make bench         build and run the benchmarks: ratios to the peers, targets beside"
 	@echo "make bench-instructions  instructions per pixel of the same rows"
@@ -41,6 +42,12 @@ test: setup
 	cmake --preset $(PRESET)
 	cmake --build --preset $(PRESET)
 	ctest --preset $(PRESET)
+
+agreement: setup
+	@scripts/setup demo peers
+	cmake --preset release
+	cmake --build --preset release --target gxtext_agreement_test
+	@$(BUILD)/release/tests/agreement/gxtext_agreement_test | grep -E '^agreement:|scripts/setup|FAILED'
 
 aar: setup
 	@scripts/setup java

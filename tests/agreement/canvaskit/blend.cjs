@@ -3,7 +3,8 @@
 // the target as a bitmap, and the target with a rectangle in each tile of 8 x 8 pixels. The tile's
 // first source pixel is the rectangle's colour, the next two its edges from the tile's corner, as
 // signed sixteenths of a pixel; it is clipped to the tile. Then come masks of one byte per pixel, from
-// the first bytes of the first source: letters of the font on a clear mask, and on that source.
+// the first bytes of the first source: letters of the font on a clear mask, and on that source; and
+// one of 300 pixels on a clear mask.
 'use strict';
 const SIZE = 256, TILE = 8, BYTES = 4 * SIZE * SIZE;
 const [, , kitPath, fontPath] = process.argv;
@@ -72,7 +73,13 @@ require(kitPath)().then((kit) => {
     image.delete();
     output.push(drawn(target, (canvas) => drawRectangles(canvas, source)));
   }
-  output.push(drawn(Buffer.alloc(SIZE * SIZE), drawLetters, maskInfo));
+  const clear = Buffer.alloc(SIZE * SIZE);
+  output.push(drawn(clear, drawLetters, maskInfo));
   output.push(drawn(input.subarray(0, SIZE * SIZE), drawLetters, maskInfo));
+  font.setSize(300);
+  font.setLinearMetrics(true);
+  const paint = new kit.Paint();
+  paint.setAntiAlias(true);
+  output.push(drawn(clear, (canvas) => canvas.drawText('&', 10.25, 235.5, paint, font), maskInfo));
   require('fs').writeFileSync(1, Buffer.concat(output));
 });
