@@ -4,9 +4,12 @@
 // first source pixel is the rectangle's colour, the next two its edges from the tile's corner, as
 // signed sixteenths of a pixel; it is clipped to the tile. Then come masks of one byte per pixel, from
 // the first bytes of the first source: letters of the font on a clear mask, and on that source; and
-// one of 300 pixels on a clear mask.
+// one of 300 pixels on a clear mask. Last, for a letter at PLACES by PLACES positions around a pixel, a
+// 64th of a pixel apart, without and with subpixel positions: which position was the first to give the
+// same picture, as 16 bits.
 'use strict';
 const SIZE = 256, TILE = 8, BYTES = 4 * SIZE * SIZE;
+const PLACES = 81;
 const [, , kitPath, fontPath] = process.argv;
 
 require(kitPath)().then((kit) => {
@@ -64,6 +67,29 @@ require(kitPath)().then((kit) => {
     paint.delete();
   }
 
+  function placesOfSamePictures() {
+    const format = { ...maskInfo, width: 64, height: 64 };
+    const memory = kit.Malloc(Uint8Array, 64 * 64);
+    const surface = kit.MakeRasterDirectSurface(format, memory, 64);
+    const paint = new kit.Paint();
+    const firsts = Buffer.alloc(2 * 2 * PLACES * PLACES);
+    for (const subpixel of [false, true]) {
+      font.setSize(20);
+      font.setSubpixel(subpixel);
+      const known = new Map();
+      for (let i = 0; i < PLACES * PLACES; i++) {
+        memory.toTypedArray().fill(0);
+        const x = 20 + (i % PLACES) / 64, y = 30 + Math.floor(i / PLACES) / 64;
+        surface.getCanvas().drawText('g', x, y, paint, font);
+        surface.flush();
+        const picture = Buffer.from(memory.toTypedArray()).toString('latin1');
+        if (!known.has(picture)) known.set(picture, i);
+        firsts.writeUInt16LE(known.get(picture), 2 * (i + (subpixel ? PLACES * PLACES : 0)));
+      }
+    }
+    return firsts;
+  }
+
   const output = [];
   for (let at = 0; at < input.length; at += 2 * BYTES) {
     const source = input.subarray(at, at + BYTES);
@@ -81,5 +107,6 @@ require(kitPath)().then((kit) => {
   const paint = new kit.Paint();
   paint.setAntiAlias(true);
   output.push(drawn(clear, (canvas) => canvas.drawText('&', 10.25, 235.5, paint, font), maskInfo));
+  output.push(placesOfSamePictures());
   require('fs').writeFileSync(1, Buffer.concat(output));
 });

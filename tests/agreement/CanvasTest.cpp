@@ -1,4 +1,4 @@
-// Blending on unpremultiplied colour against CanvasKit, which is the device's canvas built for
+// Blending, and the placing of letters, against CanvasKit, which is the device's canvas built for
 // WebAssembly.
 #include <gtest/gtest.h>
 
@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <map>
 #include <string>
 
 #include "Figure.h"
@@ -24,6 +25,7 @@ namespace {
 
 constexpr int kSize = 256;
 constexpr int kTile = 8;
+constexpr int kPlaces = 81;
 constexpr size_t kBytes = size_t{4} * kSize * kSize;
 
 std::string readFile(const std::string& path) {
@@ -172,7 +174,29 @@ void compareLargeText(const std::string& mask) {
     EXPECT_LT(sum / 255, 80);  // an eighth of a pixel off already makes 115
 }
 
-TEST(BlendingTest, PixelsAreCanvasKits) {
+// Which positions give the same picture says how they are rounded, whatever the letter looks like.
+void comparePositions(const std::string& firsts) {
+    Figure figure("rounding of positions against CanvasKit, positions");
+    const SkGlyphID glyph = FreeTypeReference(fontBytes(kDejaVuSans)).glyph('g');
+    SkFont font(loadTypeface(kDejaVuSans), 20);
+    size_t at = 0;
+    for (const bool subpixel : {false, true}) {
+        font.setSubpixel(subpixel);
+        std::map<std::string, int> known;
+        for (int i = 0; i < kPlaces * kPlaces; ++i, at += 2) {
+            MaskCanvas mask(64, 64);
+            mask.draw(font, {{glyph, 20 + static_cast<float>(i % kPlaces) / 64,
+                              30 + static_cast<float>(i / kPlaces) / 64}});
+            const int first =
+                known.emplace(std::string(mask.pixels.begin(), mask.pixels.end()), i).first->second;
+            const int expected =
+                static_cast<uint8_t>(firsts[at]) | static_cast<uint8_t>(firsts[at + 1]) << 8;
+            EXPECT_TRUE(figure.add(first == expected)) << i << (subpixel ? " subpixel" : "");
+        }
+    }
+}
+
+TEST(CanvasTest, PixelsAreCanvasKits) {
     constexpr int kJobs = 16;
     Random random(41);
     GX_TRACE_SEED(random);
@@ -181,11 +205,12 @@ TEST(BlendingTest, PixelsAreCanvasKits) {
     const Peer peer = drawByCanvasKit(jobs);
     if (!peer.missing.empty()) GTEST_SKIP() << peer.missing;
     constexpr size_t kPixels = size_t{kSize} * kSize;
-    ASSERT_EQ(peer.pictures.size(), jobs.size() + 3 * kPixels);
+    ASSERT_EQ(peer.pictures.size(), jobs.size() + 3 * kPixels + size_t{4} * kPlaces * kPlaces);
     comparePictures(jobs, peer.pictures);
     compareMasks(jobs, peer.pictures.substr(jobs.size(), kPixels),
                  peer.pictures.substr(jobs.size() + kPixels, kPixels));
-    compareLargeText(peer.pictures.substr(jobs.size() + 2 * kPixels));
+    compareLargeText(peer.pictures.substr(jobs.size() + 2 * kPixels, kPixels));
+    comparePositions(peer.pictures.substr(jobs.size() + 3 * kPixels));
 }
 
 }  // namespace
