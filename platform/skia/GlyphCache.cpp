@@ -26,7 +26,7 @@ std::shared_ptr<const GlyphMask> makeMask(Source& source, unsigned phase, unsign
     mask->bounds = source.bounds(placement);
     const size_t pixels = pixelCount(mask->bounds);
     if (pixels == 0 || pixels > GlyphCache::kMaxMaskPixels) return mask;
-    mask->coverage.resize(pixels);
+    mask->coverage.resize(pixels + kMaskBlock);
     source.render(placement, mask->bounds, mask->coverage.data());
     if (mask->kind == MaskKind::kGrey) {
         applyGamma(gammaLevel, mask->coverage.data(), pixels);

@@ -17,6 +17,9 @@
 
 namespace portable {
 
+// Masks are drawn in blocks of so many pixels, the last of a row reading beyond it.
+constexpr size_t kMaskBlock = 16;
+
 // Of a glyph at one size, at a whole-pixel position.
 struct GlyphMetrics {
     float advance = 0;
@@ -27,8 +30,8 @@ struct GlyphMetrics {
 struct GlyphMask {
     SkIRect bounds = SkIRect::MakeEmpty();
     MaskKind kind = MaskKind::kGrey;
-    // Of bounds, rows packed; grey coverage has been through the gamma table. Empty for blank
-    // glyphs and for those larger than GlyphCache::kMaxMaskPixels.
+    // Of bounds, rows packed, kMaskBlock zeros behind the last; grey coverage has been through the
+    // gamma table. Empty for blank glyphs and for those larger than GlyphCache::kMaxMaskPixels.
     std::vector<uint8_t> coverage;
 };
 

@@ -1,5 +1,7 @@
 #include "skia/TextPainter.h"
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -18,7 +20,8 @@ namespace portable {
 
 namespace {
 
-// A mask in memory: rows packed, its corner in the bitmap's pixels.
+// A mask in memory: rows packed, kMaskBlock more bytes behind the last, its corner in the bitmap's
+// pixels.
 struct Mask {
     const uint8_t* pixels;
     SkIRect bounds;
@@ -38,40 +41,55 @@ constexpr uint8_t towards255(uint8_t d, uint8_t c) {
     return static_cast<uint8_t>(div255(d * (255u - c) + 255u * c));
 }
 
-// The same for a block, in 16-bit lanes: div255 of these sums stays below 2^16.
-constexpr int kBlock = 16;
+// The same for a block, in 16-bit lanes, which its sums fit. Copies keep the compiler from seeing a
+// row that may lie over the mask.
 void moveBlockTowards255(uint8_t* row, const uint8_t* mask) {
-    uint16_t v[kBlock];
-    for (int i = 0; i < kBlock; ++i) {
-        v[i] = static_cast<uint16_t>(row[i] * (255 - mask[i]) + 255 * mask[i] + 128);
+    uint64_t before[2];
+    static_assert(sizeof(before) == kMaskBlock);
+    std::memcpy(before, row, kMaskBlock);
+    if ((before[0] | before[1]) == 0) {  // most often: glyphs rarely touch
+        std::memcpy(row, mask, kMaskBlock);
+        return;
     }
-    for (int i = 0; i < kBlock; ++i) {
-        row[i] = static_cast<uint8_t>(static_cast<uint16_t>(v[i] + (v[i] >> 8)) >> 8);
+    uint8_t d[kMaskBlock];
+    uint8_t c[kMaskBlock];
+    std::memcpy(d, row, kMaskBlock);
+    std::memcpy(c, mask, kMaskBlock);
+    for (size_t i = 0; i < kMaskBlock; ++i) {
+        const auto v = static_cast<uint16_t>(d[i] * (255 - c[i]) + 255 * c[i] + 128);
+        d[i] = static_cast<uint8_t>(static_cast<uint16_t>(v + (v >> 8)) >> 8);
     }
+    std::memcpy(row, d, kMaskBlock);
 }
 
-// Most of a large glyph is empty or full.
-void blitOpaque(uint8_t* row, const uint8_t* mask, int count) {
-    int i = 0;
-    for (; i + kBlock <= count; i += kBlock) {
-        uint64_t half[2];
-        std::memcpy(half, mask + i, kBlock);
-        if ((half[0] | half[1]) == 0) continue;
-        if ((half[0] & half[1]) == ~uint64_t{0}) {
-            std::memset(row + i, 0xFF, kBlock);
-        } else {
-            moveBlockTowards255(row + i, mask + i);
-        }
+// The first `count` pixels of a block; the others are left as they are.
+void moveSomeTowards255(uint8_t* row, const uint8_t* mask, size_t count) {
+    static constexpr std::array<uint8_t, 2 * kMaskBlock> kOnesThenZeros = [] {
+        std::array<uint8_t, 2 * kMaskBlock> bytes{};
+        std::fill_n(bytes.begin(), kMaskBlock, uint8_t{0xFF});
+        return bytes;
+    }();
+    uint8_t some[kMaskBlock];
+    for (size_t i = 0; i < kMaskBlock; ++i) {
+        some[i] = mask[i] & kOnesThenZeros[kMaskBlock - count + i];
+    }
+    moveBlockTowards255(row, some);
+}
+
+// `room` pixels of the row may be rewritten; the mask can be read for a block from any of its
+// `count` pixels.
+void blitOpaque(uint8_t* row, const uint8_t* mask, size_t count, size_t room) {
+    size_t i = 0;
+    for (; i + kMaskBlock <= count; i += kMaskBlock) moveBlockTowards255(row + i, mask + i);
+    if (i + kMaskBlock <= room) {
+        moveSomeTowards255(row + i, mask + i, count - i);
+        return;
     }
     for (; i < count; ++i) row[i] = towards255(row[i], mask[i]);
 }
 
-void blitAlpha(uint8_t* row, const uint8_t* mask, int count, unsigned alpha) {
-    if (alpha == 255) {
-        blitOpaque(row, mask, count);
-        return;
-    }
-    for (int i = 0; i < count; ++i) row[i] = coverageOver(div255(alpha * mask[i]), row[i]);
+void blitTranslucent(uint8_t* row, const uint8_t* mask, size_t count, unsigned alpha) {
+    for (size_t i = 0; i < count; ++i) row[i] = coverageOver(div255(alpha * mask[i]), row[i]);
 }
 
 class TextPainter {
@@ -161,10 +179,11 @@ void TextPainter::paintOutline(GlyphScaler& scaler, SkGlyphID glyph,
 void TextPainter::paintPart(GlyphScaler& scaler, const GlyphPlacement& placement, bool gamma) {
     SkIRect window = scaler.bounds(placement);
     if (window.isEmpty() || !window.intersect(fClip)) return;
-    fScratch.resize(static_cast<size_t>(window.fRight - window.fLeft) *
-                    static_cast<size_t>(window.fBottom - window.fTop));
+    const size_t pixels = static_cast<size_t>(window.fRight - window.fLeft) *
+                          static_cast<size_t>(window.fBottom - window.fTop);
+    fScratch.resize(pixels + kMaskBlock);
     scaler.render(placement, window, fScratch.data());
-    if (gamma) applyGamma(fGammaLevel, fScratch.data(), fScratch.size());
+    if (gamma) applyGamma(fGammaLevel, fScratch.data(), pixels);
     this->blit({fScratch.data(), window});
 }
 
@@ -180,7 +199,13 @@ void TextPainter::blit(const Mask& mask) {
                        static_cast<size_t>(y) * fBitmap.rowBytes() +
                        static_cast<size_t>(area.fLeft) * bytesPerPixel(fFormat);
         if (fFormat == PixelFormat::kAlpha8) {
-            blitAlpha(row, source, count, fAlpha);
+            const auto length = static_cast<size_t>(count);
+            const auto room = static_cast<size_t>(fBitmap.width() - area.fLeft);
+            if (fAlpha == 255) {
+                blitOpaque(row, source, length, room);
+            } else {
+                blitTranslucent(row, source, length, fAlpha);
+            }
         } else {
             this->blitColor(row, source, count);
         }
