@@ -73,10 +73,17 @@ void MinikinFontSkia::GetHorizontalAdvances(uint16_t* glyph_ids, uint32_t count,
 void MinikinFontSkia::GetBounds(minikin::MinikinRect* bounds, uint32_t glyph_id,
                                 const minikin::MinikinPaint& paint,
                                 const minikin::FontFakery& fakery) const {
+    float advance = 0.0f;
+    GetAdvanceAndBounds(glyph_id, paint, fakery, &advance, bounds);
+}
+
+void MinikinFontSkia::GetAdvanceAndBounds(uint32_t glyph_id, const minikin::MinikinPaint& paint,
+                                          const minikin::FontFakery& fakery, float* advance,
+                                          minikin::MinikinRect* bounds) const {
     const SkFont skFont = measuringFont(mTypeface, paint, fakery);
     const auto glyph = static_cast<SkGlyphID>(glyph_id);
     SkRect box = SkRect::MakeLTRB(0, 0, 0, 0);
-    skFont.getBounds(&glyph, 1, &box, nullptr);
+    skFont.getWidthsBounds(&glyph, 1, advance, &box, nullptr);
     *bounds = minikin::MinikinRect(box.fLeft, box.fTop, box.fRight, box.fBottom);
 }
 

@@ -2,6 +2,7 @@
 
 #include <unicode/ubidi.h>
 
+#include <algorithm>
 #include <memory>
 #include <new>
 
@@ -20,6 +21,14 @@ UBiDiLevel paragraphLevel(Bidi bidiFlags) {
     return byFirstStrong ? UBIDI_DEFAULT_LTR : 0;
 }
 
+// Whether nothing in the text is right to left or changes directions: all that is lies from Hebrew
+// on, but not between the CJK radicals and the surrogates.
+bool isLeftToRight(const U16StringPiece& text) {
+    return std::all_of(text.data(), text.data() + text.size(), [](uint16_t unit) {
+        return unit < 0x0590 || (unit >= 0x2E80 && unit < 0xD800);
+    });
+}
+
 }  // namespace
 
 std::vector<BidiRun> visualRuns(const U16StringPiece& text, const Range& range, Bidi bidiFlags) {
@@ -27,6 +36,11 @@ std::vector<BidiRun> visualRuns(const U16StringPiece& text, const Range& range, 
     if (range.isEmpty()) return runs;
     if (isOverride(bidiFlags)) {
         runs.push_back({range, isRtl(bidiFlags)});
+        return runs;
+    }
+
+    if (!isRtl(bidiFlags) && isLeftToRight(text)) {
+        runs.push_back({range, false});
         return runs;
     }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 
+#include "minikin/LayoutCache.h"
 #include "minikin/Locale.h"
 #include "minikin/Unicode.h"
 
@@ -67,6 +68,10 @@ FontCollection::FontCollection(const std::vector<std::shared_ptr<FontFamily>>& t
         mFamilies.push_back(family);
         mMaxChar = std::max(mMaxChar, family->getCoverage().length());
     }
+}
+
+FontCollection::~FontCollection() {
+    LayoutCache::shared().forget(mId);
 }
 
 const FontFamily* FontCollection::bestFamily(uint32_t codepoint, uint32_t selector,

@@ -32,13 +32,20 @@ MinikinPaint withFiniteNumbers(const MinikinPaint& paint) {
     return result;
 }
 
-// Where words begin, plus the end of the text.
-std::vector<uint32_t> wordBoundaries(const U16StringPiece& text) {
-    std::vector<uint32_t> boundaries = {0};
-    for (uint32_t i = 1; i < text.size(); i++) {
-        if (breaksBefore(text[i]) || breaksAfter(text[i - 1])) boundaries.push_back(i);
+bool isWordBoundary(const U16StringPiece& text, uint32_t i) {
+    return i == 0 || i >= text.size() || breaksBefore(text[i]) || breaksAfter(text[i - 1]);
+}
+
+// Where the words begin that the range touches, plus the end of the last one.
+std::vector<uint32_t> wordBoundaries(const U16StringPiece& text, const Range& range) {
+    uint32_t i = range.getStart();
+    while (!isWordBoundary(text, i)) i--;
+    std::vector<uint32_t> boundaries = {i};
+    while (boundaries.back() < range.getEnd()) {
+        do i++;
+        while (!isWordBoundary(text, i));
+        boundaries.push_back(i);
     }
-    boundaries.push_back(text.size());
     return boundaries;
 }
 
@@ -94,7 +101,7 @@ Layout::Layout(const U16StringPiece& text, const Range& range, Bidi bidiFlags,
     if (inside.isEmpty() || !paint.font || paint.font->getFamilies().empty()) return;
 
     const MinikinPaint finitePaint = withFiniteNumbers(paint);
-    const std::vector<uint32_t> boundaries = wordBoundaries(text);
+    const std::vector<uint32_t> boundaries = wordBoundaries(text, inside);
     PieceShaper shaper(finitePaint);
     for (const BidiRun& run : visualRuns(text, inside, bidiFlags)) {
         for (const Piece& piece : piecesOfRun(text, boundaries, run)) {
@@ -102,7 +109,7 @@ Layout::Layout(const U16StringPiece& text, const Range& range, Bidi bidiFlags,
             const uint32_t wordStart = piece.word.getStart();
             const Range inWord(start - wordStart, piece.range.getEnd() - wordStart);
             const bool isSpace = inWord.getLength() == 1 && text[start] == ' ';
-            appendPiece(shaper.shape(text.substr(piece.word), inWord, run.isRtl),
+            appendPiece(*shaper.shape(text.substr(piece.word), inWord, run.isRtl),
                         start - inside.getStart(), isSpace ? finitePaint.wordSpacing : 0.0f);
         }
     }

@@ -24,6 +24,13 @@ void MinikinFont::GetHorizontalAdvances(uint16_t* glyph_ids, uint32_t count,
     }
 }
 
+void MinikinFont::GetAdvanceAndBounds(uint32_t glyph_id, const MinikinPaint& paint,
+                                      const FontFakery& fakery, float* advance,
+                                      MinikinRect* bounds) const {
+    *advance = GetHorizontalAdvance(glyph_id, paint, fakery);
+    GetBounds(bounds, glyph_id, paint, fakery);
+}
+
 const FontFile& MinikinFont::file() const {
     const std::lock_guard<std::mutex> guard(mLazyFile->lock);
     if (!mLazyFile->file) mLazyFile->file = std::make_unique<FontFile>(*this);

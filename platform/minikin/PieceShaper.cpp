@@ -8,7 +8,9 @@
 #include <new>
 #include <string>
 #include <string_view>
+#include <type_traits>
 
+#include "minikin/LayoutCache.h"
 #include "minikin/Unicode.h"
 
 namespace minikin {
@@ -45,7 +47,6 @@ void glyphAdvances(hb_font_t* /*hbFont*/, void* data, unsigned count, const hb_c
                    void* /*user*/) {
     constexpr unsigned kBatch = 64;
     auto* font = static_cast<ScaledFont*>(data);
-    const MinikinFont& face = *font->faked.font->typeface();
     const auto* glyphBytes = reinterpret_cast<const char*>(glyphs);
     auto* advanceBytes = reinterpret_cast<char*>(advances);
     while (count > 0) {
@@ -56,8 +57,7 @@ void glyphAdvances(hb_font_t* /*hbFont*/, void* data, unsigned count, const hb_c
             ids[i] = static_cast<uint16_t>(*reinterpret_cast<const hb_codepoint_t*>(glyphBytes));
         }
         try {
-            face.GetHorizontalAdvances(ids.data(), batch, *font->paint, font->faked.fakery,
-                                       widths.data());
+            font->measure(ids.data(), batch, widths.data());
         } catch (const std::bad_alloc&) {
             font->outOfMemory = true;
         }
@@ -129,6 +129,28 @@ std::vector<hb_feature_t> shapingFeatures(const MinikinPaint& paint) {
     return features;
 }
 
+template <typename T>
+void appendBytes(std::string* out, const T& value) {
+    static_assert(std::has_unique_object_representations_v<T> || std::is_floating_point_v<T>);
+    out->append(reinterpret_cast<const char*>(&value), sizeof(value));
+}
+
+// What of a paint decides how pieces are shaped. Word spacing comes on top of them.
+std::string paintKey(const MinikinPaint& paint) {
+    std::string key;
+    appendBytes(&key, paint.font->getId());
+    for (const float number : {paint.size, paint.scaleX, paint.skewX, paint.letterSpacing}) {
+        appendBytes(&key, number);
+    }
+    appendBytes(&key, paint.fontFlags);
+    appendBytes(&key, paint.localeListId);
+    appendBytes(&key, paint.fontStyle.weight());
+    appendBytes(&key, paint.fontStyle.slant());
+    appendBytes(&key, paint.familyVariant);
+    appendBytes(&key, paint.fontFeatureSettings.size());
+    return key + paint.fontFeatureSettings;
+}
+
 // Scripts whose letters are joined by a stroke or a head line, which spacing would tear.
 bool allowsLetterSpacing(hb_script_t script) {
     switch (script) {
@@ -186,6 +208,19 @@ ScaledFont::ScaledFont(const FakedFont& fakedFont, const MinikinPaint& minikinPa
                       nullptr);
 }
 
+void ScaledFont::measure(const uint16_t* glyphs, unsigned count, float* advances) {
+    for (unsigned i = 0; i < count; i++) {
+        MeasuredGlyph& known = mMeasured[glyphs[i] % kMeasuredGlyphs];
+        if (known.glyph != glyphs[i]) {
+            MeasuredGlyph fresh = {glyphs[i], 0.0f, MinikinRect()};
+            faked.font->typeface()->GetAdvanceAndBounds(glyphs[i], *paint, faked.fakery,
+                                                        &fresh.advance, &fresh.bounds);
+            known = fresh;
+        }
+        advances[i] = known.advance;
+    }
+}
+
 MinikinRect ScaledFont::glyphBounds(uint32_t glyph) const {
     MinikinRect bounds;
     hb_glyph_extents_t extents;
@@ -194,6 +229,9 @@ MinikinRect ScaledFont::glyphBounds(uint32_t glyph) const {
         bounds.mTop = std::round(toPixels(-extents.y_bearing));
         bounds.mRight = std::round(toPixels(extents.x_bearing + extents.width));
         bounds.mBottom = std::round(toPixels(-extents.y_bearing - extents.height));
+    } else if (const MeasuredGlyph& known = mMeasured[glyph % kMeasuredGlyphs];
+               known.glyph == glyph) {
+        bounds = known.bounds;
     } else {
         faked.font->typeface()->GetBounds(&bounds, glyph, *paint, faked.fakery);
     }
@@ -206,13 +244,37 @@ PieceShaper::PieceShaper(const MinikinPaint& paint)
     : mPaint(paint),
       mLocales(localeListById(paint.localeListId)),
       mFeatures(shapingFeatures(paint)),
-      mBuffer(hb_buffer_create()) {}
+      mBuffer(hb_buffer_create()),
+      mKey(paintKey(paint)),
+      mPaintKeySize(mKey.size()) {}
 
 const ScaledFont& PieceShaper::scaledFont(const FakedFont& fakedFont) {
     return mFonts.try_emplace(fakedFont.font, fakedFont, mPaint).first->second;
 }
 
-LayoutPiece PieceShaper::shape(const U16StringPiece& word, const Range& range, bool isRtl) {
+std::string_view PieceShaper::keyOf(const U16StringPiece& word, const Range& range, bool isRtl) {
+    mKey.resize(mPaintKeySize);
+    appendBytes(&mKey, range.getStart());
+    appendBytes(&mKey, range.getEnd());
+    appendBytes(&mKey, isRtl);
+    mKey.append(reinterpret_cast<const char*>(word.data()), word.size() * sizeof(uint16_t));
+    return mKey;
+}
+
+std::shared_ptr<const LayoutPiece> PieceShaper::shape(const U16StringPiece& word,
+                                                      const Range& range, bool isRtl) {
+    if (word.size() > LayoutCache::kMaxWordLength) {
+        return std::make_shared<const LayoutPiece>(shapeAnew(word, range, isRtl));
+    }
+    LayoutCache& cache = LayoutCache::shared();
+    const std::string_view key = keyOf(word, range, isRtl);
+    if (auto known = cache.find(key)) return known;
+    auto piece = std::make_shared<const LayoutPiece>(shapeAnew(word, range, isRtl));
+    if (piece->complete) cache.insert(mPaint.font->getId(), key, piece);
+    return piece;
+}
+
+LayoutPiece PieceShaper::shapeAnew(const U16StringPiece& word, const Range& range, bool isRtl) {
     LayoutPiece piece;
     piece.advances.resize(range.getLength());
     const U16StringPiece text = word.substr(range);
@@ -250,7 +312,10 @@ void PieceShaper::shapeScriptRun(const U16StringPiece& word, uint32_t pieceStart
     if (font.outOfMemory) throw std::bad_alloc();
     // HarfBuzz is out of memory, or a font whose rules grow the text beyond all bounds: the run
     // stays blank.
-    if (!shaped || !hb_buffer_allocation_successful(buffer)) return;
+    if (!shaped || !hb_buffer_allocation_successful(buffer)) {
+        out->complete = false;
+        return;
+    }
 
     const double letterSpace = allowsLetterSpacing(script)
                                    ? double{mPaint.letterSpacing} * mPaint.size * mPaint.scaleX

@@ -3,7 +3,12 @@
 
 #include <hb.h>
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -24,6 +29,7 @@ struct LayoutPiece {
     std::vector<float> advances;  // one per UTF-16 unit
     MinikinRect bounds;
     float advance = 0.0f;
+    bool complete = true;  // false when a run stayed blank because HarfBuzz gave up
 };
 
 // A font at the paint's size, as HarfBuzz sees it. The paint is borrowed.
@@ -32,6 +38,8 @@ struct ScaledFont {
     ScaledFont(const ScaledFont&) = delete;
     ScaledFont& operator=(const ScaledFont&) = delete;
 
+    // Fills advances[0, count), in pixels.
+    void measure(const uint16_t* glyphs, unsigned count, float* advances);
     // Box around the glyph's ink, pixels from its origin; of no size for a blank.
     MinikinRect glyphBounds(uint32_t glyph) const;
 
@@ -40,6 +48,17 @@ struct ScaledFont {
     bool hasColorBitmaps;
     HbFontUniquePtr hbFont;    // asks this object for advances
     bool outOfMemory = false;  // set when an advance could not be measured
+
+private:
+    // Glyphs measured before, each where its id falls modulo the size. Shaping asks for advances,
+    // placing for the boxes of mostly the same glyphs.
+    struct MeasuredGlyph {
+        uint32_t glyph = 0xFFFFFFFF;
+        float advance = 0.0f;
+        MinikinRect bounds;
+    };
+    static constexpr size_t kMeasuredGlyphs = 128;
+    std::array<MeasuredGlyph, kMeasuredGlyphs> mMeasured;
 };
 
 // Serves one layout: keeps its fonts and buffer from piece to piece. The paint is borrowed, its
@@ -48,10 +67,14 @@ class PieceShaper {
 public:
     explicit PieceShaper(const MinikinPaint& paint);
 
-    // Shapes `range` of `word`; the rest of the word is context only.
-    LayoutPiece shape(const U16StringPiece& word, const Range& range, bool isRtl);
+    // Shapes `range` of `word`, or finds it shaped before; the rest of the word is context only.
+    std::shared_ptr<const LayoutPiece> shape(const U16StringPiece& word, const Range& range,
+                                             bool isRtl);
 
 private:
+    LayoutPiece shapeAnew(const U16StringPiece& word, const Range& range, bool isRtl);
+    // All that decides how the piece is shaped, as bytes. Good until the next call.
+    std::string_view keyOf(const U16StringPiece& word, const Range& range, bool isRtl);
     const ScaledFont& scaledFont(const FakedFont& fakedFont);
     void shapeScriptRun(const U16StringPiece& word, uint32_t pieceStart, const Range& run,
                         hb_script_t script, bool isRtl, const ScaledFont& font, LayoutPiece* out);
@@ -63,6 +86,8 @@ private:
     std::vector<hb_feature_t> mFeatures;
     HbBufferUniquePtr mBuffer;
     std::unordered_map<const Font*, ScaledFont> mFonts;
+    std::string mKey;            // of the last piece
+    const size_t mPaintKeySize;  // of the part that all pieces share
 };
 
 }  // namespace minikin

@@ -37,6 +37,9 @@ public:
     void GetBounds(minikin::MinikinRect* bounds, uint32_t glyph_id,
                    const minikin::MinikinPaint& paint,
                    const minikin::FontFakery& fakery) const override;
+    void GetAdvanceAndBounds(uint32_t glyph_id, const minikin::MinikinPaint& paint,
+                             const minikin::FontFakery& fakery, float* advance,
+                             minikin::MinikinRect* bounds) const override;
     void GetFontExtent(minikin::MinikinExtent* extent, const minikin::MinikinPaint& paint,
                        const minikin::FontFakery& fakery) const override;
 

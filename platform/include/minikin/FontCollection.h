@@ -20,6 +20,7 @@ public:
     // Null families and families without fonts are left out, and so is everything after the 254th.
     // Without any family there are no runs.
     explicit FontCollection(const std::vector<std::shared_ptr<FontFamily>>& typefaces);
+    ~FontCollection();
     FontCollection(const FontCollection&) = delete;
     FontCollection& operator=(const FontCollection&) = delete;
 

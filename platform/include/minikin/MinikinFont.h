@@ -42,6 +42,10 @@ public:
     // Box around the ink relative to the glyph's origin; all 0 for a blank.
     virtual void GetBounds(MinikinRect* bounds, uint32_t glyph_id, const MinikinPaint& paint,
                            const FontFakery& fakery) const = 0;
+    // The two above in one.
+    virtual void GetAdvanceAndBounds(uint32_t glyph_id, const MinikinPaint& paint,
+                                     const FontFakery& fakery, float* advance,
+                                     MinikinRect* bounds) const;
     virtual void GetFontExtent(MinikinExtent* extent, const MinikinPaint& paint,
                                const FontFakery& fakery) const = 0;
 

@@ -1,0 +1,197 @@
+#include "minikin/LayoutCache.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <memory>
+#include <new>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "hwui/MinikinUtils.h"
+#include "minikin/LocaleList.h"
+#include "skia/GlyphCache.h"
+#include "support/AllocationFailure.h"
+#include "support/Fonts.h"
+#include "support/Random.h"
+
+namespace {
+
+using android::Paint;
+using gxtest::loadFont;
+using gxtest::makeFamily;
+using minikin::Bidi;
+using minikin::Layout;
+using minikin::LayoutCache;
+
+using Families = std::vector<std::shared_ptr<minikin::FontFamily>>;
+
+std::unique_ptr<android::Typeface> makeTypeface() {
+    return std::unique_ptr<android::Typeface>(android::Typeface::createFromFamilies(
+        Families{makeFamily(loadFont(gxtest::kNotoSans)), makeFamily(loadFont(gxtest::kNotoArabic)),
+                 makeFamily(loadFont(gxtest::kNotoCjk, 2))},
+        400, 0));
+}
+
+Layout layOut(const std::u16string& text, const android::Typeface& typeface, const Paint& paint,
+              Bidi bidi = Bidi::LTR, size_t start = 0) {
+    return android::MinikinUtils::doLayout(
+        &paint, bidi, &typeface, reinterpret_cast<const uint16_t*>(text.data()), text.size(), start,
+        text.size() - start, 0, text.size(), nullptr);
+}
+
+// Everything that a layout answers.
+std::vector<float> answers(const Layout& layout) {
+    const minikin::MinikinRect& box = layout.getBounds();
+    std::vector<float> all = {layout.getAdvance(), box.mLeft, box.mTop, box.mRight, box.mBottom};
+    all.insert(all.end(), layout.getAdvances().begin(), layout.getAdvances().end());
+    for (int i = 0; i < static_cast<int>(layout.nGlyphs()); i++) {
+        minikin::FontFakery fakery = layout.getFakery(i);
+        all.insert(all.end(), {layout.getX(i), layout.getY(i), float(layout.getGlyphId(i)),
+                               float(layout.getFont(i)->GetUniqueId()),
+                               float(fakery.isFakeBold() + 2 * fakery.isFakeItalic())});
+    }
+    return all;
+}
+
+Paint randomPaint(gxtest::Random& random) {
+    Paint paint;
+    paint.setJavaFlags(random.word() & 0xCE1);
+    SkFont& font = paint.getSkFont();
+    font.setSize(static_cast<float>(random.between(8, 11)) + (random.oneIn(2) ? 0.5f : 0.0f));
+    font.setScaleX(random.oneIn(3) ? 1.25f : 1.0f);
+    font.setSkewX(random.oneIn(3) ? -0.25f : 0.0f);
+    paint.setLetterSpacing(random.oneIn(3) ? 0.1f : 0.0f);
+    paint.setWordSpacing(random.oneIn(3) ? 2.0f : 0.0f);
+    const char* const settings[] = {"", "", "-liga", "-kern", "liga"};
+    paint.setFontFeatureSettings(settings[random.between(0, 4)]);
+    const char* const locales[] = {"", "en", "ja", "ar"};
+    paint.setMinikinLocaleListId(minikin::registerLocaleList(locales[random.between(0, 3)]));
+    paint.setFamilyVariant(static_cast<minikin::FamilyVariant>(random.between(0, 2)));
+    return paint;
+}
+
+// Few letters, so that words and paints come back again and again in other company.
+TEST(LayoutCache, KeptPiecesChangeNothing) {
+    gxtest::Random random(5);
+    GX_TRACE_SEED(random);
+    const std::vector<std::unique_ptr<android::Typeface>> typefaces = [] {
+        std::vector<std::unique_ptr<android::Typeface>> made;
+        for (int i = 0; i < 2; i++) made.push_back(makeTypeface());
+        made.push_back(std::unique_ptr<android::Typeface>(android::Typeface::createFromFamilies(
+            Families(made[0]->fFontCollection->getFamilies()), 700, 1)));
+        return made;
+    }();
+    const std::u16string letters = u"fi AV\u0644\u0627\u0645 \u4E2D\u6587\u0301-";
+    constexpr int kCases = 150;
+    std::vector<std::vector<float>> alone;
+    for (const bool cached : {false, true}) {
+        gxtest::Random cases(random.seed() + 1);
+        LayoutCache::shared().clear();
+        for (int i = 0; i < kCases; i++) {
+            std::u16string text;
+            for (int n = cases.between(1, 12); n > 0; n--) {
+                text += letters[static_cast<size_t>(
+                    cases.between(0, static_cast<int>(letters.size()) - 1))];
+            }
+            const Paint paint = randomPaint(cases);
+            const auto bidi = static_cast<Bidi>(cases.between(0, 5));
+            const auto start =
+                static_cast<size_t>(cases.between(0, static_cast<int>(text.size()) - 1));
+            const android::Typeface& typeface =
+                *typefaces[static_cast<size_t>(cases.between(0, 2))];
+            if (!cached) LayoutCache::shared().clear();
+            std::vector<float> found = answers(layOut(text, typeface, paint, bidi, start));
+            if (!cached) {
+                alone.push_back(std::move(found));
+            } else {
+                ASSERT_EQ(found, alone[static_cast<size_t>(i)]) << "case " << i;
+            }
+        }
+    }
+    EXPECT_GT(LayoutCache::shared().bytes(), 0u);
+}
+
+TEST(LayoutCache, FontsThatAreGoneLeaveNothing) {
+    LayoutCache::shared().clear();
+    portable::GlyphCache::shared().clear();
+    const auto kept = makeTypeface();
+    Paint paint;
+    layOut(u"kept words", *kept, paint);
+    const size_t before = LayoutCache::shared().bytes();
+    const size_t glyphsBefore = portable::GlyphCache::shared().bytes();
+    {
+        const auto gone = makeTypeface();
+        layOut(u"other words \u0645\u0631\u062D", *gone, paint);
+        EXPECT_GT(LayoutCache::shared().bytes(), before);
+        EXPECT_GT(portable::GlyphCache::shared().bytes(), glyphsBefore);
+    }
+    EXPECT_EQ(LayoutCache::shared().bytes(), before);
+    EXPECT_EQ(portable::GlyphCache::shared().bytes(), glyphsBefore);
+}
+
+std::u16string numbered(const char16_t* word, int i) {
+    std::u16string text = word;
+    for (const char digit : std::to_string(i)) text += static_cast<char16_t>(digit);
+    return text;
+}
+
+TEST(LayoutCache, StaysInItsBound) {
+    const auto typeface = makeTypeface();
+    const Paint paint;
+    size_t most = 0;
+    for (int i = 0; i < 6000; i++) {
+        layOut(numbered(u"title", i), *typeface, paint);
+        most = std::max(most, LayoutCache::shared().bytes());
+    }
+    EXPECT_LE(most, LayoutCache::kMaxBytes);
+    EXPECT_GT(most, LayoutCache::kMaxBytes / 2);  // the bound was reached
+    // Words too long to keep are laid out all the same.
+    const size_t before = LayoutCache::shared().bytes();
+    const std::u16string endless(LayoutCache::kMaxWordLength + 1, u'm');
+    EXPECT_EQ(layOut(endless, *typeface, paint).nGlyphs(), endless.size());
+    EXPECT_EQ(LayoutCache::shared().bytes(), before);
+}
+
+// A layout made while memory ran out must not be served afterwards.
+TEST(LayoutCache, FailedAllocationsLeaveNoWrongPieces) {
+    const auto typeface = makeTypeface();
+    const Paint paint;
+    const std::u16string text = u"wide \u0645\u0631\u062D\u0628\u0627";
+    const std::vector<float> expected = answers(layOut(text, *typeface, paint));
+    const int failures = gxtest::failEachAllocation(
+        [&] {
+            LayoutCache::shared().clear();
+            portable::GlyphCache::shared().clear();
+            try {
+                layOut(text, *typeface, paint);
+            } catch (const std::bad_alloc&) {  // the platform's answer
+            }
+        },
+        [&](int n) {
+            ASSERT_EQ(answers(layOut(text, *typeface, paint)), expected) << "allocation " << n;
+        });
+    EXPECT_GT(failures, 40);
+}
+
+TEST(LayoutCache, ThreadsShareIt) {
+    const auto typeface = makeTypeface();
+    const Paint paint;
+    const std::vector<float> expected = answers(layOut(u"shared words", *typeface, paint));
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 4; t++) {
+        threads.emplace_back([&, t] {
+            for (int i = 0; i < 100; i++) {
+                EXPECT_EQ(answers(layOut(u"shared words", *typeface, paint)), expected);
+                layOut(numbered(u"own ", 100 * t + i), *typeface, paint);
+                if (i % 25 == t) LayoutCache::shared().clear();
+                if (i % 25 == 20) layOut(u"short-lived", *makeTypeface(), paint);
+            }
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
+}
+
+}  // namespace
