@@ -5,6 +5,7 @@
 #include <SkTypeface.h>
 #include <android/log.h>
 #include <hwui/MinikinSkia.h>
+#include <hwui/Typeface.h>
 #include <minikin/FamilyVariant.h>
 #include <minikin/Font.h>
 #include <minikin/FontFamily.h>
@@ -13,9 +14,11 @@
 
 #include <algorithm>
 #include <cstring>
+#include <list>
 #include <map>
 #include <new>
 #include <string>
+#include <tuple>
 #include <utility>
 
 #include "base/GxLog.h"
@@ -44,6 +47,7 @@ enum Site : int {
     kSiteSetFamilies = 422,
     kSiteGetFont = 440,
     kSiteGetFamilies = 475,
+    kSiteGetTypeface = 476,
     kSiteConstructAgain = 501,
     kSiteConstructMemory = 502,
     kSiteMemory = 503,
@@ -51,6 +55,7 @@ enum Site : int {
 
 using FontPointer = std::shared_ptr<minikin::MinikinFont>;
 using FamilyPointer = std::shared_ptr<minikin::FontFamily>;
+using TypefacePointer = std::shared_ptr<const android::Typeface>;
 
 // A font and the bytes that it borrows: the font goes first.
 struct LoadedFont {
@@ -112,8 +117,14 @@ public:
     // Null for a path that has no UTF-8 form, too.
     FontPointer FindFont(const GxString* path, int index) const;
 
-    FamilyPointer UserFamily(const GxString& path, GxFontStyle style) const;
-    FamilyPointer SystemFamily(const GxFontFamily& family) const;
+    // Null without fonts. The same objects as long as no font comes or goes, so that what layout
+    // remembers of them stays of use.
+    FamilyPointer UserFamily(const GxString& path, GxFontStyle style);
+    FamilyPointer SystemFamily(const GxFontFamily& family);
+    TypefacePointer TypefaceOf(const std::vector<FamilyPointer>& families, int weight, bool italic);
+    // After every change of the fonts or of the system families.
+    void ForgetFamilies();
+
     // Null past the end, and where the list holds null.
     GxFontFamily* FamilyAt(int index) const {
         return static_cast<GxFontFamily*>(systemFamilies->Get(index));
@@ -128,7 +139,25 @@ public:
     bool systemFamiliesSet = false;
 
 private:
+    // More than users have fonts in turn on a screen.
+    static constexpr size_t kMaxTypefaces = 32;
+    static constexpr size_t kMaxUserFamilies = 256;
+
+    struct KnownTypeface {
+        std::vector<FamilyPointer> families;
+        int weight;
+        bool italic;
+        TypefacePointer typeface;
+    };
+
     std::shared_ptr<const FontBuffer> FileBuffer(const std::string& path);
+    static FamilyPointer MakeUserFamily(const FontPointer& font, GxFontStyle style);
+    FamilyPointer MakeSystemFamily(const GxFontFamily& family) const;
+
+    // By font, weight and italic.
+    std::map<std::tuple<const minikin::MinikinFont*, int, bool>, FamilyPointer> knownUserFamilies;
+    std::map<const GxFontFamily*, FamilyPointer> knownSystemFamilies;
+    std::list<KnownTypeface> knownTypefaces;  // most recently used first
 };
 
 std::shared_ptr<const FontBuffer> GxFontManagerImpl::FileBuffer(const std::string& path) {
@@ -166,7 +195,9 @@ bool GxFontManagerImpl::AddFont(const std::string& path, std::unique_ptr<char[]>
         return false;
     }
     const auto loaded = std::make_shared<LoadedFont>(buffer, std::move(typeface), path, index);
-    fontMap.emplace(FontKey(path, index), FontPointer(loaded, &loaded->font));
+    if (fontMap.emplace(FontKey(path, index), FontPointer(loaded, &loaded->font)).second) {
+        ForgetFamilies();
+    }
     return true;
 }
 
@@ -183,15 +214,28 @@ FontPointer GxFontManagerImpl::FindFont(const GxString* path, int index) const {
     return FindFont(std::string(utf8.get()), index);
 }
 
-FamilyPointer GxFontManagerImpl::UserFamily(const GxString& path, GxFontStyle style) const {
+FamilyPointer GxFontManagerImpl::UserFamily(const GxString& path, GxFontStyle style) {
     const FontPointer font = FindFont(&path, 0);
     if (!font) return nullptr;
+    if (knownUserFamilies.size() >= kMaxUserFamilies) knownUserFamilies.clear();
+    FamilyPointer& known = knownUserFamilies[{font.get(), style.weight, style.italic}];
+    if (!known) known = MakeUserFamily(font, style);
+    return known;
+}
+
+FamilyPointer GxFontManagerImpl::MakeUserFamily(const FontPointer& font, GxFontStyle style) {
     std::vector<minikin::Font> fonts;
     fonts.push_back(MakeFont(font, style.weight, style.italic));
     return std::make_shared<minikin::FontFamily>(minikin::FamilyVariant::DEFAULT, std::move(fonts));
 }
 
-FamilyPointer GxFontManagerImpl::SystemFamily(const GxFontFamily& family) const {
+FamilyPointer GxFontManagerImpl::SystemFamily(const GxFontFamily& family) {
+    FamilyPointer& known = knownSystemFamilies[&family];
+    if (!known) known = MakeSystemFamily(family);
+    return known;
+}
+
+FamilyPointer GxFontManagerImpl::MakeSystemFamily(const GxFontFamily& family) const {
     std::vector<minikin::Font> fonts;
     const int count = family.fonts ? family.fonts->GetCount() : 0;
     for (int i = 0; i < count; i++) {
@@ -203,6 +247,31 @@ FamilyPointer GxFontManagerImpl::SystemFamily(const GxFontFamily& family) const 
     return std::make_shared<minikin::FontFamily>(
         family.localeListId, static_cast<minikin::FamilyVariant>(family.variant), std::move(fonts),
         false);
+}
+
+TypefacePointer GxFontManagerImpl::TypefaceOf(const std::vector<FamilyPointer>& families,
+                                              int weight, bool italic) {
+    const auto known = std::find_if(
+        knownTypefaces.begin(), knownTypefaces.end(), [&](const KnownTypeface& candidate) {
+            return candidate.weight == weight && candidate.italic == italic &&
+                   candidate.families == families;
+        });
+    if (known != knownTypefaces.end()) {
+        knownTypefaces.splice(knownTypefaces.begin(), knownTypefaces, known);
+        return known->typeface;
+    }
+    auto copy = families;
+    TypefacePointer typeface(
+        android::Typeface::createFromFamilies(std::move(copy), weight, italic));
+    knownTypefaces.push_front({families, weight, italic, typeface});
+    if (knownTypefaces.size() > kMaxTypefaces) knownTypefaces.pop_back();
+    return typeface;
+}
+
+void GxFontManagerImpl::ForgetFamilies() {
+    knownUserFamilies.clear();
+    knownSystemFamilies.clear();
+    knownTypefaces.clear();
 }
 
 FontManager& FontManager::GetInstance() {
@@ -350,9 +419,22 @@ bool FontManager::GetMinikinFontFamilies(const GxString* familyName,
     return collected;
 }
 
+std::shared_ptr<const android::Typeface> FontManager::GetTypeface(
+    const std::vector<std::shared_ptr<minikin::FontFamily>>& families, int weight, bool italic) {
+    TypefacePointer typeface;
+    if (!Ready(kSiteGetTypeface)) return typeface;
+    Guarded([&] {
+        const MutexGuard guard(impl_->lock);
+        typeface = impl_->TypefaceOf(families, weight, italic);
+        return true;
+    });
+    return typeface;
+}
+
 void FontManager::ClearFontFamilies() {
     if (!impl_) return;
     const MutexGuard guard(impl_->lock);
+    impl_->ForgetFamilies();
     for (int i = 0; i < impl_->FamilyCount(); i++) DeleteFontFamily(impl_->FamilyAt(i));
     delete impl_->systemFamilies;
     impl_->systemFamilies = nullptr;
@@ -362,6 +444,7 @@ void FontManager::ClearFontFamilies() {
 void FontManager::ClearFontMaps() {
     if (!impl_) return;
     const MutexGuard guard(impl_->lock);
+    impl_->ForgetFamilies();
     impl_->fontMap.clear();
     impl_->bufferMap.clear();
     impl_->totalBufferMB = 0;

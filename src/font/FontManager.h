@@ -6,6 +6,10 @@
 
 #include "GxExport.h"
 
+namespace android {
+struct Typeface;
+}
+
 namespace minikin {
 class FontFamily;
 class MinikinFont;
@@ -77,7 +81,8 @@ public:
     bool LoadMinikinFontFamily(unsigned localeListId);
 
     // Appends to `out` the family of the font at `userFontPath` (null for none), then every loaded
-    // system family whose fonts are there. `weight` comes in as the wanted weight and becomes what
+    // system family whose fonts are there: the same objects as long as no font comes or goes.
+    // `weight` comes in as the wanted weight and becomes what
     // the user font's name tells (see DeriveFontStyle). A font of the system's Roboto gives no
     // family of its own: the system's cover it. `familyName` (may be null) only takes part in
     // reading the name. True also when nothing was appended; on failure `out` and `weight` are
@@ -85,6 +90,12 @@ public:
     bool GetMinikinFontFamilies(const GxString* familyName,
                                 std::vector<std::shared_ptr<minikin::FontFamily>>& out,
                                 const GxString* userFontPath, int& weight);
+
+    // A typeface over these families, of this weight (see Typeface::createFromFamilies). The same
+    // object for the same families as long as no font comes or goes, so that layouts of one text
+    // object serve the next. Null when memory runs out. It may be kept beyond the manager.
+    std::shared_ptr<const android::Typeface> GetTypeface(
+        const std::vector<std::shared_ptr<minikin::FontFamily>>& families, int weight, bool italic);
 
     // Forgets the system families, so that they can be set again.
     void ClearFontFamilies();

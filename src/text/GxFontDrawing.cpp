@@ -233,8 +233,8 @@ bool GxFontDrawing::drawLines(GxTextObject* text, GxEffect* effect) {
     if (families.empty()) return true;  // a collection needs a family; nothing to draw with
 
     // Layouts hold pointers into the typeface's fonts: it goes last.
-    const std::unique_ptr<android::Typeface> typeface(android::Typeface::createFromFamilies(
-        std::move(families), weight, text->isItalicTextStyle()));
+    const std::shared_ptr<const android::Typeface> typeface =
+        FontManager::GetInstance().GetTypeface(families, weight, text->isItalicTextStyle());
     const std::unique_ptr<uint16_t[]> utf16(text->GetText()->GetUTF16());
     if (!typeface || !utf16)
         return ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, kSiteNoMemory);

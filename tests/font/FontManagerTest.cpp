@@ -1,6 +1,7 @@
 #include "font/FontManager.h"
 
 #include <gtest/gtest.h>
+#include <hwui/Typeface.h>
 #include <minikin/FontFamily.h>
 #include <minikin/LocaleList.h>
 #include <minikin/MinikinFont.h>
@@ -403,6 +404,41 @@ TEST_F(FontManagerTest, FamiliesWithoutTheirFontsAreLeftOut) {
     EXPECT_FALSE(manager.BuildMinikinFamily(nullptr));
     EXPECT_FALSE(manager.BuildMinikinFamily(fontless));
     EXPECT_FALSE(manager.BuildMinikinFamily(odd)) << "one of its fonts is missing";
+}
+
+TEST_F(FontManagerTest, FamiliesAndTypefacesAreTheSameUntilFontsChange) {
+    const std::string arabic = gxtest::fontPath(gxtest::kNotoArabic);
+    ASSERT_TRUE(add(sans));
+    ASSERT_TRUE(add(arabic));
+    manager.SetSystemFontFamilies(makeFamilyList({makeFamilyRecord(0, {{arabic}}, 1)}));
+    const Families first = families(sans);
+    ASSERT_EQ(first.size(), 2u);
+    EXPECT_EQ(families(sans), first);
+    EXPECT_NE(families(arabic).front(), first.front());
+
+    const auto typeface = manager.GetTypeface(first, 400, false);
+    ASSERT_TRUE(typeface);
+    EXPECT_EQ(manager.GetTypeface(first, 400, false), typeface);
+    EXPECT_NE(manager.GetTypeface(first, 700, false), typeface);
+    EXPECT_NE(manager.GetTypeface(first, 400, true), typeface);
+    EXPECT_NE(manager.GetTypeface({first[1]}, 400, false), typeface);
+
+    ASSERT_TRUE(add(sans));  // known already: nothing changes
+    EXPECT_EQ(families(sans), first);
+    ASSERT_TRUE(add(gxtest::fontPath(gxtest::kNotoHebrew)));
+    Families second = families(sans);
+    ASSERT_EQ(second.size(), 2u);
+    EXPECT_NE(second.front(), first.front());
+    EXPECT_NE(second.back(), first.back());
+
+    const std::weak_ptr<minikin::FontFamily> released = second.front();
+    const std::weak_ptr<const android::Typeface> releasedTypeface =
+        manager.GetTypeface(second, 400, false);
+    second.clear();
+    manager.ClearFontMaps();
+    EXPECT_TRUE(released.expired());
+    EXPECT_TRUE(releasedTypeface.expired());
+    EXPECT_TRUE(families(sans).empty());
 }
 
 TEST_F(FontManagerTest, FontsAndFamiliesOutliveTheManager) {
