@@ -40,14 +40,17 @@ void tintWhole(const TextMask& text, const GxBitmap* layer, uint32_t color) {
 // Coverage of row y as the first column's blur window sees it: `line` holds width + 2 radius cells,
 // cell i is column i - radius - shift.
 void shiftedRow(const TextMask& text, int64_t y, int64_t offset, uint8_t* line, int64_t width) {
-    std::memset(line, 0, static_cast<size_t>(width));
     const uint8_t* coverage = text.row(y);
-    if (!coverage) return;
-    const int64_t first = std::max<int64_t>(text.firstColumn + offset, 0);
-    const int64_t last = std::min<int64_t>(text.lastColumn + offset, width);
-    if (first >= last) return;
+    const int64_t first = std::clamp<int64_t>(text.firstColumn + offset, 0, width);
+    const int64_t last = std::clamp<int64_t>(text.lastColumn + offset, first, width);
+    if (!coverage || first == last) {
+        std::memset(line, 0, static_cast<size_t>(width));
+        return;
+    }
+    std::memset(line, 0, static_cast<size_t>(first));
     std::memcpy(line + first, coverage + (first - offset - text.firstColumn),
                 static_cast<size_t>(last - first));
+    std::memset(line + last, 0, static_cast<size_t>(width - last));
 }
 
 void blurShiftedRows(const TextMask& text, const ShadowShift& shift,
@@ -56,7 +59,9 @@ void blurShiftedRows(const TextMask& text, const ShadowShift& shift,
     const int64_t offset = weights.radius + int64_t{shift.y};
     const int64_t first = std::clamp<int64_t>(offset, 0, background.height);
     const int64_t last = std::clamp<int64_t>(offset + text.height, first, background.height);
-    std::memset(background.data(), 255, static_cast<size_t>(background.count()));
+    std::memset(background.data(), 255, static_cast<size_t>(first * background.width));
+    std::memset(background.row(last), 255,
+                static_cast<size_t>((background.height - last) * background.width));
     for (int64_t y = first; y < last; y += lines.height) {
         const int64_t rows = std::min(lines.height, last - y);
         for (int64_t i = 0; i < rows; ++i) {
@@ -79,21 +84,33 @@ struct Span {
     int64_t end;
 };
 
+// Keeps the shade of covered cells.
+void keepCovered(uint8_t* shade, const uint8_t* coverage, int64_t count) {
+    for (int64_t x = 0; x < count; ++x) shade[x] = coverage[x] != 0 ? shade[x] : uint8_t{0};
+}
+
 void keepInGlyphs(const TextMask& text, const ShadowShift& shift, int64_t radius,
                   const WorkPlane<uint8_t>& shade) {
     const Span rows(text.height, radius, shift.y);
     const Span columns(text.width, radius, shift.x);
+    const auto fill = [](uint8_t* cells, int64_t begin, int64_t end, int value) {
+        if (begin < end) std::memset(cells + begin, value, static_cast<size_t>(end - begin));
+    };
     for (int64_t y = 0; y < shade.height; ++y) {
         uint8_t* cells = shade.row(y);
-        const uint8_t* coverage = text.row(y);
-        for (int64_t x = 0; x < shade.width; ++x) {
-            const bool held = coverage && x >= text.firstColumn && x < text.lastColumn;
-            if (!rows.contains(y) || !columns.contains(x)) {
-                cells[x] = 255;
-            } else if (!held || coverage[x - text.firstColumn] == 0) {
-                cells[x] = 0;
-            }
+        if (!rows.contains(y)) {
+            fill(cells, 0, shade.width, 255);
+            continue;
         }
+        if (const uint8_t* coverage = text.row(y)) {
+            fill(cells, 0, text.firstColumn, 0);
+            keepCovered(cells + text.firstColumn, coverage, text.lastColumn - text.firstColumn);
+            fill(cells, text.lastColumn, shade.width, 0);
+        } else {
+            fill(cells, 0, shade.width, 0);
+        }
+        fill(cells, 0, std::min(columns.begin, shade.width), 255);
+        fill(cells, std::max<int64_t>(columns.end, 0), shade.width, 255);
     }
 }
 
