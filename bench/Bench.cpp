@@ -136,6 +136,14 @@ void addRow(Row row) {
     rows().push_back(std::move(row));
 }
 
+std::function<void()> withoutShortcuts(std::function<void()> run) {
+    return [run = std::move(run)] {
+        GxFontEffect::kernels::setLooksForShortcuts(false);
+        run();
+        GxFontEffect::kernels::setLooksForShortcuts(true);
+    };
+}
+
 void addMissingPeer(const std::string& name) {
     missingPeers().push_back(name);
 }
@@ -162,6 +170,7 @@ int main(int argc, char** argv) {
     gxbench::addDilationRows();
     gxbench::addFillRows();
     gxbench::addGlowRows();
+    gxbench::addShadowRows();
 #ifdef GXBENCH_TEXT
     gxbench::addTextRows();
 #endif

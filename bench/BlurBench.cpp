@@ -128,6 +128,18 @@ void addBlurRow(const std::string& operation, int radius, Mask (*mask)(), const 
             }});
 }
 
+// The cost of looking for what can be passed over, where nothing can.
+void addShortcutRow(const std::string& content, int radius, Mask (*mask)()) {
+    addRow({"blur " + std::to_string(radius) + ", " + content + ", shortcuts", kNoShortcuts,
+            kShortcutBar, kPixels, [=] {
+                const auto scene = std::make_shared<BlurScene>(mask(), radius);
+                Contenders contenders;
+                contenders.ours = [=] { scene->run(blurPlane); };
+                contenders.peer = withoutShortcuts(contenders.ours);
+                return contenders;
+            }});
+}
+
 Mask text() {
     return textMask();
 }
@@ -157,6 +169,11 @@ void addBlurRows() {
         addBlurRow(name + ", empty", radius, emptyMask, "", noPeer, 0, true);
         addBlurRow(name + ", full", radius, fullMask, "", noPeer, 0, true);
         addBlurRow(name + ", noise", radius, noiseMask, "", noPeer, 0, true);
+    }
+    for (const int radius : {2, 5, 10, 25, 50, 100}) {
+        addShortcutRow("noise", radius, noiseMask);
+        addShortcutRow("patches", radius, patchyMask);
+        addShortcutRow("full", radius, fullMask);
     }
 }
 

@@ -18,6 +18,7 @@
 
 #include "raster/kernels/SeparableBlur.h"
 #include "raster/kernels/Simd.h"
+#include "raster/kernels/SimdTargets.h"
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "raster/kernels/BlurStrips.cpp"
@@ -76,6 +77,7 @@ public:
     // The vectors y ... y + count - 1 and the window behind, y even. They may be overwritten
     // afterwards up to y + count.
     HWY_INLINE bool isEven(int64_t y, int64_t count) {
+        if (!looks) return false;
         const int64_t first = y / 2;
         const int64_t last = (y + count + reach) / 2;
         seen = std::max(seen, first);
@@ -106,6 +108,7 @@ private:
 
     const uint8_t* const strip;
     const int64_t reach;
+    const bool looks = looksForShortcuts();
     int64_t seen = 0;        // pairs up to here are compared with the ones before
     int64_t lastChange = 0;  // none behind it, up to `seen`, differs
 };
@@ -184,7 +187,7 @@ void blurStrips(const BlurPass& pass, const BlurWeights& weights, BlurInput inpu
         const bool isWhole = !alongRows && count == kLanes;
         const Outputs out = isWhole ? Outputs{to, pass.outStride} : Outputs{scratch.strip, kLanes};
         bool isSparse = false;
-        if (content == Content::kAny) {
+        if (content == Content::kAny && looksForShortcuts()) {
             const ChangeLines changes(weights, input, steps, scratch);
             isSparse = addChanges(in, pass.inStride, count, length, scratch, changes);
             if (isSparse) {
@@ -317,7 +320,8 @@ void blurBoth(const uint8_t* in, uint8_t* out, int64_t width, int64_t height,
     if (area.left > area.right || area.top > area.bottom) return;
     Box ink = area;
     // Blank paper stays blank, which is also what lies outside the area.
-    if (input == BlurInput::kDirect && area.right - area.left >= kLanes && area.bottom > area.top) {
+    if (looksForShortcuts() && input == BlurInput::kDirect && area.right - area.left >= kLanes &&
+        area.bottom > area.top) {
         const Box all = inkOf(in, width, height);
         ink = {std::max(area.left, all.left), area.top, std::min(area.right, all.right),
                area.bottom};

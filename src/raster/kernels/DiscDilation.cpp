@@ -5,6 +5,7 @@
 
 #include "raster/kernels/DiscShape.h"
 #include "raster/kernels/Simd.h"
+#include "raster/kernels/SimdTargets.h"
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "raster/kernels/DiscDilation.cpp"
@@ -52,6 +53,7 @@ public:
           side_(2 * radius_ + 1),
           width_(std::min(kMaxWidth, kRingBytes / side_ / kLanes * kLanes)),
           inversion_(inverted ? 255 : 0),
+          looks_(looksForShortcuts()),
           windowBlocks_((uint64_t{1} << ((2 * radius_ + kLanes - 1) / kLanes + 1)) - 1) {
         for (int64_t i = 0; i < 2 * side_; ++i) slots_[i] = ring_ + i % side_ * width_;
     }
@@ -69,6 +71,7 @@ public:
 
 private:
     static constexpr int64_t kMaxWidth = 512;
+    static constexpr int64_t kUnseenRows = 7;
     static constexpr int64_t kRingBytes = 16384;
     static constexpr int64_t kMaxSide = 2 * DiscShape::kMaxRadius + 1;
     static constexpr int64_t kLineBytes = kMaxWidth + kMaxSide + kLanes;
@@ -98,6 +101,7 @@ private:
         lineBegin_ = maskBegin_ - firstColumn;
         lineBlocks_ = (count + 2 * radius_ + kLanes - 1) / kLanes;
         lastInk_ = -side_;
+        unseenRows_ = 0;
         for (Line& line : lines_) std::memset(line.pixels, 0, sizeof(line.pixels));
         std::memset(ring_, 0, static_cast<size_t>(side_ * width_));
         above_ = &lines_[0];
@@ -118,7 +122,21 @@ private:
         for (int64_t i = 0; i < count; ++i) out[i] = mask[i] ^ inversion;
     }
 
-    Ink inkOf() const {
+    // Where a row has something everywhere, as noise has, the next few are taken to be like it
+    // without a look: they may well have less.
+    Ink inkOf() {
+        constexpr uint64_t kAll = ~uint64_t{0};
+        if (!looks_ || unseenRows_ > 0) {
+            --unseenRows_;
+            return {kAll, kAll, kAll};
+        }
+        const Ink ink = lookForInk();
+        const uint64_t line = kAll >> (64 - lineBlocks_);
+        if ((ink.up & ink.down & line) == line) unseenRows_ = kUnseenRows;
+        return ink;
+    }
+
+    Ink lookForInk() const {
         Ink ink;
         for (int64_t block = 0; block < lineBlocks_; ++block) {
             const int64_t at = block * kLanes;
@@ -229,6 +247,7 @@ private:
     const int64_t side_;
     const int64_t width_;
     const uint8_t inversion_;
+    const bool looks_;
     const uint64_t windowBlocks_;
 
     int64_t x_ = 0;      // first output column of the tile
@@ -237,6 +256,7 @@ private:
     int64_t lineBegin_ = 0;
     int64_t lineBlocks_ = 0;
     int64_t lastInk_ = 0;
+    int64_t unseenRows_ = 0;
     Line *above_ = nullptr, *here_ = nullptr, *below_ = nullptr;
 
     Line lines_[3];
@@ -250,7 +270,7 @@ template <int kRadius>
 class SmallDisc {
 public:
     SmallDisc(const DilationBand& band, const DiscShape& shape, bool inverted)
-        : band_(band), inversion_(inverted ? 255 : 0) {
+        : band_(band), inversion_(inverted ? 255 : 0), looks_(looksForShortcuts()) {
         for (int y = 0; y <= kRadius; ++y) {
             for (int x = 0; x <= kRadius; ++x) losses_[y][x] = hn::Set(d8, shape.lossAt(x, y));
         }
@@ -301,7 +321,7 @@ private:
                                  hn::Xor(hn::LoadU(d8, mask + i), inversion));
             any = hn::Or(any, columns[i]);
         }
-        if (allBytesAre(any, 0)) return;
+        if (looks_ && allBytesAre(any, 0)) return;
         uint8_t* middle = out + kRadius * band_.outStride;
         for (int y = 0; y <= kRadius; ++y) {
             V8 reached = hn::Zero(d8);
@@ -315,6 +335,7 @@ private:
 
     const DilationBand& band_;
     const uint8_t inversion_;
+    const bool looks_;
     V8 losses_[kRadius + 1][kRadius + 1];
 };
 

@@ -29,7 +29,17 @@ std::string nameOf(int64_t target) {
     return plain ? "plain" : hwy::TargetName(target);
 }
 
+bool mayLookForShortcuts = true;
+
 }  // namespace
+
+bool looksForShortcuts() {
+    return mayLookForShortcuts;
+}
+
+void setLooksForShortcuts(bool looks) {
+    mayLookForShortcuts = looks;
+}
 
 std::vector<std::string> simdTargetNames() {
     std::vector<std::string> names;

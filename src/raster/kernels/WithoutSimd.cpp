@@ -93,5 +93,9 @@ void forceSimdTarget(const std::string& /*name*/) {}
 bool hasDispatchedSimd() {
     return true;
 }
+bool looksForShortcuts() {
+    return false;
+}
+void setLooksForShortcuts(bool /*looks*/) {}
 
 }  // namespace GxFontEffect::kernels

@@ -1,0 +1,64 @@
+// Rows of the two shadows: the filters as a whole, the inner against the outer of the same blur.
+#include <algorithm>
+#include <memory>
+#include <string>
+
+#include "Bench.h"
+#include "Planes.h"
+#include "effect/GxProperty.h"
+#include "effect/filters/GxInnerShadow.h"
+#include "effect/filters/GxOuterShadow.h"
+
+namespace gxbench {
+
+namespace {
+
+using namespace GxFontEffect;
+
+// The text and a layer for its shadow, clear before each run.
+struct ShadowScene {
+    ShadowScene()
+        : mask(kWidth, kHeight, textMask().data(), 1),
+          layer(kWidth, kHeight, 4),
+          box(0, 0, kWidth, kHeight) {}
+
+    void clear() { std::fill_n(layer.data, kPixels * 4, uint8_t{0}); }
+
+    GxBitmap mask;
+    GxBitmap layer;
+    GxRect box;
+};
+
+using ShadowScenePtr = std::shared_ptr<ShadowScene>;
+
+template <class Core, class Record>
+std::function<void()> painter(const ShadowScenePtr& scene, float size) {
+    const auto core = std::make_shared<Core>();
+    const Record record(120, 6, size, 0xFF103050, 1);
+    core->setProperty(&record);
+    return [=] {
+        GxECore::ParamPostProcessing param;
+        param.dst = &scene->layer;
+        param.src = &scene->mask;
+        param.textRect = &scene->box;
+        core->doPostProcessing(&param);
+    };
+}
+
+}  // namespace
+
+void addShadowRows() {
+    for (const int size : {2, 5, 10, 25, 50, 100}) {
+        addRow({"inner shadow " + std::to_string(size), "outer shadow", {0, 1}, kPixels, [=] {
+                    const auto scene = std::make_shared<ShadowScene>();
+                    const auto blur = static_cast<float>(size);
+                    Contenders contenders;
+                    contenders.prepare = [=] { scene->clear(); };
+                    contenders.ours = painter<GxInnerShadow, GxInnerShadowProperty>(scene, blur);
+                    contenders.peer = painter<GxOuterShadow, GxOuterShadowProperty>(scene, blur);
+                    return contenders;
+                }});
+    }
+}
+
+}  // namespace gxbench
