@@ -85,17 +85,30 @@ final class Sdk {
         return field;
     }
 
+    /** The native of {@code GxText}, for callers that make many calls. */
+    static Method textNative(String name) {
+        return find(TEXT, "GxText_" + name);
+    }
+
     private static Object invoke(String className, Object target, String name, Object... arguments) {
+        try {
+            return find(className, name).invoke(target, arguments);
+        } catch (InvocationTargetException e) {
+            throw Sdk.<RuntimeException>rethrow(e.getCause());
+        } catch (ReflectiveOperationException e) {
+            throw new AssertionError(e);
+        }
+    }
+
+    private static Method find(String className, String name) {
         try {
             for (Method method : Class.forName(className).getDeclaredMethods()) {
                 if (method.getName().equals(name)) {
                     method.setAccessible(true);
-                    return method.invoke(target, arguments);
+                    return method;
                 }
             }
-        } catch (InvocationTargetException e) {
-            throw Sdk.<RuntimeException>rethrow(e.getCause());
-        } catch (ReflectiveOperationException e) {
+        } catch (ClassNotFoundException e) {
             throw new AssertionError(e);
         }
         throw new AssertionError(className + " has no " + name);
