@@ -3,6 +3,9 @@
 #include FT_MODULE_H
 #include FT_TRUETYPE_TABLES_H
 
+#include <algorithm>
+#include <cstring>
+#include <iterator>
 #include <limits>
 #include <new>
 #include <utility>
@@ -42,6 +45,15 @@ bool ensureStarted(Library& lib) {
     return true;
 }
 
+// The signatures that layout knows as well: TrueType, OpenType and collections. Of what FreeType
+// reads beyond them, compressed files can unpack to gigabytes, and others have no tables at all.
+bool isSfnt(const FT_Byte* data, size_t length) {
+    constexpr char kSignatures[][5] = {{0, 1, 0, 0}, "true", "typ1", "OTTO", "ttcf"};
+    return length >= 4 &&
+           std::any_of(std::begin(kSignatures), std::end(kSignatures),
+                       [data](const char* s) { return std::memcmp(data, s, 4) == 0; });
+}
+
 }  // namespace
 
 FontFace::FontFace(std::unique_ptr<SkStreamAsset> stream, int index)
@@ -69,7 +81,7 @@ bool FontFace::load() {
         return false;
     }
     const auto* data = static_cast<const FT_Byte*>(this->bytes());
-    if (!data) return false;
+    if (!data || !isSfnt(data, length)) return false;
 
     Library& lib = library();
     const std::lock_guard<std::mutex> lock(lib.mutex);
@@ -78,7 +90,6 @@ bool FontFace::load() {
         fFace = nullptr;
         return false;
     }
-    // The other formats FreeType reads (Type 1, PCF ...) have no tables to lay text out with.
     return FT_IS_SFNT(fFace) && (FT_IS_SCALABLE(fFace) || FT_HAS_FIXED_SIZES(fFace));
 }
 

@@ -11,6 +11,7 @@
 #include <limits>
 #include <new>
 
+#include "skia/GlyphEffort.h"
 #include "skia/Numbers.h"
 
 namespace portable {
@@ -162,6 +163,9 @@ bool GlyphScaler::load(SkGlyphID glyph) {
 
 bool GlyphScaler::loadSlot(FT_UInt glyph) {
     FT_Int32 flags = fLoadFlags;
+    GlyphEffort effort(fFace);
+    if (!effort.add(glyph)) return false;
+    if (!effort.hintable()) flags |= FT_LOAD_NO_HINTING;
     if (!(flags & FT_LOAD_NO_BITMAP) && this->bitmapTooLarge(glyph, flags)) {
         if (!FT_IS_SCALABLE(fFace)) return false;
         flags |= FT_LOAD_NO_BITMAP;
@@ -225,7 +229,9 @@ void GlyphScaler::readLayers(FT_UInt glyph) {
     if (FT_Palette_Select(fFace, 0, &palette) != 0 || FT_Palette_Data_Get(fFace, &info) != 0) {
         palette = nullptr;
     }
+    GlyphEffort effort(fFace);
     do {
+        if (!effort.add(layerGlyph)) break;
         // Index 0xFFFF, and any other beyond the palette, is the text colour: opaque here.
         const bool inPalette = palette && colorIndex < info.num_palette_entries;
         const uint8_t alpha = inPalette ? palette[colorIndex].alpha : 255;

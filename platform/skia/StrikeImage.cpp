@@ -27,6 +27,12 @@ uint8_t coverageAt(const FT_Bitmap& bitmap, const uint8_t* row, unsigned x) {
     }
 }
 
+// How many samples a pixel takes along one side when the picture is scaled by this.
+int samplesPerPixel(double scale) {
+    constexpr int kMaxSamples = 64;
+    return std::clamp(ceilToInt(1 / std::fabs(scale)), 1, kMaxSamples);
+}
+
 }  // namespace
 
 bool StrikeImage::assign(const FT_GlyphSlotRec& slot) {
@@ -101,30 +107,37 @@ float StrikeImage::sample(double x, double y) const {
     return top * (1 - fy) + bottom * fy;
 }
 
-// Each pixel is the mean of n * n samples, n being how many of the picture's pixels it spans: a box
-// when shrinking, bilinear when growing.
+// Each pixel is the mean of samples on a grid, as many to each side as the pixel spans of the
+// picture's: a box when shrinking, bilinear when growing. A row of samples meets the picture in few
+// pixels when it leans or shrinks far, so that only these are visited.
 void StrikeImage::resample(const GlyphMatrix& m, const GlyphPlacement& p, const SkIRect& window,
                            uint8_t* out) const {
-    constexpr int kMaxSamples = 64;
     const double xx = m.xx * p.scale;
     const double xy = m.xy * p.scale;
     const double yy = m.yy * p.scale;
-    const double span = 1 / std::min(std::fabs(xx), std::fabs(yy));
-    const int n = std::clamp(ceilToInt(span), 1, kMaxSamples);
-    const auto meanOf = [&](int x, int y) {
-        float sum = 0;
-        for (int j = 0; j < n; ++j) {
-            const double sy = (y + (j + 0.5) / n - p.dy) / yy;
-            for (int i = 0; i < n; ++i) {
-                const double sx = (x + (i + 0.5) / n - p.dx - xy * sy) / xx;
-                sum += this->sample(sx - fLeft, sy - fTop);
+    const int columns = samplesPerPixel(xx);
+    const int rows = samplesPerPixel(yy);
+    // Where the picture and its fading edge lie, from where x is 0 in it.
+    const double edges[] = {xx * (fLeft - 1), xx * (fLeft + fWidth + 1)};
+    std::vector<float> sums(static_cast<size_t>(window.fRight - window.fLeft));
+    for (int y = window.fTop; y < window.fBottom; ++y) {
+        std::fill(sums.begin(), sums.end(), 0.0f);
+        for (int j = 0; j < rows; ++j) {
+            const double sy = (y + (j + 0.5) / rows - p.dy) / yy;
+            const double zero = p.dx + xy * sy;
+            const int first = floorToInt(std::min(edges[0], edges[1]) + zero);
+            const int last = ceilToInt(std::max(edges[0], edges[1]) + zero);
+            const int end = std::min(last + 1, window.fRight);
+            for (int x = std::max(first - 1, window.fLeft); x < end; ++x) {
+                for (int i = 0; i < columns; ++i) {
+                    const double sx = (x + (i + 0.5) / columns - p.dx - xy * sy) / xx;
+                    sums[static_cast<size_t>(x - window.fLeft)] +=
+                        this->sample(sx - fLeft, sy - fTop);
+                }
             }
         }
-        return sum / static_cast<float>(n * n);
-    };
-    for (int y = window.fTop; y < window.fBottom; ++y) {
-        for (int x = window.fLeft; x < window.fRight; ++x) {
-            *out++ = static_cast<uint8_t>(roundToInt(meanOf(x, y)));
+        for (const float sum : sums) {
+            *out++ = static_cast<uint8_t>(roundToInt(sum / static_cast<float>(columns * rows)));
         }
     }
 }

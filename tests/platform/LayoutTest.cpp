@@ -437,7 +437,8 @@ TEST_F(LayoutTest, SenselessNumbersStayFinite) {
 
 TEST_F(LayoutTest, LongLinesTakeLinearTime) {
     setFonts({makeFamily(loadFont(gxtest::kNotoSans)), makeFamily(loadFont(gxtest::kNotoHebrew)),
-              makeFamily(loadFont(gxtest::kNotoThai))});
+              makeFamily(loadFont(gxtest::kNotoThai)), makeFamily(loadFont(gxtest::kNotoArabic)),
+              makeFamily(loadFont(gxtest::kNotoCjk))});
     constexpr size_t kLength = 100000;
     const std::u16string patterns[] = {u"a",
                                        u" ",
@@ -446,6 +447,8 @@ TEST_F(LayoutTest, LongLinesTakeLinearTime) {
                                        u"\u0301",
                                        u"ab \u05D0\u05D1 ",
                                        u"\u202E\u0E01",
+                                       u"\u0628\u0644",
+                                       u"\u4E2D",
                                        std::u16string(1, 0xD800)};
     for (const std::u16string& pattern : patterns) {
         std::u16string text;

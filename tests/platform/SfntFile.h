@@ -27,6 +27,8 @@ inline void appendBig(Bytes& bytes, int count, uint32_t value) {
 
 class SfntFile {
 public:
+    // Without tables yet.
+    SfntFile() = default;
     explicit SfntFile(const std::vector<char>& file) {
         const Bytes bytes(file.begin(), file.end());
         version_ = readBig(bytes, 0, 4);
@@ -67,7 +69,7 @@ public:
     std::map<std::string, Bytes> tables;
 
 private:
-    uint32_t version_;
+    uint32_t version_ = 0x00010000;
 };
 
 }  // namespace gxtest

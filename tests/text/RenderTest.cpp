@@ -228,7 +228,7 @@ TEST_F(Render, WithoutAntialiasingPixelsAreOnOrOff) {
 TEST_F(Render, HostilePaintsAndLinesGiveAnAnswer) {
     const float kNaN = std::numeric_limits<float>::quiet_NaN();
     const float kInfinity = std::numeric_limits<float>::infinity();
-    for (float size : {0.0f, -5.0f, 0.01f, 3000.0f, 1e9f, kNaN, kInfinity}) {
+    for (float size : {0.0f, -5.0f, 0.01f, 256.0f, 257.0f, 4000.0f, 1e9f, kNaN, kInfinity}) {
         setPaint(size);
         setLines({L"Ag"});
         render(64, 64);
@@ -260,6 +260,18 @@ TEST_F(Render, HostilePaintsAndLinesGiveAnAnswer) {
         text.GetView()->SetPadding(edge(), edge(), edge(), edge());
         render(40, 40);
         render(40, 40);
+    }
+}
+
+TEST_F(Render, LinesOf100000CharactersAreDrawn) {
+    const struct {
+        wchar_t character;
+        bool hasInk;  // a mask is as wide as its line's advance, which marks do not have
+    } cases[] = {
+        {L'a', true}, {L'\x0628', true}, {L'\x4E2D', true}, {L'\x0301', false}, {L' ', false}};
+    for (const auto& c : cases) {
+        setLines({std::wstring(100000, c.character)});
+        EXPECT_EQ(coverage(render(100, 60)) > 0, c.hasInk) << static_cast<int>(c.character);
     }
 }
 

@@ -1,0 +1,236 @@
+// Fonts that no tool would write: each gets an answer, in bounded time and memory.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <limits>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "SkDrawing.h"
+#include "hwui/MinikinUtils.h"
+#include "hwui/Paint.h"
+#include "hwui/Typeface.h"
+#include "minikin/Layout.h"
+#include "skia/GlyphEffort.h"
+#include "support/SyntheticFont.h"
+
+namespace gxtest {
+namespace {
+
+using portable::GlyphEffort;
+
+uint16_t addBox(SyntheticFont& font, const Bytes& instructions = {}) {
+    return font.addGlyph(boxGlyph({{0, 0, 500, 700}}, instructions), 500);
+}
+
+// `count` times the same glyph, all in one place.
+uint16_t addPile(SyntheticFont& font, size_t count, uint16_t glyph,
+                 const Bytes& instructions = {}) {
+    return font.addGlyph(compositeGlyph(std::vector<Component>(count, {glyph}), instructions), 500);
+}
+
+// Repeats the operations, then jumps back to the first of them until the interpreter gives up.
+Bytes endless(const Bytes& before, const Bytes& operations, int count) {
+    Bytes out = before;
+    for (int i = 0; i < count; ++i) out.insert(out.end(), operations.begin(), operations.end());
+    const int back = static_cast<int>(before.size() - out.size()) - 3;
+    out.insert(out.end(),
+               {0xB8, static_cast<uint8_t>(back >> 8), static_cast<uint8_t>(back), 0x1C});
+    return out;
+}
+
+// Set zone pointers and reference points, then shift all points of the zone again and again.
+Bytes endlessShifting(uint8_t zone) {
+    return endless({0xB0, zone, 0x16, 0xB0, 0, 0x11, 0xB0, 0, 0x12}, {0xB0, zone, 0x37}, 9000);
+}
+
+// The program of a simple glyph of one contour, which has none yet.
+Bytes withProgram(Bytes glyph, const Bytes& program) {
+    writeBig(glyph, 12, 2, static_cast<uint32_t>(program.size()));
+    glyph.insert(glyph.begin() + 14, program.begin(), program.end());
+    return glyph;
+}
+
+struct HostileFont {
+    const char* name;
+    // Gives 'a' a glyph.
+    uint16_t (*make)(SyntheticFont&);
+    bool isFont = true;
+    bool isDrawn = true;
+};
+
+uint16_t moveEm(SyntheticFont& font, uint32_t unitsPerEm) {
+    font.unitsPerEm = unitsPerEm;
+    return font.addGlyph(boxGlyph({{-8000, -8000, 8000, 8000}}), 32767);
+}
+
+const HostileFont kHostileFonts[] = {
+    {"as many parts as are allowed",
+     [](SyntheticFont& f) { return addPile(f, GlyphEffort::kMaxParts - 1, addBox(f)); }},
+    {"one part more",
+     [](SyntheticFont& f) { return addPile(f, GlyphEffort::kMaxParts, addBox(f)); }, true, false},
+    {"made of itself", [](SyntheticFont& f) { return addPile(f, 2, 1); }, true, false},
+    {"made of each other",
+     [](SyntheticFont& f) {
+         addPile(f, 1, 2);
+         return addPile(f, 2, 1);
+     },
+     true, false},
+    {"60 levels of two",
+     [](SyntheticFont& f) {
+         uint16_t glyph = f.addGlyph({}, 0);
+         for (int level = 0; level < 60; ++level) glyph = addPile(f, 2, glyph);
+         return glyph;
+     },
+     true, false},
+    {"5,000 levels of one",
+     [](SyntheticFont& f) {
+         uint16_t glyph = addBox(f);
+         for (int level = 0; level < 5000; ++level) glyph = addPile(f, 1, glyph);
+         return glyph;
+     },
+     true, false},
+    {"100,000 parts without points",
+     [](SyntheticFont& f) { return addPile(f, 100000, f.addGlyph({}, 0)); }, true, false},
+    {"an endless program",
+     [](SyntheticFont& f) {
+         return addBox(f, endless({}, {0x20, 0x21}, 9000));
+     }},
+    {"an endless program over 30,000 points",
+     [](SyntheticFont& f) {
+         return f.addGlyph(withProgram(densePointGlyph(30000), endlessShifting(1)), 500);
+     },
+     true, false},
+    {"an endless program over the points of its parts",
+     [](SyntheticFont& f) {
+         const uint16_t part = f.addGlyph(densePointGlyph(1000), 500);
+         const uint16_t box = addBox(f);
+         return f.addGlyph(compositeGlyph({{part}, {part}, {part}, {box}}, endlessShifting(1)),
+                           500);
+     }},
+    {"an endless program over 65,000 points of its own",
+     [](SyntheticFont& f) {
+         f.twilightPoints = 65000;
+         f.tables["prep"] = endlessShifting(0);
+         return addBox(f);
+     }},
+    {"60,000 layers of colour",
+     [](SyntheticFont& f) {
+         const uint16_t layer = addBox(f);
+         const uint16_t base = addBox(f);
+         addColorLayers(f, base, std::vector<uint16_t>(60000, layer));
+         return base;
+     }},
+    {"65,535 glyphs",
+     [](SyntheticFont& f) {
+         for (int i = 0; i < 65533; ++i) f.addGlyph({}, 500);
+         return addBox(f);
+     }},
+    {"a letter that grows 60-fold, 40 times over",
+     [](SyntheticFont& f) {
+         const uint16_t a = addBox(f);
+         const LayoutFeature more = {"ccmp", 2, multiplication(a, std::vector<uint16_t>(60, a))};
+         f.tables["GSUB"] = layoutTable(std::vector<LayoutFeature>(40, more));
+         return a;
+     }},
+    {"no units per em", [](SyntheticFont& f) { return moveEm(f, 0); }, false},
+    {"1 unit per em", [](SyntheticFont& f) { return moveEm(f, 1); }, false},
+    {"16 units per em, a box of 16,000", [](SyntheticFont& f) { return moveEm(f, 16); }},
+    {"65,535 units per em", [](SyntheticFont& f) { return moveEm(f, 65535); }, false},
+    {"a picture of 120 pixels at 1 pixel per em",
+     [](SyntheticFont& f) {
+         const uint16_t a = addBox(f);
+         addPicture(f, a, 1, 120, 120);
+         return a;
+     }},
+};
+
+class HostileFontTest : public testing::TestWithParam<HostileFont> {};
+
+// Lays out "aa" and draws it; returns the ink.
+int layOutAndDraw(const android::Typeface& typeface, float size) {
+    android::Paint paint;
+    paint.setAntiAlias(true);
+    paint.getSkFont().setSize(size);
+    const uint16_t text[] = {'a', 'a'};
+    const minikin::Layout layout = android::MinikinUtils::doLayout(
+        &paint, minikin::Bidi::LTR, &typeface, text, 2, 0, 2, 0, 2, nullptr);
+    const minikin::MinikinRect& box = layout.getBounds();
+    for (const float number : {layout.getAdvance(), box.mLeft, box.mTop, box.mRight, box.mBottom}) {
+        EXPECT_TRUE(std::isfinite(number));
+    }
+    MaskCanvas mask(40, 40);
+    const auto draw = [&](size_t start, size_t end) {
+        for (size_t i = start; i < end; ++i) {
+            mask.draw(paint.getSkFont(),
+                      {{static_cast<SkGlyphID>(layout.getGlyphId(static_cast<int>(i))),
+                        layout.getX(static_cast<int>(i)), 30}});
+        }
+    };
+    android::MinikinUtils::forFontRun(layout, &paint, draw);
+    return static_cast<int>(
+        std::count_if(mask.pixels.begin(), mask.pixels.end(), [](uint8_t c) { return c != 0; }));
+}
+
+TEST_P(HostileFontTest, GetsAnAnswerSoon) {
+    const HostileFont& hostile = GetParam();
+    SyntheticFont made;
+    made.map('a', hostile.make(made));
+    const Bytes bytes = made.build();
+    const auto begin = std::chrono::steady_clock::now();
+    const auto font = makeFont(bytes.data(), bytes.size());
+    ASSERT_EQ(font != nullptr, hostile.isFont);
+    if (!font) return;
+    const std::unique_ptr<android::Typeface> typeface(
+        android::Typeface::createFromFamilies({makeFamily(font)}, 400, 0));
+    for (const float size : {20.0f, 257.0f}) {
+        EXPECT_EQ(layOutAndDraw(*typeface, size) > 0, hostile.isDrawn) << size;
+    }
+    for (const float size :
+         {0.0f, 0.01f, 256.0f, 4000.0f, -5.0f, 1e9f, std::numeric_limits<float>::infinity(),
+          std::numeric_limits<float>::quiet_NaN()}) {
+        layOutAndDraw(*typeface, size);
+    }
+    // Far above what it takes, far below the minutes that most of these cost without a limit.
+    const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - begin;
+    EXPECT_LT(taken.count(), 10);
+}
+
+INSTANTIATE_TEST_SUITE_P(Fonts, HostileFontTest, testing::ValuesIn(kHostileFonts),
+                         [](const auto& info) { return std::to_string(info.index); });
+
+TEST(HostilePictureTest, PicturesSqueezedAndLeaningAreDrawnSoon) {
+    SyntheticFont made;
+    const uint16_t glyph = addBox(made);
+    addPicture(made, glyph, 100, 120, 120);
+    const Bytes bytes = made.build();
+    const sk_sp<SkTypeface> typeface = makeTypeface(bytes);
+    MaskCanvas mask(2000, 2000);
+    const auto begin = std::chrono::steady_clock::now();
+    for (const float scaleX : {1.0f, 0.01f, 1e-6f}) {
+        for (const float skewX : {-0.5f, -100.0f, 1e6f}) {
+            for (const float size : {1.0f, 2000.0f}) {
+                mask.draw(SkFont(typeface, size, scaleX, skewX), {{glyph, 5, 1900}});
+            }
+        }
+    }
+    const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - begin;
+    EXPECT_LT(taken.count(), 20);  // minutes, when every pixel takes 64 x 64 samples
+}
+
+TEST(FontFileTest, OtherFormatsThatFreeTypeReadsAreRefused) {
+    SyntheticFont made;
+    made.map('a', addBox(made));
+    Bytes bytes = made.build();
+    EXPECT_TRUE(makeTypeface(bytes));
+    for (const char* signature : {"wOFF", "wOF2", "\x1F\x8B\x08", "%!PS", "STAR", "lst "}) {
+        std::copy_n(signature, 4, bytes.begin());
+        EXPECT_FALSE(makeTypeface(bytes)) << signature;
+    }
+}
+
+}  // namespace
+}  // namespace gxtest
