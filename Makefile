@@ -3,8 +3,9 @@
 
 BUILD := build
 PRESET ?= release
+FUZZ_SECONDS ?= 60
 
-.PHONY: help setup demo demo-java test agreement aar bench bench-instructions bench-scaling lint format sanitize test-aarch64 clean
+.PHONY: help setup demo demo-java test agreement aar bench bench-instructions bench-scaling lint format sanitize fuzz test-aarch64 clean
 
 help:
 	@echo "make demo          build, then render sample pictures into out/demo/"
@@ -18,6 +19,7 @@ help:
 	@echo "make lint          formatting, include rules, clang-tidy, shellcheck"
 	@echo "make format        reformat the sources in place"
 	@echo "make sanitize      the tests under the address, undefined and thread sanitizers"
+	@echo "make fuzz          each fuzz target for 60 s (FUZZ_SECONDS=n) over the kept inputs"
 	@echo "make test-aarch64  the C++ tests on 64-bit ARM (qemu)"
 	@echo "make setup         install what building and testing needs; nothing if all is there"
 	@echo "make clean         remove build/ and out/"
@@ -76,6 +78,12 @@ sanitize: setup
 	cmake --preset tsan
 	cmake --build --preset tsan
 	ctest --preset tsan
+
+fuzz: setup
+	@scripts/setup sanitize
+	cmake --preset fuzz
+	cmake --build --preset fuzz
+	scripts/fuzz $(BUILD)/fuzz $(FUZZ_SECONDS)
 
 test-aarch64: setup
 	@scripts/setup demo aarch64

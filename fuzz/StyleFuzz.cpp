@@ -1,0 +1,101 @@
+// Style files through the tool's parser; what is valid is rendered, made small, with fonts of our
+// own and no others in reach.
+#include <fontconfig/fontconfig.h>
+
+#include <algorithm>
+#include <cctype>
+#include <fstream>
+#include <memory>
+#include <string_view>
+
+#include "Drawing.h"
+#include "FontFolder.h"
+#include "PngIo.h"
+#include "Scene.h"
+#include "StyleFile.h"
+#include "ToolError.h"
+#include "effect/GxEffect.h"
+
+using namespace gxfuzz;
+
+namespace {
+
+constexpr const char* kPatternName = "pattern.png";
+
+void useOwnFontsAlone() {
+    FcConfig* config = FcConfigCreate();
+    for (int kind = 0; kind < kFontKinds; ++kind) {
+        const auto path = fontFolder() / fontFileName(static_cast<FontKind>(kind));
+        FcConfigAppFontAddFile(config, reinterpret_cast<const FcChar8*>(path.c_str()));
+    }
+    FcConfigSetCurrent(config);
+}
+
+void writePattern() {
+    const uint32_t pixels[] = {0xFFFF0000, 0x8000FF00, 0x000000FF, 0xFF808080, 0xFF000000, 0x7F};
+    const std::string png = gxtool::encodePng(pixels, 3, 2);
+    std::ofstream(fontFolder() / kPatternName, std::ios::binary) << png;
+}
+
+// Large pictures take long and show nothing that small ones do not.
+void makeSmall(gxtool::Style& style) {
+    if (style.text && style.text->size() > 48) {
+        size_t end = 48;
+        while (end > 0 && (static_cast<uint8_t>((*style.text)[end]) & 0xC0) == 0x80) --end;
+        style.text->resize(end);
+    }
+    style.size = std::min(style.size, 24.0f);
+    style.scaleX = std::min(style.scaleX, 3.0f);
+    style.letterSpacing = std::min(style.letterSpacing, 2.0f);
+    if (style.width) style.width = std::min(*style.width, 200);
+    for (int* side :
+         {&style.padding.left, &style.padding.top, &style.padding.right, &style.padding.bottom}) {
+        *side = std::min(*side, 30);
+    }
+    for (gxtool::EffectStyle& effect : style.effects) {
+        effect.size = std::min(effect.size, 8.0f);
+        effect.distance = std::min(effect.distance, 12.0f);
+    }
+}
+
+// Names that could lead out of the folder stand for a file in it.
+void stayInside(gxtool::Style& style) {
+    const bool isName = std::all_of(style.font.begin(), style.font.end(), [](unsigned char c) {
+        return std::isalnum(c) || c == ' ' || c == '-';
+    });
+    if (!isName) style.font = fontFileName(static_cast<FontKind>(style.font.size() % kFontKinds));
+    style.fontBase = fontFolder();
+    for (gxtool::EffectStyle& effect : style.effects) {
+        if (!effect.pattern.empty()) effect.pattern = fontFolder() / kPatternName;
+    }
+}
+
+}  // namespace
+
+// fontconfig loses memory while it reads fonts. The name is the sanitizer's.
+// NOLINTNEXTLINE(bugprone-reserved-identifier)
+extern "C" const char* __lsan_default_suppressions() {
+    return "leak:libfontconfig";
+}
+
+extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
+    useOwnFontsAlone();
+    writePattern();
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    const std::string_view json(reinterpret_cast<const char*>(data), size);
+    try {
+        gxtool::Style style = gxtool::parseStyle(json, "style", fontFolder());
+        makeSmall(style);
+        stayInside(style);
+        gxtool::Scene scene(style);
+        const uint32_t* pixels = scene.render();
+        require(pixels && scene.imageWidth() > 0 && scene.imageHeight() > 0, "a picture");
+        require(scene.coverage().size() == scene.fonts().faces.size(), "coverage of each face");
+    } catch (const gxtool::ToolError& error) {
+        require(*error.what() != 0, "a reason");
+    }
+    return 0;
+}
