@@ -156,11 +156,11 @@ std::function<void()> pixmanRadial(const FillScenePtr& scene) {
     return throughMask(scene, source);
 }
 
-std::function<void()> pixmanPattern(const FillScenePtr& scene) {
+std::function<void()> pixmanPattern(const FillScenePtr& scene, float scale) {
     const Image source =
         bits(PIXMAN_a8r8g8b8, kPicture, kPicture, scene->picture.data, kPicture * 4);
     pixman_transform_t transform;
-    const pixman_fixed_t shrink = pixman_double_to_fixed(1 / double{kPictureScale});
+    const pixman_fixed_t shrink = pixman_double_to_fixed(1 / double{scale});
     pixman_transform_init_scale(&transform, shrink, shrink);
     pixman_image_set_transform(source.get(), &transform);
     pixman_image_set_filter(source.get(), PIXMAN_FILTER_BILINEAR, nullptr, 0);
@@ -176,7 +176,7 @@ std::function<void()> pixmanLinear(const FillScenePtr& /*scene*/) {
 std::function<void()> pixmanRadial(const FillScenePtr& /*scene*/) {
     return {};
 }
-std::function<void()> pixmanPattern(const FillScenePtr& /*scene*/) {
+std::function<void()> pixmanPattern(const FillScenePtr& /*scene*/, float /*scale*/) {
     return {};
 }
 
@@ -228,13 +228,11 @@ Contenders patternAt(const FillScenePtr& scene, float scale) {
                 fill.tile = {scene->picture.data, kPicture, kPicture, scale, 1, extent, extent};
                 patternRowsPlain(fill);
             },
-            {}};
+            pixmanPattern(scene, scale)};
 }
 
 Contenders pattern(const FillScenePtr& scene) {
-    Contenders contenders = patternAt(scene, kPictureScale);
-    contenders.peer = pixmanPattern(scene);
-    return contenders;
+    return patternAt(scene, kPictureScale);
 }
 
 // Tiles of 640 pixels: most rows are not repeated.

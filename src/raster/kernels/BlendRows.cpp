@@ -74,12 +74,28 @@ public:
             words[m] = std::bit_cast<uint32_t>(fromWord(premultiplied(table[256 - m])));
         }
     }
-    HWY_INLINE V8 operator[](V32 coverage) const {
-        const hn::RebindToSigned<decltype(d32)> dIndex;
-        return hn::BitCast(d8, hn::GatherIndex(d32, words, hn::BitCast(dIndex, coverage)));
+    HWY_INLINE uint32_t operator[](MaskLane coverage) const { return words[coverage & 255]; }
+
+    // Of a vector of pixels. One by one: gathers take twice as long.
+    template <size_t kCount = kVectorPixels>
+    HWY_INLINE V8 of(MaskLane coverage) const {
+        const auto at = [&](int i) HWY_ATTR { return (*this)[coverage >> 8 * i]; };
+        if constexpr (kCount == 8) {
+            return fromWords(Words{at(0), at(1), at(2), at(3), at(4), at(5), at(6), at(7)});
+        } else {
+            return fromWords(Words{at(0), at(1), at(2), at(3)});
+        }
     }
 
 private:
+    typedef uint32_t Words __attribute__((vector_size(kBlockPixels)));
+
+    static HWY_INLINE V8 fromWords(Words w) {
+        V8 v;
+        std::memcpy(&v, &w, sizeof(v));
+        return v;
+    }
+
     alignas(64) uint32_t words[256] = {};
 };
 
@@ -88,13 +104,13 @@ struct DstOverMapped8 {
     V8 fullColor;
 
     explicit HWY_INLINE DstOverMapped8(const ColorsByCoverage& colorsByCoverage)
-        : colors(colorsByCoverage), fullColor(colors[hn::Set(d32, 255)]) {}
+        : colors(colorsByCoverage), fullColor(hn::BitCast(d8, hn::Set(d32, colors[255]))) {}
 
     HWY_INLINE V8 weights(V8 mask) const { return mask; }
-    HWY_INLINE V8 operator()(V8 d, V16 factor) const {
-        return dstOver(d, colors[hn::ShiftRight<24>(hn::BitCast(d32, factor))]);
+    HWY_INLINE V8 operator()(V8 d, V16 /*factor*/, MaskLane coverage) const {
+        return dstOver(d, colors.of(coverage));
     }
-    HWY_INLINE V8 onto(V8 d) const { return dstOver(d, fullColor); }
+    HWY_INLINE V8 onto(V8 d, MaskLane /*coverage*/) const { return dstOver(d, fullColor); }
 };
 
 // Onto what is there, weakened by the mask: (d + under + 1) x m >> 8, at most 255. The formula's
@@ -229,7 +245,12 @@ void dstOverSa8Rows(const BlendArea& area, Rgba color) {
 
 void dstOverMapped8Rows(const BlendArea& area, const uint32_t* table) {
     const ColorsByCoverage colors(table);
-    blendRows(area, DstOverMapped8(colors));
+    for (ptrdiff_t y = 0; y < static_cast<ptrdiff_t>(area.height); ++y) {
+        const uint8_t* mask = area.source + y * area.sourceStride;
+        blendRow(area.width, DstOverMapped8(colors),
+                 reinterpret_cast<Rgba*>(area.destination + y * area.destinationStride), mask,
+                 mask);
+    }
 }
 
 void overwrite8Rows(const BlendArea& area, Rgba color) {

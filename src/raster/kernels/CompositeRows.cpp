@@ -51,10 +51,9 @@ struct FadeAndUnpremultiply {
     static HWY_INLINE V8 straight(V8 pixels) {
         const V32 p = hn::BitCast(d32, pixels);
         const V32 alpha = hn::ShiftRight<24>(p);
-        const hn::RebindToFloat<decltype(d32)> df;
-        const hn::RebindToSigned<decltype(d32)> di;
-        const auto divisor = hn::ConvertTo(df, hn::BitCast(di, hn::Max(alpha, hn::Set(d32, 1))));
-        const auto ratio = hn::Div(hn::Set(df, 256.0f), divisor);
+        const Numbers divisor =
+            hn::ConvertTo(dNumber, hn::BitCast(dWhole, hn::Max(alpha, hn::Set(d32, 1))));
+        const Numbers ratio = hn::Div(hn::Set(dNumber, 256.0f), divisor);
         const V32 low = hn::Set(d32, 255);
         const V32 r = quotient(hn::And(p, low), ratio);
         const V32 g = quotient(hn::And(hn::ShiftRight<8>(p), low), ratio);
@@ -67,13 +66,10 @@ struct FadeAndUnpremultiply {
     // Below the clamp the exact quotient is at most 256, so product and sum are off by less than
     // 2^-14, and a quotient that is not whole lies 1/255 or more under the next whole number.
     // Adding 2^-10 therefore lifts whole quotients over the rounding and never passes the next.
-    template <class VF>
-    static HWY_INLINE V32 quotient(V32 c, VF ratio) {
-        const hn::RebindToFloat<decltype(d32)> df;
-        const hn::RebindToSigned<decltype(d32)> di;
-        const auto product = hn::Mul(hn::ConvertTo(df, hn::BitCast(di, c)), ratio);
-        const auto lifted = hn::Add(product, hn::Set(df, 0x1p-10f));
-        return hn::BitCast(d32, hn::ConvertTo(di, hn::Min(lifted, hn::Set(df, 255.0f))));
+    static HWY_INLINE V32 quotient(V32 c, Numbers ratio) {
+        const Numbers product = hn::Mul(hn::ConvertTo(dNumber, hn::BitCast(dWhole, c)), ratio);
+        const Numbers lifted = hn::Add(product, hn::Set(dNumber, 0x1p-10f));
+        return hn::BitCast(d32, truncated(hn::Min(lifted, hn::Set(dNumber, 255.0f))));
     }
 };
 

@@ -35,9 +35,6 @@ void radialRows(const GradientFill& fill, float step) {
 
 #else
 
-inline constexpr hn::RebindToSigned<decltype(d32)> dIndex;
-using Index = hn::Vec<decltype(dIndex)>;
-
 // The colours as pixels, in both directions, with a vector to read behind the last ones.
 class Colors {
 public:
@@ -112,14 +109,15 @@ private:
     // Truncated after the clamp, which comes to the same.
     HWY_INLINE V8 colors(Numbers column) const {
         const Numbers clamped = hn::Min(hn::Max(position(column), lowest), highest);
-        const Index index = hn::ConvertTo(dIndex, clamped);
+        const Wholes index = truncated(clamped);
         if constexpr (kShort) {
-            const int32_t first = hn::GetLane(index);
+            const Wholes first =
+                hn::TableLookupLanes(index, hn::IndicesFromVec(dWhole, hn::Zero(dWhole)));
             // Pixels behind the row's end may have any entry.
-            const Index places = hn::And(hn::Sub(index, hn::Set(dIndex, first)),
-                                         hn::Set(dIndex, int32_t{kVectorPixels} - 1));
-            return hn::BitCast(d8, hn::TableLookupLanes(hn::LoadU(d32, zero + first),
-                                                        hn::IndicesFromVec(d32, places)));
+            const Wholes places =
+                hn::And(hn::Sub(index, first), hn::Set(dWhole, int32_t{kVectorPixels} - 1));
+            const V32 entries = hn::LoadU(d32, zero + hn::GetLane(index));
+            return hn::BitCast(d8, hn::TableLookupLanes(entries, hn::IndicesFromVec(d32, places)));
         } else {
             return hn::BitCast(d8, hn::GatherIndex(d32, zero, index));
         }

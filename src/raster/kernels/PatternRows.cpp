@@ -33,7 +33,6 @@ void drawPattern(const PatternFill& fill) {
 
 #else
 
-inline constexpr hn::RebindToSigned<decltype(d32)> dWhole;
 // One texel: its four bytes as numbers.
 inline constexpr hn::CappedTag<float, 4> dTexel;
 using Texel = hn::Vec<decltype(dTexel)>;
@@ -96,10 +95,8 @@ HWY_INLINE void sample(const PatternColumn& column, const float* texels, Rgba* o
     const Texel nearWeight = hn::Sub(hn::Set(dTexel, 255 * kShare), nextWeight);
     const Texel sum = hn::Add(hn::Mul(hn::LoadU(dTexel, texel), nearWeight),
                               hn::Mul(hn::LoadU(dTexel, texel + 4), nextWeight));
-    const hn::RebindToSigned<decltype(dTexel)> dInt;
     const hn::Rebind<uint8_t, decltype(dTexel)> dBytes;
-    hn::StoreU(hn::DemoteTo(dBytes, hn::ConvertTo(dInt, sum)), dBytes,
-               reinterpret_cast<uint8_t*>(out));
+    hn::StoreU(hn::DemoteTo(dBytes, truncated(sum)), dBytes, reinterpret_cast<uint8_t*>(out));
 }
 
 // From bytes A, R, G, B to pixels: the alpha weakened, the colour premultiplied.
@@ -114,8 +111,7 @@ struct Premultiply {
             const V32 alpha = hn::And(hn::BitCast(d32, argb), low);
             const Numbers weakened =
                 hn::Mul(opacity, hn::ConvertTo(dNumber, hn::BitCast(dWhole, alpha)));
-            const V32 a = hn::BitCast(
-                d32, hn::ConvertTo(dWhole, hn::Min(weakened, hn::Set(dNumber, 255.0f))));
+            const V32 a = hn::BitCast(d32, truncated(hn::Min(weakened, hn::Set(dNumber, 255.0f))));
             const V16 factor =
                 lanes16(hn::BitCast(d8, hn::Or(hn::ShiftLeft<8>(a), hn::ShiftLeft<24>(a))));
             const V8 scaled = join(scale(split(kToRgba(argb)), factor));

@@ -31,6 +31,8 @@ using V16 = hn::Vec<decltype(d16)>;
 using V32 = hn::Vec<decltype(d32)>;
 inline constexpr hn::RebindToFloat<decltype(d32)> dNumber;
 using Numbers = hn::Vec<decltype(dNumber)>;
+inline constexpr hn::RebindToSigned<decltype(d32)> dWhole;
+using Wholes = hn::Vec<decltype(dWhole)>;
 
 inline constexpr size_t kBlockPixels = hn::MaxLanes(d8);
 inline constexpr size_t kVectorPixels = kBlockPixels / 4;
@@ -48,8 +50,32 @@ HWY_INLINE Numbers loadPixels(const float* p) {
     return hn::LoadU(dNumber, p);
 }
 
+// The mask bytes of a vector of pixels, the first one lowest.
+using MaskLane = hwy::UnsignedFromSize<kVectorPixels>;
+HWY_INLINE MaskLane loadPixels(const uint8_t* p) {
+    MaskLane lane;
+    std::memcpy(&lane, p, sizeof(lane));
+    return lane;
+}
+
 HWY_INLINE void storePixels(V8 v, Rgba* p) {
     hn::StoreU(v, d8, reinterpret_cast<uint8_t*>(p));
+}
+
+// Truncates floats that fit 32 bits. Highway's own conversion has more steps, for those that do
+// not.
+template <class V>
+HWY_INLINE auto truncated(V v) {
+    const hn::RebindToSigned<hn::DFromV<V>> d;
+#if HWY_TARGET == HWY_AVX2 || HWY_TARGET == HWY_SSE4
+    if constexpr (sizeof(v.raw) == 32) {
+        return hn::Vec<decltype(d)>{_mm256_cvttps_epi32(v.raw)};
+    } else {
+        return hn::Vec<decltype(d)>{_mm_cvttps_epi32(v.raw)};
+    }
+#else
+    return hn::ConvertTo(d, v);
+#endif
 }
 
 HWY_INLINE V8 bytes(V16 v) {
@@ -261,14 +287,12 @@ struct SortedVectors {
     // Takes in the four vectors whose weights are `w`, as numbers `first` to `first` + 3.
     HWY_INLINE void add(V8 w, size_t first) {
         const auto lanes = hn::BitCast(dLane, w);
-        full |= bits(hn::Eq(lanes, hn::Set(dLane, static_cast<Lane>(~Lane{0})))) << first;
+        full |= bits(hn::Eq(lanes, hn::Set(dLane, static_cast<MaskLane>(~MaskLane{0})))) << first;
         empty |= bits(hn::Eq(lanes, hn::Zero(dLane))) << first;
     }
 
 private:
-    // The mask bytes of one vector of pixels as one lane: there are four in a vector of bytes.
-    using Lane = hwy::UnsignedFromSize<kVectorPixels>;
-    static constexpr hn::Repartition<Lane, decltype(d8)> dLane{};
+    static constexpr hn::Repartition<MaskLane, decltype(d8)> dLane{};
 
     template <class M>
     static HWY_INLINE uint64_t bits(M mask) {
