@@ -300,6 +300,20 @@ TEST_F(Render, WithoutAnyFamilyNothingIsDrawn) {
     EXPECT_GT(coverage(render(50, 60)), 0);
 }
 
+TEST_F(Render, AFamilyLoadedLaterDrawsFromTheNextRenderOn) {
+    setLines({L"\x0928\x092E"});
+    const Image whole = render(100, 70);
+    GxFontFamily* devanagari = systemFamilies()[2];
+    devanagari->loaded = 0;
+    const Image missing = render(100, 70);
+    EXPECT_NE(missing, whole);
+    EXPECT_EQ(render(100, 70), missing);
+    GxTextObject other;
+    ASSERT_TRUE(other.Construct());
+    ASSERT_TRUE(other.SetText(L"\x0915"));  // asks for the family
+    EXPECT_EQ(render(100, 70), whole);
+}
+
 // --- the drawing's own parts
 // --------------------------------------------------------------------------------------
 
