@@ -90,10 +90,8 @@ public:
 private:
     typedef uint32_t Words __attribute__((vector_size(kBlockPixels)));
 
-    static HWY_INLINE V8 fromWords(Words w) {
-        V8 v;
-        std::memcpy(&v, &w, sizeof(v));
-        return v;
+    static HWY_INLINE V8 fromWords(const Words& w) {
+        return hn::LoadU(d8, reinterpret_cast<const uint8_t*>(&w));
     }
 
     alignas(64) uint32_t words[256] = {};
