@@ -6,6 +6,7 @@
 #include <climits>
 #include <cstdint>
 #include <new>
+#include <utility>
 #include <vector>
 
 #include "minikin/MinikinFont.h"
@@ -36,16 +37,10 @@ HbFontUniquePtr makeBaseFont(const MinikinFont& font) {
 }
 
 std::unique_ptr<const SparseBitSet> collectCoverage(hb_font_t* font) {
-    const HbSetUniquePtr codepoints(hb_set_create());
+    HbSetUniquePtr codepoints(hb_set_create());
     hb_face_collect_unicodes(hb_font_get_face(font), codepoints.get());
     if (!hb_set_allocation_successful(codepoints.get())) throw std::bad_alloc();
-    auto coverage = std::make_unique<SparseBitSet>();
-    hb_codepoint_t first = HB_SET_VALUE_INVALID;
-    hb_codepoint_t last = HB_SET_VALUE_INVALID;
-    while (hb_set_next_range(codepoints.get(), &first, &last)) {
-        coverage->addRange(first, last);
-    }
-    return coverage;
+    return std::make_unique<const SparseBitSet>(std::move(codepoints));
 }
 
 uint16_t readU16(const char* bytes) {

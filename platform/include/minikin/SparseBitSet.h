@@ -1,39 +1,29 @@
-// A set of code points, stored in pages so that small scripts stay small.
+// A set of code points.
 #pragma once
 
-#include <array>
-#include <cstddef>
+#include <hb.h>
+
 #include <cstdint>
-#include <vector>
+
+#include "minikin/HbUtils.h"
 
 namespace minikin {
 
+// Immutable; safe from any thread.
 class SparseBitSet {
 public:
-    SparseBitSet() = default;
+    SparseBitSet();
+    // As HarfBuzz collected it.
+    explicit SparseBitSet(HbSetUniquePtr set);
 
-    // Adds [first, last], both included. Values beyond Unicode's last code point are left out.
-    void addRange(uint32_t first, uint32_t last);
+    bool get(uint32_t value) const { return value < mLength && hb_set_has(mSet.get(), value); }
 
-    bool get(uint32_t value) const {
-        const size_t page = value >> kLogPageBits;
-        if (page >= mPageIndex.size() || mPageIndex[page] == kNoPage) return false;
-        const uint32_t bit = value & (kPageBits - 1);
-        return (mPages[mPageIndex[page]][bit / 64] >> (bit % 64)) & 1;
-    }
-
-    // One more than the largest value; 0 for the empty set.
+    // One more than the largest value, at most 0x110000; 0 for the empty set.
     uint32_t length() const { return mLength; }
     bool empty() const { return mLength == 0; }
 
 private:
-    static constexpr uint32_t kLogPageBits = 8;
-    static constexpr uint32_t kPageBits = 1u << kLogPageBits;
-    static constexpr uint16_t kNoPage = 0xFFFF;
-    using Page = std::array<uint64_t, kPageBits / 64>;
-
-    std::vector<uint16_t> mPageIndex;
-    std::vector<Page> mPages;
+    HbSetUniquePtr mSet;
     uint32_t mLength = 0;
 };
 
