@@ -5,7 +5,7 @@ BUILD := build
 PRESET ?= release
 FUZZ_SECONDS ?= 60
 
-.PHONY: help setup demo demo-java test agreement aar bench bench-instructions bench-scaling lint format sanitize fuzz test-aarch64 clean
+.PHONY: help setup demo demo-java test agreement aar bench bench-instructions bench-scaling bench-memory lint format sanitize fuzz test-aarch64 clean
 
 help:
 	@echo "make demo          build, then render sample pictures into out/demo/"
@@ -15,6 +15,7 @@ help:
 	@echo "make aar           pack the SDK and the libraries built for Android into out/aar/"
 	@echo "make bench         build and run the benchmarks: ratios to the peers, targets beside"
 	@echo "make bench-instructions  instructions per pixel of the same rows"
+	@echo "make bench-memory  memory held while 100,000 titles come and go"
 	@echo "make bench-scaling   time against radius, area and number of effects, into docs/"
 	@echo "make lint          formatting, include rules, clang-tidy, shellcheck"
 	@echo "make format        reformat the sources in place"
@@ -55,7 +56,7 @@ aar: setup
 	@scripts/setup java
 	scripts/aar out/aar $(AAR_OPTIONS)
 
-bench bench-instructions bench-scaling: setup
+bench bench-instructions bench-scaling bench-memory: setup
 	@scripts/setup bench
 	cmake --preset release -DGXTEXT_BUILD_BENCH=ON
 	cmake --build --preset release --target gxtext_bench

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "Measure.h"
+#include "MemoryBench.h"
 #include "Planes.h"
 #include "Scaling.h"
 #include "raster/kernels/SimdTargets.h"
@@ -150,7 +151,7 @@ void addMissingPeer(const std::string& name) {
 
 }  // namespace gxbench
 
-// gxtext_bench [--instructions | --scaling] [--target NAME] [FILTER]
+// gxtext_bench [--instructions | --scaling | --memory] [--target NAME] [FILTER]
 int main(int argc, char** argv) {
     void (*measureAll)(const std::string&) = gxbench::printTable;
     std::string filter;
@@ -159,6 +160,10 @@ int main(int argc, char** argv) {
             measureAll = gxbench::countInstructions;
         } else if (std::strcmp(argv[i], "--scaling") == 0) {
             measureAll = gxbench::printScaling;
+#ifdef GXBENCH_TEXT
+        } else if (std::strcmp(argv[i], "--memory") == 0) {
+            measureAll = gxbench::printMemory;
+#endif
         } else if (std::strcmp(argv[i], "--target") == 0 && i + 1 < argc) {
             GxFontEffect::kernels::forceSimdTarget(argv[++i]);
         } else {
@@ -173,6 +178,10 @@ int main(int argc, char** argv) {
     gxbench::addShadowRows();
 #ifdef GXBENCH_TEXT
     gxbench::addTextRows();
+#endif
+#ifdef GXBENCH_LINES
+    gxbench::addFontRows();
+    gxbench::addLineRows();
 #endif
     measureAll(filter);
     return 0;

@@ -53,6 +53,10 @@ void addShadowRows();
 #ifdef GXBENCH_TEXT
 void addTextRows();  // need the text libraries
 #endif
+#ifdef GXBENCH_LINES
+void addFontRows();  // need the portable text stack
+void addLineRows();
+#endif
 
 // The names of peers that this build lacks are said above the table.
 void addMissingPeer(const std::string& name);
