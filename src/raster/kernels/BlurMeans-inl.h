@@ -143,6 +143,10 @@ struct Sums {
 
 // What one output's sum has more than the one before it, at most 255 times the centre's weight.
 struct Difference {
+    // Spelled out: generated, they would not be compiled for the target that the vectors need.
+    HWY_INLINE Difference() {}
+    HWY_INLINE Difference(S16 low, S16 high) : lower(low), upper(high) {}
+
     S16 lower;
     S16 upper;
 };
@@ -207,6 +211,8 @@ private:
         int64_t lead;  // divisors that the remainder is ahead
     };
     struct State {
+        HWY_INLINE State() {}  // for the target, as above
+
         V16 mean;
         V16 rest;  // offset by lead x divisor + lift
         V16 bit;
