@@ -127,6 +127,21 @@ protected:
         }
     }
 
+    // Columns onto their own first rows.
+    void checkInPlace(int64_t columns, int64_t rows, const Bell& bell, BlurInput input,
+                      const Content& fill) {
+        Plane plane(columns, rows + 2 * int64_t{bell.weights.radius});
+        fill(plane, random);
+        Plane expected(columns, plane.height);
+        std::copy_n(plane.cells.get(), plane.size(), expected.cells.get());
+        Plane scratch(blurScratchBytes(columns, plane.height, bell.weights.radius), 1);
+        BlurPass pass{plane.cells.get(), columns, expected.cells.get(), columns, columns, rows};
+        blurColumnsPlain(pass, bell.weights, input);
+        pass.out = plane.cells.get();
+        blurColumns(pass, bell.weights, input, scratch.cells.get());
+        expectEqual(expected, plane, bell);
+    }
+
     void checkPlane(int64_t width, int64_t height, const Bell& bell, BlurInput input,
                     const Content& fill) {
         Plane in(width, height);
@@ -171,6 +186,8 @@ TEST_P(SeparableBlur, EqualsTheFormulaAtEveryRadius) {
                 const auto columns = random.between(1, 75), rows = random.between(1, 75);
                 checkPasses(columns, rows, bell, input, fillNoise);
                 checkPasses(columns, rows, bell, input, someContent());
+                checkInPlace(random.between(1, 3) * kBlurStripWidth, random.between(1, 30) * 2,
+                             bell, input, someContent());
                 const auto width = 2 * radius + random.between(0, 40);
                 const auto height = 2 * radius + random.between(0, 40);
                 if (width > 0 && height > 0) {

@@ -31,6 +31,10 @@ bool coversBox(const TextMask& text, const ShadowShift& shift, int64_t radius) {
            -radius + shift.y >= text.height || text.height + radius + shift.y < 0;
 }
 
+int64_t roundUp(int64_t extent, int64_t step) {
+    return (extent + step - 1) / step * step;
+}
+
 void tintWhole(const TextMask& text, const GxBitmap* layer, uint32_t color) {
     drawTinted(text.left + text.firstColumn, text.top + text.firstRow, layer,
                text.row(text.firstRow), text.lastColumn - text.firstColumn,
@@ -68,9 +72,9 @@ void blurShiftedRows(const TextMask& text, const ShadowShift& shift,
             shiftedRow(text, y + i - offset, weights.radius + int64_t{shift.x}, lines.row(i),
                        lines.width);
         }
-        kernels::blurRows({lines.data(), lines.width, background.row(y), background.width,
-                           background.width, rows},
-                          weights, kernels::BlurInput::kInverse, scratch);
+        kernels::blurRows(
+            {lines.data(), lines.width, background.row(y), background.width, text.width, rows},
+            weights, kernels::BlurInput::kInverse, scratch);
     }
 }
 
@@ -96,21 +100,21 @@ void keepInGlyphs(const TextMask& text, const ShadowShift& shift, int64_t radius
     const auto fill = [](uint8_t* cells, int64_t begin, int64_t end, int value) {
         if (begin < end) std::memset(cells + begin, value, static_cast<size_t>(end - begin));
     };
-    for (int64_t y = 0; y < shade.height; ++y) {
+    for (int64_t y = 0; y < text.height; ++y) {
         uint8_t* cells = shade.row(y);
         if (!rows.contains(y)) {
-            fill(cells, 0, shade.width, 255);
+            fill(cells, 0, text.width, 255);
             continue;
         }
         if (const uint8_t* coverage = text.row(y)) {
             fill(cells, 0, text.firstColumn, 0);
             keepCovered(cells + text.firstColumn, coverage, text.lastColumn - text.firstColumn);
-            fill(cells, text.lastColumn, shade.width, 0);
+            fill(cells, text.lastColumn, text.width, 0);
         } else {
-            fill(cells, 0, shade.width, 0);
+            fill(cells, 0, text.width, 0);
         }
-        fill(cells, 0, std::min(columns.begin, shade.width), 255);
-        fill(cells, std::max<int64_t>(columns.end, 0), shade.width, 255);
+        fill(cells, 0, std::min(columns.begin, text.width), 255);
+        fill(cells, std::max<int64_t>(columns.end, 0), text.width, 255);
     }
 }
 
@@ -140,25 +144,26 @@ void GxInnerShadow::doPostProcessing(GxECore::ParamPostProcessing* param) {
         return;
     }
     const WorkPlane<uint8_t> lines(text.width + 2 * radius, kernels::kBlurStripWidth);
-    const WorkPlane<uint8_t> background(text.width, text.height + 2 * radius);
-    const WorkPlane<uint8_t> shade(text.width, text.height);
+    // The extents that let the columns be blurred in place.
+    const int64_t columns = roundUp(text.width, kernels::kBlurStripWidth);
+    const int64_t rows = roundUp(text.height, 2);
+    const WorkPlane<uint8_t> shade(columns, rows + 2 * radius);
     const WorkPlane<uint8_t> scratch(
-        kernels::blurScratchBytes(lines.width, background.height, radius));
+        kernels::blurScratchBytes(std::max(lines.width, columns), shade.height, radius));
     const BlurTaps taps(radius);
-    if (!lines || !background || !shade || !scratch || !taps) return;
+    if (!lines || !shade || !scratch || !taps) return;
     const kernels::BlurWeights weights = taps.compute(computeGaussianWeights);
 
     // 2. Rows.
-    blurShiftedRows(text, shift, weights, lines, background, scratch.data());
+    blurShiftedRows(text, shift, weights, lines, shade, scratch.data());
     // 3. Columns.
-    kernels::blurColumns(
-        {background.data(), background.width, shade.data(), shade.width, shade.width, shade.height},
-        weights, kernels::BlurInput::kDirect, scratch.data());
+    kernels::blurColumns({shade.data(), columns, shade.data(), columns, columns, rows}, weights,
+                         kernels::BlurInput::kDirect, scratch.data());
     // 4. Inside only.
     keepInGlyphs(text, shift, radius, shade);
     // 5. The tint.
-    drawTinted(text.left, text.top, param->dst, shade.data(), shade.width, shade.height,
-               shade.width, property->color, GXE_BLEND_DST_OVER);
+    drawTinted(text.left, text.top, param->dst, shade.data(), text.width, text.height, columns,
+               property->color, GXE_BLEND_DST_OVER);
 }
 
 }  // namespace GxFontEffect

@@ -23,7 +23,7 @@ namespace GxFontEffect {
 //
 // No margin. Blend: destination over source. Null inputs, a box the wrong way round, sizes past
 // 65,535 or the work memory's limit and failed allocations leave the layer as it was. Cost as
-// the outer shadow's, per pixel of the box; work bytes per pixel of the box 2, plus one per pixel
+// the outer shadow's, per pixel of the box; work bytes per pixel of the box 1, plus one per pixel
 // of 2 radius rows, plus 128 per pixel of the longer side with twice the radius (192 from a radius
 // of 32 on).
 class GXTEXT_API GxInnerShadow : public GxPropertyCore<GxInnerShadowProperty> {

@@ -17,8 +17,10 @@ struct BlurWeights {
 // Whether a pass takes the cells as they are or their inverse, 255 - cell.
 enum class BlurInput { kDirect, kInverse };
 
-// Rows x columns of output and the input around them. Strides in bytes; input and output must not
-// overlap; no alignment is needed. Negative or zero extents do nothing.
+// Rows x columns of output and the input around them. Strides in bytes; no alignment is needed.
+// Input and output must not overlap, but for columns that are blurred onto their own first rows:
+// where both are multiples of kBlurStripWidth and 2, no cell is taken twice. Negative or zero
+// extents do nothing.
 struct BlurPass {
     const uint8_t* in = nullptr;
     int64_t inStride = 0;
