@@ -159,6 +159,33 @@ protected:
         setLooksForShortcuts(true);
     }
 
+    // A plane within blank paper, in place.
+    void checkPadded(int64_t width, int64_t height, const Bell& bell, const Content& fill) {
+        const int64_t padding = 2 * int64_t{bell.weights.radius};
+        Plane inner(width, height);
+        fill(inner, random);
+        Plane expected(width + 2 * padding, height + 2 * padding);
+        for (int64_t y = 0; y < height; ++y) {
+            std::copy_n(inner.cells.get() + y * width, width,
+                        expected.cells.get() + (y + padding) * expected.width + padding);
+        }
+        Plane actual(expected.width, expected.height);
+        std::copy_n(expected.cells.get(), expected.size(), actual.cells.get());
+        Plane scratch(blurScratchBytes(actual.width, actual.height, bell.weights.radius), 1);
+        blurPaddedPlanePlain(expected.cells.get(), expected.width, expected.height, bell.weights);
+        blurPaddedPlane(actual.cells.get(), actual.width, actual.height, bell.weights,
+                        scratch.cells.get());
+        // Only the means matter.
+        for (Plane* plane : {&expected, &actual}) {
+            for (int64_t i = 0; i < plane->width * plane->height; ++i) {
+                const bool isMean = i % plane->width < plane->width - padding &&
+                                    i / plane->width < plane->height - padding;
+                if (!isMean) plane->cells[static_cast<size_t>(i)] = 0;
+            }
+        }
+        expectEqual(expected, actual, bell);
+    }
+
     BlurInput someInput() { return random.oneIn(2) ? BlurInput::kDirect : BlurInput::kInverse; }
     int32_t someCentre() { return random.oneIn(2) ? 100 : 128; }
     const Content& someContent() { return contents()[random.word() % contents().size()]; }
@@ -186,6 +213,7 @@ TEST_P(SeparableBlur, EqualsTheFormulaAtEveryRadius) {
                 const auto columns = random.between(1, 75), rows = random.between(1, 75);
                 checkPasses(columns, rows, bell, input, fillNoise);
                 checkPasses(columns, rows, bell, input, someContent());
+                checkPadded(random.between(1, 70), random.between(1, 35) * 2, bell, someContent());
                 checkInPlace(random.between(1, 3) * kBlurStripWidth, random.between(1, 30) * 2,
                              bell, input, someContent());
                 const auto width = 2 * radius + random.between(0, 40);

@@ -76,21 +76,20 @@ void GxOuterShadow::doPostProcessing(GxECore::ParamPostProcessing* param) {
     if (missesLayer(text, shift, padding, *param->dst)) return;
 
     // 2. The padded mask.
-    const WorkPlane<uint8_t> mask(text.width + 2 * padding, text.height + 2 * padding);
-    const WorkPlane<uint8_t> shadow(mask.width, mask.height);
-    const WorkPlane<uint8_t> scratch(kernels::blurScratchBytes(mask.width, mask.height, radius));
+    const int64_t evenHeight = text.height + text.height % 2;
+    const WorkPlane<uint8_t> plane(text.width + 2 * padding, evenHeight + 2 * padding);
+    const WorkPlane<uint8_t> scratch(kernels::blurScratchBytes(plane.width, plane.height, radius));
     const BlurTaps taps(radius);
-    if (!mask || !shadow || !scratch || !taps) return;
-    text.copyTo(mask.row(padding) + padding, mask.width);
+    if (!plane || !scratch || !taps) return;
+    text.copyTo(plane.row(padding) + padding, plane.width);
 
-    // 3. The blur.
-    kernels::blurPlane(mask.data(), shadow.data(), mask.width, mask.height,
-                       taps.compute(computeGaussianWeights), kernels::BlurInput::kDirect,
-                       scratch.data());
+    // 3. The blur, in place: its first cell is the one `radius` left of and above the text's.
+    kernels::blurPaddedPlane(plane.data(), plane.width, plane.height,
+                             taps.compute(computeGaussianWeights), scratch.data());
 
     // 4. The tint.
-    drawTinted(text.left - padding + shift.x, text.top - padding + shift.y, param->dst,
-               shadow.data(), shadow.width, shadow.height, shadow.width, property->color,
+    drawTinted(text.left - radius + shift.x, text.top - radius + shift.y, param->dst, plane.data(),
+               plane.width - padding, text.height + padding, plane.width, property->color,
                GXE_BLEND_DST_OVER);
 }
 

@@ -24,7 +24,7 @@ namespace GxFontEffect {
 // the work memory's limit and failed allocations leave the layer as it was. Cost: 2
 // radius + 2 byte products per pixel of the blurred ink, or some 80 additions where these are less
 // (from a radius of 35 on); the columns' changes are few in text and add little. Work bytes per
-// padded pixel 2, the padding being twice the radius on each side, plus 96 per pixel of the longer
+// padded pixel 1, the padding being twice the radius on each side, plus 96 per pixel of the longer
 // side (160 from a radius of 32 on).
 class GXTEXT_API GxOuterShadow : public GxPropertyCore<GxOuterShadowProperty> {
 public:

@@ -45,6 +45,11 @@ void blurBoth(const uint8_t* in, uint8_t* out, int64_t width, int64_t height,
     blurPlanePlain(in, out, width, height, weights, input, scratch);
 }
 
+void blurPadded(uint8_t* plane, int64_t width, int64_t height, const BlurWeights& weights,
+                uint8_t* /*scratch*/) {
+    blurPaddedPlanePlain(plane, width, height, weights);
+}
+
 #else
 
 // --- strips
@@ -313,34 +318,39 @@ bool blurBothDirect(const BlurPass& area, const BlurWeights& weights, BlurInput 
     return true;
 }
 
-void blurBoth(const uint8_t* in, uint8_t* out, int64_t width, int64_t height,
-              const BlurWeights& weights, BlurInput input, uint8_t* scratch) {
-    const int64_t radius = weights.radius;
-    Box area = {radius, radius, width - radius, height - radius};
-    if (area.left > area.right || area.top > area.bottom) return;
-    Box ink = area;
-    // Blank paper stays blank, which is also what lies outside the area.
-    if (looksForShortcuts() && input == BlurInput::kDirect && area.right - area.left >= kLanes &&
-        area.bottom > area.top) {
+// The cells of a plane that have a whole window around them.
+Box innerOf(int64_t width, int64_t height, int64_t radius) {
+    return {radius, radius, width - radius, height - radius};
+}
+
+// What is not blank, and what it reaches, in columns to the next vector. Blank paper stays blank.
+struct Reach {
+    Reach(const uint8_t* in, int64_t width, int64_t height, int64_t radius, bool isBlankKept)
+        : ink(innerOf(width, height, radius)), area(ink) {
+        if (!isBlankKept || !looksForShortcuts()) return;
+        if (area.right - area.left < kLanes || area.top >= area.bottom) return;
         const Box all = inkOf(in, width, height);
-        ink = {std::max(area.left, all.left), area.top, std::min(area.right, all.right),
-               area.bottom};
+        ink.left = std::max(ink.left, all.left);
+        ink.right = std::min(ink.right, all.right);
         area = {std::max(area.left, all.left - radius), std::max(area.top, all.top - radius),
                 std::min(area.right, all.right + radius),
                 std::min(area.bottom, all.bottom + radius)};
     }
-    const uint8_t border = input == BlurInput::kDirect ? 0 : 255;
-    if (ink.left >= ink.right || area.top >= area.bottom) {
-        std::memset(out, border, static_cast<size_t>(width * height));
-        return;
-    }
-    fillAround(out, width, height, ink, area, border);
+    bool isEmpty() const { return ink.left >= ink.right || area.top >= area.bottom; }
+
+    Box ink;
+    Box area;
+};
+
+// Both passes over the area. The columns' means go to rows that start at `means`, with the area's
+// top, and the rows' to those at `out`; the rows' windows start at means - radius.
+void blurArea(const uint8_t* in, int64_t width, const Reach& reach, uint8_t* means, uint8_t* out,
+              const BlurWeights& weights, BlurInput input, uint8_t* scratch) {
+    const Box& area = reach.area;
     const int64_t rows = area.bottom - area.top;
     const int64_t columns = area.right - area.left;
-    const uint8_t* firstWindows = in + (area.top - radius) * width;
-    uint8_t* firstRow = out + area.top * width;
-    const BlurPass both = {
-        firstWindows + area.left, width, firstRow + area.left, width, columns, rows};
+    const uint8_t* firstWindows = in + (area.top - weights.radius) * width;
+    const BlurPass both = {firstWindows + area.left, width, out + area.left, width, columns, rows};
     if (blurBothDirect<1>(both, weights, input, scratch) ||
         blurBothDirect<2>(both, weights, input, scratch) ||
         blurBothDirect<3>(both, weights, input, scratch) ||
@@ -349,12 +359,47 @@ void blurBoth(const uint8_t* in, uint8_t* out, int64_t width, int64_t height,
         blurBothDirect<6>(both, weights, input, scratch)) {
         return;
     }
-    // The columns' means go where the rows' means replace them.
+    const int64_t inkLeft = reach.ink.left;
     blurAny(
-        {firstWindows + ink.left, width, firstRow + ink.left, width, ink.right - ink.left, rows},
+        {firstWindows + inkLeft, width, means + inkLeft, width, reach.ink.right - inkLeft, rows},
         weights, input, false, Content::kAny, scratch);
-    blurAny({firstRow + area.left - radius, width, firstRow + area.left, width, columns, rows},
+    blurAny({means + area.left - weights.radius, width, out + area.left, width, columns, rows},
             weights, input, true, Content::kDense, scratch);
+}
+
+void blurBoth(const uint8_t* in, uint8_t* out, int64_t width, int64_t height,
+              const BlurWeights& weights, BlurInput input, uint8_t* scratch) {
+    const int64_t radius = weights.radius;
+    if (width < 2 * radius || height < 2 * radius) return;
+    const bool isDirect = input == BlurInput::kDirect;
+    const Reach reach(in, width, height, radius, isDirect);
+    const uint8_t border = isDirect ? 0 : 255;
+    if (reach.isEmpty()) {
+        std::memset(out, border, static_cast<size_t>(width * height));
+        return;
+    }
+    fillAround(out, width, height, reach.ink, reach.area, border);
+    // The columns' means go where the rows' means replace them.
+    uint8_t* firstRow = out + reach.area.top * width;
+    blurArea(in, width, reach, firstRow, firstRow, weights, input, scratch);
+}
+
+void blurPadded(uint8_t* plane, int64_t width, int64_t height, const BlurWeights& weights,
+                uint8_t* scratch) {
+    const int64_t radius = weights.radius;
+    Reach reach(plane, width, height, radius, true);
+    if (reach.isEmpty()) return;
+    // Rows two by two: none is read again after its means have replaced it.
+    if ((reach.area.bottom - reach.area.top) % 2 != 0) {
+        if (reach.area.bottom < height - radius) {
+            ++reach.area.bottom;
+        } else {
+            --reach.area.top;
+        }
+    }
+    uint8_t* firstRow = plane + (reach.area.top - radius) * width;
+    blurArea(plane, width, reach, firstRow, firstRow - radius, weights, BlurInput::kDirect,
+             scratch);
 }
 
 #endif  // GX_SIMD_IS_PLAIN
@@ -367,6 +412,7 @@ namespace GxFontEffect::kernels {
 
 HWY_EXPORT(blurAll);
 HWY_EXPORT(blurBoth);
+HWY_EXPORT(blurPadded);
 
 namespace {
 
@@ -425,6 +471,16 @@ void blurPlane(const uint8_t* in, uint8_t* out, int64_t width, int64_t height,
         HWY_DYNAMIC_DISPATCH(blurBoth)(in, out, width, height, weights, input, scratch);
     } else {
         blurPlanePlain(in, out, width, height, weights, input, scratch);
+    }
+}
+
+void blurPaddedPlane(uint8_t* plane, int64_t width, int64_t height, const BlurWeights& weights,
+                     uint8_t* scratch) {
+    if (width < 2 * int64_t{weights.radius} || height < 2 * int64_t{weights.radius}) return;
+    if (suitsDifferences(weights)) {
+        HWY_DYNAMIC_DISPATCH(blurPadded)(plane, width, height, weights, scratch);
+    } else {
+        blurPaddedPlanePlain(plane, width, height, weights);
     }
 }
 

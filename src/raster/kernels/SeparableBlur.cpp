@@ -63,4 +63,13 @@ void blurPlanePlain(const uint8_t* in, uint8_t* out, int64_t width, int64_t heig
     }
 }
 
+void blurPaddedPlanePlain(uint8_t* plane, int64_t width, int64_t height,
+                          const BlurWeights& weights) {
+    const int64_t columns = width - 2 * int64_t{weights.radius};
+    const int64_t rows = height - 2 * int64_t{weights.radius};
+    // A mean replaces a cell that none of those after it reads.
+    blurColumnsPlain({plane, width, plane, width, width, rows}, weights, BlurInput::kDirect);
+    blurRowsPlain({plane, width, plane, width, columns, rows}, weights, BlurInput::kDirect);
+}
+
 }  // namespace GxFontEffect::kernels

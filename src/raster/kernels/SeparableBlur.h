@@ -61,10 +61,20 @@ void blurColumns(const BlurPass& pass, const BlurWeights& weights, BlurInput inp
 void blurPlane(const uint8_t* in, uint8_t* out, int64_t width, int64_t height,
                const BlurWeights& weights, BlurInput input, uint8_t* scratch);
 
+// The same in place, of direct input, for a packed plane whose outermost 2 radius cells on each
+// side are 0: the first height - 2 radius rows, which must be an even number, and in them the first
+// width
+// - 2 radius cells become the means around the cells `radius` further right and down. The others do
+// not matter afterwards.
+void blurPaddedPlane(uint8_t* plane, int64_t width, int64_t height, const BlurWeights& weights,
+                     uint8_t* scratch);
+
 // The formulas, cell by cell.
 void blurRowsPlain(const BlurPass& pass, const BlurWeights& weights, BlurInput input);
 void blurColumnsPlain(const BlurPass& pass, const BlurWeights& weights, BlurInput input);
 void blurPlanePlain(const uint8_t* in, uint8_t* out, int64_t width, int64_t height,
                     const BlurWeights& weights, BlurInput input, uint8_t* scratch);
+void blurPaddedPlanePlain(uint8_t* plane, int64_t width, int64_t height,
+                          const BlurWeights& weights);
 
 }  // namespace GxFontEffect::kernels

@@ -83,6 +83,11 @@ void blurPlane(const uint8_t* in, uint8_t* out, int64_t width, int64_t height,
     blurPlanePlain(in, out, width, height, weights, input, scratch);
 }
 
+void blurPaddedPlane(uint8_t* plane, int64_t width, int64_t height, const BlurWeights& weights,
+                     uint8_t* /*scratch*/) {
+    blurPaddedPlanePlain(plane, width, height, weights);
+}
+
 std::vector<std::string> simdTargetNames() {
     return {"plain"};
 }
