@@ -12,8 +12,8 @@ namespace GxFontEffect {
 
 // The shade in steps:
 //   1. when the shift leaves nothing but background to see, tint the glyphs whole;
-//   2. blur the rows of the inverse coverage, each taken where the shift puts it; rows beyond the
-//      box are background;
+//   2. blur the rows of the inverse coverage, each taken where the shift puts it; blank rows and
+//      those beyond the box are background;
 //   3. blur the columns;
 //   4. keep the shade inside the glyphs, and shade the bands that the shift exposes whole;
 //   5. tint the layer through it.
@@ -57,12 +57,29 @@ void shiftedRow(const TextMask& text, int64_t y, int64_t offset, uint8_t* line, 
     std::memset(line + last, 0, static_cast<size_t>(width - last));
 }
 
-void blurShiftedRows(const TextMask& text, const ShadowShift& shift,
+// The rows of the box from the first to the last with any coverage.
+struct InkRows {
+    explicit InkRows(const TextMask& text) : begin(text.firstRow), end(text.lastRow) {
+        while (begin < end && isBlank(text, begin)) ++begin;
+        while (end > begin && isBlank(text, end - 1)) --end;
+    }
+    static bool isBlank(const TextMask& text, int64_t y) {
+        const uint8_t* coverage = text.row(y);
+        if (!coverage) return true;
+        uint8_t any = 0;
+        for (int64_t x = 0; x < text.lastColumn - text.firstColumn; ++x) any |= coverage[x];
+        return any == 0;
+    }
+    int64_t begin;
+    int64_t end;
+};
+
+void blurShiftedRows(const TextMask& text, const InkRows& ink, const ShadowShift& shift,
                      const kernels::BlurWeights& weights, const WorkPlane<uint8_t>& lines,
                      const WorkPlane<uint8_t>& background, uint8_t* scratch) {
     const int64_t offset = weights.radius + int64_t{shift.y};
-    const int64_t first = std::clamp<int64_t>(offset, 0, background.height);
-    const int64_t last = std::clamp<int64_t>(offset + text.height, first, background.height);
+    const int64_t first = std::clamp<int64_t>(offset + ink.begin, 0, background.height);
+    const int64_t last = std::clamp<int64_t>(offset + ink.end, first, background.height);
     std::memset(background.data(), 255, static_cast<size_t>(first * background.width));
     std::memset(background.row(last), 255,
                 static_cast<size_t>((background.height - last) * background.width));
@@ -93,8 +110,8 @@ void keepCovered(uint8_t* shade, const uint8_t* coverage, int64_t count) {
     for (int64_t x = 0; x < count; ++x) shade[x] = coverage[x] != 0 ? shade[x] : uint8_t{0};
 }
 
-void keepInGlyphs(const TextMask& text, const ShadowShift& shift, int64_t radius,
-                  const WorkPlane<uint8_t>& shade) {
+void keepInGlyphs(const TextMask& text, const InkRows& ink, const ShadowShift& shift,
+                  int64_t radius, const WorkPlane<uint8_t>& shade) {
     const Span rows(text.height, radius, shift.y);
     const Span columns(text.width, radius, shift.x);
     const auto fill = [](uint8_t* cells, int64_t begin, int64_t end, int value) {
@@ -106,9 +123,9 @@ void keepInGlyphs(const TextMask& text, const ShadowShift& shift, int64_t radius
             fill(cells, 0, text.width, 255);
             continue;
         }
-        if (const uint8_t* coverage = text.row(y)) {
+        if (y >= ink.begin && y < ink.end) {
             fill(cells, 0, text.firstColumn, 0);
-            keepCovered(cells + text.firstColumn, coverage, text.lastColumn - text.firstColumn);
+            keepCovered(cells + text.firstColumn, text.row(y), text.lastColumn - text.firstColumn);
             fill(cells, text.lastColumn, text.width, 0);
         } else {
             fill(cells, 0, text.width, 0);
@@ -155,12 +172,15 @@ void GxInnerShadow::doPostProcessing(GxECore::ParamPostProcessing* param) {
     const kernels::BlurWeights weights = taps.compute(computeGaussianWeights);
 
     // 2. Rows.
-    blurShiftedRows(text, shift, weights, lines, shade, scratch.data());
-    // 3. Columns.
-    kernels::blurColumns({shade.data(), columns, shade.data(), columns, columns, rows}, weights,
-                         kernels::BlurInput::kDirect, scratch.data());
+    const InkRows ink(text);
+    blurShiftedRows(text, ink, shift, weights, lines, shade, scratch.data());
+    // 3. Columns, where there are glyphs.
+    const int64_t first = ink.begin - ink.begin % 2;
+    kernels::blurColumns({shade.row(first), columns, shade.row(first), columns, columns,
+                          roundUp(ink.end - first, 2)},
+                         weights, kernels::BlurInput::kDirect, scratch.data());
     // 4. Inside only.
-    keepInGlyphs(text, shift, radius, shade);
+    keepInGlyphs(text, ink, shift, radius, shade);
     // 5. The tint.
     drawTinted(text.left, text.top, param->dst, shade.data(), text.width, text.height, columns,
                property->color, GXE_BLEND_DST_OVER);
