@@ -19,7 +19,7 @@ namespace {
 
 using namespace GxFontEffect::kernels;
 
-// The planes of a row, as the outer shadow has them: padded by twice the radius.
+// The plane of a row, as the outer shadow has it: padded by twice the radius.
 struct BlurScene {
     BlurScene(Mask content, int blurRadius)
         : mask(std::move(content)),
@@ -27,7 +27,6 @@ struct BlurScene {
           width(kWidth + 4 * radius),
           height(kHeight + 4 * radius),
           padded(static_cast<size_t>(width * height)),
-          blurred(padded.size()),
           scratch(static_cast<size_t>(blurScratchBytes(width, height, radius))) {
         for (int i = 0; i <= radius; ++i) {
             const double share = static_cast<double>(i) / radius;
@@ -40,15 +39,20 @@ struct BlurScene {
     BlurScene(const BlurScene&) = delete;
     BlurScene& operator=(const BlurScene&) = delete;
 
-    template <class Blur>
-    void run(const Blur& blur) {
+    void run() {
+        pad();
+        blurPaddedPlane(padded.data(), width, height, weights, scratch.data());
+    }
+    void runPlain() {
+        pad();
+        blurPaddedPlanePlain(padded.data(), width, height, weights);
+    }
+    void pad() {
         std::memset(padded.data(), 0, padded.size());
         for (int64_t y = 0; y < kHeight; ++y) {
             std::memcpy(padded.data() + (y + 2 * radius) * width + 2 * radius,
                         mask.data() + y * kWidth, kWidth);
         }
-        blur(padded.data(), blurred.data(), width, height, weights, BlurInput::kDirect,
-             scratch.data());
     }
 
     Mask mask;
@@ -56,7 +60,6 @@ struct BlurScene {
     int64_t width;
     int64_t height;
     std::vector<uint8_t> padded;
-    std::vector<uint8_t> blurred;
     std::vector<uint8_t> scratch;
     std::vector<int32_t> taps;
     BlurWeights weights;
@@ -121,8 +124,8 @@ void addBlurRow(const std::string& operation, int radius, Mask (*mask)(), const 
     addRow({operation, peerName, {0, target}, kPixels, [=] {
                 const auto scene = std::make_shared<BlurScene>(mask(), radius);
                 Contenders contenders;
-                contenders.ours = [=] { scene->run(blurPlane); };
-                if (withPlain) contenders.plain = [=] { scene->run(blurPlanePlain); };
+                contenders.ours = [=] { scene->run(); };
+                if (withPlain) contenders.plain = [=] { scene->runPlain(); };
                 contenders.peer = peer(scene);
                 return contenders;
             }});
@@ -134,7 +137,7 @@ void addShortcutRow(const std::string& content, int radius, Mask (*mask)()) {
             kShortcutBar, kPixels, [=] {
                 const auto scene = std::make_shared<BlurScene>(mask(), radius);
                 Contenders contenders;
-                contenders.ours = [=] { scene->run(blurPlane); };
+                contenders.ours = [=] { scene->run(); };
                 contenders.peer = withoutShortcuts(contenders.ours);
                 return contenders;
             }});

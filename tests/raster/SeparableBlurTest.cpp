@@ -213,15 +213,17 @@ TEST_P(SeparableBlur, EqualsTheFormulaAtEveryRadius) {
                 const auto columns = random.between(1, 75), rows = random.between(1, 75);
                 checkPasses(columns, rows, bell, input, fillNoise);
                 checkPasses(columns, rows, bell, input, someContent());
-                checkPadded(random.between(1, 70), random.between(1, 35) * 2, bell, someContent());
-                checkInPlace(random.between(1, 3) * kBlurStripWidth, random.between(1, 30) * 2,
-                             bell, input, someContent());
                 const auto width = 2 * radius + random.between(0, 40);
                 const auto height = 2 * radius + random.between(0, 40);
                 if (width > 0 && height > 0) {
                     checkPlane(width, height, bell, input, fillText);
                     checkPlane(width, height, bell, input, someContent());
                 }
+                if (HasFatalFailure()) return;
+                if (radius > 12 && radius % 20 != 0) continue;
+                checkPadded(random.between(1, 70), random.between(1, 35) * 2, bell, someContent());
+                checkInPlace(random.between(1, 3) * kBlurStripWidth, random.between(1, 30) * 2,
+                             bell, input, someContent());
                 if (HasFatalFailure()) return;
             }
         }

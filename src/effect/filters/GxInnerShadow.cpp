@@ -160,13 +160,15 @@ void GxInnerShadow::doPostProcessing(GxECore::ParamPostProcessing* param) {
         tintWhole(text, param->dst, property->color);
         return;
     }
-    const WorkPlane<uint8_t> lines(text.width + 2 * radius, kernels::kBlurStripWidth);
+    const WorkPlane<uint8_t> lines(text.width + 2 * radius, kernels::kBlurStripWidth,
+                                   Contents::kAny);
     // The extents that let the columns be blurred in place.
     const int64_t columns = roundUp(text.width, kernels::kBlurStripWidth);
     const int64_t rows = roundUp(text.height, 2);
     const WorkPlane<uint8_t> shade(columns, rows + 2 * radius);
     const WorkPlane<uint8_t> scratch(
-        kernels::blurScratchBytes(std::max(lines.width, columns), shade.height, radius));
+        kernels::blurScratchBytes(std::max(lines.width, columns), shade.height, radius), 1,
+        Contents::kAny);
     const BlurTaps taps(radius);
     if (!lines || !shade || !scratch || !taps) return;
     const kernels::BlurWeights weights = taps.compute(computeGaussianWeights);

@@ -78,7 +78,8 @@ void GxOuterShadow::doPostProcessing(GxECore::ParamPostProcessing* param) {
     // 2. The padded mask.
     const int64_t evenHeight = text.height + text.height % 2;
     const WorkPlane<uint8_t> plane(text.width + 2 * padding, evenHeight + 2 * padding);
-    const WorkPlane<uint8_t> scratch(kernels::blurScratchBytes(plane.width, plane.height, radius));
+    const WorkPlane<uint8_t> scratch(kernels::blurScratchBytes(plane.width, plane.height, radius),
+                                     1, Contents::kAny);
     const BlurTaps taps(radius);
     if (!plane || !scratch || !taps) return;
     text.copyTo(plane.row(padding) + padding, plane.width);

@@ -78,7 +78,7 @@ int makeCircleKernel(unsigned char** out, float radius) {
     const int64_t r = toInt(radius + 0.5f);
     const int64_t side = 2 * r + 1;
     const int k = saturateInt(side);
-    CArray<uint8_t> cells = out ? allocateZeroed<uint8_t>(side, side) : nullptr;
+    CArray<uint8_t> cells = out ? allocateCells<uint8_t>(side, side) : nullptr;
     if (!cells) return k;
 
     uint8_t* cell = cells.get();

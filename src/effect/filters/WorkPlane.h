@@ -16,28 +16,34 @@ struct FreeDeleter {
 template <typename T>
 using CArray = std::unique_ptr<T[], FreeDeleter>;
 
-// width x height zeroed elements. Null when memory runs out, for a negative extent, and for more
+enum class Contents { kZeros, kAny };
+
+// width x height elements. Null when memory runs out, for a negative extent, and for more
 // than 2^31 - 1 bytes: the filters' geometry is in 32 bits, and a record with a huge size must not
 // claim all memory.
 template <typename T>
-CArray<T> allocateZeroed(int64_t width, int64_t height) {
+CArray<T> allocateCells(int64_t width, int64_t height, Contents contents = Contents::kZeros) {
     constexpr int64_t kMaxCount = std::numeric_limits<int32_t>::max() / int64_t{sizeof(T)};
     int64_t count = 0;
     if (width < 0 || height < 0 || __builtin_mul_overflow(width, height, &count)) return nullptr;
     if (count > kMaxCount) return nullptr;
     // At least one element: an empty plane is not a failed one.
-    return CArray<T>(static_cast<T*>(std::calloc(static_cast<size_t>(count) + 1, sizeof(T))));
+    const auto cells = static_cast<size_t>(count) + 1;
+    return CArray<T>(static_cast<T*>(contents == Contents::kZeros
+                                         ? std::calloc(cells, sizeof(T))
+                                         : std::malloc(cells * sizeof(T))));
 }
 
-// A zero-filled plane, rows packed, owned. Test it before use: extents that are negative or too
+// A plane, rows packed, owned. Test it before use: extents that are negative or too
 // large fail like an allocation.
 template <typename T>
 class WorkPlane {
 public:
-    explicit WorkPlane(int64_t planeWidth, int64_t planeHeight = 1)
+    explicit WorkPlane(int64_t planeWidth, int64_t planeHeight = 1,
+                       Contents contents = Contents::kZeros)
         : width(planeWidth),
           height(planeHeight),
-          cells(allocateZeroed<T>(planeWidth, planeHeight)) {}
+          cells(allocateCells<T>(planeWidth, planeHeight, contents)) {}
 
     explicit operator bool() const { return cells != nullptr; }
     T* data() const { return cells.get(); }
