@@ -46,9 +46,10 @@ struct Planes {
     explicit Planes(const Geometry& geometry)
         : mask(geometry.width, geometry.height),
           blurred(geometry.width, geometry.height),
-          scratch(std::max(
-              kernels::growthScratchBytes(geometry.width),
-              kernels::blurScratchBytes(geometry.width, geometry.height, geometry.radius))),
+          scratch(
+              std::max(kernels::growthScratchBytes(geometry.width),
+                       kernels::blurScratchBytes(geometry.width, geometry.height, geometry.radius)),
+              1, Contents::kAny),
           taps(geometry.radius) {}
     explicit operator bool() const { return mask && blurred && scratch && static_cast<bool>(taps); }
 
@@ -113,7 +114,7 @@ void makeGlowTable(const GxOuterGlowProperty* record, uint32_t* table, float spr
 
 void growWithOwnMemory(unsigned char* mask, int passes, int width, int height) {
     if (!mask || width < 1) return;
-    const WorkPlane<uint8_t> scratch(kernels::growthScratchBytes(width));
+    const WorkPlane<uint8_t> scratch(kernels::growthScratchBytes(width), 1, Contents::kAny);
     if (scratch) kernels::growMask(mask, width, height, passes, scratch.data());
 }
 

@@ -42,7 +42,7 @@ void GxLinearGradient::doPostProcessing(GxECore::ParamPostProcessing* param) {
     if (!property || !text.isValid()) return;
     if (!(property->scale >= kMinFillScale) || !property->stops || property->stopCount < 1) return;
 
-    const WorkPlane<float> columns(text.lastColumn - text.firstColumn);
+    const WorkPlane<float> columns(text.lastColumn - text.firstColumn, 1, Contents::kAny);
     if (!columns) return;
 
     // 1. Colours.

@@ -41,9 +41,9 @@ void GxPattern::doPostProcessing(GxECore::ParamPostProcessing* param) {
     // Work memory.
     const int64_t width = text.lastColumn - text.firstColumn;
     const WorkPlane<kernels::Rgba> row(width);
-    const WorkPlane<kernels::PatternColumn> columns(width);
-    const WorkPlane<uint8_t> covered(width + 8);
-    const WorkPlane<float> texels(int64_t{picture->width} + 1, 4);
+    const WorkPlane<kernels::PatternColumn> columns(width, 1, Contents::kAny);
+    const WorkPlane<uint8_t> covered(width + 8, 1, Contents::kAny);
+    const WorkPlane<float> texels(int64_t{picture->width} + 1, 4, Contents::kAny);
     if (!row || !columns || !covered || !texels) return;
 
     // 1. The tile.
