@@ -3,6 +3,8 @@
 #include <unicode/ubidi.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <new>
 
@@ -22,11 +24,22 @@ UBiDiLevel paragraphLevel(Bidi bidiFlags) {
 }
 
 // Whether nothing in the text is right to left or changes directions: all that is lies from Hebrew
-// on, but not between the CJK radicals and the surrogates.
+// on, but not between the CJK radicals and the surrogates. Contexts can be long: in blocks, which
+// compilers turn into vectors.
 bool isLeftToRight(const U16StringPiece& text) {
-    return std::all_of(text.data(), text.data() + text.size(), [](uint16_t unit) {
-        return unit < 0x0590 || (unit >= 0x2E80 && unit < 0xD800);
-    });
+    constexpr uint32_t kBlock = 64;
+    const uint16_t* unit = text.data();
+    const uint16_t* const end = unit + text.size();
+    while (unit != end) {
+        const uint16_t* const blockEnd = unit + std::min<ptrdiff_t>(end - unit, kBlock);
+        unsigned others = 0;
+        for (; unit != blockEnd; unit++) {
+            const auto fromRadicals = static_cast<uint16_t>(*unit - 0x2E80);
+            others |= static_cast<unsigned>(*unit >= 0x0590) & (fromRadicals >= 0xD800 - 0x2E80);
+        }
+        if (others != 0) return false;
+    }
+    return true;
 }
 
 }  // namespace

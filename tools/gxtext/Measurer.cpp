@@ -5,6 +5,7 @@
 #include <unicode/unorm2.h>
 
 #include <algorithm>
+#include <iterator>
 
 namespace gxtool {
 
@@ -12,6 +13,9 @@ Measurer::Measurer(const android::Paint& paint,
                    std::vector<std::shared_ptr<minikin::FontFamily>> families, int weight,
                    bool italic, std::u16string text)
     : paint_(paint), families_(std::move(families)), text_(std::move(text)) {
+    for (size_t at = 0; at < text_.size(); at++) {
+        if (text_[at] == u'\n' || text_[at] == u'\r') lineBreaks_.push_back(at);
+    }
     auto copy = families_;
     typeface_.reset(android::Typeface::createFromFamilies(std::move(copy), weight, italic));
 }
@@ -19,9 +23,9 @@ Measurer::Measurer(const android::Paint& paint,
 // Back to the line break before the line, which is part of the context, or to the start of the
 // text.
 size_t Measurer::contextStart(const TextLine& line) const {
-    auto at = static_cast<size_t>(line.start);
-    while (at > 0 && (at >= text_.size() || (text_[at] != u'\n' && text_[at] != u'\r'))) at--;
-    return at;
+    const auto next =
+        std::upper_bound(lineBreaks_.begin(), lineBreaks_.end(), static_cast<size_t>(line.start));
+    return next == lineBreaks_.begin() ? 0 : *std::prev(next);
 }
 
 minikin::Layout Measurer::layOut(const TextLine& line) const {

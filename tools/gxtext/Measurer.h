@@ -5,6 +5,7 @@
 #include <hwui/Typeface.h>
 #include <minikin/Layout.h>
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <vector>
@@ -50,6 +51,7 @@ private:
     std::vector<std::shared_ptr<minikin::FontFamily>> families_;
     std::unique_ptr<android::Typeface> typeface_;
     std::u16string text_;
+    std::vector<size_t> lineBreaks_;  // positions of LF and CR
 };
 
 }  // namespace gxtool
