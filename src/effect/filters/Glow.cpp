@@ -41,27 +41,26 @@ struct Geometry {
     int64_t radius;  // of the blur
 };
 
-// All memory of one glow.
+// All memory of one glow. Both planes come in one allocation (see WorkPlane).
 struct Planes {
     explicit Planes(const Geometry& geometry)
-        : mask(geometry.width, geometry.height),
-          blurred(geometry.width, geometry.height),
+        : mask(geometry.width, 2 * geometry.height),
           scratch(
               std::max(kernels::growthScratchBytes(geometry.width),
                        kernels::blurScratchBytes(geometry.width, geometry.height, geometry.radius)),
               1, Contents::kAny),
           taps(geometry.radius) {}
-    explicit operator bool() const { return mask && blurred && scratch && static_cast<bool>(taps); }
+    explicit operator bool() const { return mask && scratch && static_cast<bool>(taps); }
 
-    WorkPlane<uint8_t> mask;
-    WorkPlane<uint8_t> blurred;
+    uint8_t* blurred() const { return mask.row(mask.height / 2); }
+
+    WorkPlane<uint8_t> mask;     // the blurred one behind it
     WorkPlane<uint8_t> scratch;  // for the growth, then for the blur
     BlurTaps taps;
 };
 
-void invert(const WorkPlane<uint8_t>& plane) {
-    uint8_t* cells = plane.data();
-    for (int64_t i = 0, count = plane.count(); i < count; ++i) {
+void invert(uint8_t* cells, int64_t count) {
+    for (int64_t i = 0; i < count; ++i) {
         cells[i] = static_cast<uint8_t>(255 - cells[i]);
     }
 }
@@ -75,8 +74,8 @@ void paint(const TextMask& text, const Geometry& geometry, const Planes& planes,
     const int64_t bottom = geometry.height - frame;
     const auto part = [&](int64_t x0, int64_t y0, int64_t x1, int64_t y1) {
         return cutMaskOntoLayer(text.left - geometry.padding + x0, text.top - geometry.padding + y0,
-                                layer, planes.blurred.row(y0) + x0, x1 - x0, y1 - y0,
-                                geometry.width);
+                                layer, planes.blurred() + y0 * geometry.width + x0, x1 - x0,
+                                y1 - y0, geometry.width);
     };
     kernels::dstOverMapped8Rows(part(frame, frame, right, bottom), table);
     if (side == GlowSide::kOuter) return;
@@ -137,13 +136,13 @@ void renderGlow(const GxECore::ParamPostProcessing* param, const GxOuterGlowProp
 
     // 1. The mask.
     text.copyTo(planes.mask.row(geometry.padding) + geometry.padding, geometry.width);
-    if (side == GlowSide::kInner) invert(planes.mask);
+    if (side == GlowSide::kInner) invert(planes.mask.data(), geometry.width * geometry.height);
     // 2. Growth.
     kernels::growMask(planes.mask.data(), geometry.width, geometry.height, geometry.passes,
                       planes.scratch.data());
     // 3. Blur.
     kernels::blurPlane(
-        planes.mask.data(), planes.blurred.data(), geometry.width, geometry.height,
+        planes.mask.data(), planes.blurred(), geometry.width, geometry.height,
         planes.taps.compute(computeGlowWeights),
         side == GlowSide::kInner ? kernels::BlurInput::kInverse : kernels::BlurInput::kDirect,
         planes.scratch.data());

@@ -139,22 +139,25 @@ void GxStroke::doPostProcessing(GxECore::ParamPostProcessing* param) {
     const int64_t half = kernelSize >> 1;
 
     // 2. The framed mask. The planes' sizes bound every extent to 32 bits.
-    const WorkPlane<uint8_t> mask(text.width + 2 * kFrame, text.height + 2 * kFrame);
-    const WorkPlane<uint8_t> plane(mask.width + 2 * half,
-                                   (mask.height + 2 * half) * (centred ? 2 : 1));
-    if (!mask || !plane) return;
-    const int64_t outHeight = mask.height + 2 * half;
+    // It lies behind the planes, in the same rows: one allocation (see WorkPlane).
+    const int64_t width = text.width + 2 * kFrame;
+    const int64_t height = text.height + 2 * kFrame;
+    const int64_t outHeight = height + 2 * half;
+    const int64_t outRows = outHeight * (centred ? 2 : 1);
+    const WorkPlane<uint8_t> plane(width + 2 * half, outRows + height);
+    if (!plane) return;
     const int64_t planeSize = plane.width * outHeight;
-    text.copyTo(mask.row(kFrame) + kFrame, mask.width);
+    const uint8_t* mask = plane.row(outRows);
+    text.copyTo(plane.row(outRows + kFrame) + kFrame, plane.width);
 
     // 3. The spread.
     StrokeDTArgs args;
     args.out = plane.data();
-    args.mask = mask.data();
+    args.mask = mask;
     args.kernel = kernel.get();
-    args.maskStride = args.columns = static_cast<int32_t>(mask.width);
-    args.maskHeight = args.rows = args.rowEnd = static_cast<int32_t>(mask.height);
-    args.outStride = static_cast<int32_t>(plane.width);
+    args.columns = static_cast<int32_t>(width);
+    args.maskHeight = args.rows = args.rowEnd = static_cast<int32_t>(height);
+    args.maskStride = args.outStride = static_cast<int32_t>(plane.width);
     args.outHeight = static_cast<int32_t>(outHeight);
     args.outOriginY = args.outOriginX = static_cast<int32_t>(half);
     args.planeSize = static_cast<int32_t>(planeSize);

@@ -34,8 +34,11 @@ CArray<T> allocateCells(int64_t width, int64_t height, Contents contents = Conte
                                          : std::malloc(cells * sizeof(T))));
 }
 
-// A plane, rows packed, owned. Test it before use: extents that are negative or too
-// large fail like an allocation.
+// A filter's large planes are best one allocation: allocators hand the memory of several back to
+// the system after each call, and fetching its pages again takes longer than most filters do.
+//
+// A plane, rows packed, owned. Test it before use: extents that are negative or too large fail like
+// an allocation.
 template <typename T>
 class WorkPlane {
 public:
