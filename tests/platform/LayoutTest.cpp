@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "FreeTypeReference.h"
+#include "SkDrawing.h"
 #include "hwui/MinikinUtils.h"
 #include "hwui/Paint.h"
 #include "hwui/Typeface.h"
@@ -524,25 +525,65 @@ TEST_F(LayoutTest, DamagedFontsAreSurvived) {
     EXPECT_GT(laidOut, 20);
 }
 
-TEST_F(LayoutTest, EveryFailedAllocationIsSurvived) {
-    const std::u16string text = u"ab \u05D0\u0301";
-    size_t nGlyphs = 0;
-    const auto render = [this, &text, &nGlyphs] {
-        nGlyphs = 0;
-        try {
-            setFonts({makeFamily(loadFont(gxtest::kNotoSans)),
-                      makeFamily(loadFont(gxtest::kNotoHebrew))});
-            paint.setMinikinLocaleListId(minikin::registerLocaleList("he,en"));
-            nGlyphs = layOut(text).nGlyphs();
-        } catch (const std::bad_alloc&) {  // the platform's answer; nothing may leak or stay broken
-        }
+// A layout and the mask that it draws.
+struct Drawing {
+    std::vector<uint32_t> glyphs;
+    float advance = 0;
+    std::vector<uint8_t> pixels;
+    bool operator==(const Drawing&) const = default;
+};
+
+TEST_F(LayoutTest, WhateverAllocationFailsTheSameFontsDrawAfterwards) {
+    const std::u16string text = u"ab\u00E9 \u05D0\u0301 \U0001F600";
+    const auto draw = [this, &text] {
+        const Layout layout = layOut(text);
+        gxtest::MaskCanvas mask(200, 60);
+        const auto drawRun = [&](size_t start, size_t end) {
+            std::vector<gxtest::PlacedGlyph> run;
+            for (size_t i = start; i < end; i++) {
+                const int glyph = static_cast<int>(i);
+                run.push_back({static_cast<SkGlyphID>(layout.getGlyphId(glyph)),
+                               layout.getX(glyph) + 4, layout.getY(glyph) + 45});
+            }
+            mask.draw(paint.getSkFont(), run);
+        };
+        MinikinUtils::forFontRun(layout, &paint, drawRun);
+        return Drawing{glyphs(layout), layout.getAdvance(), mask.pixels};
     };
-    render();
-    const size_t whole = nGlyphs;
-    ASSERT_GE(whole, 4u);
-    const int failures = gxtest::failEachAllocation(render);
-    EXPECT_GT(failures, 50);
-    EXPECT_EQ(nGlyphs, whole);  // the last run had all it asked for
+    const auto loadAll = [this] {
+        setFonts({makeFamily(loadFont(gxtest::kNotoSans)),
+                  makeFamily(loadFont(gxtest::kNotoHebrew)),
+                  makeFamily(loadFont(gxtest::kNotoColorEmoji))});
+        paint.setMinikinLocaleListId(minikin::registerLocaleList("he,en"));
+    };
+    loadAll();
+    const Drawing expected = draw();
+    ASSERT_GE(expected.glyphs.size(), 7u);
+    // The platform's answer is bad_alloc or, in drawing, blank glyphs.
+    const auto surviving = [](const auto& body) {
+        return [&body] {
+            try {
+                body();
+            } catch (const std::bad_alloc&) {
+                return;
+            }
+        };
+    };
+    EXPECT_GT(gxtest::failEachAllocation(surviving(loadAll)), 50);
+    EXPECT_EQ(draw(), expected);  // the last run had all it asked for
+
+    // Fonts of their own for each failure, so that no cache knows a glyph or a word of theirs.
+    int n = 1;
+    for (bool triggered = true; triggered; n++) {
+        loadAll();
+        {
+            const gxtest::AllocationFailure failure(n);
+            surviving(draw)();
+            triggered = failure.triggered();
+        }
+        ASSERT_EQ(draw(), expected) << n;
+    }
+    EXPECT_GT(n, 100);
 }
 
 TEST_F(LayoutTest, OneTypefaceServesSeveralThreads) {
