@@ -27,10 +27,62 @@ uint8_t coverageAt(const FT_Bitmap& bitmap, const uint8_t* row, unsigned x) {
     }
 }
 
-// How many samples a pixel takes along one side when the picture is scaled by this.
-int samplesPerPixel(double scale) {
-    constexpr int kMaxSamples = 64;
-    return std::clamp(ceilToInt(1 / std::fabs(scale)), 1, kMaxSamples);
+using Picture = StrikeImage::Picture;
+
+// Which pixels of a row or column one of the halved picture is made of, and how much of each: two
+// alike, with an odd length three with the middle one twice, of a single pixel that one.
+struct Taps {
+    explicit Taps(int length)
+        : count(length == 1 ? 1 : 2 + length % 2), weights{1, count == 3 ? 2u : 1u, 1} {}
+
+    int count;
+    unsigned weights[3];
+    unsigned shift() const { return static_cast<unsigned>(count - 1); }  // of the weights' sum
+};
+
+// The device's mipmaps: means of 2 by 2, or up to 3 by 3, cut to whole numbers.
+Picture halved(const Picture& from) {
+    Picture to;
+    to.width = std::max(from.width / 2, 1);
+    to.height = std::max(from.height / 2, 1);
+    to.pixels.reserve(static_cast<size_t>(to.width) * to.height);
+    const Taps columns(from.width);
+    const Taps rows(from.height);
+    for (int y = 0; y < to.height; ++y) {
+        for (int x = 0; x < to.width; ++x) {
+            unsigned sum = 0;
+            for (int j = 0; j < rows.count; ++j) {
+                for (int i = 0; i < columns.count; ++i) {
+                    sum += rows.weights[j] * columns.weights[i] * from.at(2 * x + i, 2 * y + j);
+                }
+            }
+            to.pixels.push_back(static_cast<uint8_t>(sum >> (rows.shift() + columns.shift())));
+        }
+    }
+    return to;
+}
+
+// Bilinear between pixel centres, beyond the outer ones their colour; x and y from the corner.
+float sample(const Picture& picture, double x, double y) {
+    const int x0 = floorToInt(x - 0.5);
+    const int y0 = floorToInt(y - 0.5);
+    const auto fx = static_cast<float>(x - 0.5 - x0);
+    const auto fy = static_cast<float>(y - 0.5 - y0);
+    const auto at = [&picture](int px, int py) -> float {
+        return picture.at(std::clamp(px, 0, picture.width - 1),
+                          std::clamp(py, 0, picture.height - 1));
+    };
+    const float top = at(x0, y0) * (1 - fx) + at(x0 + 1, y0) * fx;
+    const float bottom = at(x0, y0 + 1) * (1 - fx) + at(x0 + 1, y0 + 1) * fx;
+    return top * (1 - fy) + bottom * fy;
+}
+
+// How often a picture is halved before it is drawn through (xx, xy; 0, yy): until the smaller of
+// its scales is above a half.
+int halvings(double xx, double xy, double yy) {
+    const double scale = std::min(std::fabs(xx), std::fabs(yy) / std::hypot(xy / xx, 1.0));
+    if (!(scale < 1)) return 0;
+    return std::clamp(floorToInt(-std::log2(scale)), 0, 31);
 }
 
 }  // namespace
@@ -40,16 +92,16 @@ bool StrikeImage::assign(const FT_GlyphSlotRec& slot) {
     const uint64_t count = static_cast<uint64_t>(bitmap.width) * bitmap.rows;
     if (!bitmap.buffer || count == 0 || count > kMaxPixels) return false;
 
-    fWidth = static_cast<int>(bitmap.width);
-    fHeight = static_cast<int>(bitmap.rows);
+    fPicture.width = static_cast<int>(bitmap.width);
+    fPicture.height = static_cast<int>(bitmap.rows);
     fLeft = slot.bitmap_left;
     fTop = -slot.bitmap_top;
-    fPixels.resize(static_cast<size_t>(count));
+    fPicture.pixels.resize(static_cast<size_t>(count));
     // With a negative pitch the rows come bottom first, and buffer is still the first in memory.
     const ptrdiff_t pitch = bitmap.pitch;
     const uint8_t* row = bitmap.buffer;
     if (pitch < 0) row -= pitch * static_cast<ptrdiff_t>(bitmap.rows - 1);
-    uint8_t* out = fPixels.data();
+    uint8_t* out = fPicture.pixels.data();
     for (unsigned y = 0; y < bitmap.rows; ++y, row += pitch) {
         for (unsigned x = 0; x < bitmap.width; ++x) *out++ = coverageAt(bitmap, row, x);
     }
@@ -59,8 +111,8 @@ bool StrikeImage::assign(const FT_GlyphSlotRec& slot) {
 SkIRect StrikeImage::bounds(const GlyphMatrix& m, const GlyphPlacement& p) const {
     const double left = fLeft;
     const double top = fTop;
-    const double right = left + fWidth;
-    const double bottom = top + fHeight;
+    const double right = left + fPicture.width;
+    const double bottom = top + fPicture.height;
     // The corners' x are xx * x + xy * y: each extreme is a sum of extremes.
     const double x0 = std::min(m.xx * left, m.xx * right) + std::min(m.xy * top, m.xy * bottom);
     const double x1 = std::max(m.xx * left, m.xx * right) + std::max(m.xy * top, m.xy * bottom);
@@ -86,58 +138,42 @@ void StrikeImage::copy(const GlyphPlacement& p, const SkIRect& window, uint8_t* 
         for (int x = window.fLeft; x < window.fRight; ++x, ++out) {
             const int sx = x - dx;
             const int sy = y - dy;
-            if (sx < 0 || sy < 0 || sx >= fWidth || sy >= fHeight) continue;
-            *out = fPixels[static_cast<size_t>(sy) * fWidth + sx];
+            if (sx < 0 || sy < 0 || sx >= fPicture.width || sy >= fPicture.height) continue;
+            *out = fPicture.at(sx, sy);
         }
     }
 }
 
-// Bilinear between pixel centres, nothing outside; x and y from the picture's corner.
-float StrikeImage::sample(double x, double y) const {
-    const int x0 = floorToInt(x - 0.5);
-    const int y0 = floorToInt(y - 0.5);
-    const auto fx = static_cast<float>(x - 0.5 - x0);
-    const auto fy = static_cast<float>(y - 0.5 - y0);
-    const auto at = [this](int px, int py) -> float {
-        if (px < 0 || py < 0 || px >= fWidth || py >= fHeight) return 0;
-        return fPixels[static_cast<size_t>(py) * fWidth + px];
-    };
-    const float top = at(x0, y0) * (1 - fx) + at(x0 + 1, y0) * fx;
-    const float bottom = at(x0, y0 + 1) * (1 - fx) + at(x0 + 1, y0 + 1) * fx;
-    return top * (1 - fy) + bottom * fy;
-}
-
-// Each pixel is the mean of samples on a grid, as many to each side as the pixel spans of the
-// picture's: a box when shrinking, bilinear when growing. A row of samples meets the picture in few
-// pixels when it leans or shrinks far, so that only these are visited.
+// Pixels whose centre lies in the picture take its colour there.
 void StrikeImage::resample(const GlyphMatrix& m, const GlyphPlacement& p, const SkIRect& window,
                            uint8_t* out) const {
     const double xx = m.xx * p.scale;
     const double xy = m.xy * p.scale;
     const double yy = m.yy * p.scale;
-    const int columns = samplesPerPixel(xx);
-    const int rows = samplesPerPixel(yy);
-    // Where the picture and its fading edge lie, from where x is 0 in it.
-    const double edges[] = {xx * (fLeft - 1), xx * (fLeft + fWidth + 1)};
-    std::vector<float> sums(static_cast<size_t>(window.fRight - window.fLeft));
-    for (int y = window.fTop; y < window.fBottom; ++y) {
-        std::fill(sums.begin(), sums.end(), 0.0f);
-        for (int j = 0; j < rows; ++j) {
-            const double sy = (y + (j + 0.5) / rows - p.dy) / yy;
-            const double zero = p.dx + xy * sy;
-            const int first = floorToInt(std::min(edges[0], edges[1]) + zero);
-            const int last = ceilToInt(std::max(edges[0], edges[1]) + zero);
-            const int end = std::min(last + 1, window.fRight);
-            for (int x = std::max(first - 1, window.fLeft); x < end; ++x) {
-                for (int i = 0; i < columns; ++i) {
-                    const double sx = (x + (i + 0.5) / columns - p.dx - xy * sy) / xx;
-                    sums[static_cast<size_t>(x - window.fLeft)] +=
-                        this->sample(sx - fLeft, sy - fTop);
-                }
-            }
-        }
-        for (const float sum : sums) {
-            *out++ = static_cast<uint8_t>(roundToInt(sum / static_cast<float>(columns * rows)));
+    Picture smaller;
+    const Picture* level = &fPicture;
+    for (int i = halvings(xx, xy, yy); i > 0 && std::max(level->width, level->height) > 1; --i) {
+        smaller = halved(*level);
+        level = &smaller;
+    }
+    const double columns = static_cast<double>(level->width) / fPicture.width;
+    const double rows = static_cast<double>(level->height) / fPicture.height;
+    // Where the picture lies, from where x is 0 in it.
+    const double edges[] = {xx * fLeft, xx * (fLeft + fPicture.width)};
+    const int width = window.fRight - window.fLeft;
+    for (int y = window.fTop; y < window.fBottom; ++y, out += width) {
+        const double sy = (y + 0.5 - p.dy) / yy;
+        const double v = sy - fTop;
+        if (!(v >= 0 && v < fPicture.height)) continue;
+        const double zero = p.dx + xy * sy;
+        const int first = floorToInt(std::min(edges[0], edges[1]) + zero);
+        const int last = ceilToInt(std::max(edges[0], edges[1]) + zero);
+        const int end = std::min(last + 1, window.fRight);
+        for (int x = std::max(first - 1, window.fLeft); x < end; ++x) {
+            const double u = (x + 0.5 - zero) / xx - fLeft;
+            if (!(u >= 0 && u < fPicture.width)) continue;
+            out[x - window.fLeft] =
+                static_cast<uint8_t>(roundToInt(sample(*level, u * columns, v * rows)));
         }
     }
 }

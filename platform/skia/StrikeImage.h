@@ -30,6 +30,14 @@ struct GlyphMatrix {
 
 class StrikeImage {
 public:
+    struct Picture {
+        std::vector<uint8_t> pixels;  // rows packed, top first
+        int width = 0;
+        int height = 0;
+
+        uint8_t at(int x, int y) const { return pixels[static_cast<size_t>(y) * width + x]; }
+    };
+
     // Larger pictures are left out: a few bytes of PNG can ask for gigabytes.
     static constexpr uint64_t kMaxPixels = 1 << 22;
 
@@ -47,11 +55,8 @@ private:
     void copy(const GlyphPlacement& placement, const SkIRect& window, uint8_t* out) const;
     void resample(const GlyphMatrix& matrix, const GlyphPlacement& placement, const SkIRect& window,
                   uint8_t* out) const;
-    float sample(double x, double y) const;
 
-    std::vector<uint8_t> fPixels;  // rows packed, top first
-    int fWidth = 0;
-    int fHeight = 0;
+    Picture fPicture;
     int fLeft = 0;  // of the corner, from the glyph's origin
     int fTop = 0;
 };

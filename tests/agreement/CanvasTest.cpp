@@ -26,6 +26,8 @@ namespace {
 constexpr int kSize = 256;
 constexpr int kTile = 8;
 constexpr int kPlaces = 81;
+constexpr float kPictures[][3] = {{6, 1, 0},   {24, 1, 0},  {40, 1, 0},     {64, 0.5f, 0},
+                                  {109, 1, 0}, {150, 1, 0}, {90, 1, -0.25f}};
 constexpr size_t kBytes = size_t{4} * kSize * kSize;
 
 std::string readFile(const std::string& path) {
@@ -115,8 +117,8 @@ Peer drawByCanvasKit(const std::string& jobs) {
     const std::string errors = folder.path("errors");
     const std::string command =
         std::string("'" GXTEXT_CANVASKIT_RUN "' '" GXTEXT_CANVASKIT_BUILD "' '") +
-        fontPath(kDejaVuSans) + "' < '" + folder.write("jobs", jobs) + "' > '" +
-        folder.path("pictures") + "' 2> '" + errors + "'";
+        fontPath(kDejaVuSans) + "' '" + fontPath(kNotoColorEmoji) + "' < '" +
+        folder.write("jobs", jobs) + "' > '" + folder.path("pictures") + "' 2> '" + errors + "'";
     const int status = std::system(command.c_str());
     if (WIFEXITED(status) && WEXITSTATUS(status) == 77) return {"", readFile(errors)};
     EXPECT_EQ(status, 0) << readFile(errors);
@@ -174,6 +176,25 @@ void compareLargeText(const std::string& mask) {
     EXPECT_LT(sum / 255, 80);  // an eighth of a pixel off already makes 115
 }
 
+void comparePictureGlyphs(const std::string& masks) {
+    Figure figure("emoji against CanvasKit, pixels");
+    const sk_sp<SkTypeface> typeface = loadTypeface(kNotoColorEmoji);
+    const SkGlyphID glyph = FreeTypeReference(fontBytes(kNotoColorEmoji)).glyph(0x1F600);
+    int widest = 0;
+    size_t at = 0;
+    for (const auto& [size, scaleX, skewX] : kPictures) {
+        MaskCanvas ours(kSize, kSize);
+        ours.draw(SkFont(typeface, size, scaleX, skewX), {{glyph, 20, 190}});
+        for (const uint8_t pixel : ours.pixels) {
+            const int difference = std::abs(pixel - static_cast<uint8_t>(masks[at++]));
+            figure.add(difference == 0);
+            widest = std::max(widest, difference);
+        }
+    }
+    figure.note = ", by " + std::to_string(widest) + " of 255 at most";
+    EXPECT_LE(widest, 1);
+}
+
 // Which positions give the same picture says how they are rounded, whatever the letter looks like.
 void comparePositions(const std::string& firsts) {
     Figure figure("rounding of positions against CanvasKit, positions");
@@ -205,12 +226,15 @@ TEST(CanvasTest, PixelsAreCanvasKits) {
     const Peer peer = drawByCanvasKit(jobs);
     if (!peer.missing.empty()) GTEST_SKIP() << peer.missing;
     constexpr size_t kPixels = size_t{kSize} * kSize;
-    ASSERT_EQ(peer.pictures.size(), jobs.size() + 3 * kPixels + size_t{4} * kPlaces * kPlaces);
+    ASSERT_EQ(peer.pictures.size(),
+              jobs.size() + (3 + std::size(kPictures)) * kPixels + size_t{4} * kPlaces * kPlaces);
     comparePictures(jobs, peer.pictures);
     compareMasks(jobs, peer.pictures.substr(jobs.size(), kPixels),
                  peer.pictures.substr(jobs.size() + kPixels, kPixels));
     compareLargeText(peer.pictures.substr(jobs.size() + 2 * kPixels, kPixels));
-    comparePositions(peer.pictures.substr(jobs.size() + 3 * kPixels));
+    comparePictureGlyphs(
+        peer.pictures.substr(jobs.size() + 3 * kPixels, std::size(kPictures) * kPixels));
+    comparePositions(peer.pictures.substr(jobs.size() + (3 + std::size(kPictures)) * kPixels));
 }
 
 }  // namespace

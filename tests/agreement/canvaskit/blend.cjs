@@ -2,15 +2,16 @@
 // pixels, source and target. For each job two pictures go to standard output: the source drawn over
 // the target as a bitmap, and the target with a rectangle in each tile of 8 x 8 pixels. The tile's
 // first source pixel is the rectangle's colour, the next two its edges from the tile's corner, as
-// signed sixteenths of a pixel; it is clipped to the tile. Then come masks of one byte per pixel, from
-// the first bytes of the first source: letters of the font on a clear mask, and on that source; and
-// one of 300 pixels on a clear mask. Last, for a letter at PLACES by PLACES positions around a pixel, a
-// 64th of a pixel apart, without and with subpixel positions: which position was the first to give the
-// same picture, as 16 bits.
+// signed sixteenths of a pixel; it is clipped to the tile. Then come masks of one byte per pixel:
+// letters of the font on a clear mask, and on one of the first bytes of the first source; a letter of
+// 300 pixels; an emoji at the sizes, stretches and slants of PICTURES. Last, for a letter at PLACES by
+// PLACES positions around a pixel, a 64th of a pixel apart, without and with subpixel positions: which
+// position was the first to give the same picture, as 16 bits.
 'use strict';
 const SIZE = 256, TILE = 8, BYTES = 4 * SIZE * SIZE;
 const PLACES = 81;
-const [, , kitPath, fontPath] = process.argv;
+const PICTURES = [[6, 1, 0], [24, 1, 0], [40, 1, 0], [64, 0.5, 0], [109, 1, 0], [150, 1, 0], [90, 1, -0.25]];
+const [, , kitPath, fontPath, emojiPath] = process.argv;
 
 require(kitPath)().then((kit) => {
   const input = require('fs').readFileSync(0);
@@ -53,8 +54,11 @@ require(kitPath)().then((kit) => {
     width: SIZE, height: SIZE, colorType: kit.ColorType.Alpha_8,
     alphaType: kit.AlphaType.Premul, colorSpace: kit.ColorSpace.SRGB,
   };
-  const bytes = require('fs').readFileSync(fontPath);
-  const font = new kit.Font(kit.Typeface.MakeFreeTypeFaceFromData(bytes.buffer), 40);
+  function loadFont(path, size) {
+    const bytes = require('fs').readFileSync(path);
+    return new kit.Font(kit.Typeface.MakeFreeTypeFaceFromData(bytes.buffer), size);
+  }
+  const font = loadFont(fontPath, 40);
 
   // Letters that do not touch.
   function drawLetters(canvas) {
@@ -107,6 +111,15 @@ require(kitPath)().then((kit) => {
   const paint = new kit.Paint();
   paint.setAntiAlias(true);
   output.push(drawn(clear, (canvas) => canvas.drawText('&', 10.25, 235.5, paint, font), maskInfo));
+  const emoji = loadFont(emojiPath, 40);
+  emoji.setEmbeddedBitmaps(true);
+  for (const [size, scaleX, skewX] of PICTURES) {
+    emoji.setSize(size);
+    emoji.setScaleX(scaleX);
+    emoji.setSkewX(skewX);
+    const draw = (canvas) => canvas.drawText('\u{1F600}', 20, 190, paint, emoji);
+    output.push(drawn(clear, draw, maskInfo));
+  }
   output.push(placesOfSamePictures());
   require('fs').writeFileSync(1, Buffer.concat(output));
 });
