@@ -47,7 +47,7 @@ test: setup
 	ctest --preset $(PRESET)
 
 agreement: setup
-	@scripts/setup demo peers
+	@scripts/setup demo peers node
 	cmake --preset release
 	cmake --build --preset release --target gxtext_agreement_test
 	@$(BUILD)/release/tests/agreement/gxtext_agreement_test | grep -E '^agreement:|scripts/setup|FAILED'
