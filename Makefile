@@ -3,6 +3,9 @@
 
 BUILD := build
 PRESET ?= release
+# Of test-aarch64; all when empty.
+SUITES ?=
+space := $(subst ,, )
 FUZZ_SECONDS ?= 60
 
 .PHONY: help setup demo demo-java test agreement aar bench bench-instructions bench-scaling bench-memory lint format sanitize fuzz test-aarch64 clean
@@ -82,16 +85,16 @@ sanitize: setup
 
 fuzz: setup
 	@scripts/setup sanitize
-	cmake --preset fuzz
-	cmake --build --preset fuzz
-	scripts/fuzz $(BUILD)/fuzz $(FUZZ_SECONDS)
+	cmake --preset asan
+	cmake --build --preset asan --target gxtext_fuzz
+	scripts/fuzz $(BUILD)/asan $(FUZZ_SECONDS)
 
 test-aarch64: setup
 	@scripts/setup demo aarch64
 	scripts/arm64-sysroot $(BUILD)/arm64-sysroot
 	cmake --preset aarch64
-	cmake --build --preset aarch64
-	ctest --preset aarch64
+	cmake --build --preset aarch64 $(if $(SUITES),--target $(SUITES:%=gxtext_%_test))
+	ctest --preset aarch64 $(if $(SUITES),-R '^($(subst $(space),|,$(SUITES)))[.]')
 
 clean:
 	rm -rf $(BUILD) out
