@@ -249,15 +249,17 @@ void addBlendRows() {
         const char* name;
         Layer (*source)();
         Layer (*layer)();
+        bool isTextLike;
     };
-    constexpr Source kSources[] = {{"text on clear", tintedText, clearLayer},
-                                   {"text on random", tintedText, randomLayer},
-                                   {"text on opaque", tintedText, opaqueLayer},
-                                   {"random on clear", randomLayer, clearLayer},
-                                   {"random on random", randomLayer, randomLayer}};
+    constexpr Source kSources[] = {{"text on clear", tintedText, clearLayer, true},
+                                   {"text on random", tintedText, randomLayer, true},
+                                   {"text on opaque", tintedText, opaqueLayer, true},
+                                   {"random on clear", randomLayer, clearLayer, false},
+                                   {"random on random", randomLayer, randomLayer, false}};
     for (const Source& s : kSources) {
         addLayerRow(std::string("32-bit dst-over, ") + s.name, kernels::dstOver32Rows,
-                    kernels::plain::dstOver32Rows, kOverReverse, 2, s.source, s.layer);
+                    kernels::plain::dstOver32Rows, kOverReverse, 2 * s.isTextLike, s.source,
+                    s.layer);
     }
     for (const Source& s : kSources) {
         addLayerRow(std::string("32-bit src-over, ") + s.name, kernels::srcOver32Rows,
