@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "Bench.h"
+#include "Painter.h"
 #include "Planes.h"
 #include "effect/GxProperty.h"
 #include "effect/filters/GxLinearGradient.h"
@@ -65,19 +66,6 @@ using FillScenePtr = std::shared_ptr<FillScene>;
 const GxGradient kStops[] = {
     {0xFFFF4020, 1, 0}, {0xFFFFE040, 1, 0.3f}, {0xFF20A0FF, 1, 0.7f}, {0xFF6020C0, 1, 1}};
 constexpr int kStopCount = 4;
-
-template <class Core, class Record>
-std::function<void()> painter(const FillScenePtr& scene, const Record& record) {
-    const auto core = std::make_shared<Core>();
-    core->setProperty(&record);
-    return [=] {
-        GxECore::ParamPostProcessing param;
-        param.dst = &scene->layer;
-        param.src = &scene->mask;
-        param.textRect = &scene->box;
-        core->doPostProcessing(&param);
-    };
-}
 
 // The plain forms of the pixels alone, in the colours of a table: what the stops are does not
 // matter to them.

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "Bench.h"
+#include "Painter.h"
 #include "Planes.h"
 #include "effect/GxProperty.h"
 #include "effect/filters/GxInnerShadow.h"
@@ -29,22 +30,6 @@ struct ShadowScene {
     GxRect box;
 };
 
-using ShadowScenePtr = std::shared_ptr<ShadowScene>;
-
-template <class Core, class Record>
-std::function<void()> painter(const ShadowScenePtr& scene, float size) {
-    const auto core = std::make_shared<Core>();
-    const Record record(120, 6, size, 0xFF103050, 1);
-    core->setProperty(&record);
-    return [=] {
-        GxECore::ParamPostProcessing param;
-        param.dst = &scene->layer;
-        param.src = &scene->mask;
-        param.textRect = &scene->box;
-        core->doPostProcessing(&param);
-    };
-}
-
 }  // namespace
 
 void addShadowRows() {
@@ -52,10 +37,12 @@ void addShadowRows() {
         addRow({"inner shadow " + std::to_string(size), "outer shadow", {0, 1}, kPixels, [=] {
                     const auto scene = std::make_shared<ShadowScene>();
                     const auto blur = static_cast<float>(size);
+                    const GxInnerShadowProperty inner(120, 6, blur, 0xFF103050, 1);
+                    const GxOuterShadowProperty outer(120, 6, blur, 0xFF103050, 1);
                     Contenders contenders;
                     contenders.prepare = [=] { scene->clear(); };
-                    contenders.ours = painter<GxInnerShadow, GxInnerShadowProperty>(scene, blur);
-                    contenders.peer = painter<GxOuterShadow, GxOuterShadowProperty>(scene, blur);
+                    contenders.ours = painter<GxInnerShadow>(scene, inner);
+                    contenders.peer = painter<GxOuterShadow>(scene, outer);
                     return contenders;
                 }});
     }
