@@ -32,7 +32,8 @@ hb_position_t toFixed(float pixels) {
     return static_cast<hb_position_t>(std::clamp(pixels, -kMaxPixels, kMaxPixels) * kFixedOne);
 }
 
-float toPixels(hb_position_t fixed) {
+// 64 bits, for sums of the file's numbers.
+float toPixels(int64_t fixed) {
     return static_cast<float>(fixed) / kFixedOne;
 }
 
@@ -225,10 +226,12 @@ MinikinRect ScaledFont::glyphBounds(uint32_t glyph) const {
     MinikinRect bounds;
     hb_glyph_extents_t extents;
     if (hasColorBitmaps && hb_font_get_glyph_extents(hbFont.get(), glyph, &extents)) {
-        bounds.mLeft = std::round(toPixels(extents.x_bearing));
-        bounds.mTop = std::round(toPixels(-extents.y_bearing));
-        bounds.mRight = std::round(toPixels(extents.x_bearing + extents.width));
-        bounds.mBottom = std::round(toPixels(-extents.y_bearing - extents.height));
+        const int64_t left = extents.x_bearing;
+        const int64_t top = -static_cast<int64_t>(extents.y_bearing);
+        bounds.mLeft = std::round(toPixels(left));
+        bounds.mTop = std::round(toPixels(top));
+        bounds.mRight = std::round(toPixels(left + extents.width));
+        bounds.mBottom = std::round(toPixels(top - extents.height));
     } else if (const MeasuredGlyph& known = mMeasured[glyph % kMeasuredGlyphs];
                known.glyph == glyph) {
         bounds = known.bounds;
