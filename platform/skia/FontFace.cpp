@@ -8,6 +8,7 @@
 #include <iterator>
 #include <limits>
 #include <new>
+#include <optional>
 #include <utility>
 
 namespace portable {
@@ -90,7 +91,10 @@ bool FontFace::load() {
         fFace = nullptr;
         return false;
     }
-    return FT_IS_SFNT(fFace) && (FT_IS_SCALABLE(fFace) || FT_HAS_FIXED_SIZES(fFace));
+    if (!FT_IS_SFNT(fFace) || !(FT_IS_SCALABLE(fFace) || FT_HAS_FIXED_SIZES(fFace))) return false;
+    const std::optional<GlyphData> found = GlyphData::find(fFace, {data, length});
+    fGlyphData = found.value_or(GlyphData());
+    return found.has_value();
 }
 
 std::unique_ptr<FontFace> FontFace::open(std::unique_ptr<SkStreamAsset> stream, int index) {

@@ -8,6 +8,7 @@
 #include <mutex>
 
 #include "SkStream.h"
+#include "skia/GlyphData.h"
 
 namespace portable {
 
@@ -29,6 +30,7 @@ public:
         explicit Access(FontFace& face) : fLock(face.fMutex), fFace(face) {}
         FT_Face ft() const { return fFace.fFace; }
         Scaling& scaling() const { return fFace.fScaling; }
+        const GlyphData& glyphData() const { return fFace.fGlyphData; }
 
     private:
         std::unique_lock<std::mutex> fLock;
@@ -57,6 +59,7 @@ private:
     std::mutex fMutex;
     FT_Face fFace = nullptr;
     Scaling fScaling;
+    GlyphData fGlyphData;
 };
 
 // Font units per em; 0 when the font does not say. Bitmap fonts have it only in their 'head' table.

@@ -4,6 +4,8 @@
 #include <ft2build.h>
 #include FT_FREETYPE_H
 
+#include "skia/GlyphData.h"
+
 namespace portable {
 
 // FreeType follows composite glyphs wherever they lead, and their programs however long they run: a
@@ -18,27 +20,23 @@ public:
     // Points of programs' own; there at most 432.
     static constexpr int kMaxTwilightPoints = 4096;
 
-    explicit GlyphEffort(FT_Face face);
+    // Both must outlive the object.
+    GlyphEffort(FT_Face face, const GlyphData& data) : fFace(face), fData(data) {}
 
     // Counts the glyph and its components. False when that is more than kMaxParts. May load glyphs
     // into the face's slot.
     bool add(FT_UInt glyph);
 
     // Whether what was added is little enough to run the font's programs over it.
-    bool hintable() const { return fHintable && fPoints <= kMaxHintedPoints; }
+    bool hintable() const {
+        return fPoints <= kMaxHintedPoints && fData.twilightPoints() <= kMaxTwilightPoints;
+    }
 
 private:
-    struct Outline {
-        bool composite = false;
-        int points = 0;
-    };
-    Outline outlineOf(FT_UInt glyph) const;
-    bool read(FT_ULong table, FT_ULong offset, FT_ULong length, FT_Byte* out) const;
     bool addComponents(FT_UInt glyph);
 
     FT_Face fFace;
-    bool fLongOffsets = false;
-    bool fHintable = true;
+    const GlyphData& fData;
     int fParts = 0;
     int fPoints = 0;
 };

@@ -144,9 +144,6 @@ SkIRect GlyphOutline::bounds(const GlyphPlacement& placement) const {
 
 void GlyphOutline::render(const GlyphPlacement& placement, const SkIRect& window,
                           uint8_t* out) const {
-    std::memset(out, 0,
-                static_cast<size_t>(window.fRight - window.fLeft) *
-                    static_cast<size_t>(window.fBottom - window.fTop));
     fillOutline(fLibrary, fOutline, fKind, placement, window, out);
 }
 

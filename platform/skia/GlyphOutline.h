@@ -37,7 +37,7 @@ public:
 
     MaskKind kind() const { return fKind; }
     SkIRect bounds(const GlyphPlacement& placement) const;
-    // Nothing of out is left unset.
+    // As fillOutline().
     void render(const GlyphPlacement& placement, const SkIRect& window, uint8_t* out) const;
     size_t bytes() const { return sizeof(GlyphOutline) + bytesOf(fOutline); }
 

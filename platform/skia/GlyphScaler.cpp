@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <limits>
 #include <new>
 
@@ -163,7 +162,7 @@ bool GlyphScaler::load(SkGlyphID glyph) {
 
 bool GlyphScaler::loadSlot(FT_UInt glyph) {
     FT_Int32 flags = fLoadFlags;
-    GlyphEffort effort(fFace);
+    GlyphEffort effort(fFace, fAccess.glyphData());
     if (!effort.add(glyph)) return false;
     if (!effort.hintable()) flags |= FT_LOAD_NO_HINTING;
     if (!(flags & FT_LOAD_NO_BITMAP) && this->bitmapTooLarge(glyph, flags)) {
@@ -229,7 +228,7 @@ void GlyphScaler::readLayers(FT_UInt glyph) {
     if (FT_Palette_Select(fFace, 0, &palette) != 0 || FT_Palette_Data_Get(fFace, &info) != 0) {
         palette = nullptr;
     }
-    GlyphEffort effort(fFace);
+    GlyphEffort effort(fFace, fAccess.glyphData());
     do {
         if (!effort.add(layerGlyph)) break;
         // Index 0xFFFF, and any other beyond the palette, is the text colour: opaque here.
@@ -273,7 +272,6 @@ SkIRect GlyphScaler::bounds(const GlyphPlacement& placement) {
 
 void GlyphScaler::render(const GlyphPlacement& placement, const SkIRect& window, uint8_t* out) {
     if (window.isEmpty()) return;
-    std::memset(out, 0, pixelCount(window));
     switch (fContent) {
         case Content::kBlank:
             return;

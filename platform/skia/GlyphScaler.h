@@ -33,8 +33,8 @@ public:
     // The whole pixels that hold the glyph's control points; empty (all 0) when blank.
     SkIRect bounds(const GlyphPlacement& placement);
 
-    // Writes the coverage inside window to out: rows of window's width, packed. Nothing of out is
-    // left unset. What cannot be drawn is 0.
+    // Writes the coverage inside window to out: rows of window's width, packed; out comes cleared.
+    // What cannot be drawn stays 0.
     void render(const GlyphPlacement& placement, const SkIRect& window, uint8_t* out);
 
     // The glyph, to be boxed and rendered later as by the calls above; null when it is not a single

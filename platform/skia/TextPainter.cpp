@@ -181,7 +181,7 @@ void TextPainter::paintPart(GlyphScaler& scaler, const GlyphPlacement& placement
     if (window.isEmpty() || !window.intersect(fClip)) return;
     const size_t pixels = static_cast<size_t>(window.fRight - window.fLeft) *
                           static_cast<size_t>(window.fBottom - window.fTop);
-    fScratch.resize(pixels + kMaskBlock);
+    fScratch.assign(pixels + kMaskBlock, 0);
     scaler.render(placement, window, fScratch.data());
     if (gamma) applyGamma(fGammaLevel, fScratch.data(), pixels);
     this->blit({fScratch.data(), window});

@@ -217,6 +217,47 @@ TEST(HostilePictureTest, PicturesSqueezedAndLeaningAreDrawnSoon) {
     }
 }
 
+// The fonts one behind the other in one file, their tables found from the file's start.
+Bytes collection(const std::vector<Bytes>& fonts) {
+    Bytes out = {'t', 't', 'c', 'f', 0, 1, 0, 0};
+    appendBig(out, 4, static_cast<uint32_t>(fonts.size()));
+    size_t start = out.size() + 4 * fonts.size();
+    for (const Bytes& font : fonts) {
+        appendBig(out, 4, static_cast<uint32_t>(start));
+        start += font.size();
+    }
+    for (const Bytes& font : fonts) {
+        const size_t directory = out.size();
+        out.insert(out.end(), font.begin(), font.end());
+        for (size_t i = 0; i < size_t{font[5]}; ++i) {
+            const size_t offset = 12 + 16 * i + 8;
+            const uint32_t inFont = font[offset] << 24 | font[offset + 1] << 16 |
+                                    font[offset + 2] << 8 | font[offset + 3];
+            writeBig(out, directory + offset, 4, static_cast<uint32_t>(directory) + inFont);
+        }
+    }
+    return out;
+}
+
+TEST(FontFileTest, PartsAreCountedInEachFontOfACollection) {
+    SyntheticFont modest;
+    const uint16_t few = addPile(modest, 3, addBox(modest));
+    SyntheticFont hostile;
+    const uint16_t many = addPile(hostile, GlyphEffort::kMaxParts, addBox(hostile));
+    ASSERT_EQ(few, many);
+    const Bytes file = collection({modest.build(), hostile.build(), modest.build()});
+    for (const int index : {0, 1, 2}) {
+        const sk_sp<SkTypeface> typeface = SkTypeface::MakeFromStream(
+            std::make_unique<SkMemoryStream>(file.data(), file.size()), index);
+        ASSERT_TRUE(typeface) << index;
+        MaskCanvas mask(40, 40);
+        mask.draw(SkFont(typeface, 20), {{few, 5, 30}});
+        const bool drawn =
+            std::any_of(mask.pixels.begin(), mask.pixels.end(), [](uint8_t c) { return c != 0; });
+        EXPECT_EQ(drawn, index != 1) << index;
+    }
+}
+
 TEST(FontFileTest, OtherFormatsThatFreeTypeReadsAreRefused) {
     SyntheticFont made;
     made.map('a', addBox(made));
