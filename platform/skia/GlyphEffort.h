@@ -15,6 +15,8 @@ public:
     // Outlines that one glyph is put together from; the richest of the 310 TrueType fonts of
     // Debian's font packages needs 29.
     static constexpr int kMaxParts = 256;
+    // Of these when hinted: each has a program, of up to a million instructions.
+    static constexpr int kMaxHintedParts = 64;
     // Points of hinted outlines, which an instruction may visit one by one; there at most 1,048.
     static constexpr int kMaxHintedPoints = 2048;
     // Points of programs' own; there at most 432.
@@ -29,7 +31,8 @@ public:
 
     // Whether what was added is little enough to run the font's programs over it.
     bool hintable() const {
-        return fPoints <= kMaxHintedPoints && fData.twilightPoints() <= kMaxTwilightPoints;
+        return fParts <= kMaxHintedParts && fPoints <= kMaxHintedPoints &&
+               fData.twilightPoints() <= kMaxTwilightPoints;
     }
 
 private:

@@ -114,6 +114,10 @@ const HostileFont kHostileFonts[] = {
          return f.addGlyph(compositeGlyph({{part}, {part}, {part}, {box}}, endlessShifting(1)),
                            500);
      }},
+    {"endless programs of as many parts as are allowed",
+     [](SyntheticFont& f) {
+         return addPile(f, GlyphEffort::kMaxParts - 1, addBox(f, endlessShifting(1)));
+     }},
     {"an endless program over 65,000 points of its own",
      [](SyntheticFont& f) {
          f.twilightPoints = 65000;
