@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "ToolError.h"
 
 namespace gxtool {
@@ -80,6 +82,30 @@ TEST(Wrap, LeavesNothingOutButSpacesAndLineEnds) {
         std::erase_if(kept, isSpace);
         std::erase_if(expected, isSpace);
         EXPECT_EQ(kept, expected) << width;
+    }
+}
+
+// Else the time is quadratic in the word.
+TEST(Wrap, MeasuresNoMoreOfALongWordThanALineNeeds) {
+    const std::u16string text = u"ab " + std::u16string(20000, u'x');
+    const auto lineUnits = [&](float width, int32_t* longest) {
+        std::vector<int32_t> result;
+        for (const TextLine& line : wrapText(text, width, "", [&](const TextLine& tried) {
+                 *longest = std::max(*longest, tried.end - tried.start);
+                 return static_cast<float>(tried.end - tried.start);
+             })) {
+            result.push_back(line.end - line.start);
+        }
+        return result;
+    };
+    for (const int32_t width : {3, 100, 511, 512, 513, 700, 3000, 9999}) {
+        std::vector<int32_t> expected = {2};
+        for (int32_t left = 20000; left > 0; left -= width) {
+            expected.push_back(std::min(left, width));
+        }
+        int32_t longest = 0;
+        EXPECT_EQ(lineUnits(static_cast<float>(width), &longest), expected) << width;
+        EXPECT_LE(longest, 2048 + 4 * width) << width;
     }
 }
 

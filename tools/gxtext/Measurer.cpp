@@ -5,38 +5,27 @@
 #include <unicode/unorm2.h>
 
 #include <algorithm>
-#include <iterator>
 
 namespace gxtool {
 
 Measurer::Measurer(const android::Paint& paint,
                    std::vector<std::shared_ptr<minikin::FontFamily>> families, int weight,
                    bool italic, std::u16string text)
-    : paint_(paint), families_(std::move(families)), text_(std::move(text)) {
-    for (size_t at = 0; at < text_.size(); at++) {
-        if (text_[at] == u'\n' || text_[at] == u'\r') lineBreaks_.push_back(at);
-    }
+    : paint_(paint), families_(std::move(families)), text_(std::move(text)), contexts_(text_) {
     auto copy = families_;
     typeface_.reset(android::Typeface::createFromFamilies(std::move(copy), weight, italic));
-}
-
-// Back to the line break before the line, which is part of the context, or to the start of the
-// text.
-size_t Measurer::contextStart(const TextLine& line) const {
-    const auto next =
-        std::upper_bound(lineBreaks_.begin(), lineBreaks_.end(), static_cast<size_t>(line.start));
-    return next == lineBreaks_.begin() ? 0 : *std::prev(next);
 }
 
 minikin::Layout Measurer::layOut(const TextLine& line) const {
     const auto start = static_cast<size_t>(line.start);
     const auto end = static_cast<size_t>(line.end);
-    const size_t context = contextStart(line);
+    const LineContext context = contexts_.shortest(line);
+    const auto contextStart = static_cast<size_t>(context.start);
     // char16_t and uint16_t are distinct types of the same representation.
     const auto* units = reinterpret_cast<const uint16_t*>(text_.data());
-    return android::MinikinUtils::doLayout(
-        &paint_, line.rightToLeft ? minikin::Bidi::DEFAULT_RTL : minikin::Bidi::DEFAULT_LTR,
-        typeface_.get(), units, text_.size(), start, end - start, context, end - context, nullptr);
+    return android::MinikinUtils::doLayout(&paint_, context.bidi, typeface_.get(), units,
+                                           text_.size(), start, end - start, contextStart,
+                                           end - contextStart, nullptr);
 }
 
 LineMetrics Measurer::measure(const TextLine& line) const {

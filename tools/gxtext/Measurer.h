@@ -5,11 +5,11 @@
 #include <hwui/Typeface.h>
 #include <minikin/Layout.h>
 
-#include <cstddef>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "LineContexts.h"
 #include "Wrap.h"
 
 namespace gxtool {
@@ -25,8 +25,8 @@ struct LineMetrics {
     float inkBottom = 0.0f;
 };
 
-// Lays lines out with one paint and one list of families, with the direction and context that a
-// text object uses for them.
+// Lays lines out with one paint and one list of families, as a text object does: with the direction
+// and context that it uses for them, or with as much of that as makes no difference.
 class Measurer {
 public:
     // `families` as the font manager gives them, first choice first, at least one.
@@ -45,13 +45,12 @@ public:
 
 private:
     minikin::Layout layOut(const TextLine& line) const;
-    size_t contextStart(const TextLine& line) const;
 
     android::Paint paint_;
     std::vector<std::shared_ptr<minikin::FontFamily>> families_;
     std::unique_ptr<android::Typeface> typeface_;
     std::u16string text_;
-    std::vector<size_t> lineBreaks_;  // positions of LF and CR
+    LineContexts contexts_;  // of text_
 };
 
 }  // namespace gxtool

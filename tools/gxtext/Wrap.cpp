@@ -112,7 +112,7 @@ private:
         auto at = std::upper_bound(opportunities_.begin(), opportunities_.end(), line.start);
         for (; best < end; ++at) {
             const int32_t candidate = std::min(*at, end);
-            if (!fits({line.start, candidate, line.rightToLeft})) {
+            if (!fitsInParts({line.start, candidate, line.rightToLeft}, best)) {
                 return best > line.start ? best : breakInWord(line, candidate);
             }
             best = candidate;
@@ -122,11 +122,25 @@ private:
 
     // The word [line.start, end) alone is too wide: as many of its characters as fit, at least one.
     int32_t breakInWord(const TextLine& line, int32_t end) {
-        if (characters_.empty()) characters_ = findBreaks(UBRK_CHARACTER, text_, locale_).all;
-        auto at = std::upper_bound(characters_.begin(), characters_.end(), line.start);
+        auto at = characterAfter(line.start);
         int32_t best = std::min(*at, end);
         while (best < end && fits({line.start, *++at, line.rightToLeft})) best = *at;
         return best;
+    }
+
+    // A line of which the part up to `known` fits. A word far longer than a line is not measured
+    // whole for each of its lines: when a part does not fit, more than as much again does not.
+    bool fitsInParts(const TextLine& line, int32_t known) {
+        constexpr int32_t kShortest = 512;
+        for (int32_t part = kShortest; part <= (line.end - known) / 2; part *= 2) {
+            if (!fits({line.start, *characterAfter(known + part), line.rightToLeft})) return false;
+        }
+        return fits(line);
+    }
+
+    std::vector<int32_t>::const_iterator characterAfter(int32_t position) {
+        if (characters_.empty()) characters_ = findBreaks(UBRK_CHARACTER, text_, locale_).all;
+        return std::upper_bound(characters_.begin(), characters_.end(), position);
     }
 
     bool fitsWhole(const TextLine& line) const {
