@@ -1,9 +1,9 @@
 #include "FontFolder.h"
 
+#include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <string>
-#include <system_error>
 
 namespace gxfuzz {
 
@@ -11,33 +11,33 @@ namespace {
 
 namespace fs = std::filesystem;
 
-struct Folder {
-    Folder() {
-        std::string name = (fs::temp_directory_path() / "gxtext-fuzz-XXXXXX").string();
-        if (!mkdtemp(name.data())) std::abort();
-        path = name;
-        for (int kind = 0; kind < kFontKinds; ++kind) {
-            const Bytes& bytes = fontFile(static_cast<FontKind>(kind));
-            std::ofstream file(path / fontFileName(static_cast<FontKind>(kind)), std::ios::binary);
-            file.write(reinterpret_cast<const char*>(bytes.data()),
-                       static_cast<std::streamsize>(bytes.size()));
-        }
-    }
-    ~Folder() {
-        std::error_code ignored;
-        fs::remove_all(path, ignored);
-    }
-    Folder(const Folder&) = delete;
-    Folder& operator=(const Folder&) = delete;
+// Removes the folder when this process has ended, be it by a finding, a timeout or a kill, which
+// run no destructor: a shell that waits for the end of its input.
+void removeAtEnd(const fs::path& folder) {
+    static FILE* const shell =
+        popen("trap '' HUP INT TERM; read -r folder; read -r end; rm -rf \"$folder\"", "we");
+    if (!shell || fprintf(shell, "%s\n", folder.c_str()) < 0 || fflush(shell) != 0) std::abort();
+}
 
-    fs::path path;
-};
+fs::path makeFolder() {
+    std::string name = (fs::temp_directory_path() / "gxtext-fuzz-XXXXXX").string();
+    if (!mkdtemp(name.data())) std::abort();
+    const fs::path folder = name;
+    removeAtEnd(folder);
+    for (int kind = 0; kind < kFontKinds; ++kind) {
+        const Bytes& bytes = fontFile(static_cast<FontKind>(kind));
+        std::ofstream file(folder / fontFileName(static_cast<FontKind>(kind)), std::ios::binary);
+        file.write(reinterpret_cast<const char*>(bytes.data()),
+                   static_cast<std::streamsize>(bytes.size()));
+    }
+    return folder;
+}
 
 }  // namespace
 
 const fs::path& fontFolder() {
-    static const Folder folder;
-    return folder.path;
+    static const fs::path folder = makeFolder();
+    return folder;
 }
 
 const char* fontFileName(FontKind kind) {

@@ -7,7 +7,8 @@
 
 namespace gxfuzz {
 
-// A folder of this process alone, removed when it ends. Holds the fonts, and pattern.png.
+// A folder of this process alone, removed when it ends, however it ends. Holds the fonts, and
+// pattern.png.
 const std::filesystem::path& fontFolder();
 
 // "latin.ttf": below fontFolder().
