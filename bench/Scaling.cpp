@@ -1,13 +1,13 @@
 #include "Scaling.h"
 
 #include <cstdio>
-#include <cstring>
 #include <functional>
 #include <iterator>
 #include <utility>
 #include <vector>
 
 #include "Measure.h"
+#include "Painter.h"
 #include "Planes.h"
 #include "effect/GxEffect.h"
 
@@ -23,10 +23,6 @@ using namespace GxFontEffect;
 
 const GxGradient kRamp[] = {{0xFFFFF0A0, 1, 0}, {0xFFFF8000, 1, 0.5f}, {0xFF400000, 1, 1}};
 constexpr int kRampStops = static_cast<int>(std::size(kRamp));
-
-void clear(GxBitmap& layer) {
-    std::memset(layer.data, 0, layer.pixelCount() * layer.bytesPerPixel);
-}
 
 struct Effect {
     const char* name;
@@ -68,34 +64,6 @@ constexpr Effect kEffects[] = {
      [](GxEffect& stack, float) { stack.addPatternText(&checks(), 1.5f, 1); }},
 };
 
-// An effect on a mask: what its painting takes from the stack, and the layer it paints into.
-class Painting {
-public:
-    Painting(const Effect& effect, float size, const Mask& mask, uint32_t width, uint32_t height)
-        : mask_(width, height, mask.data(), 1), layer_(width, height, 4) {
-        effect.add(stack_, size);
-        core_ = stack_.getEffect(effect.style);
-        param_.src = &mask_;
-        param_.dst = &layer_;
-        param_.textRect = &box_;
-        box_.right = static_cast<int>(width);
-        box_.bottom = static_cast<int>(height);
-    }
-    Painting(const Painting&) = delete;
-    Painting& operator=(const Painting&) = delete;
-
-    void clear() { gxbench::clear(layer_); }
-    void paint() { core_->doPostProcessing(&param_); }
-
-private:
-    GxEffect stack_;
-    GxBitmap mask_;
-    GxBitmap layer_;
-    GxRect box_;
-    GxECoreBase* core_ = nullptr;
-    GxECore::ParamPostProcessing param_;
-};
-
 void printPoint(const char* curve, const std::string& series, int x,
                 const std::function<void()>& prepare, const std::function<void()>& run) {
     if (!run) return;
@@ -106,9 +74,12 @@ void printPoint(const char* curve, const std::string& series, int x,
 
 void printEffect(const char* curve, const Effect& effect, int x, float size, const Mask& mask,
                  uint32_t width, uint32_t height) {
-    Painting painting(effect, size, mask, width, height);
+    GxEffect stack;
+    effect.add(stack, size);
+    GxECoreBase& filter = *stack.getEffect(effect.style);
+    FilterScene scene(mask, width, height);
     printPoint(
-        curve, effect.name, x, [&] { painting.clear(); }, [&] { painting.paint(); });
+        curve, effect.name, x, [&] { scene.clear(); }, [&] { paint(filter, scene); });
 }
 
 #ifdef GXBENCH_OPENCV

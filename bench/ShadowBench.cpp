@@ -1,5 +1,4 @@
 // Rows of the two shadows: the filters as a whole, the inner against the outer of the same blur.
-#include <algorithm>
 #include <memory>
 #include <string>
 
@@ -12,30 +11,12 @@
 
 namespace gxbench {
 
-namespace {
-
 using namespace GxFontEffect;
-
-// The text and a layer for its shadow, clear before each run.
-struct ShadowScene {
-    ShadowScene()
-        : mask(kWidth, kHeight, textMask().data(), 1),
-          layer(kWidth, kHeight, 4),
-          box(0, 0, kWidth, kHeight) {}
-
-    void clear() { std::fill_n(layer.data, kPixels * 4, uint8_t{0}); }
-
-    GxBitmap mask;
-    GxBitmap layer;
-    GxRect box;
-};
-
-}  // namespace
 
 void addShadowRows() {
     for (const int size : {2, 5, 10, 25, 50, 100}) {
         addRow({"inner shadow " + std::to_string(size), "outer shadow", {0, 1}, kPixels, [=] {
-                    const auto scene = std::make_shared<ShadowScene>();
+                    const auto scene = std::make_shared<FilterScene>(textMask(), kWidth, kHeight);
                     const auto blur = static_cast<float>(size);
                     const GxInnerShadowProperty inner(120, 6, blur, 0xFF103050, 1);
                     const GxOuterShadowProperty outer(120, 6, blur, 0xFF103050, 1);
