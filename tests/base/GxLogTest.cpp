@@ -5,7 +5,6 @@
 
 #include <string>
 
-#include <android/log.h>
 #include "base/GxString.h"
 #include "support/LogCapture.h"
 
