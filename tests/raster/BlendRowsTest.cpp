@@ -117,11 +117,9 @@ protected:
         operation.plain(area, color);
         area.destination = actual.data() + offset;
         operation.fast(area, color);
-        const auto [e, a] = std::mismatch(expected.begin(), expected.end(), actual.begin());
-        ASSERT_EQ(e, expected.end())
-            << operation.name << ": byte " << e - expected.begin() << " is " << int{*a} << ", not "
-            << int{*e} << " (" << width << " x " << height << ", offset " << offset << ", gap "
-            << gap << ")";
+        ASSERT_EQ(gxtest::firstDifference(expected.data(), actual.data(), expected.size()), "")
+            << operation.name << " (" << width << " x " << height << ", offset " << offset
+            << ", gap " << gap << ")";
     }
 
     Random random{21};
@@ -197,19 +195,25 @@ GX_INSTANTIATE_SIMD_TESTS(BlendRows);
 
 class CompositeRows : public gxtest::SimdTest {
 protected:
-    // step(pixels, back layer, mask, count, alpha)
-    using Step = std::function<void(Rgba*, const Rgba*, const uint8_t*, size_t, uint32_t)>;
+    struct Row {
+        Rgba* pixels;
+        const Rgba* back;
+        const uint8_t* mask;
+        size_t count;
+        uint32_t alpha;
+    };
+    using Step = void (*)(const Row&);
 
-    void check(const char* name, const Step& fast, const Step& plain) {
+    void check(const char* name, Step fast, Step plain) {
         SCOPED_TRACE(name);
         for (size_t count = 0; count < 300; ++count) {
             const Bytes before = someBytes(random, count * 4);
             const Bytes back = someBytes(random, count * 4), mask = someBytes(random, count);
             const uint32_t alpha = random.edgeByte();
             Bytes expected = before, actual = before;
-            const auto run = [&](const Step& step, Bytes& pixels) {
-                step(reinterpret_cast<Rgba*>(pixels.data()),
-                     reinterpret_cast<const Rgba*>(back.data()), mask.data(), count, alpha);
+            const auto run = [&](Step step, Bytes& pixels) {
+                step({reinterpret_cast<Rgba*>(pixels.data()),
+                      reinterpret_cast<const Rgba*>(back.data()), mask.data(), count, alpha});
             };
             run(plain, expected);
             run(fast, actual);
@@ -223,35 +227,17 @@ protected:
 TEST_P(CompositeRows, EqualThePlainFormAtEveryLength) {
     GX_TRACE_SEED(random);
     check(
-        "mix",
-        [](Rgba* p, const Rgba* b, const uint8_t* m, size_t n, uint32_t) {
-            mixLayersRow(p, b, m, n);
-        },
-        [](Rgba* p, const Rgba* b, const uint8_t* m, size_t n, uint32_t) {
-            plain::mixLayersRow(p, b, m, n);
-        });
+        "mix", [](const Row& r) { mixLayersRow(r.pixels, r.back, r.mask, r.count); },
+        [](const Row& r) { plain::mixLayersRow(r.pixels, r.back, r.mask, r.count); });
     check(
-        "clear",
-        [](Rgba* p, const Rgba*, const uint8_t* m, size_t n, uint32_t) {
-            clearUncoveredRow(p, m, n);
-        },
-        [](Rgba* p, const Rgba*, const uint8_t* m, size_t n, uint32_t) {
-            plain::clearUncoveredRow(p, m, n);
-        });
+        "clear", [](const Row& r) { clearUncoveredRow(r.pixels, r.mask, r.count); },
+        [](const Row& r) { plain::clearUncoveredRow(r.pixels, r.mask, r.count); });
     check(
-        "fade",
-        [](Rgba* p, const Rgba*, const uint8_t*, size_t n, uint32_t t) {
-            fadeAndUnpremultiplyRow(p, n, t);
-        },
-        [](Rgba* p, const Rgba*, const uint8_t*, size_t n, uint32_t t) {
-            plain::fadeAndUnpremultiplyRow(p, n, t);
-        });
+        "fade", [](const Row& r) { fadeAndUnpremultiplyRow(r.pixels, r.count, r.alpha); },
+        [](const Row& r) { plain::fadeAndUnpremultiplyRow(r.pixels, r.count, r.alpha); });
     check(
-        "swap",
-        [](Rgba* p, const Rgba*, const uint8_t*, size_t n, uint32_t) { swapRedBlueRow(p, n); },
-        [](Rgba* p, const Rgba*, const uint8_t*, size_t n, uint32_t) {
-            plain::swapRedBlueRow(p, n);
-        });
+        "swap", [](const Row& r) { swapRedBlueRow(r.pixels, r.count); },
+        [](const Row& r) { plain::swapRedBlueRow(r.pixels, r.count); });
 }
 
 // floor(channel x 256 / alpha), at most 255, for every pair, in each of the three channels.

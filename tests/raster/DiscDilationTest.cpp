@@ -37,22 +37,6 @@ struct Plane {
     uint8_t& at(int64_t x, int64_t y) { return bytes[static_cast<size_t>(y * stride + x)]; }
 };
 
-// Solid rectangles with a soft edge, as upright and lying stems of letters.
-void drawBars(Random& random, Plane& plane) {
-    for (int bar = 0; bar < 4; ++bar) {
-        const int left = random.between(0, static_cast<int>(plane.columns) - 1);
-        const int top = random.between(0, static_cast<int>(plane.rows) - 1);
-        const int64_t right = std::min<int64_t>(plane.columns, left + random.between(1, 40));
-        const int64_t bottom = std::min<int64_t>(plane.rows, top + random.between(1, 40));
-        for (int64_t y = top; y < bottom; ++y) {
-            for (int64_t x = left; x < right; ++x) {
-                const bool edge = x == left || y == top || x == right - 1 || y == bottom - 1;
-                plane.at(x, y) = edge ? random.byte() : 255;
-            }
-        }
-    }
-}
-
 void draw(Random& random, Content content, Plane& plane) {
     switch (content) {
         case kFull:
@@ -66,7 +50,8 @@ void draw(Random& random, Content content, Plane& plane) {
                      random.between(0, static_cast<int>(plane.rows) - 1)) = random.edgeByte();
             return;
         case kBars:
-            return drawBars(random, plane);
+            gxtest::drawBars(random, plane.bytes.data(), plane.columns, plane.rows, plane.stride);
+            return;
         default:
             return;
     }

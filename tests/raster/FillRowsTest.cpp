@@ -42,11 +42,8 @@ protected:
         plain(area);
         area.destination = actual.get();
         fast(area);
-        const uint8_t* end = expected.get() + width * height * 4;
-        const auto [e, a] = std::mismatch(static_cast<const uint8_t*>(expected.get()), end,
-                                          static_cast<const uint8_t*>(actual.get()));
-        ASSERT_EQ(e, end) << "byte " << e - expected.get() << " is " << int{*a} << ", not "
-                          << int{*e} << " (" << width << " x " << height << ")";
+        ASSERT_EQ(gxtest::firstDifference(expected.get(), actual.get(), width * height * 4), "")
+            << width << " x " << height;
     }
 
     // Noise, or stretches of nothing and of anything.

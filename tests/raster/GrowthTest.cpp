@@ -21,15 +21,7 @@ std::vector<uint8_t> maskOf(Content content, int64_t width, int64_t height, Rand
     std::vector<uint8_t> mask(static_cast<size_t>(width * height), content == kFull ? 255 : 0);
     if (content == kNoise) mask = random.edgeBytes(mask.size());
     if (content == kPixel) mask[random.word() % mask.size()] = random.edgeByte();
-    if (content == kBars) {
-        const auto left = random.between(0, static_cast<int>(width) - 1);
-        const auto top = random.between(0, static_cast<int>(height) - 1);
-        for (int64_t y = top; y < std::min<int64_t>(height, top + 9); ++y) {
-            for (int64_t x = left; x < std::min<int64_t>(width, left + 50); ++x) {
-                mask[static_cast<size_t>(y * width + x)] = x % 23 < 2 ? random.byte() : 255;
-            }
-        }
-    }
+    if (content == kBars) gxtest::drawBars(random, mask.data(), width, height, width);
     return mask;
 }
 
@@ -46,10 +38,8 @@ protected:
         std::fill_n(scratch.get(), bytes, random.byte());
         growMaskPlain(expected.data(), width, height, passes, scratch.get());
         growMask(actual.get(), width, height, passes, scratch.get());
-        const auto [e, a] = std::mismatch(expected.begin(), expected.end(), actual.get());
-        ASSERT_EQ(e, expected.end())
-            << "byte " << e - expected.begin() << " is " << int{*a} << ", not " << int{*e} << " ("
-            << width << " x " << height << ", " << passes << " passes, content " << content << ")";
+        ASSERT_EQ(gxtest::firstDifference(expected.data(), actual.get(), expected.size()), "")
+            << width << " x " << height << ", " << passes << " passes, content " << content;
     }
 
     Random random{41};

@@ -22,15 +22,6 @@ std::vector<uint8_t> bytesOf(const GxBitmap& bitmap) {
     return {bitmap.data, bitmap.data + size};
 }
 
-TEST(GxBitmap, DefaultIsEmpty) {
-    const GxBitmap bitmap;
-    EXPECT_EQ(bitmap.width, 0u);
-    EXPECT_EQ(bitmap.height, 0u);
-    EXPECT_EQ(bitmap.data, nullptr);
-    EXPECT_EQ(bitmap.format, 4u);
-    EXPECT_EQ(bitmap.bytesPerPixel, 0u);
-}
-
 TEST(GxBitmap, FormatFollowsBytesPerPixel) {
     EXPECT_EQ(GxBitmap(2, 2, 4).format, 1u);
     EXPECT_EQ(GxBitmap(2, 2, 1).format, 2u);

@@ -51,19 +51,7 @@ struct Bell {
 using Content = std::function<void(Plane&, Random&)>;
 
 void fillText(Plane& plane, Random& random) {
-    const int strokes = random.between(1, 6);
-    for (int i = 0; i < strokes; ++i) {
-        const auto x0 = random.between(0, static_cast<int>(plane.width) - 1);
-        const auto y0 = random.between(0, static_cast<int>(plane.height) - 1);
-        const int64_t x1 = std::min<int64_t>(plane.width, x0 + random.between(1, 40));
-        const int64_t y1 = std::min<int64_t>(plane.height, y0 + random.between(1, 40));
-        for (int64_t y = y0; y < y1; ++y) {
-            for (int64_t x = x0; x < x1; ++x) {
-                const bool edge = x == x0 || y == y0 || x == x1 - 1 || y == y1 - 1;
-                plane.cells[static_cast<size_t>(y * plane.width + x)] = edge ? random.byte() : 255;
-            }
-        }
-    }
+    gxtest::drawBars(random, plane.cells.get(), plane.width, plane.height, plane.width);
 }
 
 void fillNoise(Plane& plane, Random& random) {
@@ -98,13 +86,10 @@ const std::vector<Content>& contents() {
 class SeparableBlur : public gxtest::SimdTest {
 protected:
     void expectEqual(const Plane& expected, const Plane& actual, const Bell& bell) {
-        const uint8_t* end = expected.cells.get() + expected.size();
-        const auto [e, a] = std::mismatch(static_cast<const uint8_t*>(expected.cells.get()), end,
-                                          static_cast<const uint8_t*>(actual.cells.get()));
-        ASSERT_EQ(e, end) << "byte " << e - expected.cells.get() << " is " << int{*a} << ", not "
-                          << int{*e} << " (" << expected.width << " x " << expected.height
-                          << ", radius " << bell.weights.radius << ", centre " << bell.taps[0]
-                          << ")";
+        ASSERT_EQ(
+            gxtest::firstDifference(expected.cells.get(), actual.cells.get(), expected.size()), "")
+            << expected.width << " x " << expected.height << ", radius " << bell.weights.radius
+            << ", centre " << bell.taps[0];
     }
 
     // The single passes, into a plane with cells around them that must stay.
