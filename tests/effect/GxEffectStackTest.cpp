@@ -7,6 +7,7 @@
 #include <cstring>
 #include <functional>
 #include <limits>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -60,35 +61,29 @@ public:
     std::vector<GxGradient> stops;
 };
 
+template <typename Core>
+GxECoreBase* make(int style) {
+    return new Core(style);
+}
+
 }  // namespace
 
 GxECoreBase* makeEffectCore(int style) {
-    switch (style) {
-        case 1:
-            return new RecordingCore<GxOuterShadowProperty>(1);
-        case 2:
-            return new RecordingCore<GxInnerShadowProperty>(2);
-        case 3:
-            return new RecordingStopsCore<GxOuterGlowProperty>(3);
-        case 4:
-            return new RecordingStopsCore<GxInnerGlowProperty>(4);
-        case 5:
-            return new RecordingCore<GxBevelProperty>(5);
-        case 6:
-            return new RecordingCore<GxEmbossProperty>(6);
-        case 7:
-            return new RecordingStopsCore<GxLinearGradientProperty>(7);
-        case 8:
-            return new RecordingStopsCore<GxRadialGradientProperty>(8);
-        case 10:
-            return new RecordingCore<GxStrokeProperty>(10);
-        case 11:
-            return new RecordingCore<GxPatternProperty>(11);
-        case 12:
-            return new RecordingCore<GxTextProperty>(12);
-        default:
-            return nullptr;
-    }
+    static const std::map<int, GxECoreBase* (*)(int)> cores = {
+        {1, make<RecordingCore<GxOuterShadowProperty>>},
+        {2, make<RecordingCore<GxInnerShadowProperty>>},
+        {3, make<RecordingStopsCore<GxOuterGlowProperty>>},
+        {4, make<RecordingStopsCore<GxInnerGlowProperty>>},
+        {5, make<RecordingCore<GxBevelProperty>>},
+        {6, make<RecordingCore<GxEmbossProperty>>},
+        {7, make<RecordingStopsCore<GxLinearGradientProperty>>},
+        {8, make<RecordingStopsCore<GxRadialGradientProperty>>},
+        {10, make<RecordingCore<GxStrokeProperty>>},
+        {11, make<RecordingCore<GxPatternProperty>>},
+        {12, make<RecordingCore<GxTextProperty>>},
+    };
+    const auto found = cores.find(style);
+    return found == cores.end() ? nullptr : found->second(style);
 }
 
 namespace {
@@ -101,44 +96,22 @@ protected:
         for (auto& side : offsets) side = {0, 0, 0, 0};
     }
 
+    // `detail` is the position of a stroke or the kind of a bevel.
     void add(int style, int detail = 1) {
-        switch (style) {
-            case 1:
-                stack.addOuterShadowText(0, 1, 2, 0, 1);
-                break;
-            case 2:
-                stack.addInnerShadowText(0, 1, 2, 0, 1);
-                break;
-            case 3:
-                stack.addOuterGlowText(1, 0, 1, 0, nullptr);
-                break;
-            case 4:
-                stack.addInnerGlowText(1, 0, 1, 0, nullptr);
-                break;
-            case 5:
-                stack.addBevelText(detail, 1, 1, 0, 0, 0, 1, 0, 0, 0, 1, 0, 1);
-                break;
-            case 6:
-                stack.addEmbossText(1, 1, 1, 0, 0, 0, 1, 0, 0, 0, 1, 0, 1);
-                break;
-            case 7:
-                stack.addLinearGradientText(0, 1, 1, 0, nullptr);
-                break;
-            case 8:
-                stack.addRadialGradientText(1, 1, 0, nullptr);
-                break;
-            case 10:
-                stack.addStrokeText(1, 0, 1, 0, detail);
-                break;
-            case 11:
-                stack.addPatternText(&pattern, 1, 1);
-                break;
-            case 12:
-                stack.addText(0xFF000000);
-                break;
-            default:
-                FAIL();
-        }
+        const std::map<int, std::function<int()>> adds = {
+            {1, [&] { return stack.addOuterShadowText(0, 1, 2, 0, 1); }},
+            {2, [&] { return stack.addInnerShadowText(0, 1, 2, 0, 1); }},
+            {3, [&] { return stack.addOuterGlowText(1, 0, 1, 0, nullptr); }},
+            {4, [&] { return stack.addInnerGlowText(1, 0, 1, 0, nullptr); }},
+            {5, [&] { return stack.addBevelText(detail, 1, 1, 0, 0, 0, 1, 0, 0, 0, 1, 0, 1); }},
+            {6, [&] { return stack.addEmbossText(1, 1, 1, 0, 0, 0, 1, 0, 0, 0, 1, 0, 1); }},
+            {7, [&] { return stack.addLinearGradientText(0, 1, 1, 0, nullptr); }},
+            {8, [&] { return stack.addRadialGradientText(1, 1, 0, nullptr); }},
+            {10, [&] { return stack.addStrokeText(1, 0, 1, 0, detail); }},
+            {11, [&] { return stack.addPatternText(&pattern, 1, 1); }},
+            {12, [&] { return stack.addText(0xFF000000); }},
+        };
+        ASSERT_GE(adds.at(style)(), 0) << style;
     }
 
     std::vector<int> layerStyles() const {

@@ -13,7 +13,6 @@
 #include <vector>
 
 #include "effect/filters/GxText.h"
-#include "support/AllocationFailure.h"
 #include "support/LogCapture.h"
 #include "support/Random.h"
 
@@ -58,51 +57,19 @@ std::string keyOf(GxEffect& stack) {
     return key.get();
 }
 
-TEST(GxText, FreshCore) {
-    GxText core;
-    EXPECT_EQ(core.getStyle(), 12);
-    EXPECT_EQ(core.getId(), -1);
-    EXPECT_EQ(core.getOpacity(), 1.0f);
-    for (int offset : {core.getOffset(), core.getLeftOffset(), core.getTopOffset(),
-                       core.getRightOffset(), core.getBottomOffset()}) {
-        EXPECT_EQ(offset, 0);
-    }
-    EXPECT_EQ(core.getProperty(), nullptr);
-    EXPECT_TRUE(core.initEffect(nullptr));
-    EXPECT_TRUE(core.render(nullptr));
-}
-
-TEST(GxText, KeepsACopyOfItsRecord) {
-    GxText core;
-    {
-        const GxTextProperty record(0xFF102030, 0.5f);
-        core.setProperty(&record);
-    }
-    core.setProperty(nullptr);
-    const GxStrokeProperty other(1, 2, 3, 4, 0);
-    core.setProperty(&other);
-    ASSERT_NE(core.getProperty(), nullptr);
-    EXPECT_EQ(core.getProperty()->color, 0xFF102030u);
-    EXPECT_EQ(core.getProperty()->opacity, 0.5f);
-}
-
 TEST(GxText, DoesNothingWithoutItsInputs) {
-    GxText core;
     GxBitmap dst(2, 2, 4), src(2, 2, 1);
     std::memset(src.data, 255, 4);
-    GxECore::ParamPostProcessing param;
-    param.dst = &dst;
-    param.src = &src;
-    core.doPostProcessing(&param);  // no record
     const GxTextProperty record(0xFFFFFFFF, 1.0f);
-    core.setProperty(&record);
-    core.doPostProcessing(nullptr);
-    param.dst = nullptr;
-    core.doPostProcessing(&param);
-    param.dst = &dst;
-    param.src = nullptr;
-    core.doPostProcessing(&param);
-    EXPECT_EQ(std::count(dst.data, dst.data + 16, 0), 16);
+    for (int lost = 0; lost < 4; ++lost) {
+        GxText core;
+        if (lost != 0) core.setProperty(&record);
+        GxECore::ParamPostProcessing param;
+        param.dst = lost == 1 ? nullptr : &dst;
+        param.src = lost == 2 ? nullptr : &src;
+        core.doPostProcessing(lost == 3 ? nullptr : &param);
+        EXPECT_EQ(std::count(dst.data, dst.data + 16, 0), 16) << lost;
+    }
 }
 
 TEST(GxEffect, StylesWithoutACoreAreRefused) {
@@ -207,17 +174,6 @@ TEST(GxEffect, PlainFillIsStraightAlpha) {
     }
 }
 
-TEST(GxEffect, TextAlphaFadesTheWholeImage) {
-    GxEffect stack;
-    stack.addText(0x80FFFFFF);
-    const GxBitmap output = render(stack, 2, 1, 0, 0, Mask({"#4"}));
-    // 256 x 128 >> 8 = 128; the straight colour stays white.
-    EXPECT_EQ(pixelAt(output, 0, 0), (Pixel{255, 255, 255, 128}));
-    EXPECT_EQ(pixelAt(output, 1, 0)[3], (113 * 128) >> 8);
-    stack.addText(0x00FFFFFF);
-    EXPECT_EQ(pixelAt(render(stack, 1, 1, 0, 0, Mask({"#"})), 0, 0), (Pixel{0, 0, 0, 0}));
-}
-
 TEST(GxEffect, TwoLayerFillGetsItsEdgeFromTheMix) {
     GxEffect stack;
     stack.addText(0xFF4080C0);
@@ -313,24 +269,21 @@ TEST(GxEffect, StepsOutOfOrderDoNothing) {
     stack.doEffectPostProcessing();  // no destination
     stack.compositeLayers(&output);
     EXPECT_EQ(std::count(output.data, output.data + 36, 0), 36);
-    // A destination smaller and larger than the stack's size.
-    for (uint32_t size : {1u, 2u, 7u}) {
-        GxBitmap other(size, size, 4);
-        stack.setTextOpacity(0.5f);
-        stack.initEffect(3, 3);
-        stack.setDstBitmap(&other);
+    const auto renderInto = [&](GxBitmap* destination, uint32_t stackSize) {
+        stack.initEffect(stackSize, stackSize);
+        stack.setDstBitmap(destination);
         stack.renderEffectLayer(0, 0, &mask.glyph);
         stack.doEffectPostProcessing();
-        stack.compositeLayers(&other);
+        stack.compositeLayers(destination);
+    };
+    // A destination smaller and larger than the stack's size.
+    stack.setTextOpacity(0.5f);
+    for (uint32_t size : {1u, 2u, 7u}) {
+        GxBitmap other(size, size, 4);
+        renderInto(&other, 3);
     }
-    stack.initEffect(0xFFFFFFFFu, 0xFFFFFFFFu);
-    stack.renderEffectLayer(0, 0, &mask.glyph);
-    stack.doEffectPostProcessing();
-    stack.compositeLayers(&output);
-    stack.initEffect(0, 0);
-    stack.renderEffectLayer(0, 0, &mask.glyph);
-    stack.doEffectPostProcessing();
-    stack.compositeLayers(&output);
+    renderInto(&output, 0xFFFFFFFFu);
+    renderInto(&output, 0);
 }
 
 TEST(GxEffect, LogsTheStepsOfARender) {
@@ -362,19 +315,6 @@ TEST(GxEffect, LogsTheStepsOfARender) {
     log.clear();
     { GxEffect silent(&log); }
     ASSERT_EQ(log.lines().size(), 1u) << "only the end is logged";
-}
-
-TEST(GxEffect, SurvivesEveryFailedAllocation) {
-    const Mask mask({"#4", "4#"});
-    const auto wholeRender = [&] {
-        GxEffect stack;
-        stack.addText(0xFFFFFFFF);
-        stack.setTextOpacity(0.5f);
-        const GxEffect copy(stack);
-        render(stack, 6, 6, 1, 1, mask);
-        const std::unique_ptr<char[]> key(stack.getMapKey());
-    };
-    EXPECT_GT(gxtest::failEachAllocation(wholeRender), 8);
 }
 
 }  // namespace

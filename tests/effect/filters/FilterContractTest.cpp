@@ -46,84 +46,51 @@ GxBitmap* whitePicture() {
     return &picture;
 }
 
+template <typename Record, typename... Fields>
+void give(GxECoreBase& core, Fields... fields) {
+    const Record record(fields...);
+    core.setProperty(&record);
+}
+
+constexpr uint32_t kGreen = 0xFF00FF00;
+
 const Filter kFilters[] = {
     {GXE_STYLE_OUTER_SHADOW,
-     [](GxECoreBase& core) {
-         const GxOuterShadowProperty record(120, 2, 2, 0xFF00FF00, 1);
-         core.setProperty(&record);
-     },
-     [](GxECoreBase& core, float v) {
-         const GxOuterShadowProperty record(v, v, v, 0xFF00FF00, v);
-         core.setProperty(&record);
-     }},
+     [](auto& core) { give<GxOuterShadowProperty>(core, 120, 2, 2, kGreen, 1); },
+     [](auto& core, float v) { give<GxOuterShadowProperty>(core, v, v, v, kGreen, v); }},
     {GXE_STYLE_INNER_SHADOW,
-     [](GxECoreBase& core) {
-         const GxInnerShadowProperty record(120, 2, 2, 0xFF00FF00, 1);
-         core.setProperty(&record);
-     },
-     [](GxECoreBase& core, float v) {
-         const GxInnerShadowProperty record(v, v, v, 0xFF00FF00, v);
-         core.setProperty(&record);
-     }},
+     [](auto& core) { give<GxInnerShadowProperty>(core, 120, 2, 2, kGreen, 1); },
+     [](auto& core, float v) { give<GxInnerShadowProperty>(core, v, v, v, kGreen, v); }},
     {GXE_STYLE_OUTER_GLOW,
-     [](GxECoreBase& core) {
-         const GxOuterGlowProperty record(2, 0xFF00FF00, 1, 3, kStops);
-         core.setProperty(&record);
-     },
-     [](GxECoreBase& core, float v) {
-         const auto stops = stopsAt(v);
-         const GxOuterGlowProperty record(v, 0xFF00FF00, v, 4, stops.data());
-         core.setProperty(&record);
+     [](auto& core) { give<GxOuterGlowProperty>(core, 2, kGreen, 1, 3, kStops); },
+     [](auto& core, float v) {
+         give<GxOuterGlowProperty>(core, v, kGreen, v, 4, stopsAt(v).data());
      }},
     {GXE_STYLE_INNER_GLOW,
-     [](GxECoreBase& core) {
-         const GxInnerGlowProperty record(2, 0xFF00FF00, 1, 3, kStops);
-         core.setProperty(&record);
-     },
-     [](GxECoreBase& core, float v) {
-         const auto stops = stopsAt(v);
-         const GxInnerGlowProperty record(v, 0xFF00FF00, v, 4, stops.data());
-         core.setProperty(&record);
+     [](auto& core) { give<GxInnerGlowProperty>(core, 2, kGreen, 1, 3, kStops); },
+     [](auto& core, float v) {
+         give<GxInnerGlowProperty>(core, v, kGreen, v, 4, stopsAt(v).data());
      }},
     {GXE_STYLE_LINEAR_GRADIENT,
-     [](GxECoreBase& core) {
-         const GxLinearGradientProperty record(30, 1, 1, 3, kStops);
-         core.setProperty(&record);
-     },
-     [](GxECoreBase& core, float v) {
-         const auto stops = stopsAt(v);
-         const GxLinearGradientProperty record(v, v, v, 4, stops.data());
-         core.setProperty(&record);
+     [](auto& core) { give<GxLinearGradientProperty>(core, 30, 1, 1, 3, kStops); },
+     [](auto& core, float v) {
+         give<GxLinearGradientProperty>(core, v, v, v, 4, stopsAt(v).data());
      }},
     {GXE_STYLE_RADIAL_GRADIENT,
-     [](GxECoreBase& core) {
-         const GxRadialGradientProperty record(30, 1, 1, 3, kStops);
-         core.setProperty(&record);
-     },
-     [](GxECoreBase& core, float v) {
-         const auto stops = stopsAt(v);
-         const GxRadialGradientProperty record(v, v, v, 4, stops.data());
-         core.setProperty(&record);
+     [](auto& core) { give<GxRadialGradientProperty>(core, 30, 1, 1, 3, kStops); },
+     [](auto& core, float v) {
+         give<GxRadialGradientProperty>(core, v, v, v, 4, stopsAt(v).data());
      }},
-    {GXE_STYLE_PATTERN,
-     [](GxECoreBase& core) {
-         const GxPatternProperty record(whitePicture(), 1.5f, 1);
-         core.setProperty(&record);
-     },
-     [](GxECoreBase& core, float v) {
-         const GxPatternProperty record(whitePicture(), v, v);
-         core.setProperty(&record);
+    {GXE_STYLE_PATTERN, [](auto& core) { give<GxPatternProperty>(core, whitePicture(), 1.5f, 1); },
+     [](auto& core, float v) {
+         give<GxPatternProperty>(core, whitePicture(), v, v);
          // Fields are public: what the constructor would clamp can still be set.
          dynamic_cast<GxPatternProperty&>(*core.getProperty()).scale = v;
      }},
     {GXE_STYLE_STROKE,
-     [](GxECoreBase& core) {
-         const GxStrokeProperty record(3, 0xFF00FF00, 1, 0, GxStrokeProperty::kCenter);
-         core.setProperty(&record);
-     },
-     [](GxECoreBase& core, float v) {
-         const GxStrokeProperty record(v, 0xFF00FF00, v, 0, GxStrokeProperty::kOutside);
-         core.setProperty(&record);
+     [](auto& core) { give<GxStrokeProperty>(core, 3, kGreen, 1, 0, GxStrokeProperty::kCenter); },
+     [](auto& core, float v) {
+         give<GxStrokeProperty>(core, v, kGreen, v, 0, GxStrokeProperty::kOutside);
      }},
 };
 
@@ -145,13 +112,10 @@ protected:
     Scene scene{{"   ", " #4", "###"}, 4};
 };
 
-TEST_P(Filters, FreshCore) {
-    ASSERT_NE(core, nullptr);
+TEST_P(Filters, WithoutARecordPaintNothingAndHaveNoMargin) {
     EXPECT_EQ(core->getStyle(), GetParam().style);
-    EXPECT_EQ(core->getId(), -1);
-    EXPECT_EQ(core->getProperty(), nullptr);
     EXPECT_EQ(core->getOffset(), 0);
-    EXPECT_TRUE(paintsNothing(scene)) << "without a record";
+    EXPECT_TRUE(paintsNothing(scene));
 }
 
 TEST_P(Filters, KeepsItsRecord) {
@@ -228,10 +192,10 @@ TEST_P(Filters, HostileNumbers) {
     for (float v : values) {
         SCOPED_TRACE(v);
         GetParam().hostile(*core, v);
-        core->getLeftOffset();
-        core->getRightOffset();
-        core->getTopOffset();
-        core->getBottomOffset();
+        for (auto offset : {&GxECoreBase::getLeftOffset, &GxECoreBase::getRightOffset,
+                            &GxECoreBase::getTopOffset, &GxECoreBase::getBottomOffset}) {
+            (core.get()->*offset)();
+        }
         paint(scene);
     }
 }

@@ -124,30 +124,13 @@ TYPED_TEST(Glows, GrowthRules) {
         const bool near = i % 5 > 0 && i % 5 < 4 && i / 5 > 0 && i / 5 < 4;
         EXPECT_EQ(mask[i], near ? 50 : 0) << i;
     }
-    struct Case {
-        int width, height, passes;
-        std::vector<uint8_t> after;  // of a mask of 100s
-    };
-    const std::vector<Case> cases = {
-        {1, 3, 1, {100, 0, 100}},
-        {2, 4, 1, {100, 100, 0, 0, 0, 0, 100, 100}},
-        {3, 3, 1, {100, 100, 100, 0, 225, 0, 100, 100, 100}},
-        {3, 3, 2, {100, 100, 100, 0, 206, 0, 100, 100, 100}},  // (600 + 225) / 4
-        {3, 2, 3, {100, 100, 100, 100, 100, 100}},
-        {3, 3, 0, {100, 100, 100, 100, 100, 100, 100, 100, 100}},
-        {3, 1, -1, {100, 100, 100}},
-    };
-    for (const Case& c : cases) {
-        std::vector<uint8_t> grown(c.after.size(), 100);
-        TypeParam::increaseByBoxFilter(grown.data(), c.passes, c.width, c.height);
-        EXPECT_EQ(grown, c.after) << c.width << " x " << c.height << ", " << c.passes;
-    }
+    std::vector<uint8_t> twice(9, 100);
+    TypeParam::increaseByBoxFilter(twice.data(), 2, 3, 3);
+    // First 225, then (600 + 225) / 4.
+    EXPECT_EQ(twice, (std::vector<uint8_t>{100, 100, 100, 0, 206, 0, 100, 100, 100}));
     TypeParam::increaseByBoxFilter(nullptr, 1, 5, 5);
     TypeParam::increaseByBoxFilter(mask.data(), 1, 0, 5);
     TypeParam::increaseByBoxFilter(mask.data(), 1, 5, -5);
-    std::vector<uint8_t> settled(49, 255);
-    TypeParam::increaseByBoxFilter(settled.data(), INT32_MAX, 7, 7);
-    EXPECT_EQ(settled[3 * 7 + 3], 255);
 }
 
 TYPED_TEST(Glows, EqualTheirDefinition) {
@@ -175,26 +158,6 @@ TYPED_TEST(Glows, EqualTheirDefinition) {
     }
 }
 
-TEST(GxOuterGlow, SizeZeroLeavesTheLayer) {
-    Scene scene({"##", "##"}, 6);
-    gxtest::paintWith<GxOuterGlow>(scene, GxOuterGlowProperty(0, 0xFFFFFFFF, 1, 0, nullptr));
-    EXPECT_EQ(scene.pixel(7, 7), 0u);
-}
-
-TEST(GxOuterGlow, FullAtTheTextAndFadingOutwards) {
-    Scene scene(std::vector<std::string>(12, "############"), 20);
-    gxtest::paintWith<GxOuterGlow>(scene, GxOuterGlowProperty(10, 0xFF00C8FF, 1, 0, nullptr));
-    EXPECT_EQ(scene.pixel(26, 26), 0xFF00C8FFu);
-    uint32_t last = 256;
-    for (int x = 26; x >= 0; --x) {
-        const uint32_t alpha = scene.pixel(x, 26) >> 24;
-        EXPECT_LE(alpha, last) << x;
-        last = alpha;
-    }
-    EXPECT_GT(scene.pixel(16, 26) >> 24, 100u);
-    EXPECT_EQ(scene.pixel(2, 26), 0u) << "beyond growth and blur, 5 + 9 pixels";
-}
-
 // --- inner
 // --------------------------------------------------------------------------------------------------
 
@@ -203,10 +166,6 @@ TEST(GxInnerGlow, ColouredAtTheEdgeAndClearDeepInside) {
     gxtest::paintWith<GxInnerGlow>(scene, GxInnerGlowProperty(3, 0xFF20C8FF, 1, 0, nullptr));
     EXPECT_EQ(scene.pixel(30, 30), 0u) << "deep inside";
     EXPECT_EQ(scene.pixel(7, 30), 0xFF20C8FFu) << "on the background";
-    for (int x = 7; x < 30; ++x) {
-        EXPECT_GE(scene.pixel(x, 30) >> 24, scene.pixel(x + 1, 30) >> 24) << x;
-    }
-    EXPECT_GT(scene.pixel(10, 30) >> 24, 128u) << "the edge";
     // Reach 4, padding 8, blur 3: the work area starts at 10 - 8 with a white frame 3 wide.
     for (int i : {2, 3, 4}) {
         EXPECT_EQ(scene.pixel(i, 30), 0xFFFFFFFFu) << i;

@@ -61,18 +61,6 @@ TYPED_TEST(Gradients, NothingWithoutStopsOrScale) {
     EXPECT_EQ(core.getOffset(), 0);
 }
 
-TYPED_TEST(Gradients, OneStopFillsWhateverTheCoverage) {
-    Scene scene({" 1", "#5"});
-    paint<TypeParam>(scene, 77, 1, {{0x80FF8000, 1, 0.3f}});
-    EXPECT_EQ(scene.pixel(0, 0), 0u);
-    for (const auto& [x, y] : {std::pair{1, 0}, {0, 1}, {1, 1}}) {
-        EXPECT_EQ(scene.pixel(x, y), 0x80804000u);
-    }
-    Scene clear({"##"});
-    paint<TypeParam>(clear, 0, 1, {{0x00FFFFFF, 1, 0}, {0x00FFFFFF, 1, 1}});
-    EXPECT_EQ(clear.pixel(0, 0), 0u) << "without alpha nothing shows";
-}
-
 TYPED_TEST(Gradients, KeepTheirOwnStops) {
     TypeParam core;
     {

@@ -44,15 +44,6 @@ TEST(GxInnerShadow, ReducesTheAngle) {
     EXPECT_EQ(dynamic_cast<GxInnerShadowProperty&>(*core.getProperty()).angle, -5.0f);
 }
 
-TEST(GxInnerShadow, WithoutShiftAndBlurOnlySoftEdgesAreShaded) {
-    Scene scene({" 1#", "5#9"});
-    paintWith<GxInnerShadow>(scene, recordOf(0, 0, 0));
-    EXPECT_EQ(shadeAt(scene, 0, 0), 0) << "not covered";
-    EXPECT_EQ(shadeAt(scene, 1, 0), 255 - 28);
-    EXPECT_EQ(shadeAt(scene, 2, 0), 0) << "covered whole";
-    EXPECT_EQ(shadeAt(scene, 0, 1), 255 - 140);
-}
-
 TEST(GxInnerShadow, ExposedBandsAreWhole) {
     // Blur 1, shift 3 down: rows 0 and 1 see nothing but background, glyph or not.
     Scene scene({"  ####", "  ####", "  ####", "  ####", "  ####", "  ####"});
@@ -66,29 +57,6 @@ TEST(GxInnerShadow, ExposedBandsAreWhole) {
     EXPECT_EQ(shadeAt(scene, 4, 2), (100 + 1) * 255 / 102);
     EXPECT_EQ(shadeAt(scene, 4, 3), 1 * 255 / 102);
     EXPECT_EQ(shadeAt(scene, 4, 4), 0);
-}
-
-TEST(GxInnerShadow, AShiftPastTheBoxShadesTheGlyphsByCoverage) {
-    struct Case {
-        float angle, distance;
-        bool whole;
-    };
-    // Box 4 x 4, blur 1. Whole from: shift - 1 >= 4 to the right or down, shift + 1 < -4 otherwise.
-    for (const Case& c : std::vector<Case>{{180, 5, true},
-                                           {180, 4, false},
-                                           {90, 5, true},
-                                           {90, 4, false},
-                                           {0, 6, true},
-                                           {0, 5, false},
-                                           {270, 6, true},
-                                           {270, 5, false}}) {
-        Scene scene({"4  4", "    ", "    ", "4  4"});
-        paintWith<GxInnerShadow>(scene, recordOf(c.angle, c.distance, 1));
-        if (c.whole) {
-            EXPECT_EQ(shadeAt(scene, 0, 0), 112);
-        }
-        EXPECT_EQ(shadeAt(scene, 1, 1), c.whole ? 0 : 255) << c.angle << " " << c.distance;
-    }
 }
 
 // The literal passes: padded mask, horizontal blur of the inverse coverage, 255 bands, column

@@ -67,20 +67,6 @@ TEST(GxOuterShadow, MarginsPerSide) {
     }
 }
 
-TEST(GxOuterShadow, WithoutBlurItIsTheShiftedMask) {
-    Scene scene({"#4", " 9"}, 3);
-    paintWith<GxOuterShadow>(scene, recordOf(180, 2, -3, 0xFF804020));
-    for (int y = 0; y < 8; ++y) {
-        for (int x = 0; x < 8; ++x) {
-            const uint32_t m = scene.coverageInBox(x - 3 - 2, y - 3);
-            const auto scaled = [&](uint32_t c) { return ((c + 1) * m) >> 8; };
-            EXPECT_EQ(scene.pixel(x, y),
-                      scaled(255) << 24 | scaled(0x80) << 16 | scaled(0x40) << 8 | scaled(0x20))
-                << x << " " << y;
-        }
-    }
-}
-
 TEST(GxOuterShadow, OnePixelSpreadsByTheWeights) {
     Scene scene({"#"}, 3);
     paintWith<GxOuterShadow>(scene, recordOf(0, 0, 2));
@@ -93,26 +79,6 @@ TEST(GxOuterShadow, OnePixelSpreadsByTheWeights) {
             const int value = std::abs(x) > 2 ? 0 : weights[std::abs(x)] * column / 166;
             EXPECT_EQ(scene.pixel(3 + x, 3 + y), static_cast<uint32_t>(value) * 0x01010101u);
         }
-    }
-}
-
-TEST(GxOuterShadow, BesideTheLayerNothingIsDrawn) {
-    struct Case {
-        float angle;
-        float distance;  // in a 20 x 20 layer, box (8, 8) to (12, 12), blur 2
-        bool visible;
-    };
-    for (const Case& c : std::vector<Case>{{180, 13, true},
-                                           {180, 14, false},
-                                           {0, 13, true},
-                                           {0, 14, false},
-                                           {90, 14, false},
-                                           {270, 14, false}}) {
-        Scene scene({"####", "####", "####", "####"}, 8);
-        const GxBitmap before(scene.layer);
-        paintWith<GxOuterShadow>(scene, recordOf(c.angle, c.distance, 2));
-        EXPECT_EQ(!difference(before, scene.layer).empty(), c.visible)
-            << c.angle << " " << c.distance;
     }
 }
 
@@ -152,7 +118,7 @@ TEST(GxOuterShadow, EqualsItsDefinition) {
         Scene scene = gxtest::randomScene(random, 15);
         const auto record =
             recordOf(static_cast<float>(random.between(-400, 400)),
-                     static_cast<float>(random.between(0, 90)) * 0.1f,
+                     static_cast<float>(random.between(0, random.oneIn(4) ? 300 : 90)) * 0.1f,
                      static_cast<float>(random.between(-10, 60)) * 0.1f, random.word());
         // Away from halves the shift is that of any arithmetic.
         const double angle = record.angle * 3.14159 / 180.0;

@@ -31,32 +31,6 @@ void paint(Scene& scene, GxBitmap& picture, float scale, float opacity, uint32_t
     gxtest::paintWith<GxPattern>(scene, record, mode);
 }
 
-// What the weights leave of a byte.
-uint32_t dimmed(uint32_t color) {
-    uint32_t result = 0;
-    for (int shift = 0; shift < 32; shift += 8) {
-        result |= ((color >> shift & 255) * 65025 >> 16) << shift;
-    }
-    return result;
-}
-
-TEST(GxPattern, CopiesAtScaleOneFromTheBoxCornerOn) {
-    const std::vector<uint32_t> colors = {0xFFFF0000, 0xFF00FF00, 0xFF0000FF,
-                                          0xC0FFFFFF, 0xFF102030, 0x01000000};
-    GxBitmap picture = pictureOf(3, 2, colors);
-    Scene scene({"#####", "#3 ##", "#####"}, 2);
-    paint(scene, picture, 1, 1);
-    for (int y = 0; y < 3; ++y) {
-        for (int x = 0; x < 5; ++x) {
-            const uint32_t expected =
-                x == 2 && y == 1 ? 0 : premultiplied(dimmed(colors[y % 2 * 3 + x % 3]));
-            EXPECT_EQ(scene.pixel(x + 2, y + 2), expected) << x << " " << y;
-        }
-    }
-    EXPECT_EQ(premultiplied(dimmed(0xFFFFFFFF)), 0xFDFBFBFB) << "253, scaled by an alpha of 253";
-    EXPECT_EQ(scene.pixel(1, 2), 0u);
-}
-
 TEST(GxPattern, Scales) {
     GxBitmap picture = pictureOf(2, 1, {0xFF000000, 0xFFFF0000});
     // Red of output pixel x, weights in 255ths: at scale 2 half-way pixels lie between.
@@ -109,15 +83,6 @@ TEST(GxPattern, OddPicturesDrawNothing) {
     core.setProperty(&record);
     auto param = small.param();
     core.doPostProcessing(&param);
-}
-
-TEST(GxPattern, TilesThatScaleToNothingHoldTheLastPixel) {
-    GxBitmap picture = pictureOf(1, 1, {0xFF336699});
-    Scene scene({"#####", "#####"});
-    paint(scene, picture, 0.5f, 1);
-    for (int x = 0; x < 5; ++x) {
-        EXPECT_EQ(scene.pixel(x, 1), premultiplied(dimmed(0xFF336699))) << x;
-    }
 }
 
 TEST(GxPattern, KeepsItsOwnPicture) {

@@ -93,19 +93,6 @@ void paint(Scene& scene, float size, uint32_t color, int position, uint32_t mode
     gxtest::paintWith<GxStroke>(scene, record, mode, both);
 }
 
-TEST(GxStroke, OnePixelGrowsIntoTheDisc) {
-    Scene scene({"#"}, 4);
-    paint(scene, 2, 0xFFFFFFFF, GxStrokeProperty::kOutside);
-    const Kernel kernel(2);
-    for (int y = -4; y <= 4; ++y) {
-        for (int x = -4; x <= 4; ++x) {
-            const bool inside = std::abs(x) <= 2 && std::abs(y) <= 2;
-            const uint32_t k = inside ? static_cast<uint32_t>(kernel.at(y + 2, x + 2)) : 0;
-            EXPECT_EQ(scene.pixel(4 + x, 4 + y), k * 0x01010101u) << x << " " << y;
-        }
-    }
-}
-
 TEST(GxStroke, InsideAFullBoxOnlyTheFrameSpreads) {
     Scene scene(std::vector<std::string>(9, "#########"));
     paint(scene, 2, 0xFFFFFFFF, GxStrokeProperty::kInside);
@@ -118,31 +105,6 @@ TEST(GxStroke, InsideAFullBoxOnlyTheFrameSpreads) {
     paint(empty, 1, 0xFFFFFFFF, 5);
     EXPECT_EQ(empty.pixel(1, 1), 0xFFFFFFFFu) << "an empty box is all frame";
     EXPECT_EQ(empty.pixel(4, 4), 0u);
-}
-
-TEST(GxStroke, NothingWithoutWidth) {
-    for (float size : {0.0f, -1.0f, -3.0f, -1e9f}) {
-        for (int position : {0, 1, 2}) {
-            Scene scene({"#4", " #"}, 2);
-            paint(scene, size, 0xFFFFFFFF, position);
-            EXPECT_EQ(scene.pixel(2, 2), 0u) << size << " " << position;
-        }
-    }
-}
-
-TEST(GxStroke, ACentredStrokeLiesOnTopInSingleLayerMode) {
-    for (uint32_t mode : {0u, 1u}) {
-        for (int position : {0, 1, 2}) {
-            Scene scene({" # "});
-            for (GxBitmap* layer : {&scene.layer, &scene.other}) {
-                for (int i = 0; i < 3; ++i) std::memcpy(layer->data + i * 4, "\x0A\x14\x1E\xFF", 4);
-            }
-            paint(scene, 2, 0xFF405060, position, mode, true);
-            const bool onTop = mode == 0 && position == 0;
-            EXPECT_EQ(scene.pixel(0, 0), onTop ? 0xFF405060u : 0xFF0A141Eu) << mode << position;
-            EXPECT_EQ(difference(scene.layer, scene.other), "") << "both layers get the band";
-        }
-    }
 }
 
 // The band from its definition: each output cell is the maximum over the pixels that reach it.
@@ -197,7 +159,7 @@ TEST(GxStroke, EqualsItsDefinition) {
     GX_TRACE_SEED(random);
     for (int run = 0; run < 250; ++run) {
         Scene scene = gxtest::randomScene(random, 17);
-        const float size = static_cast<float>(random.between(0, 60)) * 0.1f;
+        const float size = static_cast<float>(random.between(-20, 60)) * 0.1f;
         const int position = random.between(0, 3);
         const uint32_t mode = random.between(0, 1);
         const uint32_t color = random.word() | (random.oneIn(2) ? 0xFF000000u : 0);
