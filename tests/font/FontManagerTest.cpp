@@ -151,13 +151,6 @@ TEST_F(FontManagerTest, EveryOperationNeedsConstruct) {
     gxtest::expectNativeError("GxFontManager", 4, [&] { EXPECT_FALSE(manager.Construct()); });
 }
 
-TEST_F(FontManagerTest, TheInstanceIsOneAndReady) {
-    FontManager& instance = FontManager::GetInstance();
-    EXPECT_EQ(&instance, &FontManager::GetInstance());
-    EXPECT_TRUE(instance.AddMinikinFont(sans.c_str(), nullptr, 0, 0, true));
-    EXPECT_TRUE(instance.IsExisting(sans.c_str(), 0));
-}
-
 TEST_F(FontManagerTest, SaysGoodbye) {
     const gxtest::LogCapture log;
     char expected[64];

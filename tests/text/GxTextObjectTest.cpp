@@ -122,18 +122,6 @@ TEST(GxTextObject, NullArgumentsAreError7) {
     }
 }
 
-TEST(GxTextObject, StyleBitsAreIndependent) {
-    GxTextObject text;
-    ASSERT_TRUE(text.Construct());
-    for (bool bold : {true, false}) {
-        for (bool italic : {true, false}) {
-            EXPECT_TRUE(text.SetTextStyle(bold, italic));
-            EXPECT_EQ(text.isBoldTextStyle(), bold);
-            EXPECT_EQ(text.isItalicTextStyle(), italic);
-        }
-    }
-}
-
 // --- text and the families of its scripts
 // -----------------------------------------------------------------------
 
@@ -183,19 +171,15 @@ TEST_F(GxTextObjectText, ScriptsDecideWhichFamiliesAreLoaded) {
         {L"\x1F600", ""},                 // emoji are common
         {L"\x20000", "zh-Hans zh-Hant"},  // a surrogate pair is one Han character
         {L"", ""},
+        // Lone surrogates, which GxString passes through to UTF-16, are common.
+        {L"\xD840", ""},
+        {L"\xDC00\x0E44", "und-Thai"},
+        {L"\x0E44\xD840", "und-Thai"},
+        {L"\xD840\xDC00", "zh-Hans zh-Hant"},  // together they are U+20000
     };
     for (const auto& [string, loaded] : cases) {
         EXPECT_EQ(loadedBy(string), loaded) << testing::PrintToString(std::wstring(string));
     }
-}
-
-TEST_F(GxTextObjectText, LoneSurrogatesCountAsCommon) {
-    // GxString passes surrogate values through to UTF-16.
-    EXPECT_EQ(loadedBy(L"\xD840"), "");
-    EXPECT_EQ(loadedBy(L"\xDC00\x0E44"), "und-Thai");
-    EXPECT_EQ(loadedBy(L"\x0E44\xD840"), "und-Thai");
-    const wchar_t pair[] = {0xD840, 0xDC00, 0};  // together they are U+20000
-    EXPECT_EQ(loadedBy(pair), "zh-Hans zh-Hant");
 }
 
 TEST_F(GxTextObjectText, NullDropsTheText) {

@@ -8,15 +8,6 @@
 namespace GxFontEffect {
 namespace {
 
-TEST(GxView, StartsEmptyWithoutGravity) {
-    const GxView view;
-    EXPECT_EQ(view.GetWidth(), 0);
-    EXPECT_EQ(view.GetBitmapHeight(), 0);
-    EXPECT_EQ(view.gravity, 0xFFFFFFFFu);
-    EXPECT_EQ(view.lineLimit, 0);
-    EXPECT_EQ(view.maxLines, 0);
-}
-
 TEST(GxView, NegativeSizesAreRefusedWithALogLine) {
     GxView view;
     EXPECT_TRUE(view.SetSize(3, 0));
@@ -36,15 +27,6 @@ TEST(GxView, NegativeSizesAreRefusedWithALogLine) {
                                      "SetBitmapHeight() - height[-2147483648] is invalid"));
     EXPECT_EQ(log.lines()[0].priority, 6);
     EXPECT_EQ(log.lines()[0].tag, "GxView");
-}
-
-TEST(GxView, AnyPaddingIsStored) {
-    GxView view;
-    EXPECT_TRUE(view.SetPadding(-1, 2, INT32_MAX, 0));
-    EXPECT_EQ(view.paddingLeft, -1);
-    EXPECT_EQ(view.paddingTop, 2);
-    EXPECT_EQ(view.paddingRight, INT32_MAX);
-    EXPECT_EQ(view.paddingBottom, 0);
 }
 
 }  // namespace

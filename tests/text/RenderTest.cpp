@@ -54,23 +54,6 @@ TEST_F(Render, InkIsTheTextColourAndStaysOnItsLine) {
     }
 }
 
-TEST_F(Render, SameInputSameBytes) {
-    setLines({L"fi \x0645\x0631\x062D\x0628\x0627 \x4E2D"});
-    const Image first = render(300, 80);
-    GxLineInfo& record = line(0);
-    record.rect = GxRect();
-    EXPECT_EQ(render(300, 80), first);
-    EXPECT_GT(coverage(first), 0);
-}
-
-TEST_F(Render, LinesAreDrawnAtTheirBaselines) {
-    setLines({L"H\n", L"H"});
-    const Image image = render(80, 140);
-    EXPECT_NE(at(image, 6, 45) >> 24, 0u);
-    EXPECT_NE(at(image, 6, 105) >> 24, 0u);
-    for (int x = 0; x < 80; ++x) EXPECT_EQ(at(image, x, 62) >> 24, 0u) << "between the lines";
-}
-
 TEST_F(Render, TextAlphaFadesEverything) {
     setLines({L"H"});
     const Image opaque = render(60, 60);
@@ -84,16 +67,6 @@ TEST_F(Render, TextAlphaFadesEverything) {
     }
     text.SetTextColor(0x00203040);
     EXPECT_EQ(coverage(render(60, 60)), 0);
-}
-
-TEST_F(Render, TwoLayerModeDrawsTheSamePlainText) {
-    setLines({L"Round"});
-    const Image single = render(200, 70);
-    text.GetEffect()->setTextOpacity(0.5f);
-    const Image mixed = render(200, 70);
-    for (size_t i = 0; i < single.pixels.size(); ++i) {
-        ASSERT_EQ(single.pixels[i] >> 24, mixed.pixels[i] >> 24) << i;
-    }
 }
 
 TEST_F(Render, PaddingClipsAllSidesButTheOneOfTheGravity) {
@@ -172,26 +145,12 @@ TEST_F(Render, TextBlendsOverTheBackground) {
     EXPECT_EQ(pixel, 0xC0FF5555u);
 }
 
-TEST_F(Render, RightToLeftLines) {
-    setLines({L"\x05E9\x05DC\x05D5\x05DD"}, -1);
-    const GxRect ink = inkOf(render(200, 80));
-    EXPECT_GE(ink.left, 4);
-    EXPECT_GT(ink.right, 60);
-}
-
 TEST_F(Render, ALineAfterABreakIsShapedInItsParagraph) {
     // The second line starts inside an Arabic word: its first letter joins to the one before it.
     setLines({L"\x0645\x0628", L"\x0628\x0645"}, -1);
     const long joined = coverage(render(200, 140));
     setLines({L"\x0645\x0628\n", L"\x0628\x0645"}, -1);
     EXPECT_NE(coverage(render(200, 140)), joined);
-}
-
-TEST_F(Render, SpacesHaveAnAdvanceAndNoInk) {
-    setLines({L"   "});
-    text.SetBackgroundColor(0xFFFFFFFF, true);
-    EXPECT_GT(opaquePixels(render(200, 80)), 0);
-    EXPECT_GT(line(0).rect.right, line(0).rect.left + 20);
 }
 
 TEST_F(Render, ItalicAndBoldAreFakedWhenTheFontHasNone) {
