@@ -119,24 +119,11 @@ TEST(FontFamilyTest, CoverageAndSequencesFollowTheCmap) {
     EXPECT_FALSE(emoji->hasGlyph('A', 0xFE0F));
 }
 
-TEST(FontFamilyTest, LocalesVariantAndFlags) {
-    const uint32_t emojiList = minikin::registerLocaleList("und-Zsye");
-    const auto emoji =
-        makeFamily(loadFont(gxtest::kNotoColorEmoji), emojiList, FamilyVariant::ELEGANT, true);
-    EXPECT_TRUE(emoji->isColorEmojiFamily());
-    EXPECT_TRUE(emoji->isCustomFallback());
-    EXPECT_EQ(emoji->localeListId(), emojiList);
-    EXPECT_EQ(emoji->variant(), FamilyVariant::ELEGANT);
-
-    std::vector<Font> fonts;
-    fonts.push_back(styled(400, Slant::UPRIGHT));
-    const FontFamily plain(FamilyVariant::COMPACT, std::move(fonts));
-    EXPECT_EQ(plain.variant(), FamilyVariant::COMPACT);
-    EXPECT_EQ(plain.localeListId(), 0u);
-    EXPECT_FALSE(plain.isColorEmojiFamily());
-    EXPECT_FALSE(plain.isCustomFallback());
-    EXPECT_EQ(plain.getNumFonts(), 1u);
-    EXPECT_EQ(plain.getFont(1), nullptr);
+TEST(FontFamilyTest, TheLocaleTellsColorEmoji) {
+    const auto font = loadFont(gxtest::kNotoColorEmoji);
+    EXPECT_TRUE(makeFamily(font, minikin::registerLocaleList("und-Zsye"))->isColorEmojiFamily());
+    EXPECT_FALSE(makeFamily(font)->isColorEmojiFamily());
+    EXPECT_EQ(makeFamily(font)->getFont(1), nullptr);
 }
 
 TEST(FontFamilyTest, NoFontsAndNullFontsCoverNothing) {

@@ -15,22 +15,6 @@ using android::MinikinUtils;
 using android::Paint;
 using minikin::FontFakery;
 
-TEST(PaintTest, Defaults) {
-    const Paint paint;
-    EXPECT_EQ(static_cast<const SkPaint&>(paint), SkPaint());
-    SkFont font;
-    font.setEdging(SkFont::Edging::kAlias);
-    EXPECT_EQ(paint.getSkFont(), font);
-    EXPECT_EQ(paint.getLetterSpacing(), 0);
-    EXPECT_EQ(paint.getWordSpacing(), 0);
-    EXPECT_EQ(paint.getFontFeatureSettings(), "");
-    EXPECT_EQ(paint.getMinikinLocaleListId(), 0u);
-    EXPECT_EQ(paint.getFamilyVariant(), minikin::FamilyVariant::DEFAULT);
-    EXPECT_EQ(paint.getTextAlign(), Paint::kLeft_Align);
-    EXPECT_EQ(paint.getAndroidTypeface(), nullptr);
-    EXPECT_EQ(paint.getJavaFlags(), 0u);
-}
-
 TEST(PaintTest, EachJavaFlagDrivesItsSetting) {
     const struct {
         uint32_t flag;
@@ -134,17 +118,8 @@ TEST(MinikinFontSkiaTest, PopulateAddsFakeryToWhatIsSet) {
     EXPECT_EQ(skFont.getTypeface(), nullptr);
 }
 
-TEST(MinikinFontSkiaTest, ReportsItsFile) {
-    const std::vector<char>& bytes = gxtest::fontBytes(gxtest::kNotoSans);
-    const auto font = gxtest::makeFont(bytes.data(), bytes.size(), 0, "some/path.ttf");
-    const auto* skia = static_cast<const MinikinFontSkia*>(font.get());
-    EXPECT_EQ(font->GetFontData(), bytes.data());
-    EXPECT_EQ(font->GetFontSize(), bytes.size());
-    EXPECT_EQ(font->GetFontIndex(), 0);
-    EXPECT_EQ(static_cast<uint32_t>(font->GetUniqueId()), skia->RefSkTypeface()->uniqueID());
-    EXPECT_EQ(skia->getFilePath(), "some/path.ttf");
-    EXPECT_TRUE(font->GetAxes().empty());
-
+TEST(MinikinFontSkiaTest, ExtentFollowsTheSize) {
+    const auto font = gxtest::loadFont(gxtest::kNotoSans);
     minikin::MinikinPaint paint(nullptr);
     paint.size = 100;
     paint.scaleX = 1;
