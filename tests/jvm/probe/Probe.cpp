@@ -83,19 +83,19 @@ std::nullptr_t outOfMemory(JNIEnv* env) {
     return nullptr;
 }
 
+std::string utf8Of(JNIEnv* env, jstring string) {
+    const char* chars = real->GetStringUTFChars(env, string, nullptr);
+    std::string text = chars ? chars : "";
+    if (chars) real->ReleaseStringUTFChars(env, string, chars);
+    return text;
+}
+
 jint JNICALL registerNatives(JNIEnv* env, jclass type, const JNINativeMethod* methods, jint count) {
     jclass classClass = env->GetObjectClass(type);
     jmethodID getName = real->GetMethodID(env, classClass, "getName", "()Ljava/lang/String;");
     auto name = static_cast<jstring>(env->CallObjectMethod(type, getName));
     if (env->ExceptionCheck()) return JNI_ERR;
-    const char* chars = real->GetStringUTFChars(env, name, nullptr);
-    std::string line = chars;
-    real->ReleaseStringUTFChars(env, name, chars);
-    line += ":";
-    for (jint i = 0; i < count; i++) {
-        line += std::string(" ") + methods[i].name + methods[i].signature;
-    }
-    registrations.push_back(line);
+    registrations.push_back(utf8Of(env, name));
     return real->RegisterNatives(env, type, methods, count);
 }
 
@@ -149,13 +149,6 @@ GX_HOOK_ELEMENTS(Float, jfloat)
 GX_HOOK_ELEMENTS(Byte, jbyte)
 
 // --- Java values ---
-
-std::string utf8Of(JNIEnv* env, jstring string) {
-    const char* chars = real->GetStringUTFChars(env, string, nullptr);
-    std::string text = chars ? chars : "";
-    if (chars) real->ReleaseStringUTFChars(env, string, chars);
-    return text;
-}
 
 jobjectArray toJava(JNIEnv* env, const std::vector<std::string>& texts) {
     jclass stringClass = real->FindClass(env, "java/lang/String");

@@ -24,7 +24,7 @@ final class Probe {
     /** This many strings were freed in another way than by giving them back. */
     static native void settle(int strings);
 
-    /** One line for each RegisterNatives. */
+    /** The class of each RegisterNatives. */
     static native String[] registrations();
 
     /** Loads the library once more, as for another class loader; the version that it answers. */
