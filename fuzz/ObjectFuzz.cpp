@@ -99,7 +99,7 @@ void setLines(FuzzedDataProvider& input, GxTextObject& object) {
 // Effects reach at most this far here, so that pictures stay small.
 float chooseReach(FuzzedDataProvider& input) {
     const float reach = chooseFactor(input);
-    return reach < 20 ? reach : 20;
+    return reach < 12 ? reach : 12;
 }
 
 void addEffect(FuzzedDataProvider& input, GxEffect& effect) {
@@ -200,8 +200,11 @@ void render(FuzzedDataProvider& input, GxTextObject& object) {
 void setPaint(FuzzedDataProvider& input, GxTextObject& object) {
     android::Paint paint = choosePaint(input);
     SkFont& font = paint.getSkFont();
-    // A line of 4,000 pixels is a mask of hundreds of megabytes: seldom.
-    if (font.getSize() > 64 && input.ConsumeIntegral<uint8_t>() != 1) font.setSize(64);
+    // Masks grow with the square of the size, 4,000 pixels make one of hundreds of megabytes: seldom.
+    if (font.getSize() > 16) {
+        const auto chance = input.ConsumeIntegral<uint8_t>();
+        if (chance != 1) font.setSize(std::min(font.getSize(), chance < 16 ? 64.0f : 16.0f));
+    }
     if (std::fabs(font.getScaleX()) > 2) font.setScaleX(2);
     if (std::fabs(paint.getLetterSpacing()) > 2) paint.setLetterSpacing(1);
     object.SetPaint(paint);
