@@ -200,10 +200,11 @@ void render(FuzzedDataProvider& input, GxTextObject& object) {
 void setPaint(FuzzedDataProvider& input, GxTextObject& object) {
     android::Paint paint = choosePaint(input);
     SkFont& font = paint.getSkFont();
-    // Masks grow with the square of the size, 4,000 pixels make one of hundreds of megabytes: seldom.
+    // Masks grow with the square of the size, 1,000 pixels make one of 24 megabytes: seldom.
     if (font.getSize() > 16) {
         const auto chance = input.ConsumeIntegral<uint8_t>();
-        if (chance != 1) font.setSize(std::min(font.getSize(), chance < 16 ? 64.0f : 16.0f));
+        const float largest = chance == 1 ? 1000.0f : chance < 16 ? 64.0f : 16.0f;
+        font.setSize(std::min(font.getSize(), largest));
     }
     if (std::fabs(font.getScaleX()) > 2) font.setScaleX(2);
     if (std::fabs(paint.getLetterSpacing()) > 2) paint.setLetterSpacing(1);
