@@ -226,7 +226,7 @@ TEST(GxEffect, NothingIsPaintedWithoutGlyphsInside) {
 TEST(GxEffect, CompositeEqualsItsFormulas) {
     gxtest::Random random(21);
     GX_TRACE_SEED(random);
-    for (uint32_t t : {1u, 77u, 128u, 254u, 255u}) {
+    for (uint32_t t : {0u, 1u, 77u, 128u, 254u, 255u}) {
         GxEffect stack;
         stack.addText(t << 24);
         stack.initEffect(64, 16);

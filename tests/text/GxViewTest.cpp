@@ -8,6 +8,13 @@
 namespace GxFontEffect {
 namespace {
 
+TEST(GxView, StartsEmptyWithoutGravity) {
+    const GxView view;
+    EXPECT_EQ(view.GetWidth(), 0);
+    EXPECT_EQ(view.GetBitmapHeight(), 0);
+    EXPECT_EQ(view.gravity, 0xFFFFFFFFu) << "none of the values, which places lines as fill does";
+}
+
 TEST(GxView, NegativeSizesAreRefusedWithALogLine) {
     GxView view;
     EXPECT_TRUE(view.SetSize(3, 0));
