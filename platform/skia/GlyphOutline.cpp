@@ -47,21 +47,41 @@ void fillGrey(FT_Library library, FT_Outline* outline, const SkIRect& window, ui
     getBitmap(library, outline, bitmap);
 }
 
-void fillBinary(FT_Library library, FT_Outline* outline, const SkIRect& window, uint8_t* out) {
-    const unsigned width = static_cast<unsigned>(window.fRight - window.fLeft);
-    const unsigned height = static_cast<unsigned>(window.fBottom - window.fTop);
-    const unsigned pitch = (width + 7) / 8;
-    std::vector<uint8_t> bits(static_cast<size_t>(pitch) * height);
+// FreeType's rasteriser of whole pixels counts rows and columns in 16 bits: with 32,768 or 65,535
+// of them it never ends.
+constexpr int kMaxBinarySide = 1 << 14;
+
+void fillBinaryPart(FT_Library library, FT_Outline* outline, int width, int height, uint8_t* out,
+                    ptrdiff_t stride) {
+    const int pitch = (width + 7) / 8;
+    std::vector<uint8_t> bits(static_cast<size_t>(pitch) * static_cast<size_t>(height));
     FT_Bitmap bitmap = {};
-    bitmap.width = width;
-    bitmap.rows = height;
-    bitmap.pitch = static_cast<int>(pitch);
+    bitmap.width = static_cast<unsigned>(width);
+    bitmap.rows = static_cast<unsigned>(height);
+    bitmap.pitch = pitch;
     bitmap.buffer = bits.data();
     bitmap.pixel_mode = FT_PIXEL_MODE_MONO;
     if (!getBitmap(library, outline, bitmap)) return;
     const uint8_t* row = bits.data();
-    for (unsigned y = 0; y < height; ++y, row += pitch) {
-        for (unsigned x = 0; x < width; ++x) *out++ = (row[x >> 3] >> (7 - (x & 7)) & 1) * 255;
+    for (int y = 0; y < height; ++y, row += pitch, out += stride) {
+        for (int x = 0; x < width; ++x) out[x] = (row[x >> 3] >> (7 - (x & 7)) & 1) * 255;
+    }
+}
+
+void fillBinary(FT_Library library, FT_Outline* outline, const SkIRect& window, uint8_t* out) {
+    const int width = window.fRight - window.fLeft;
+    const int height = window.fBottom - window.fTop;
+    for (int y = 0; y < height; y += kMaxBinarySide) {
+        for (int x = 0; x < width; x += kMaxBinarySide) {
+            const int columns = std::min(width - x, kMaxBinarySide);
+            const int rows = std::min(height - y, kMaxBinarySide);
+            // The part's lower left corner, which the outline is placed by.
+            const FT_Pos left = FT_Pos{x} * 64;
+            const FT_Pos bottom = FT_Pos{height - y - rows} * 64;
+            FT_Outline_Translate(outline, -left, -bottom);
+            fillBinaryPart(library, outline, columns, rows, out + ptrdiff_t{y} * width + x, width);
+            FT_Outline_Translate(outline, left, bottom);
+        }
     }
 }
 

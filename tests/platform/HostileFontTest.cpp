@@ -205,6 +205,23 @@ TEST_P(HostileFontTest, GetsAnAnswerSoon) {
 INSTANTIATE_TEST_SUITE_P(Fonts, HostileFontTest, testing::ValuesIn(kHostileFonts),
                          [](const auto& info) { return std::to_string(info.index); });
 
+TEST(HostileSizeTest, GlyphsOfTensOfThousandsOfPixelsFillTheirMask) {
+    SyntheticFont made;
+    const uint16_t glyph = moveEm(made, 16);  // 1,000 em wide and high
+    const Bytes bytes = made.build();
+    SkFont font(makeTypeface(bytes), 200);
+    for (const auto edging : {SkFont::Edging::kAlias, SkFont::Edging::kAntiAlias}) {
+        font.setEdging(edging);
+        for (const int length : {32767, 32768, 65535, 70000}) {
+            for (const bool wide : {true, false}) {
+                MaskCanvas mask(wide ? length : 8, wide ? 8 : length);
+                mask.draw(font, {{glyph, 0, 4}});
+                EXPECT_EQ(std::count(mask.pixels.begin(), mask.pixels.end(), 255), 8 * length);
+            }
+        }
+    }
+}
+
 TEST(HostilePictureTest, PicturesSqueezedAndLeaningAreDrawnSoon) {
     SyntheticFont made;
     const uint16_t glyph = addBox(made);
