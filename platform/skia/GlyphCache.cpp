@@ -12,11 +12,6 @@ namespace portable {
 
 namespace {
 
-size_t pixelCount(const SkIRect& box) {
-    return static_cast<size_t>(box.fRight - box.fLeft) *
-           static_cast<size_t>(box.fBottom - box.fTop);
-}
-
 // Source is a GlyphScaler with the glyph loaded or a GlyphOutline.
 template <typename Source>
 std::shared_ptr<const GlyphMask> makeMask(Source& source, unsigned phase, unsigned gammaLevel) {

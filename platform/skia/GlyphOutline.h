@@ -21,6 +21,11 @@ enum class MaskKind : uint8_t {
 
 // Around the control points, in FreeType's units. False for an outline without contours.
 bool outlineBox(const FT_Outline& outline, FT_BBox* box);
+// Of a box that is not inverted.
+inline size_t pixelCount(const SkIRect& box) {
+    return static_cast<size_t>(box.fRight - box.fLeft) *
+           static_cast<size_t>(box.fBottom - box.fTop);
+}
 // The whole pixels that hold the box; all 0 when it has no area.
 SkIRect placeBox(const FT_BBox& box, const GlyphPlacement& placement);
 

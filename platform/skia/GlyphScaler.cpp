@@ -37,11 +37,6 @@ void makeBinary(uint8_t* coverage, size_t count) {
                    [](uint8_t c) -> uint8_t { return c < 128 ? 0 : 255; });
 }
 
-size_t pixelCount(const SkIRect& window) {
-    return static_cast<size_t>(window.fRight - window.fLeft) *
-           static_cast<size_t>(window.fBottom - window.fTop);
-}
-
 // Running out of memory must not be taken for a glyph that the font does not have.
 bool succeeded(FT_Error error) {
     if (FT_ERROR_BASE(error) == FT_Err_Out_Of_Memory) throw std::bad_alloc();

@@ -179,8 +179,7 @@ void TextPainter::paintOutline(GlyphScaler& scaler, SkGlyphID glyph,
 void TextPainter::paintPart(GlyphScaler& scaler, const GlyphPlacement& placement, bool gamma) {
     SkIRect window = scaler.bounds(placement);
     if (window.isEmpty() || !window.intersect(fClip)) return;
-    const size_t pixels = static_cast<size_t>(window.fRight - window.fLeft) *
-                          static_cast<size_t>(window.fBottom - window.fTop);
+    const size_t pixels = pixelCount(window);
     fScratch.assign(pixels + kMaskBlock, 0);
     scaler.render(placement, window, fScratch.data());
     if (gamma) applyGamma(fGammaLevel, fScratch.data(), pixels);
