@@ -49,13 +49,10 @@ public:
         text_.SetTextColor(0xFFF0C040);
         text_.SetText(kText);
         addEffects(*text_.GetEffect());
-
-        const GxEffect& effect = *text_.GetEffect();
-        width_ = kViewWidth + effect.getLeftOffset() + effect.getRightOffset();
-        height_ = kViewHeight + effect.getTopOffset() + effect.getBottomOffset();
         text_.GetView()->SetSize(kViewWidth, kViewHeight);
-        text_.GetView()->SetBitmapWidth(width_);
-        text_.GetView()->SetBitmapHeight(height_);
+        text_.FitBitmapToView();
+        width_ = text_.GetView()->GetBitmapWidth();
+        height_ = text_.GetView()->GetBitmapHeight();
     }
 
     // Before each render: it moves them.

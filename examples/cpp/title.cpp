@@ -40,10 +40,8 @@ int main(int argc, char** argv) {
     text.SetLineInfo(&lines);
 
     GxView& view = *text.GetView();
-    const GxEffect& effects = *text.GetEffect();
     view.SetSize(900, 140);
-    view.SetBitmapWidth(900 + effects.getLeftOffset() + effects.getRightOffset());
-    view.SetBitmapHeight(140 + effects.getTopOffset() + effects.getBottomOffset());
+    text.FitBitmapToView();  // room for the effects around the view
     const int width = view.GetBitmapWidth(), height = view.GetBitmapHeight();
     const uint32_t* pixels = text.RenderTextEffect(width, height);  // 0xAARRGGBB, straight alpha
     if (!pixels) return fprintf(stderr, "out of memory\n"), 1;

@@ -17,6 +17,7 @@
 #include <cstdint>
 #include <new>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "base/GxLog.h"
@@ -179,6 +180,12 @@ void GxFontDrawing::SetFontFamilyName(const char* name) {
     familyName->Set(name);
 }
 
+void GxFontDrawing::SetFontFamilies(std::vector<std::shared_ptr<minikin::FontFamily>> families,
+                                    int weight) {
+    ownFamilies = std::move(families);
+    ownWeight = weight;
+}
+
 void GxFontDrawing::ClearGlyphList() {
     for (int i = 0, count = glyphList->GetCount(); i < count; ++i) {
         deleteGlyph(static_cast<GxGlyph*>(glyphList->Get(i)));
@@ -217,19 +224,33 @@ void GxFontDrawing::DrawTextEffect(GxTextObject* text, GxBitmap* destination) {
     effect->compositeLayers(destination);
 }
 
-bool GxFontDrawing::drawLines(GxTextObject* text, GxEffect* effect) {
-    std::vector<std::shared_ptr<minikin::FontFamily>> families;
-    int weight = kDefaultWeight;
+bool GxFontDrawing::collectFamilies(std::vector<std::shared_ptr<minikin::FontFamily>>& families,
+                                    int& weight) const {
+    if (HasFontFamilies()) {
+        families = ownFamilies;
+        weight = ownWeight;
+        return true;
+    }
+    weight = kDefaultWeight;
     if (!FontManager::GetInstance().GetMinikinFontFamilies(familyName.get(), families,
                                                            fontPath.get(), weight)) {
         __android_log_print(ANDROID_LOG_ERROR, kTag,
-                            "DrawTextEffect(%p) - GetMinikinFontFamilies failed", this);
+                            "DrawTextEffect(%p) - GetMinikinFontFamilies failed",
+                            static_cast<const void*>(this));
         return false;
     }
     if (GxLog::IsAllLogEnable()) {
         __android_log_print(ANDROID_LOG_DEBUG, kTag, "DrawTextEffect(%p) fontPath[%s] weight=%d",
-                            this, GxLog::ConvertLog(fontPath.get()), weight);
+                            static_cast<const void*>(this), GxLog::ConvertLog(fontPath.get()),
+                            weight);
     }
+    return true;
+}
+
+bool GxFontDrawing::drawLines(GxTextObject* text, GxEffect* effect) {
+    std::vector<std::shared_ptr<minikin::FontFamily>> families;
+    int weight = kDefaultWeight;
+    if (!collectFamilies(families, weight)) return false;
     if (families.empty()) return true;  // a collection needs a family; nothing to draw with
 
     // Layouts hold pointers into the typeface's fonts: it goes last.

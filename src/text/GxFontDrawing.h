@@ -2,8 +2,13 @@
 #pragma once
 
 #include <memory>
+#include <vector>
 
 #include "GxExport.h"
+
+namespace minikin {
+class FontFamily;
+}
 
 namespace GxFontEffect {
 
@@ -26,6 +31,10 @@ public:
     // Font file of the text; null is ignored.
     void SetFontPath(const char* path);
     void SetFontFamilyName(const char* name);
+    // Families to draw with instead of the font manager's, and the weight to choose among their
+    // fonts; an empty list for the font manager's.
+    void SetFontFamilies(std::vector<std::shared_ptr<minikin::FontFamily>> families, int weight);
+    bool HasFontFamilies() const { return !ownFamilies.empty(); }
 
     // Renders the text's lines and effects into `destination`, a zero-filled 32-bit bitmap. Moves
     // each line's background box by the effect margins and sets its width to the line's advance. A
@@ -43,8 +52,13 @@ private:
     // False when nothing is to be composed.
     bool drawLines(GxTextObject* text, GxEffect* effect);
 
+    bool collectFamilies(std::vector<std::shared_ptr<minikin::FontFamily>>& families,
+                         int& weight) const;
+
     std::unique_ptr<GxString> familyName;
     std::unique_ptr<GxString> fontPath;
+    std::vector<std::shared_ptr<minikin::FontFamily>> ownFamilies;
+    int ownWeight = 0;
     std::unique_ptr<List> glyphList;  // of owned GxGlyph
 };
 

@@ -10,6 +10,8 @@
 #include <hb.h>
 #include <minikin/LocaleList.h>
 
+#include <algorithm>
+#include <cstdint>
 #include <cstdio>
 #include <exception>
 #include <mutex>
@@ -48,6 +50,9 @@ constexpr int kSiteRenderNoMemory = 270;
 constexpr int kSiteResultBitmap = 280;
 constexpr int kSiteTextNoMemory = 400;
 constexpr int kSiteFontNoMemory = 610;
+constexpr int kSiteFontFamilies = 618;
+constexpr int kSiteFitBitmap = 276;
+constexpr int kSiteFitBitmapTooLarge = 277;
 
 // The registry's way of deleting an object whose last binding was released.
 void releaseTextCallback(GxTextObject* object) {
@@ -317,6 +322,20 @@ const uint32_t* GxTextObject::RenderTextEffect(int width, int height) {
                               : nullptr;
 }
 
+bool GxTextObject::FitBitmapToView() {
+    if (!requireConstructed(kSiteFitBitmap)) return false;
+    const GxEffect& effect = *impl->effect;
+    const int64_t width =
+        int64_t{impl->view->GetWidth()} + effect.getLeftOffset() + effect.getRightOffset();
+    const int64_t height =
+        int64_t{impl->view->GetHeight()} + effect.getTopOffset() + effect.getBottomOffset();
+    if (std::max(width, height) > INT32_MAX) {
+        return ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, kSiteFitBitmapTooLarge);
+    }
+    return impl->view->SetBitmapWidth(static_cast<int>(width)) &&
+           impl->view->SetBitmapHeight(static_cast<int>(height));
+}
+
 const GxBitmap* GxTextObject::GetResultBitmap() const {
     return requireConstructed(kSiteResultBitmap) ? impl->resultBitmap.get() : nullptr;
 }
@@ -362,6 +381,7 @@ bool GxTextObject::storeText(const Text* text) {
             impl->text = std::move(fresh);
         }
         if (!impl->text->Set(text)) return false;
+        if (impl->fontDrawing && impl->fontDrawing->HasFontFamilies()) return true;
         SetTextLocaleListId();
         return true;
     });
@@ -428,6 +448,15 @@ bool GxTextObject::useFont(const char* path, char* data, unsigned size) {
         GxFontDrawing& drawing = fontDrawing();
         if (!FontManager::GetInstance().AddMinikinFont(path, data, size, 0, true)) return false;
         drawing.SetFontPath(path);
+        return true;
+    });
+}
+
+bool GxTextObject::SetFontFamilies(std::vector<std::shared_ptr<minikin::FontFamily>> families,
+                                   int weight) {
+    if (!requireConstructed(kSiteFontFamilies)) return false;
+    return withoutThrowing(kSiteFontNoMemory, [&] {
+        fontDrawing().SetFontFamilies(std::move(families), weight);
         return true;
     });
 }

@@ -5,8 +5,13 @@
 
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 #include "GxExport.h"
+
+namespace minikin {
+class FontFamily;
+}
 
 namespace GxFontEffect {
 
@@ -25,7 +30,10 @@ class List;
 //   text.SetFont("/fonts/Title.ttf");
 //   text.SetText(L"Hello");
 //   text.SetLineInfo(&lines);                        // List of new GxLineInfo, one per line
-//   const uint32_t* argb = text.RenderTextEffect(width, height);
+//   text.GetView()->SetSize(900, 140);
+//   text.FitBitmapToView();
+//   const uint32_t* argb = text.RenderTextEffect(text.GetView()->GetBitmapWidth(),
+//                                                text.GetView()->GetBitmapHeight());
 //
 // Built in two steps: the constructor cannot fail, Construct() can. Every operation on an
 // unconstructed object logs, records error 8 and returns false, null, -1 or what is said at the
@@ -48,6 +56,12 @@ public:
     // bitmap size. Without a font drawing (error 8), for sizes below 0 and when memory runs out the
     // previous frame's pixels are returned, null if there are none.
     const uint32_t* RenderTextEffect(int width, int height);
+
+    // Sizes the view's bitmap (GxView::GetBitmapWidth and -Height) to the view and the margins of
+    // the effects: what a render needs so that no effect is cut. Wanted after every change of the
+    // view's size or of the effects. False with error 7, and nothing stored, when a side exceeds
+    // 2^31 - 1.
+    bool FitBitmapToView();
 
     // The image of the last render that succeeded, owned by the object like its pixels; null when
     // there was none.
@@ -75,6 +89,11 @@ public:
     // Font bytes under the name `path`. `data` is an array made with new[] and passes to the font
     // manager whatever the outcome, but for a null path (error 7) and an unconstructed object.
     bool SetFont(const char* path, char* data, unsigned size);
+    // Lays out with these families alone, in order of preference, the first of them first; the
+    // process's families and a font set above do not take part, and SetText loads none. `weight`
+    // (1-1000) chooses among the fonts of a family, as italic does (SetTextStyle). The families are
+    // shared: objects on other threads may use them too. An empty list goes back to the process's.
+    bool SetFontFamilies(std::vector<std::shared_ptr<minikin::FontFamily>> families, int weight);
     GxFontDrawing* GetFont() const;
 
     // Takes over the GxLineInfo records of `lines` (each made with new); the list itself stays the

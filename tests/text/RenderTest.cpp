@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "base/Error.h"
 #include "support/LogCapture.h"
 #include "support/Random.h"
 #include "text/GxFontDrawing.h"
@@ -275,6 +276,41 @@ TEST_F(Render, AFamilyLoadedLaterDrawsFromTheNextRenderOn) {
 
 // --- the drawing's own parts
 // --------------------------------------------------------------------------------------
+
+// Two objects in turn: neither the process's fonts nor the other object's take part.
+TEST_F(Render, ObjectsWithFamiliesOfTheirOwnDoNotDisturbEachOther) {
+    setLines({L"Wide 中"});
+    const gxtest::Image process = render(300, 70);
+    const auto families = [](std::initializer_list<const char*> fonts) {
+        std::vector<std::shared_ptr<minikin::FontFamily>> made;
+        for (const char* font : fonts) made.push_back(gxtest::makeFamily(gxtest::loadFont(font)));
+        return made;
+    };
+    const auto renderWith = [&](std::initializer_list<const char*> fonts) {
+        EXPECT_TRUE(text.SetFontFamilies(families(fonts), 400));
+        setLines({L"Wide 中"});
+        return render(300, 70);
+    };
+    const gxtest::Image sans = renderWith({gxtest::kNotoSans});
+    EXPECT_NE(sans, process);  // no glyph for the last character
+    EXPECT_NE(renderWith({gxtest::kNotoSans, gxtest::kNotoCjk}), sans);
+    EXPECT_NE(renderWith({gxtest::kDejaVuSans}), sans);
+    EXPECT_EQ(renderWith({gxtest::kNotoSans}), sans);
+    EXPECT_EQ(renderWith({}), process);
+}
+
+TEST_F(Render, TheBitmapFitsTheViewAndItsEffects) {
+    setLines({L"A"});
+    text.GetEffect()->addOuterShadowText(0, 7, 0, 0xFF000000, 1);  // seven pixels to the left
+    text.GetView()->SetSize(100, 50);
+    ASSERT_TRUE(text.FitBitmapToView());
+    EXPECT_EQ(text.GetView()->GetBitmapWidth(), 107);
+    EXPECT_EQ(text.GetView()->GetBitmapHeight(), 50);
+    text.GetView()->SetSize(INT32_MAX, 50);
+    EXPECT_FALSE(text.FitBitmapToView());
+    EXPECT_EQ(Error::GetError(), GXE_ERROR_INVALID_ARGUMENT);
+    EXPECT_EQ(text.GetView()->GetBitmapWidth(), 107);
+}
 
 TEST_F(Render, MasksAreHandedOverWithTheirPen) {
     struct Mask {

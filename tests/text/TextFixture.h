@@ -127,10 +127,8 @@ protected:
     // View size plus effect margins, as the Java side asks for it.
     gxtest::Image render(int viewWidth, int viewHeight) {
         GxView* view = text.GetView();
-        GxEffect* effect = text.GetEffect();
         view->SetSize(viewWidth, viewHeight);
-        view->SetBitmapWidth(viewWidth + effect->getLeftOffset() + effect->getRightOffset());
-        view->SetBitmapHeight(viewHeight + effect->getTopOffset() + effect->getBottomOffset());
+        EXPECT_TRUE(text.FitBitmapToView());
         gxtest::Image image;
         image.width = view->GetBitmapWidth();
         image.height = view->GetBitmapHeight();
