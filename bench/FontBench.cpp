@@ -1,13 +1,9 @@
 // Rows of loading a font family: as the font manager does it, against the least that needs doing,
-// each once: the file mapped, its character map read by HarfBuzz, the face opened by FreeType,
+// each once: the file loaded, its character map read by HarfBuzz, the face opened by FreeType,
 // which for fonts of many outlines is most of it.
-#include <fcntl.h>
 #include <ft2build.h>
 #include <hb.h>
 #include <minikin/FontFamily.h>
-#include <sys/mman.h>
-#include <sys/stat.h>
-#include <unistd.h>
 #include FT_FREETYPE_H
 
 #include <cstdlib>
@@ -17,6 +13,7 @@
 
 #include "Bench.h"
 #include "base/GxString.h"
+#include "font/FontBuffer.h"
 #include "font/FontManager.h"
 
 namespace gxbench {
@@ -36,16 +33,11 @@ void loadFamily(const std::string& path) {
     if (families.empty() || !families.front()->hasGlyph(' ', 0)) std::abort();
 }
 
-void mapAndOpen(const std::string& path) {
-    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    struct stat status;
-    if (file < 0 || fstat(file, &status) != 0) std::abort();
-    const auto size = static_cast<size_t>(status.st_size);
-    void* bytes = mmap(nullptr, size, PROT_READ, MAP_SHARED, file, 0);
-    close(file);
-    if (bytes == MAP_FAILED) std::abort();
-    hb_blob_t* blob = hb_blob_create(static_cast<const char*>(bytes), static_cast<unsigned>(size),
-                                     HB_MEMORY_MODE_READONLY, nullptr, nullptr);
+void loadAndOpen(const std::string& path) {
+    const auto bytes = GxFontEffect::FontBuffer::LoadFile(path.c_str());
+    if (bytes->length() == 0) std::abort();
+    hb_blob_t* blob =
+        hb_blob_create(bytes->data(), bytes->length(), HB_MEMORY_MODE_READONLY, nullptr, nullptr);
     hb_face_t* face = hb_face_create(blob, 0);
     hb_set_t* characters = hb_set_create();
     hb_face_collect_unicodes(face, characters);
@@ -56,19 +48,18 @@ void mapAndOpen(const std::string& path) {
         return FT_Init_FreeType(&started) == 0 ? started : nullptr;
     }();
     FT_Face opened = nullptr;
-    if (FT_New_Memory_Face(library, static_cast<const FT_Byte*>(bytes), status.st_size, 0,
-                           &opened) != 0) {
+    if (FT_New_Memory_Face(library, reinterpret_cast<const FT_Byte*>(bytes->data()),
+                           bytes->length(), 0, &opened) != 0) {
         std::abort();
     }
     FT_Done_Face(opened);
     hb_face_destroy(face);
     hb_blob_destroy(blob);
-    munmap(bytes, size);
 }
 
 void addFamilyRow(const std::string& name, const std::string& path) {
     addRow({"load a family, " + name, "", {0.77, 0}, 0, [=] {
-                return Contenders{{}, [=] { loadFamily(path); }, [=] { mapAndOpen(path); }, {}};
+                return Contenders{{}, [=] { loadFamily(path); }, [=] { loadAndOpen(path); }, {}};
             }});
 }
 

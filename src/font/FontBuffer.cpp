@@ -4,8 +4,10 @@
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <utility>
 
 namespace GxFontEffect {
@@ -19,33 +21,59 @@ void LogFileFailure() {
     __android_log_print(ANDROID_LOG_DEBUG, kTag, "%s", kTag);
 }
 
+class Descriptor {
+public:
+    explicit Descriptor(int number) : number_(number) {}
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    ~Descriptor() {
+        if (number_ >= 0) close(number_);
+    }
+    int get() const { return number_; }
+
+private:
+    int number_;
+};
+
 // Lengths are kept in 32 bits, as the font API has them.
 bool IsFontFile(const struct stat& status) {
     return S_ISREG(status.st_mode) && status.st_size > 0 && status.st_size <= UINT32_MAX;
 }
 
+bool IsOnReadOnlyFileSystem(int file) {
+    struct statvfs status;
+    return fstatvfs(file, &status) == 0 && (status.f_flag & ST_RDONLY) != 0;
+}
+
+// False as well when the file ends before `length`.
+bool ReadFully(int file, char* data, size_t length) {
+    while (length > 0) {
+        const ssize_t count = read(file, data, length);
+        if (count < 0 && errno == EINTR) continue;
+        if (count <= 0) return false;
+        data += count;
+        length -= static_cast<size_t>(count);
+    }
+    return true;
+}
+
 }  // namespace
 
-std::shared_ptr<const FontBuffer> FontBuffer::MapFile(const char* path) {
+std::shared_ptr<const FontBuffer> FontBuffer::LoadFile(const char* path) {
     const auto buffer = std::make_shared<FontBuffer>(nullptr, 0);
     // Not blocking: opening a pipe would wait for its writer.
-    const int file = open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    if (file < 0) {
-        LogFileFailure();
-        return buffer;
-    }
+    const Descriptor file(open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     struct stat status;
-    if (fstat(file, &status) != 0) {
+    if (file.get() < 0 || fstat(file.get(), &status) != 0) {
         LogFileFailure();
     } else if (IsFontFile(status)) {
-        const size_t length = static_cast<size_t>(status.st_size);
-        void* mapped = mmap(nullptr, length, PROT_READ, MAP_SHARED, file, 0);
-        if (mapped != MAP_FAILED) {
-            buffer->mapped_ = mapped;
-            buffer->length_ = static_cast<uint32_t>(length);
+        const auto length = static_cast<uint32_t>(status.st_size);
+        if (length > kMaxReadBytes || IsOnReadOnlyFileSystem(file.get())) {
+            buffer->Map(file.get(), length);
+        } else {
+            buffer->Read(file.get(), length);
         }
     }
-    close(file);
     return buffer;
 }
 
@@ -54,6 +82,21 @@ FontBuffer::FontBuffer(std::unique_ptr<char[]> data, uint32_t length)
 
 FontBuffer::~FontBuffer() {
     if (mapped_) munmap(mapped_, length_);
+}
+
+void FontBuffer::Read(int file, uint32_t length) {
+    // Not filled with zeros first.
+    std::unique_ptr<char[]> data(new char[length]);
+    if (!ReadFully(file, data.get(), length)) return;
+    owned_ = std::move(data);
+    length_ = length;
+}
+
+void FontBuffer::Map(int file, uint32_t length) {
+    void* mapped = mmap(nullptr, length, PROT_READ, MAP_PRIVATE, file, 0);
+    if (mapped == MAP_FAILED) return;
+    mapped_ = mapped;
+    length_ = length;
 }
 
 }  // namespace GxFontEffect

@@ -132,7 +132,7 @@ public:
     int FamilyCount() const { return systemFamilies ? systemFamilies->GetCount() : 0; }
 
     Mutex lock;
-    double totalBufferMB = 0;  // of mapped files, in units of 1,024,000 bytes
+    double totalBufferMB = 0;  // of font files, in units of 1,024,000 bytes
     std::map<std::string, std::shared_ptr<const FontBuffer>> bufferMap;  // path and NUL
     std::map<std::string, FontPointer> fontMap;                          // see FontKey
     List* systemFamilies = nullptr;                                      // of owned GxFontFamily
@@ -165,7 +165,7 @@ std::shared_ptr<const FontBuffer> GxFontManagerImpl::FileBuffer(const std::strin
     const auto known = bufferMap.find(key);
     if (known != bufferMap.end()) return known->second;
     // Kept also when there is nothing in it: a file that failed is not tried again.
-    std::shared_ptr<const FontBuffer> buffer = FontBuffer::MapFile(path.c_str());
+    std::shared_ptr<const FontBuffer> buffer = FontBuffer::LoadFile(path.c_str());
     bufferMap.emplace(key, buffer);
     const double sizeMB = static_cast<float>(buffer->length()) / 1024000.0f;
     totalBufferMB += sizeMB;

@@ -242,7 +242,24 @@ TEST_F(FontManagerTest, AFileThatFailedStaysFailed) {
     manager.ClearFontMaps();
     EXPECT_TRUE(add(path)) << "until the maps are cleared";
     std::filesystem::remove(path);
-    EXPECT_TRUE(add(path)) << "and one that was mapped stays";
+    EXPECT_TRUE(add(path)) << "and one that was loaded stays";
+}
+
+TEST_F(FontManagerTest, FilesThatChangeInPlaceStayAsTheyWereLoaded) {
+    const std::vector<char>& bytes = gxtest::fontBytes(gxtest::kDejaVuSans);
+    const auto copy = [&](const char* name) {
+        return folder.write(name, std::string(bytes.begin(), bytes.end()));
+    };
+    const std::string shortened = copy("shortened.ttf");
+    const std::string overwritten = copy("overwritten.ttf");
+    ASSERT_TRUE(add(shortened) && add(overwritten));
+    std::filesystem::resize_file(shortened, 0);
+    std::fstream(overwritten, std::ios::in | std::ios::out) << std::string(bytes.size(), 'x');
+    for (const std::string& path : {shortened, overwritten}) {
+        const FontPointer loaded = font(path);
+        ASSERT_EQ(loaded->GetFontSize(), bytes.size());
+        EXPECT_EQ(memcmp(loaded->GetFontData(), bytes.data(), bytes.size()), 0) << path;
+    }
 }
 
 // That nothing leaks or is freed twice shows under the address sanitizer.
