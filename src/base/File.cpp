@@ -86,13 +86,19 @@ public:
     bool Close() {
         if (keepOpen || !stream) return true;
         const bool flushed = fflush(stream) == 0;
-        if (syncOnClose) fsync(fileno(stream));  // pipes and terminals refuse: no failure
-        return fclose(std::exchange(stream, nullptr)) == 0 && flushed;
+        const bool synced = !syncOnClose || Sync();
+        return fclose(std::exchange(stream, nullptr)) == 0 && flushed && synced;
     }
 
     FILE* stream;
     bool syncOnClose;
     bool keepOpen;
+
+private:
+    bool Sync() {
+        // Pipes and terminals, which have no disk behind them, answer EINVAL or EROFS.
+        return fsync(fileno(stream)) == 0 || errno == EINVAL || errno == EROFS;
+    }
 };
 
 namespace {

@@ -17,12 +17,15 @@
 
 namespace {
 int syncs = 0;
+int syncError = 0;  // what syncing answers when not 0
 }  // namespace
 
 // NOLINTBEGIN(bugprone-reserved-identifier)
 extern "C" int __wrap_fsync(int) {
     syncs++;
-    return 0;
+    if (syncError == 0) return 0;
+    errno = syncError;
+    return -1;
 }
 // NOLINTEND(bugprone-reserved-identifier)
 
@@ -135,6 +138,20 @@ TEST_F(FileTest, UnwrittenDataIsAFailedClose) {
     ASSERT_TRUE(file.Construct("/dev/full", "w"));
     EXPECT_EQ(file.Write("x", 1, 1), 1u);
     expectError(1, [&] { EXPECT_FALSE(file.Close()); });
+}
+
+TEST_F(FileTest, UnsyncedDataIsAFailedClose) {
+    for (const auto& [error, fails] : {std::pair(EIO, true), {ENOSPC, true}, {EINVAL, false}}) {
+        File file;
+        ASSERT_TRUE(file.Construct(path.c_str(), "w"));
+        syncError = error;
+        if (fails) {
+            expectError(1, [&] { EXPECT_FALSE(file.Close()); });
+        } else {
+            EXPECT_TRUE(file.Close()) << "pipes cannot be synced";
+        }
+        syncError = 0;
+    }
 }
 
 TEST_F(FileTest, PathOperationsTakeBothKindsOfText) {
