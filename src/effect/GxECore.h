@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <new>
+#include <utility>
 
 #include "GxExport.h"
 #include "raster/GxBitmap.h"
@@ -59,6 +60,9 @@ struct ParamPostProcessing {
     GxRect* textRect = nullptr;  // box of all glyph masks, inside the mask
     uint32_t mode = GXE_MODE_SINGLE_LAYER;
     GxBitmap* other = nullptr;  // the other layer, for cores that paint both; else null
+    // Set by a core that painted nothing because its work memory was not to be had or would pass
+    // its limit. The stack clears it before each core.
+    bool outOfMemory = false;
 };
 
 }  // namespace GxECore
@@ -66,7 +70,8 @@ struct ParamPostProcessing {
 // One effect. The stack makes it, gives it an id and a property record, and per render calls
 // initEffect once, render for every glyph and doPostProcessing once, where all painting happens. A
 // core never fails a render: null blocks, missing properties and missing bitmaps make it do
-// nothing. Not locked.
+// nothing. One that runs out of memory leaves its layers as they were and says so in the block. Not
+// locked.
 class GXTEXT_API GxECoreBase {
 public:
     GxECoreBase() = default;
@@ -98,6 +103,9 @@ public:
     // The same margin on every side; 0 unless a core says otherwise.
     virtual int getOffset() { return 0; }
 
+    // False when memory ran out in the last setProperty, which kept the record before it.
+    virtual bool keptLastProperty() const { return true; }
+
 protected:
     explicit GxECoreBase(int effectStyle) : style(effectStyle) {}
 
@@ -112,15 +120,25 @@ class GxPropertyCore : public GxECoreBase {
 public:
     void setProperty(const GxProperty* source) override {
         const auto* record = dynamic_cast<const Property*>(source);
-        if (!record) return;
-        if (auto* copy = new (std::nothrow) Property(*record)) property.reset(copy);
+        if (record) keep(std::unique_ptr<Property>(new (std::nothrow) Property(*record)));
     }
     GxProperty* getProperty() override { return property.get(); }
+    bool keptLastProperty() const override { return kept; }
 
 protected:
     explicit GxPropertyCore(int effectStyle) : GxECoreBase(effectStyle) {}
 
+    // Takes over the copy of a record. Null, for want of memory, leaves the current one: false.
+    bool keep(std::unique_ptr<Property> copy) {
+        kept = copy != nullptr;
+        if (kept) property = std::move(copy);
+        return kept;
+    }
+
     std::unique_ptr<Property> property;
+
+private:
+    bool kept = true;
 };
 
 }  // namespace GxFontEffect

@@ -133,9 +133,11 @@ GxEffect::GxEffect(const GxEffect& other)
       textColor(other.textColor),
       nextId(other.nextId),
       textAlpha(other.textAlpha),
-      confineInside(other.confineInside) {
+      confineInside(other.confineInside),
+      incompleteCopy(other.incompleteCopy) {
     for (const auto& core : other.effects) {
-        addEffect(core->getId(), core->getStyle(), core->getProperty());
+        const int copied = addEffect(core->getId(), core->getStyle(), core->getProperty());
+        incompleteCopy = incompleteCopy || copied < 0;
     }
 }
 
@@ -164,7 +166,7 @@ GxECoreBase* GxEffect::getEffect(int style) const {
 int GxEffect::addEffect(int id, int style, const GxProperty* property) {
     if (GxECoreBase* present = getEffect(style)) {
         present->setProperty(property);
-        return present->getId();
+        return property && !present->keptLastProperty() ? -1 : present->getId();
     }
     // Room first: after it nothing fails but the core's own allocations, and an id handed out is
     // kept.
@@ -216,6 +218,7 @@ void GxEffect::releaseEffect() {
     layers.clear();
     effects.clear();
     nextId = 0;
+    incompleteCopy = false;
 }
 
 void GxEffect::cleanAllEffect() {
@@ -339,16 +342,18 @@ int GxEffect::addPatternText(GxBitmap* pattern, float scale, float opacity) {
 int GxEffect::addText(uint32_t color, float opacity) {
     __android_log_print(ANDROID_LOG_DEBUG, kTag, "AddText(%p) - (color:%d/opacity:%f)", this,
                         static_cast<int>(color), static_cast<double>(opacity));
-    textAlpha = static_cast<int32_t>(color >> 24);
-    const GxTextProperty record(premultiply(color, opacity), clampOpacity(opacity));
-    return addEffect(GXE_STYLE_TEXT, &record);
+    return addText(color, GxTextProperty(premultiply(color, opacity), clampOpacity(opacity)));
 }
 
 int GxEffect::addText(uint32_t color) {
     __android_log_print(ANDROID_LOG_DEBUG, kTag, "AddText(%p) - (color:%x)", this, color);
-    textAlpha = static_cast<int32_t>(color >> 24);
-    const GxTextProperty record(color | 0xFF000000u, 1.0f);
-    return addEffect(GXE_STYLE_TEXT, &record);
+    return addText(color, GxTextProperty(color | 0xFF000000u, 1.0f));
+}
+
+int GxEffect::addText(uint32_t color, const GxTextProperty& record) {
+    const int id = addEffect(GXE_STYLE_TEXT, &record);
+    if (id >= 0) textAlpha = static_cast<int32_t>(color >> 24);
+    return id;
 }
 
 // --- margins and key
@@ -391,8 +396,7 @@ char* GxEffect::getMapKey() {
 
 char* GxEffect::getMapKey(uint32_t color) {
     textColor = color;
-    addText(color, textOpacity);
-    return getMapKey();
+    return addText(color, textOpacity) < 0 ? nullptr : getMapKey();
 }
 
 // --- render
@@ -402,11 +406,13 @@ void GxEffect::initEffect(uint32_t width, uint32_t height) {
     __android_log_print(ANDROID_LOG_DEBUG, kTag, "InitEffect(%p)", this);
     textRect = GxRect();
     textRectEmpty = true;
+    renderFailed = false;
     releaseBitmap();
     layers.clear();
     try {
         layers.reserve(effects.size());
     } catch (const std::bad_alloc&) {
+        renderFailed = true;
         return;
     }
     for (const auto& core : effects) layers.push_back(core.get());
@@ -420,6 +426,7 @@ void GxEffect::initEffect(uint32_t width, uint32_t height) {
     } else {
         orderSingleLayer();
     }
+    renderFailed = !srcBitmap || (mode == GXE_MODE_TWO_LAYERS && !backBitmap);
 
     GxECore::ParamInit param{width, height, mode};
     for (GxECoreBase* core : layers) core->initEffect(&param);
@@ -566,7 +573,9 @@ void GxEffect::doEffectPostProcessing() {
                     confine = false;
                 }
                 chooseLayers(core, param);
+                param.outOfMemory = false;
                 core->doPostProcessing(&param);
+                renderFailed = renderFailed || param.outOfMemory;
                 if (over) confine = confineInside;
             }
             if (confine) clearUncovered();

@@ -25,14 +25,16 @@ namespace GxFontEffect {
 //
 // The stack owns its cores and its work bitmaps; the output, the masks and the records passed in
 // are borrowed. Add operations return the effect's id (0, 1, 2, ... in order of first addition) or
-// -1; nothing else reports errors: steps without a destination or after a failed allocation do
-// nothing. One thread at a time.
+// -1, and then changed nothing. The steps of a render report nothing: without a destination or
+// memory they do nothing. A caller who is to show the picture asks hasFailed() after the last step.
+// One thread at a time.
 class GXTEXT_API GxEffect {
 public:
     GxEffect();
     // The pointer is not used.
     explicit GxEffect(void* unused);
-    // Fresh cores with the same ids and copies of the records; no render state.
+    // Fresh cores with the same ids and copies of the records; no render state. A copy that lacks
+    // an effect because memory ran out has failed until all effects are released.
     GxEffect(const GxEffect& other);
     GxEffect& operator=(const GxEffect&) = delete;
     virtual ~GxEffect();
@@ -42,7 +44,8 @@ public:
     virtual bool hasEffect(int style) const;
 
     // Adds the effect, or gives the one of that style new settings. A negative id asks for the next
-    // free one. -1 for a style without a core.
+    // free one. -1 for a style without a core and when memory runs out: what was there stays, with
+    // its settings.
     int addEffect(int id, int style, const GxProperty* property);
     int addEffect(int style, const GxProperty* property);
 
@@ -123,7 +126,7 @@ public:
 
     // Zero-terminated key text of all effects in order of addition; the caller releases it with
     // array delete. Null when memory runs out. The form with a colour gives the text fill that
-    // colour first.
+    // colour first, and is null too when that could not be kept.
     char* getMapKey();
     char* getMapKey(uint32_t color);
 
@@ -132,7 +135,13 @@ public:
     void doEffectPostProcessing();
     void compositeLayers(GxBitmap* output);
 
+    // Whether the picture of the current or last render is not the one asked for: since initEffect
+    // a step or an effect could not get its memory (ParamPostProcessing::outOfMemory), or the stack
+    // is an incomplete copy. Answers until the next initEffect, compositeLayers included.
+    bool hasFailed() const { return renderFailed || incompleteCopy; }
+
 private:
+    int addText(uint32_t color, const GxTextProperty& record);
     bool isUnderEffect(GxECoreBase* core) const;
     int margin(int (GxECoreBase::*offset)()) const;
     bool needsTwoLayers() const;
@@ -156,6 +165,8 @@ private:
     int32_t nextId = 0;
     int32_t textAlpha = -1;  // of the last text colour; -1 acts as 255
     bool confineInside = false;
+    bool renderFailed = false;
+    bool incompleteCopy = false;
 };
 
 }  // namespace GxFontEffect

@@ -141,18 +141,52 @@ TEST(AllEffects, ACopyPaintsTheSame) {
     }
 }
 
-TEST(AllEffects, SurviveEveryFailedAllocation) {
+// Every picture is right or known to be wrong, and the next one is right.
+TEST(AllEffects, KnowOfEveryFailedAllocation) {
     GxBitmap pattern = smallPattern();
-    const auto wholeRender = [&] {
+    for (const float opacity : {1.0f, 0.5f}) {
         GxEffect stack;
         addAll(stack, pattern);
-        stack.setTextOpacity(0.5f);
-        const GxEffect copy(stack);
-        render(stack);
-        const std::unique_ptr<char[]> key(stack.getMapKey());
+        stack.setTextOpacity(opacity);
+        const GxBitmap expected = render(stack);
+        ASSERT_FALSE(stack.hasFailed());
+        std::unique_ptr<GxEffect> copy;
+        std::unique_ptr<GxBitmap> picture;
+        const auto copyAndRender = [&] {
+            copy.reset();
+            picture.reset();
+            copy.reset(new (std::nothrow) GxEffect(stack));
+            if (copy) picture.reset(new (std::nothrow) GxBitmap(render(*copy)));
+            const std::unique_ptr<char[]> key(stack.getMapKey());
+        };
+        const auto check = [&](int n) {
+            const bool isWhole = picture && picture->data && !copy->hasFailed();
+            if (isWhole) {
+                EXPECT_EQ(difference(expected, *picture), "") << "allocation " << n;
+            }
+            EXPECT_EQ(difference(expected, render(stack)), "") << "after allocation " << n;
+        };
+        for (const auto span : {gxtest::FailureSpan::kOne, gxtest::FailureSpan::kAllFromThere}) {
+            EXPECT_GT(gxtest::failEachAllocation(copyAndRender, check, span), 40);
+        }
+    }
+}
+
+TEST(AllEffects, SettingsThatAreNotKeptAreRefused) {
+    GxBitmap pattern = smallPattern();
+    GxEffect stack;
+    addAll(stack, pattern);
+    const GxBitmap expected = render(stack);
+    const auto refused = [&](auto add) {
+        const gxtest::AllocationFailure failure(1, gxtest::FailureSpan::kAllFromThere);
+        return add() < 0;
     };
-    wholeRender();
-    EXPECT_GT(gxtest::failEachAllocation(wholeRender), 60);
+    EXPECT_TRUE(refused([&] { return stack.addText(0x40FF0000); }));
+    EXPECT_TRUE(refused([&] { return stack.addStrokeText(9, 0, 1, 0, 0); }));
+    EXPECT_TRUE(refused([&] { return stack.addPatternText(&pattern, 3, 1); }));
+    EXPECT_TRUE(refused([&] { return stack.addRadialGradientText(1, 1, 0, nullptr); }));
+    EXPECT_EQ(difference(expected, render(stack)), "");
+    EXPECT_GE(stack.addEffect(GXE_STYLE_STROKE, nullptr), 0);
 }
 
 }  // namespace

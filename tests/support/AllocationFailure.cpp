@@ -8,29 +8,36 @@ namespace gxtest {
 
 namespace {
 
-thread_local long remaining = 0;  // allocations until the failing one; 0 or less: none fails
+thread_local long remaining = 0;  // allocations until the failing one; 0: none fails
+thread_local bool failLater = false;
+thread_local bool failNow = false;
 
 bool fails() {
-    return remaining > 0 && --remaining == 0;
+    if (remaining == 0 || --remaining > 0) return failNow;
+    failNow = failLater;
+    return true;
 }
 
 }  // namespace
 
-AllocationFailure::AllocationFailure(int n) {
+AllocationFailure::AllocationFailure(int n, FailureSpan span) {
     remaining = n;
+    failLater = span == FailureSpan::kAllFromThere;
 }
 AllocationFailure::~AllocationFailure() {
     remaining = 0;
+    failNow = false;
 }
 bool AllocationFailure::triggered() const {
     return remaining == 0;
 }
 
-int failEachAllocation(const std::function<void()>& body, const std::function<void(int)>& check) {
+int failEachAllocation(const std::function<void()>& body, const std::function<void(int)>& check,
+                       FailureSpan span) {
     for (int n = 1;; ++n) {
         bool triggered;
         {
-            AllocationFailure failure(n);
+            AllocationFailure failure(n, span);
             body();
             triggered = failure.triggered();
         }

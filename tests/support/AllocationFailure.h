@@ -1,4 +1,5 @@
-// Makes the n-th allocation of the calling thread fail, to prove that every one is handled.
+// Makes the n-th allocation of the calling thread fail, alone or with all after it, to prove that
+// every one is handled.
 //
 // malloc, calloc, realloc and operator new are wrapped at link time, so this reaches whatever is
 // compiled into the test program, under the sanitizers too; allocations inside shared libraries go
@@ -9,11 +10,13 @@
 
 namespace gxtest {
 
+enum class FailureSpan { kOne, kAllFromThere };
+
 // While it lives, the n-th allocation (from 1) of this thread returns null or throws
-// std::bad_alloc; earlier and later ones succeed.
+// std::bad_alloc; earlier ones succeed, and later ones unless said otherwise.
 class AllocationFailure {
 public:
-    explicit AllocationFailure(int n);
+    explicit AllocationFailure(int n, FailureSpan span = FailureSpan::kOne);
     ~AllocationFailure();
     AllocationFailure(const AllocationFailure&) = delete;
     AllocationFailure& operator=(const AllocationFailure&) = delete;
@@ -25,6 +28,7 @@ public:
 // Runs `body` with the 1st, 2nd, ... allocation failing until a run makes fewer allocations;
 // returns how many runs saw a failure. Calls `check(n)` after each run, outside the failing scope.
 int failEachAllocation(const std::function<void()>& body,
-                       const std::function<void(int)>& check = {});
+                       const std::function<void(int)>& check = {},
+                       FailureSpan span = FailureSpan::kOne);
 
 }  // namespace gxtest

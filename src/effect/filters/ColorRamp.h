@@ -38,8 +38,7 @@ void fillColorRamp(uint32_t* table, const GxGradient* stops, int stopCount, floa
 template <typename Property>
 class GxStopsCore : public GxPropertyCore<Property> {
 public:
-    // The record is built anew, so its constructor's conversions apply. When memory runs out the
-    // current record stays.
+    // The record is built anew, so its constructor's conversions apply.
     void setProperty(const GxProperty* source) override {
         const auto* record = dynamic_cast<const Property*>(source);
         if (!record) return;
@@ -47,13 +46,15 @@ public:
         std::unique_ptr<GxGradient[]> copies;
         if (count > 0) {
             copies.reset(new (std::nothrow) GxGradient[static_cast<size_t>(count)]);
-            if (!copies) return;
+            if (!copies) {
+                this->keep(nullptr);
+                return;
+            }
             for (int i = 0; i < count; ++i) copies[i] = record->stops[i];
         }
-        std::unique_ptr<Property> copy(rebuilt(*record, copies.get()));
-        if (!copy) return;
-        this->property = std::move(copy);
-        ownStops = std::move(copies);
+        if (this->keep(std::unique_ptr<Property>(rebuilt(*record, copies.get())))) {
+            ownStops = std::move(copies);
+        }
     }
 
 protected:

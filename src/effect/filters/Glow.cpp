@@ -123,14 +123,14 @@ void growWithOwnMemory(unsigned char* mask, int passes, int width, int height) {
 //   3. blur it; the inner glow takes the inverse in each direction, so that what falls off the
 //      plane is background;
 //   4. map the coverage to colours and lay them beneath the layer.
-void renderGlow(const GxECore::ParamPostProcessing* param, const GxOuterGlowProperty* record,
+void renderGlow(GxECore::ParamPostProcessing* param, const GxOuterGlowProperty* record,
                 GlowSide side) {
     const TextMask text(param);
     if (!record || !text.isValid()) return;
     const Geometry geometry(text, record->size);
     if (geometry.reach < 1) return;
     const Planes planes(geometry);
-    if (!planes) return;
+    if (!isAllocated(*param, planes)) return;
     std::array<uint32_t, kRampSize> table;
     makeGlowTable(record, table.data(), kSpread, GXE_CURVE_LINEAR);
 

@@ -28,7 +28,7 @@ void growWithOwnMemory(unsigned char* mask, int passes, int width, int height);
 enum class GlowSide { kOuter, kInner };
 
 // The whole of a glow's doPostProcessing.
-void renderGlow(const GxECore::ParamPostProcessing* param, const GxOuterGlowProperty* record,
+void renderGlow(GxECore::ParamPostProcessing* param, const GxOuterGlowProperty* record,
                 GlowSide side);
 
 // The operations that both glows offer.

@@ -170,7 +170,7 @@ void GxInnerShadow::doPostProcessing(GxECore::ParamPostProcessing* param) {
         kernels::blurScratchBytes(std::max(lines.width, columns), shade.height, radius), 1,
         Contents::kAny);
     const BlurTaps taps(radius);
-    if (!lines || !shade || !scratch || !taps) return;
+    if (!isAllocated(*param, lines, shade, scratch, taps)) return;
     const kernels::BlurWeights weights = taps.compute(computeGaussianWeights);
 
     // 2. Rows.

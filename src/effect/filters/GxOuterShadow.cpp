@@ -81,7 +81,7 @@ void GxOuterShadow::doPostProcessing(GxECore::ParamPostProcessing* param) {
     const WorkPlane<uint8_t> scratch(kernels::blurScratchBytes(plane.width, plane.height, radius),
                                      1, Contents::kAny);
     const BlurTaps taps(radius);
-    if (!plane || !scratch || !taps) return;
+    if (!isAllocated(*param, plane, scratch, taps)) return;
     text.copyTo(plane.row(padding) + padding, plane.width);
 
     // 3. The blur, in place: its first cell is the one `radius` left of and above the text's.

@@ -16,13 +16,14 @@ void GxPattern::setProperty(const GxProperty* source) {
     std::unique_ptr<GxBitmap> picture;
     if (record->pattern) {
         picture.reset(new (std::nothrow) GxBitmap(*record->pattern));
-        if (!picture || (record->pattern->data && !picture->data)) return;
+        if (!picture || (record->pattern->data && !picture->data)) {
+            keep(nullptr);
+            return;
+        }
     }
     std::unique_ptr<GxPatternProperty> copy(
         new (std::nothrow) GxPatternProperty(picture.get(), record->scale, record->opacity));
-    if (!copy) return;
-    property = std::move(copy);
-    ownPattern = std::move(picture);
+    if (keep(std::move(copy))) ownPattern = std::move(picture);
 }
 
 // The fill in steps:
@@ -44,7 +45,7 @@ void GxPattern::doPostProcessing(GxECore::ParamPostProcessing* param) {
     const WorkPlane<kernels::PatternColumn> columns(width, 1, Contents::kAny);
     const WorkPlane<uint8_t> covered(width + 8, 1, Contents::kAny);
     const WorkPlane<float> texels(int64_t{picture->width} + 1, 4, Contents::kAny);
-    if (!row || !columns || !covered || !texels) return;
+    if (!isAllocated(*param, row, columns, covered, texels)) return;
 
     // 1. The tile.
     kernels::PatternFill fill;

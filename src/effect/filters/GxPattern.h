@@ -32,7 +32,6 @@ class GXTEXT_API GxPattern : public GxPropertyCore<GxPatternProperty> {
 public:
     GxPattern() : GxPropertyCore(GXE_STYLE_PATTERN) {}
 
-    // When memory runs out the current record stays.
     void setProperty(const GxProperty* source) override;
     void doPostProcessing(GxECore::ParamPostProcessing* param) override;
 

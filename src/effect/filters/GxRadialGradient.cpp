@@ -16,7 +16,7 @@ void GxRadialGradient::doPostProcessing(GxECore::ParamPostProcessing* param) {
     if (!(property->scale >= kMinFillScale) || !property->stops || property->stopCount < 1) return;
 
     const WorkPlane<float> columns(text.lastColumn - text.firstColumn, 1, Contents::kAny);
-    if (!columns) return;
+    if (!isAllocated(*param, columns)) return;
 
     // 1. Colours.
     const auto table = makeGradientTable(*property);

@@ -135,7 +135,7 @@ void GxStroke::doPostProcessing(GxECore::ParamPostProcessing* param) {
     unsigned char* cells = nullptr;
     const int kernelSize = makeCircleKernel(&cells, radius);
     const CArray<unsigned char> kernel(cells);
-    if (!kernel) return;
+    if (kernelSize < 1 || !isAllocated(*param, kernel)) return;
     const int64_t half = kernelSize >> 1;
 
     // 2. The framed mask. The planes' sizes bound every extent to 32 bits.
@@ -145,7 +145,7 @@ void GxStroke::doPostProcessing(GxECore::ParamPostProcessing* param) {
     const int64_t outHeight = height + 2 * half;
     const int64_t outRows = outHeight * (centred ? 2 : 1);
     const WorkPlane<uint8_t> plane(width + 2 * half, outRows + height);
-    if (!plane) return;
+    if (!isAllocated(*param, plane)) return;
     const int64_t planeSize = plane.width * outHeight;
     const uint8_t* mask = plane.row(outRows);
     text.copyTo(plane.row(outRows + kFrame) + kFrame, plane.width);

@@ -7,6 +7,8 @@
 #include <limits>
 #include <memory>
 
+#include "effect/GxECore.h"
+
 namespace GxFontEffect {
 
 // Memory of the C allocator, released with it.
@@ -59,5 +61,13 @@ public:
 private:
     CArray<T> cells;
 };
+
+// Whether a filter has all of its memory; when not, the block says so.
+template <typename... Memory>
+bool isAllocated(GxECore::ParamPostProcessing& param, const Memory&... memory) {
+    const bool all = (static_cast<bool>(memory) && ...);
+    if (!all) param.outOfMemory = true;
+    return all;
+}
 
 }  // namespace GxFontEffect

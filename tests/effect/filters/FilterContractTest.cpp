@@ -98,9 +98,11 @@ class Filters : public testing::TestWithParam<Filter> {
 protected:
     Filters() : core(makeEffectCore(GetParam().style)) {}
 
-    void paint(Scene& scene) {
+    // False when the core says that it ran out of memory.
+    bool paint(Scene& scene) {
         auto param = scene.param();
         core->doPostProcessing(&param);
+        return !param.outOfMemory;
     }
     bool paintsNothing(Scene& scene) {
         const GxBitmap before(scene.layer);
@@ -200,22 +202,19 @@ TEST_P(Filters, HostileNumbers) {
     }
 }
 
-TEST_P(Filters, AFailedAllocationLeavesTheLayersAlone) {
+TEST_P(Filters, AFailedAllocationLeavesTheLayersAloneAndIsReported) {
     GetParam().usual(*core);
     const GxBitmap before(scene.layer);
-    paint(scene);
+    EXPECT_TRUE(paint(scene));
     const GxBitmap painted(scene.layer);
     ASSERT_NE(difference(before, painted), "");
 
     std::memset(scene.layer.data, 0, size_t{scene.layer.width} * scene.layer.height * 4);
     bool whole = false;
     const int failures = gxtest::failEachAllocation(
-        [&] { paint(scene); },
+        [&] { whole = paint(scene); },
         [&](int n) {
-            whole = difference(painted, scene.layer).empty();
-            if (!whole) {
-                EXPECT_EQ(difference(before, scene.layer), "") << "allocation " << n;
-            }
+            EXPECT_EQ(difference(whole ? painted : before, scene.layer), "") << "allocation " << n;
         });
     EXPECT_GT(failures, 0);
     EXPECT_TRUE(whole);
@@ -229,6 +228,7 @@ TEST_P(Filters, AFailedCopyKeepsTheRecord) {
         const gxtest::AllocationFailure failure(n);
         GetParam().usual(*core);
         failed = failure.triggered();
+        EXPECT_EQ(core->keptLastProperty(), !failed);
         if (failed) {
             EXPECT_EQ(core->getProperty(), record) << "allocation " << n;
         }
