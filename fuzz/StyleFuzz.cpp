@@ -1,5 +1,5 @@
-// Style files through the tool's parser; what is valid is rendered, made small, with fonts of our
-// own and no others in reach.
+// Style files through the reader; what is valid is written and read again, then rendered, made
+// small, with fonts of our own and no others in reach.
 #include <fontconfig/fontconfig.h>
 
 #include <algorithm>
@@ -12,7 +12,6 @@
 #include "FontFolder.h"
 #include "PngIo.h"
 #include "Scene.h"
-#include "StyleFile.h"
 #include "ToolError.h"
 #include "effect/GxEffect.h"
 
@@ -38,7 +37,7 @@ void writePattern() {
 }
 
 // Large pictures take long and show nothing that small ones do not.
-void makeSmall(gxtool::Style& style) {
+void makeSmall(gxtext::Style& style) {
     if (style.text && style.text->size() > 48) {
         size_t end = 48;
         while (end > 0 && (static_cast<uint8_t>((*style.text)[end]) & 0xC0) == 0x80) --end;
@@ -52,21 +51,21 @@ void makeSmall(gxtool::Style& style) {
          {&style.padding.left, &style.padding.top, &style.padding.right, &style.padding.bottom}) {
         *side = std::min(*side, 30);
     }
-    for (gxtool::EffectStyle& effect : style.effects) {
+    for (gxtext::Effect& effect : style.effects) {
         effect.size = std::min(effect.size, 8.0f);
         effect.distance = std::min(effect.distance, 12.0f);
     }
 }
 
 // Names that could lead out of the folder stand for a file in it.
-void stayInside(gxtool::Style& style) {
+void stayInside(gxtext::Style& style) {
     const bool isName = std::all_of(style.font.begin(), style.font.end(), [](unsigned char c) {
         return std::isalnum(c) || c == ' ' || c == '-';
     });
     if (!isName) style.font = fontFileName(static_cast<FontKind>(style.font.size() % kFontKinds));
-    style.fontBase = fontFolder();
-    for (gxtool::EffectStyle& effect : style.effects) {
-        if (!effect.pattern.empty()) effect.pattern = fontFolder() / kPatternName;
+    style.source = fontFolder() / "style.json";
+    for (gxtext::Effect& effect : style.effects) {
+        if (!effect.pattern.empty()) effect.pattern = kPatternName;
     }
 }
 
@@ -87,14 +86,18 @@ extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const std::string_view json(reinterpret_cast<const char*>(data), size);
     try {
-        gxtool::Style style = gxtool::parseStyle(json, "style", fontFolder());
+        auto style = gxtext::Style::fromJson(json, "style");
+        const std::string written = style.toJson();
+        require(gxtext::Style::fromJson(written, style.source) == style,
+                "the style that was written");
+        require(style.toJson() == written, "one canonical form");
         makeSmall(style);
         stayInside(style);
         gxtool::Scene scene(style);
         const uint32_t* pixels = scene.render();
         require(pixels && scene.imageWidth() > 0 && scene.imageHeight() > 0, "a picture");
         require(scene.coverage().size() == scene.fonts().faces.size(), "coverage of each face");
-    } catch (const gxtool::ToolError& error) {
+    } catch (const gxtext::Error& error) {
         require(*error.what() != 0, "a reason");
     }
     return 0;

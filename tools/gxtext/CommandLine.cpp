@@ -7,19 +7,27 @@
 #include <unicode/uversion.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cstdio>
 #include <new>
+#include <sstream>
 #include FT_FREETYPE_H
 
 #include "Commands.h"
 #include "FileIo.h"
-#include "StyleFile.h"
+#include "Fonts.h"
 #include "ToolError.h"
 #include "base/GxLog.h"
+#include "style/FieldTable.h"
 
 namespace gxtool {
 
 namespace {
+
+using gxtext::parseColor;
+using gxtext::parsePadding;
+using gxtext::Range;
+using gxtext::styleField;
 
 // What the command line says about the style: the file, and changes that go over it in the order
 // given.
@@ -55,9 +63,17 @@ CLI::Validator isPadding() {
     return CLI::Validator(
         [](std::string& text) {
             if (parsePadding(text)) return std::string();
-            return text + " is not one or four whole numbers, " + limits::kPadding.text();
+            return text + " is not one or four whole numbers, " +
+                   styleField("padding").range.text();
         },
         "");
+}
+
+// The name is one of them.
+void setAlign(Style& style, const std::string& name) {
+    const auto& choice = std::get<gxtext::Choice<Style>>(styleField("align").target);
+    const auto found = std::find(choice.names.begin(), choice.names.end(), name);
+    choice.set(style, static_cast<int>(found - choice.names.begin()));
 }
 
 // One option of the style: converted, checked, and applied over the file later.
@@ -99,16 +115,19 @@ void addTextOptions(CLI::App& app, StyleArguments& arguments, StyleOptions& opti
                              "Font file or family name (default: the system's sans-serif)", "FILE",
                              group, [](Style& style, const std::string& font) {
                                  style.font = font;
-                                 style.fontBase.clear();
+                                 const auto file = asFontFile(font, {});
+                                 if (file && !style.folder().empty()) {
+                                     style.font = std::filesystem::absolute(*file).string();
+                                 }
                              });
     options
         .add<int>("--font-index", "Font inside a collection file, 0-99 (default 0)", "N", group,
                   [](Style& style, const int& index) { style.fontIndex = index; })
-        ->check(inRange(limits::kFontIndex));
+        ->check(inRange(styleField("fontIndex").range));
     options
         .add<float>("--font-size", "Size in pixels, 1-4096 (default 64)", "PX", group,
                     [](Style& style, const float& size) { style.size = size; })
-        ->check(inRange(limits::kFontSize));
+        ->check(inRange(styleField("size").range));
     options.flag("--bold", "Bold; faked when the font is not", group, &Style::bold);
     options.flag("--italic", "Italic; faked when the font is not", group, &Style::italic);
     options.add<std::string>("--locale", "Languages, BCP 47, comma-separated (default none)",
@@ -131,7 +150,7 @@ void addColorOptions(StyleOptions& options) {
     options
         .add<float>("--opacity", "Fades the picture, effects included, 0-1 (default 1)", "N", group,
                     [](Style& style, const float& opacity) { style.opacity = opacity; })
-        ->check(inRange(limits::kUnit));
+        ->check(inRange(styleField("opacity").range));
 }
 
 void addLayoutOptions(StyleOptions& options) {
@@ -140,11 +159,10 @@ void addLayoutOptions(StyleOptions& options) {
         .add<int>("--width",
                   "Width in pixels to wrap at, padding included, 1-65535 (default: no wrap)", "PX",
                   group, [](Style& style, const int& width) { style.width = width; })
-        ->check(inRange(limits::kWidth));
+        ->check(inRange(styleField("width").range));
     options
-        .add<std::string>(
-            "--align", "start, left, center or right (default start)", "ALIGN", group,
-            [](Style& style, const std::string& name) { style.align = *parseAlign(name); })
+        .add<std::string>("--align", "start, left, center or right (default start)", "ALIGN", group,
+                          [](Style& style, const std::string& name) { setAlign(style, name); })
         ->check(CLI::IsMember({"start", "left", "center", "right"}).description(""));
     options
         .add<std::string>(
@@ -224,6 +242,13 @@ struct Subcommand {
     void addJson(const char* help) { app->add_flag("--json", json, help)->group("Output"); }
 };
 
+// A line for each mistake.
+void printStyleError(const gxtext::StyleError& error) {
+    std::istringstream lines(error.what());
+    for (std::string line; std::getline(lines, line);)
+        fprintf(stderr, "gxtext: %s\n", line.c_str());
+}
+
 int runParsed(const std::function<void()>& command) {
     try {
         command();
@@ -231,6 +256,8 @@ int runParsed(const std::function<void()>& command) {
     } catch (const ToolError& error) {
         fprintf(stderr, "gxtext: %s\n", error.what());
         return error.status;
+    } catch (const gxtext::StyleError& error) {
+        printStyleError(error);
     } catch (const std::bad_alloc&) {
         fprintf(stderr, "gxtext: out of memory\n");
     } catch (const std::exception& error) {

@@ -7,7 +7,6 @@
 
 namespace gxtool {
 
-constexpr size_t kMaxStyleBytes = size_t{16} << 20;
 constexpr size_t kMaxTextBytes = size_t{1} << 20;
 constexpr size_t kMaxImageBytes = size_t{64} << 20;
 

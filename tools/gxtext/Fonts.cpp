@@ -144,18 +144,6 @@ Match openFile(const std::filesystem::path& file, int index) {
     return match;
 }
 
-// Names of files and of families share one field: what looks like a path, or is there, is a file.
-std::optional<std::filesystem::path> asFile(const Style& style) {
-    const std::filesystem::path path = (style.fontBase / style.font).lexically_normal();
-    const std::string extension = path.extension().string();
-    const bool looksLikeFile = style.font.find('/') != std::string::npos ||
-                               equalNames(extension, ".ttf") || equalNames(extension, ".otf") ||
-                               equalNames(extension, ".ttc") || equalNames(extension, ".otc");
-    std::error_code ignored;
-    if (looksLikeFile || std::filesystem::is_regular_file(path, ignored)) return path;
-    return std::nullopt;
-}
-
 UScriptCode scriptOf(char32_t c) {
     UErrorCode status = U_ZERO_ERROR;
     const UScriptCode script = uscript_getScript(static_cast<UChar32>(c), &status);
@@ -303,7 +291,7 @@ Match findFirst(const Style& style, FontChoice& choice) {
         if (!match) throw ToolError("no font is installed; name a font file");
         return match;
     }
-    if (const auto file = asFile(style)) {
+    if (const auto file = asFontFile(style.font, style.folder())) {
         Match match = openFile(*file, style.fontIndex);
         // A text object's own font file is face 0 and counts as upright whatever it is, so it would
         // be slanted twice.
@@ -329,6 +317,18 @@ bool needsGlyph(char32_t codePoint) {
     const int8_t type = u_charType(c);
     return type != U_CONTROL_CHAR && type != U_LINE_SEPARATOR && type != U_PARAGRAPH_SEPARATOR &&
            !u_hasBinaryProperty(c, UCHAR_DEFAULT_IGNORABLE_CODE_POINT);
+}
+
+std::optional<std::filesystem::path> asFontFile(const std::string& font,
+                                                const std::filesystem::path& folder) {
+    const std::filesystem::path path = (folder / font).lexically_normal();
+    const std::string extension = path.extension().string();
+    const bool looksLikeFile = font.find('/') != std::string::npos ||
+                               equalNames(extension, ".ttf") || equalNames(extension, ".otf") ||
+                               equalNames(extension, ".ttc") || equalNames(extension, ".otc");
+    std::error_code ignored;
+    if (looksLikeFile || std::filesystem::is_regular_file(path, ignored)) return path;
+    return std::nullopt;
 }
 
 FontChoice chooseFonts(const Style& style, const std::vector<char32_t>& text) {

@@ -2,6 +2,8 @@
 // cover.
 #pragma once
 
+#include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -34,6 +36,11 @@ struct FontChoice {
 // Whether a code point that no font has leaves a visible gap: not so for controls, separators and
 // characters that are ignored by default (joiners, variation selectors, ...).
 bool needsGlyph(char32_t codePoint);
+
+// Names of files and of families share one field: what looks like a path, or is there, is a file.
+// Its path, or nothing for a family.
+std::optional<std::filesystem::path> asFontFile(const std::string& font,
+                                                const std::filesystem::path& folder);
 
 // The face that `style` asks for, and as many installed ones as cover the rest of `text`, where any
 // do. Throws ToolError for a font file that cannot be used and a family that is not installed.

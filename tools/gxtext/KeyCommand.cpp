@@ -2,17 +2,17 @@
 #include <memory>
 
 #include "Commands.h"
-#include "Effects.h"
 #include "FileIo.h"
 #include "ToolError.h"
 #include "effect/GxEffect.h"
+#include "style/EffectStack.h"
 
 namespace gxtool {
 
 // The text fill takes part, as it does once a text is rendered.
 void keyCommand(const Style& style) {
     GxFontEffect::GxEffect stack;
-    addEffects(style.effects, stack);
+    gxtext::dress(stack, style, loadPattern);
     stack.setTextOpacity(style.opacity);
     const std::unique_ptr<char[]> key(stack.getMapKey(style.color.argb));
     if (!key) throw ToolError("cannot make the key: out of memory");

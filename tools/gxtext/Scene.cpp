@@ -7,7 +7,6 @@
 #include <cmath>
 #include <string_view>
 
-#include "Effects.h"
 #include "PngIo.h"
 #include "ToolError.h"
 #include "base/GxString.h"
@@ -16,6 +15,7 @@
 #include "font/FontManager.h"
 #include "font/GxFontFamily.h"
 #include "raster/GxMath.h"
+#include "style/EffectStack.h"
 #include "text/GxLineInfo.h"
 #include "text/GxView.h"
 
@@ -168,7 +168,7 @@ Scene::Scene(const Style& style) {
     const std::wstring wide(characters.begin(), characters.end());
     if (!object_.SetText(wide.c_str())) throw ToolError("cannot set the text");
     object_.GetEffect()->setTextOpacity(style.opacity);
-    addEffects(style.effects, *object_.GetEffect());
+    gxtext::dress(*object_.GetEffect(), style, loadPattern);
 
     makeMeasurer(paint, style);
     std::copy_if(characters.begin(), characters.end(), std::back_inserter(codePoints_), needsGlyph);

@@ -1,8 +1,9 @@
 // How the program fails: a message for stderr and an exit status.
 #pragma once
 
-#include <stdexcept>
 #include <string>
+
+#include "style/Error.h"
 
 namespace gxtool {
 
@@ -13,10 +14,10 @@ enum ExitStatus : int {
 };
 
 // Thrown anywhere, caught once by run(), which prints "gxtext: " and the message.
-class ToolError : public std::runtime_error {
+class ToolError : public gxtext::Error {
 public:
     explicit ToolError(const std::string& message, ExitStatus status = kFailure)
-        : std::runtime_error(message), status(status) {}
+        : gxtext::Error(message), status(status) {}
 
     ExitStatus status;
 };

@@ -90,7 +90,7 @@ public class TextStyleTest {
                 + "{\"type\": \"outerShadow\"}, {\"type\": \"innerShadow\"},"
                 + "{\"type\": \"outerGlow\"}, {\"type\": \"linearGradient\","
                 + "\"stops\": [{\"color\": \"#FF0000\", \"position\": 0.5}]}]}").getEffects();
-        // The defaults of tools/gxtext/style.schema.json.
+        // The defaults of src/style/style.schema.json.
         assertEquals("{\"type\":\"stroke\",\"size\":2,\"color\":\"#000000\","
                 + "\"position\":\"outside\",\"opacity\":1}", read.get(0).toString());
         assertEquals("{\"type\":\"outerShadow\",\"angle\":120,\"distance\":5,\"size\":5,"

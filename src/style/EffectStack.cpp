@@ -1,0 +1,129 @@
+#include "style/EffectStack.h"
+
+#include <new>
+#include <vector>
+
+#include "effect/GxEffect.h"
+
+namespace gxtext {
+
+namespace {
+
+using namespace GxFontEffect;
+
+float faded(float opacity, Color color) {
+    return opacity * (static_cast<float>(color.argb >> 24) / 255.0f);
+}
+
+std::vector<GxGradient> stopsOf(const Effect& effect) {
+    std::vector<GxGradient> stops;
+    for (const Stop& stop : effect.stops) {
+        stops.push_back({stop.color.argb, faded(stop.opacity, stop.color), stop.position});
+    }
+    return stops;
+}
+
+using AddRelief = decltype(&GxEffect::addBevelText);
+
+int addRelief(const Effect& e, int kind, GxEffect& stack, AddRelief add) {
+    return (stack.*add)(kind, e.size, e.depth, static_cast<int>(e.technique),
+                        static_cast<int>(e.direction), e.soften, e.opacity, e.angle, e.altitude,
+                        e.highlightColor.argb, faded(e.highlightOpacity, e.highlightColor),
+                        e.shadowColor.argb, faded(e.shadowOpacity, e.shadowColor));
+}
+
+// All but patterns.
+int add(const Effect& e, GxEffect& stack) {
+    const uint32_t color = e.color.argb;
+    const float opacity = faded(e.opacity, e.color);
+    const std::vector<GxGradient> stops = stopsOf(e);
+    const int stopCount = static_cast<int>(stops.size());
+    constexpr int kNoCap = 0;  // no filter reads it
+    switch (e.type) {
+        case EffectType::kStroke:
+            return stack.addStrokeText(e.size, color, opacity, kNoCap,
+                                       static_cast<int>(e.position));
+        case EffectType::kOuterShadow:
+            return stack.addOuterShadowText(e.angle, e.distance, e.size, color, opacity);
+        case EffectType::kInnerShadow:
+            return stack.addInnerShadowText(e.angle, e.distance, e.size, color, opacity);
+        case EffectType::kOuterGlow:
+            return stack.addOuterGlowText(e.size, color, opacity, stopCount, stops.data());
+        case EffectType::kInnerGlow:
+            return stack.addInnerGlowText(e.size, color, opacity, stopCount, stops.data());
+        case EffectType::kLinearGradient:
+            return stack.addLinearGradientText(e.angle, e.scale, e.opacity, stopCount,
+                                               stops.data());
+        case EffectType::kRadialGradient:
+            return stack.addRadialGradientText(e.scale, e.opacity, stopCount, stops.data());
+        case EffectType::kBevel:
+            return addRelief(e, static_cast<int>(e.bevelKind), stack, &GxEffect::addBevelText);
+        case EffectType::kEmboss:
+            return addRelief(e, static_cast<int>(e.embossKind), stack, &GxEffect::addEmbossText);
+        case EffectType::kPattern:
+            break;
+    }
+    return -1;
+}
+
+GxBitmap load(const Style& style, size_t index, const PatternLoader& loadPattern) {
+    try {
+        if (!loadPattern) throw Error("there is nothing that loads patterns");
+        return loadPattern(style.folder() / style.effects[index].pattern);
+    } catch (const Error& error) {
+        throw StyleError(style.source.string(),
+                         {"$.effects[" + std::to_string(index) + "].pattern", error.what(), ""});
+    }
+}
+
+// Style numbers of the stack (GXE_STYLE_...).
+int stackStyle(EffectType type) {
+    switch (type) {
+        case EffectType::kStroke:
+            return GXE_STYLE_STROKE;
+        case EffectType::kOuterShadow:
+            return GXE_STYLE_OUTER_SHADOW;
+        case EffectType::kInnerShadow:
+            return GXE_STYLE_INNER_SHADOW;
+        case EffectType::kOuterGlow:
+            return GXE_STYLE_OUTER_GLOW;
+        case EffectType::kInnerGlow:
+            return GXE_STYLE_INNER_GLOW;
+        case EffectType::kLinearGradient:
+            return GXE_STYLE_LINEAR_GRADIENT;
+        case EffectType::kRadialGradient:
+            return GXE_STYLE_RADIAL_GRADIENT;
+        case EffectType::kPattern:
+            return GXE_STYLE_PATTERN;
+        case EffectType::kBevel:
+            return GXE_STYLE_BEVEL;
+        case EffectType::kEmboss:
+            return GXE_STYLE_EMBOSS;
+    }
+    return GXE_STYLE_BASE;
+}
+
+bool hasFilter(GxEffect& stack, EffectType type) {
+    GxECoreBase* core = stack.createEffect(0, stackStyle(type));
+    const bool has = core != nullptr;
+    stack.releaseEffect(core);
+    return has;
+}
+
+}  // namespace
+
+void dress(GxEffect& stack, const Style& style, const PatternLoader& loadPattern) {
+    for (size_t i = 0; i < style.effects.size(); i++) {
+        const Effect& effect = style.effects[i];
+        int id = -1;
+        if (effect.type == EffectType::kPattern) {
+            GxBitmap pattern = load(style, i, loadPattern);
+            id = stack.addPatternText(&pattern, effect.scale, effect.opacity);
+        } else {
+            id = add(effect, stack);
+        }
+        if (id < 0 && hasFilter(stack, effect.type)) throw std::bad_alloc();
+    }
+}
+
+}  // namespace gxtext
