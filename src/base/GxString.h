@@ -28,8 +28,9 @@ class GxStringImpl;
 // throws.
 //
 // Arguments are borrowed and may be the string itself or its own characters. Set, Append and Insert
-// take a GxString that is unconstructed or has no text for null. Narrow text is UTF-8 whatever the
-// process locale is; malformed bytes end the text there, silently.
+// take a GxString that is unconstructed or has no text for null. Narrow text is UTF-8, the same in
+// every locale and on every C library: what is not the shortest form of a code point below U+110000
+// other than a surrogate ends the text there, silently.
 //
 // Lengths and positions count wide characters. Not locked: one string is used from one thread at a
 // time.
@@ -115,7 +116,7 @@ public:
     uint16_t* GetUTF16() const;
 
 private:
-    static const wchar_t* TextOf(const GxString* string);
+    static const GxStringImpl* TextOf(const GxString* string);
 
     std::unique_ptr<GxStringImpl> impl_;
 };

@@ -22,6 +22,7 @@
 #include "base/GxString.h"
 #include "base/List.h"
 #include "base/NativeError.h"
+#include "base/Unicode.h"
 #include "effect/GxEffect.h"
 #include "font/FontManager.h"
 #include "raster/GxBitmap.h"
@@ -82,24 +83,14 @@ void clearLineInfoList(List& lines) {
 // --- scripts of a text
 // ----------------------------------------------------------------------------------------
 
-constexpr bool isLead(uint32_t unit) {
-    return unit >= 0xD800 && unit <= 0xDBFF;
-}
-constexpr bool isTrail(uint32_t unit) {
-    return unit >= 0xDC00 && unit <= 0xDFFF;
-}
-constexpr bool isSurrogate(uint32_t unit) {
-    return unit >= 0xD800 && unit <= 0xDFFF;
-}
-
 // Code point at `position`, which moves past it. A lone surrogate is U+FFFD.
 uint32_t nextCodePoint(const uint16_t* text, int length, int& position) {
     constexpr uint32_t kPairOffset = 0x35FDC00;  // (0xD800 << 10) + 0xDC00 - 0x10000
     const uint32_t unit = text[position++];
-    if (isLead(unit) && position < length && isTrail(text[position])) {
+    if (IsLeadSurrogate(unit) && position < length && IsTrailSurrogate(text[position])) {
         return (unit << 10) + text[position++] - kPairOffset;
     }
-    return isSurrogate(unit) ? 0xFFFD : unit;
+    return IsSurrogate(unit) ? 0xFFFD : unit;
 }
 
 hb_script_t scriptOf(uint32_t codePoint) {

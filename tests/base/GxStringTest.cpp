@@ -355,21 +355,41 @@ TEST(GxString, OddCodePointsInUtf8AndUtf16) {
     EXPECT_EQ(utf16(*Text(L"a\u20ac").get()), (std::vector<uint16_t>{'a', 0x20AC, 0}));
 }
 
-TEST(GxString, ReadsUtf8UpToTheFirstMalformedByteInAnyLocale) {
+TEST(GxString, EveryCodePointMakesTheWayToUtf8AndBackInAnyLocale) {
     ASSERT_STREQ(std::setlocale(LC_CTYPE, nullptr), "C");
-    for (auto [bytes, expected] : {std::pair{"ab\xFF"
-                                             "cd",
-                                             L"ab"},
-                                   {"a\xE4\xB8", L"a"},
-                                   {"\xC3\xA9\xED\xA0\x80x", L"\u00e9"},
-                                   {"\x80", L""},
-                                   {"", L""}}) {
-        GxString s;
-        expectSilence([&, text = bytes] { EXPECT_TRUE(s.Construct(text)); });
-        EXPECT_STREQ(s.GetPointer(), expected);
+    for (uint32_t c = 1; c <= 0x10FFFF; c++) {
+        if (c == 0xD800) c = 0xE000;
+        const wchar_t wide[] = {L'<', static_cast<wchar_t>(c), L'>', 0};
+        const std::string bytes = utf8(*Text(wide).get());
+        GxString back;
+        ASSERT_TRUE(back.Construct(bytes.c_str()));
+        ASSERT_STREQ(back.GetPointer(), wide) << std::hex << c;
     }
-    const wchar_t surrogate[] = {L'a', static_cast<wchar_t>(0xD800), L'b', 0};
-    EXPECT_EQ(utf8(*Text(surrogate).get()), "a");
+    EXPECT_EQ(utf8(*Text(L"\uFFFE\uFFFF").get()), "\xEF\xBF\xBE\xEF\xBF\xBF");
+}
+
+TEST(GxString, WhatIsNoUtf8EndsTheText) {
+    const char* const malformed[] = {"\xFF",
+                                     "\x80",
+                                     "\xE4\xB8",
+                                     "\xE4\xB8<",
+                                     "\xC0\x80",               // overlong
+                                     "\xE0\x9F\xBF",           // overlong
+                                     "\xF0\x8F\xBF\xBF",       // overlong
+                                     "\xED\xA0\x80",           // U+D800
+                                     "\xED\xBF\xBF",           // U+DFFF
+                                     "\xF4\x90\x80\x80",       // U+110000
+                                     "\xF8\x88\x80\x80\x80"};  // five bytes
+    for (const std::string bytes : malformed) {
+        GxString s;
+        expectSilence([&] { EXPECT_TRUE(s.Construct(("\xC3\xA9" + bytes + "x").c_str())); });
+        EXPECT_STREQ(s.GetPointer(), L"\u00e9") << testing::PrintToString(bytes);
+        EXPECT_EQ(s.GetLength(), 1);
+    }
+    for (const uint32_t c : {0xD800u, 0xDFFFu, 0x110000u, 0x7FFFFFFFu, 0xFFFFFFFFu}) {
+        const wchar_t wide[] = {L'\u00e9', static_cast<wchar_t>(c), L'x', 0};
+        EXPECT_EQ(utf8(*Text(wide).get()), "\xC3\xA9") << std::hex << c;
+    }
 }
 
 TEST(GxString, SurvivesEveryFailedAllocation) {
