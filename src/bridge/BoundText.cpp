@@ -29,22 +29,22 @@ std::optional<jint> ReadHandle(JNIEnv* env, jobject javaText) {
     return env->GetIntField(javaText, field);
 }
 
-GxTextObject* GetBoundTextObject(JNIEnv* env, jobject javaText) {
+BoundText GetBoundTextObject(JNIEnv* env, jobject javaText) {
     const jfieldID field = HandleField(env, javaText);
-    if (!field) return nullptr;
+    if (!field) return {};
     const jint handle = env->GetIntField(javaText, field);
-    if (handle >= 0) return GxTextObject::FindGxTextObject(handle);
+    if (handle >= 0) return BoundText(handle);
 
     __android_log_print(ANDROID_LOG_DEBUG, kTextTag, "GetBoundTextObject - hande = 0");
     auto text = std::make_unique<GxTextObject>();
-    if (!text->Construct()) return nullptr;
-    GxTextInstanceManager::Bind(text.get());
-    env->SetIntField(javaText, field, text->GetRuntimeHandle());
-    return text.release();  // the registry's from here on
+    if (!text->Construct() || !GxTextInstanceManager::Bind(text.get())) return {};
+    BoundText bound(text.release()->GetRuntimeHandle());  // the registry's from here on
+    env->SetIntField(javaText, field, bound->GetRuntimeHandle());
+    return bound;
 }
 
-GxTextObject* RequireBoundTextObject(JNIEnv* env, jobject javaText, int site) {
-    GxTextObject* const text = GetBoundTextObject(env, javaText);
+BoundText RequireBoundTextObject(JNIEnv* env, jobject javaText, int site) {
+    BoundText text = GetBoundTextObject(env, javaText);
     if (!text) ReportNativeError(kTextTag, GXE_ERROR_NOT_BOUND, site);
     return text;
 }

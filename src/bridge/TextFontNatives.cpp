@@ -56,7 +56,7 @@ FontBytes ReadAsset(AAsset* asset) {
 }  // namespace
 
 jboolean GxText_SetFont(JNIEnv* env, jobject self, jstring path) {
-    GxTextObject* const text = RequireBoundTextObject(env, self, kSiteFont);
+    const BoundText text = RequireBoundTextObject(env, self, kSiteFont);
     if (!text) return false;
     const UtfChars chars(env, path);
     if (!chars) return Fail("GxText_SetFont() - Fail to get fontFile string");
@@ -64,7 +64,7 @@ jboolean GxText_SetFont(JNIEnv* env, jobject self, jstring path) {
 }
 
 jboolean GxText_SetFontFamilyName(JNIEnv* env, jobject self, jstring name) {
-    GxTextObject* const text = RequireBoundTextObject(env, self, kSiteFamilyName);
+    const BoundText text = RequireBoundTextObject(env, self, kSiteFamilyName);
     if (!text) return false;
     const UtfChars chars(env, name);
     if (!chars) return Fail("GxText_SetFontFamilyName() - Fail to get familyName string");
@@ -72,7 +72,7 @@ jboolean GxText_SetFontFamilyName(JNIEnv* env, jobject self, jstring name) {
 }
 
 jboolean GxText_SetFont2(JNIEnv* env, jobject self, jstring name, jbyteArray data) {
-    GxTextObject* const text = RequireBoundTextObject(env, self, kSiteFontBytes);
+    const BoundText text = RequireBoundTextObject(env, self, kSiteFontBytes);
     if (!text) return false;
     if (!name) return Fail("GxText_SetFont2() - fontName is NULL");
     if (!data) return Fail("GxText_SetFont2() - buffer is NULL");
@@ -85,7 +85,7 @@ jboolean GxText_SetFont2(JNIEnv* env, jobject self, jstring name, jbyteArray dat
 }
 
 jboolean GxText_SetFont3(JNIEnv* env, jobject self, jobject assetManager, jstring name) {
-    GxTextObject* const text = RequireBoundTextObject(env, self, kSiteFontAsset);
+    const BoundText text = RequireBoundTextObject(env, self, kSiteFontAsset);
     if (!text) return false;
     if (!assetManager) return Fail("GxText_SetFont3() - assetManager is NULL");
     if (!name) return Fail("GxText_SetFont3() - fontName is NULL");

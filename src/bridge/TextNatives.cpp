@@ -36,17 +36,18 @@ enum Site : int {
     kSiteBottomOffset = 12,
 };
 
-// The effect stack that an effect is to be added to; null is logged.
-GxEffect* EffectOf(JNIEnv* env, jobject self, Site site, const char* noEffectMessage) {
-    const GxTextObject* text = RequireBoundTextObject(env, self, site);
-    if (!text) return nullptr;
-    GxEffect* const effect = text->GetEffect();
-    if (!effect) __android_log_print(ANDROID_LOG_ERROR, kTextTag, "%s", noEffectMessage);
-    return effect;
+// What `add` answers for the effect stack; -1 without one, which is logged.
+template <typename Add>
+jint AddEffect(JNIEnv* env, jobject self, Site site, const char* noEffectMessage, Add add) {
+    const BoundText text = RequireBoundTextObject(env, self, site);
+    if (!text) return -1;
+    if (GxEffect* const effect = text->GetEffect()) return add(*effect);
+    __android_log_print(ANDROID_LOG_ERROR, kTextTag, "%s", noEffectMessage);
+    return -1;
 }
 
 jint MarginOf(JNIEnv* env, jobject self, Site site, int (GxEffect::*margin)() const) {
-    const GxTextObject* text = RequireBoundTextObject(env, self, site);
+    const BoundText text = RequireBoundTextObject(env, self, site);
     const GxEffect* effect = text ? text->GetEffect() : nullptr;
     return effect ? (effect->*margin)() : 0;
 }
@@ -122,16 +123,16 @@ jintArray NewIntArray(JNIEnv* env, const jint* values, jsize count) {
 void GxText_finalize(JNIEnv* env, jobject self) {
     const std::optional<jint> handle = ReadHandle(env, self);
     if (!handle || *handle < 0) return;
-    GxTextObject* const text = GxTextObject::FindGxTextObject(*handle);
+    const BoundText text(*handle);
     if (!text) return;
     __android_log_print(ANDROID_LOG_DEBUG, kTextTag, "finalize : RH %d", text->GetRuntimeHandle());
-    GxTextInstanceManager::Release(text, true);
+    GxTextInstanceManager::Release(text.get(), true);
 }
 
 void GxText_ClearAllTextEffect(JNIEnv* env, jobject self) {
     const std::optional<jint> handle = ReadHandle(env, self);
     if (handle && *handle < 0) return;
-    const GxTextObject* text = handle ? GxTextObject::FindGxTextObject(*handle) : nullptr;
+    const BoundText text = handle ? BoundText(*handle) : BoundText();
     if (!text) {
         ReportNativeError(kTextTag, GXE_ERROR_NOT_BOUND, kSiteClear);
     } else if (GxEffect* const effect = text->GetEffect()) {
@@ -141,50 +142,53 @@ void GxText_ClearAllTextEffect(JNIEnv* env, jobject self) {
 
 jint GxText_AddInnerShadowTextEffect(JNIEnv* env, jobject self, jfloat angle, jfloat distance,
                                      jfloat size, jint color, jfloat opacity) {
-    GxEffect* const effect =
-        EffectOf(env, self, kSiteInnerShadow, "GxText_AddInnerShadowTextEffect() effect is NULL");
-    if (!effect) return -1;
-    return effect->addInnerShadowText(angle, distance, size, Color(color), opacity);
+    return AddEffect(env, self, kSiteInnerShadow,
+                     "GxText_AddInnerShadowTextEffect() effect is NULL", [=](GxEffect& effect) {
+                         return effect.addInnerShadowText(angle, distance, size, Color(color),
+                                                          opacity);
+                     });
 }
 
 jint GxText_AddOuterShadowTextEffect(JNIEnv* env, jobject self, jfloat angle, jfloat distance,
                                      jfloat size, jint color, jfloat opacity) {
-    GxEffect* const effect =
-        EffectOf(env, self, kSiteOuterShadow, "GxText_AddOuterShadowTextEffect() effect is NULL");
-    if (!effect) return -1;
-    return effect->addOuterShadowText(angle, distance, size, Color(color), opacity);
+    return AddEffect(env, self, kSiteOuterShadow,
+                     "GxText_AddOuterShadowTextEffect() effect is NULL", [=](GxEffect& effect) {
+                         return effect.addOuterShadowText(angle, distance, size, Color(color),
+                                                          opacity);
+                     });
 }
 
 jint GxText_AddOuterGlowTextEffect(JNIEnv* env, jobject self, jfloat size, jint color,
                                    jfloat opacity) {
-    GxEffect* const effect =
-        EffectOf(env, self, kSiteOuterGlow, "GxText_AddOuterGlowTextEffect() - Effect is NULL");
-    if (!effect) return -1;
-    return effect->addOuterGlowText(size, Color(color), opacity, 0, nullptr);
+    return AddEffect(env, self, kSiteOuterGlow, "GxText_AddOuterGlowTextEffect() - Effect is NULL",
+                     [=](GxEffect& effect) {
+                         return effect.addOuterGlowText(size, Color(color), opacity, 0, nullptr);
+                     });
 }
 
 jint GxText_AddStrokeTextEffect(JNIEnv* env, jobject self, jfloat size, jint color, jfloat opacity,
                                 jint cap, jint position) {
-    GxEffect* const effect =
-        EffectOf(env, self, kSiteStroke, "GxText_AddStrokeTextEffect() effect is NULL");
-    if (!effect) return -1;
-    return effect->addStrokeText(size, Color(color), opacity, cap, position);
+    return AddEffect(env, self, kSiteStroke, "GxText_AddStrokeTextEffect() effect is NULL",
+                     [=](GxEffect& effect) {
+                         return effect.addStrokeText(size, Color(color), opacity, cap, position);
+                     });
 }
 
 jint GxText_AddLinearGradientTextEffect(JNIEnv* env, jobject self, jfloat angle, jfloat scale,
                                         jintArray colors, jfloatArray opacities,
                                         jfloatArray positions, jfloat opacity) {
-    GxEffect* const effect = EffectOf(env, self, kSiteLinearGradient,
-                                      "GxText_AddLinearGradientTextEffect() effect is NULL");
-    if (!effect || !colors || !opacities || !positions) return -1;
-    const auto stops = GradientStops(env, colors, opacities, positions);
-    if (!stops) return -1;
-    return effect->addLinearGradientText(angle, scale, opacity, static_cast<int>(stops->size()),
-                                         stops->data());
+    return AddEffect(env, self, kSiteLinearGradient,
+                     "GxText_AddLinearGradientTextEffect() effect is NULL", [=](GxEffect& effect) {
+                         if (!colors || !opacities || !positions) return -1;
+                         const auto stops = GradientStops(env, colors, opacities, positions);
+                         if (!stops) return -1;
+                         return effect.addLinearGradientText(
+                             angle, scale, opacity, static_cast<int>(stops->size()), stops->data());
+                     });
 }
 
 jintArray GxText_RenderTextEffect(JNIEnv* env, jobject self) {
-    GxTextObject* const text = RequireBoundTextObject(env, self, kSiteRender);
+    const BoundText text = RequireBoundTextObject(env, self, kSiteRender);
     if (!text) return nullptr;
     GxView* const view = text->GetView();
     const GxEffect* effect = text->GetEffect();
@@ -209,7 +213,7 @@ jintArray GxText_RenderTextEffect(JNIEnv* env, jobject self) {
 }
 
 jintArray GxText_GetDrawingBitmapSize(JNIEnv* env, jobject self) {
-    const GxTextObject* text = RequireBoundTextObject(env, self, kSiteBitmapSize);
+    const BoundText text = RequireBoundTextObject(env, self, kSiteBitmapSize);
     const GxView* view = text ? text->GetView() : nullptr;
     if (!view) return nullptr;
     const GxView::BitmapSize* size = view->GetDrawingBitmapSize();

@@ -345,7 +345,7 @@ bool SetLines(GxTextObject& text, const std::vector<GxLineInfo>& lines) {
 }  // namespace
 
 jboolean GxText_SetPaint(JNIEnv* env, jobject self, jobject javaPaint) {
-    GxTextObject* const text = RequireBoundTextObject(env, self, kSitePaint);
+    const BoundText text = RequireBoundTextObject(env, self, kSitePaint);
     if (!text) return false;
     JavaMethods methods;
     if (!ResolveAll(env, javaPaint, kPaintMethods, methods, "Java function ")) return false;
@@ -360,7 +360,7 @@ jboolean GxText_SetPaint(JNIEnv* env, jobject self, jobject javaPaint) {
 }
 
 jboolean GxText_SetView(JNIEnv* env, jobject self, jobject javaView) {
-    GxTextObject* const text = RequireBoundTextObject(env, self, kSiteView);
+    const BoundText text = RequireBoundTextObject(env, self, kSiteView);
     GxView* const view = text ? text->GetView() : nullptr;
     if (!view) return false;
     JavaMethods methods;
@@ -388,7 +388,7 @@ jboolean GxText_SetView(JNIEnv* env, jobject self, jobject javaView) {
 }
 
 jboolean GxText_SetLine(JNIEnv* env, jobject self, jint line) {
-    GxTextObject* const text = RequireBoundTextObject(env, self, kSiteLine);
+    const BoundText text = RequireBoundTextObject(env, self, kSiteLine);
     GxView* const view = text ? text->GetView() : nullptr;
     if (!view) return false;
     view->lineLimit = line;
@@ -396,7 +396,7 @@ jboolean GxText_SetLine(JNIEnv* env, jobject self, jint line) {
 }
 
 jboolean GxText_SetLayout(JNIEnv* env, jobject self, jobject javaLayout) {
-    GxTextObject* const text = RequireBoundTextObject(env, self, kSiteLayout);
+    const BoundText text = RequireBoundTextObject(env, self, kSiteLayout);
     const GxView* view = text ? text->GetView() : nullptr;
     if (!view) return false;
     const int handle = text->GetRuntimeHandle();

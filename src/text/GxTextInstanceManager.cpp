@@ -2,6 +2,7 @@
 
 #include <android/log.h>
 
+#include <algorithm>
 #include <climits>
 #include <list>
 #include <map>
@@ -24,7 +25,18 @@ enum Site : int {
     kSiteRegisterMemory = 202,
     kSiteBindNull = 203,
     kSiteBindMemory = 204,
-    kSiteReleaseMemory = 205,
+};
+
+struct Registered {
+    GxTextObject* object;
+    int holds;
+};
+
+struct Binding {
+    int count;
+    // The object's place among those that wait, made beforehand: no release fails for want of
+    // memory.
+    std::list<GxTextObject*> place;
 };
 
 struct Registry {
@@ -34,9 +46,9 @@ struct Registry {
     void (*releaseCallback)(GxTextObject*) = nullptr;
     bool deferDeletion = false;
     int lastHandle = 0;
-    std::map<int, GxTextObject*> handleToObject;
+    std::map<int, Registered> handleToObject;
     std::map<GxTextObject*, int> objectToHandle;
-    std::map<GxTextObject*, int> bindCount;
+    std::map<GxTextObject*, Binding> bindCount;
     std::list<GxTextObject*> pendingRelease;
 };
 
@@ -58,7 +70,7 @@ int AddObject(Registry& registry, GxTextObject* object) {
     if (registry.lastHandle == INT_MAX) return -1;
     const int handle = registry.lastHandle + 1;
     try {
-        registry.handleToObject.emplace(handle, object);
+        registry.handleToObject.emplace(handle, Registered{object, 0});
         registry.objectToHandle.emplace(object, handle);
     } catch (const std::bad_alloc&) {
         registry.handleToObject.erase(handle);
@@ -68,18 +80,23 @@ int AddObject(Registry& registry, GxTextObject* object) {
     return handle;
 }
 
-// The object has lost its last binding.
-bool DeleteOrDefer(Registry& registry, GxTextObject* object) {
-    if (!registry.deferDeletion) {
-        if (registry.releaseCallback) registry.releaseCallback(object);
-        return true;
-    }
-    try {
-        registry.pendingRelease.push_back(object);
-        return true;
-    } catch (const std::bad_alloc&) {
-        return ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, kSiteReleaseMemory);
-    }
+Registered* Find(Registry& registry, int handle) {
+    const auto known = registry.handleToObject.find(handle);
+    if (known != registry.handleToObject.end()) return &known->second;
+    __android_log_print(ANDROID_LOG_DEBUG, kTag, "FindGxTextObject() - Can't find the handle[%d]",
+                        handle);
+    return nullptr;
+}
+
+bool IsHeld(const Registry& registry, GxTextObject* object) {
+    const auto handle = registry.objectToHandle.find(object);
+    if (handle == registry.objectToHandle.end()) return false;
+    const auto registered = registry.handleToObject.find(handle->second);
+    return registered != registry.handleToObject.end() && registered->second.holds > 0;
+}
+
+void Delete(Registry& registry, GxTextObject* object) {
+    if (registry.releaseCallback) registry.releaseCallback(object);
 }
 
 }  // namespace
@@ -109,30 +126,27 @@ void GxTextInstanceManager::Unregister(int handle) {
     const MutexGuard guard(registry.lock);
     const auto known = registry.handleToObject.find(handle);
     if (known == registry.handleToObject.end()) return;
-    registry.objectToHandle.erase(known->second);
+    registry.objectToHandle.erase(known->second.object);
     registry.handleToObject.erase(known);
 }
 
-void GxTextInstanceManager::Bind(GxTextObject* object) {
+bool GxTextInstanceManager::Bind(GxTextObject* object) {
     Registry& registry = TheRegistry();
     const MutexGuard guard(registry.lock);
-    if (!object) {
-        ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, kSiteBindNull);
-        return;
-    }
+    if (!object) return ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, kSiteBindNull);
     const auto bound = registry.bindCount.find(object);
     if (bound != registry.bindCount.end()) {
-        LogBind(object, ++bound->second);
-        return;
+        LogBind(object, ++bound->second.count);
+        return true;
     }
     try {
-        registry.bindCount.emplace(object, 1);
+        registry.bindCount.emplace(object, Binding{1, {object}});
     } catch (const std::bad_alloc&) {
-        ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, kSiteBindMemory);
-        return;
+        return ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, kSiteBindMemory);
     }
     registry.pendingRelease.remove(object);
     LogBind(object, 1);
+    return true;
 }
 
 bool GxTextInstanceManager::Release(GxTextObject* object, bool deleteAtZero) {
@@ -142,11 +156,12 @@ bool GxTextInstanceManager::Release(GxTextObject* object, bool deleteAtZero) {
     if (bound == registry.bindCount.end()) {
         return ReportNativeError(kTag, GXE_ERROR_NOT_FOUND, kSiteRelease);
     }
-    const int before = bound->second--;
+    const int before = bound->second.count--;
     if (before != 1 || !deleteAtZero) return true;
-    if (!DeleteOrDefer(registry, object)) {
-        bound->second = before;
-        return false;
+    if (registry.deferDeletion || IsHeld(registry, object)) {
+        registry.pendingRelease.splice(registry.pendingRelease.end(), bound->second.place);
+    } else {
+        Delete(registry, object);
     }
     // By key: the callback may have released other bindings, and this one too.
     registry.bindCount.erase(object);
@@ -157,7 +172,7 @@ bool GxTextInstanceManager::Release(int handle) {
     Registry& registry = TheRegistry();
     const MutexGuard guard(registry.lock);
     const auto known = registry.handleToObject.find(handle);
-    if (known != registry.handleToObject.end()) return Release(known->second, true);
+    if (known != registry.handleToObject.end()) return Release(known->second.object, true);
     return ReportNativeError(kTag, GXE_ERROR_NOT_FOUND, kSiteReleaseHandle);
 }
 
@@ -171,12 +186,41 @@ void GxTextInstanceManager::Unlock() {
     Registry& registry = TheRegistry();
     const MutexGuard guard(registry.lock);
     // One by one: a callback may rescue an object that still waits, or add another to the line.
-    while (!registry.pendingRelease.empty()) {
-        GxTextObject* object = registry.pendingRelease.front();
-        registry.pendingRelease.pop_front();
-        if (registry.releaseCallback) registry.releaseCallback(object);
+    std::list<GxTextObject*>& pending = registry.pendingRelease;
+    for (;;) {
+        const auto next =
+            std::find_if_not(pending.begin(), pending.end(),
+                             [&](GxTextObject* object) { return IsHeld(registry, object); });
+        if (next == pending.end()) break;
+        GxTextObject* object = *next;
+        pending.erase(next);
+        Delete(registry, object);
     }
     registry.deferDeletion = false;
+}
+
+GxTextObject* GxTextInstanceManager::Hold(int handle) {
+    Registry& registry = TheRegistry();
+    const MutexGuard guard(registry.lock);
+    Registered* const found = Find(registry, handle);
+    if (!found) return nullptr;
+    found->holds++;
+    return found->object;
+}
+
+void GxTextInstanceManager::LetGo(int handle) {
+    Registry& registry = TheRegistry();
+    const MutexGuard guard(registry.lock);
+    // Gone when its owner deleted it in spite of the hold.
+    const auto held = registry.handleToObject.find(handle);
+    if (held == registry.handleToObject.end() || held->second.holds == 0) return;
+    if (--held->second.holds > 0 || registry.deferDeletion) return;
+    std::list<GxTextObject*>& pending = registry.pendingRelease;
+    GxTextObject* object = held->second.object;
+    const auto waiting = std::find(pending.begin(), pending.end(), object);
+    if (waiting == pending.end()) return;
+    pending.erase(waiting);
+    Delete(registry, object);
 }
 
 int GxTextInstanceManager::FindGxTextHandle(GxTextObject* object) {
@@ -189,11 +233,8 @@ int GxTextInstanceManager::FindGxTextHandle(GxTextObject* object) {
 GxTextObject* GxTextInstanceManager::FindGxTextObject(int handle) {
     Registry& registry = TheRegistry();
     const MutexGuard guard(registry.lock);
-    const auto known = registry.handleToObject.find(handle);
-    if (known != registry.handleToObject.end()) return known->second;
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "FindGxTextObject() - Can't find the handle[%d]",
-                        handle);
-    return nullptr;
+    const Registered* found = Find(registry, handle);
+    return found ? found->object : nullptr;
 }
 
 }  // namespace GxFontEffect

@@ -134,6 +134,43 @@ TEST_F(GxTextInstanceManagerTest, LockDefersDeletionAndBindRescues) {
     EXPECT_EQ(deleted.size(), 3u) << "no longer deferred";
 }
 
+TEST_F(GxTextInstanceManagerTest, AHeldObjectIsDeletedWhenTheLastLetsGo) {
+    Dummy a, b;
+    const int handle = Registry::Register(a);
+    Registry::Bind(a);
+    const gxtest::LogCapture log;
+    EXPECT_EQ(Registry::Hold(handle), a.object());
+    EXPECT_TRUE(Registry::Release(a, true));
+    EXPECT_TRUE(deleted.empty());
+    EXPECT_EQ(Registry::Hold(handle), a.object()) << "found as long as it is there";
+    Registry::LetGo(handle);
+    EXPECT_TRUE(deleted.empty());
+    EXPECT_TRUE(log.texts().empty()) << "holding is silent";
+    EXPECT_FALSE(Registry::Release(a, true)) << "it is no binding";
+    Registry::LetGo(handle);
+    EXPECT_EQ(deleted, std::vector<GxTextObject*>{a});
+    EXPECT_EQ(Registry::Hold(handle), nullptr);
+    Registry::LetGo(handle);
+
+    const int other = Registry::Register(b);
+    Registry::Bind(b);
+    Registry::Hold(other);
+    Registry::Release(b, true);
+    Registry::Bind(b);
+    Registry::LetGo(other);
+    EXPECT_EQ(deleted.size(), 1u) << "rescued meanwhile";
+    Registry::Lock();
+    Registry::Hold(other);
+    Registry::Release(b, true);
+    Registry::LetGo(other);
+    EXPECT_EQ(deleted.size(), 1u) << "the lock still holds it back";
+    Registry::Hold(other);
+    Registry::Unlock();
+    EXPECT_EQ(deleted.size(), 1u) << "unlocked, but held";
+    Registry::LetGo(other);
+    EXPECT_EQ(deleted.size(), 2u);
+}
+
 TEST_F(GxTextInstanceManagerTest, TheCallbackMayUseTheRegistry) {
     Dummy a, b, c;
     for (GxTextObject* object : {a.object(), b.object(), c.object()}) Registry::Bind(object);
@@ -198,9 +235,20 @@ TEST_F(GxTextInstanceManagerTest, SurvivesEveryFailedAllocation) {
                   EXPECT_EQ(Registry::FindGxTextHandle(b), handle);
               }),
               2);
-    gxtest::failEachAllocation([&] { Registry::Bind(b); });
+    bool bound = true;
+    EXPECT_GT(gxtest::failEachAllocation([&] {
+                  EXPECT_TRUE(bound || Error::GetError() == 7);
+                  bound = Registry::Bind(b);
+              }),
+              0);
+    EXPECT_TRUE(bound);
     Registry::Lock();
-    gxtest::failEachAllocation([&] { Registry::Release(b, true); });
+    EXPECT_EQ(gxtest::failEachAllocation([&] {
+                  EXPECT_EQ(Registry::Hold(next), b.object());
+                  EXPECT_TRUE(Registry::Release(b, true));
+                  Registry::LetGo(next);
+              }),
+              0);
     Registry::Unlock();
     EXPECT_EQ(deleted, std::vector<GxTextObject*>{b});
     Registry::Unregister(next - 1);

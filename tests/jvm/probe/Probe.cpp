@@ -2,8 +2,8 @@
 //
 // It is preloaded, so that what it defines comes before what the library is linked to: it records
 // the log and makes allocations fail. It also stands between the library and JNI on the thread that
-// installed it, to hide classes and methods, to make functions fail and to count what is taken and
-// given back; and it tells what a text object holds.
+// installed it, to hide classes and methods, to make functions fail, to step in where Java code may
+// run and to count what is taken and given back; and it tells what a text object holds.
 #include <android/log.h>
 #include <dlfcn.h>
 #include <hwui/Paint.h>
@@ -99,13 +99,30 @@ jint JNICALL registerNatives(JNIEnv* env, jclass type, const JNINativeMethod* me
     return real->RegisterNatives(env, type, methods, count);
 }
 
+// What runs in the place of the application's code when a native reaches Java.
+struct Interruption {
+    jobject action = nullptr;  // a Runnable, global
+    int reachesLeft = 0;       // before it runs; 0 while none shall
+
+    void reach(JNIEnv* env) {
+        if (reachesLeft == 0 || --reachesLeft > 0) return;
+        const Uncounted uncounted;
+        jclass runnable = real->FindClass(env, "java/lang/Runnable");
+        real->CallVoidMethod(env, action, real->GetMethodID(env, runnable, "run", "()V"));
+        real->ExceptionCheck(env);  // the runtime's checks want it asked; the native asks as well
+        real->DeleteLocalRef(env, runnable);
+    }
+} interruption;
+
 // A name that no class has stands in for a hidden one.
 const char* nameUnlessHidden(const char* name, const char* instead) {
     const Uncounted uncounted;
     return hidden.count(name) ? instead : name;
 }
 
+// Lookups may load and initialise a class, which runs code of that class and of its loader.
 jmethodID JNICALL getMethodId(JNIEnv* env, jclass type, const char* name, const char* signature) {
+    interruption.reach(env);
     return real->GetMethodID(env, type, nameUnlessHidden(name, "hidden"), signature);
 }
 jmethodID JNICALL getStaticMethodId(JNIEnv* env, jclass type, const char* name,
@@ -113,10 +130,27 @@ jmethodID JNICALL getStaticMethodId(JNIEnv* env, jclass type, const char* name,
     return real->GetStaticMethodID(env, type, nameUnlessHidden(name, "hidden"), signature);
 }
 jfieldID JNICALL getFieldId(JNIEnv* env, jclass type, const char* name, const char* signature) {
+    interruption.reach(env);
     return real->GetFieldID(env, type, nameUnlessHidden(name, "hidden"), signature);
 }
 jclass JNICALL findClass(JNIEnv* env, const char* name) {
+    interruption.reach(env);
     return real->FindClass(env, nameUnlessHidden(name, "hidden/Class"));
+}
+
+#define GX_HOOK_CALL(Type, type)                                                            \
+    type JNICALL call##Type(JNIEnv* env, jobject object, jmethodID method, va_list given) { \
+        interruption.reach(env);                                                            \
+        return real->Call##Type##MethodV(env, object, method, given);                       \
+    }
+GX_HOOK_CALL(Object, jobject)
+GX_HOOK_CALL(Boolean, jboolean)
+GX_HOOK_CALL(Int, jint)
+GX_HOOK_CALL(Float, jfloat)
+GX_HOOK_CALL(Void, void)
+jobject JNICALL newObject(JNIEnv* env, jclass type, jmethodID constructor, va_list given) {
+    interruption.reach(env);
+    return real->NewObjectV(env, type, constructor, given);
 }
 
 const char* JNICALL getStringChars(JNIEnv* env, jstring string, jboolean* copy) {
@@ -217,6 +251,12 @@ GX_PROBE(void, install)(JNIEnv* env, jclass) {
     hooked.GetStaticMethodID = getStaticMethodId;
     hooked.GetFieldID = getFieldId;
     hooked.FindClass = findClass;
+    hooked.CallObjectMethodV = callObject;
+    hooked.CallBooleanMethodV = callBoolean;
+    hooked.CallIntMethodV = callInt;
+    hooked.CallFloatMethodV = callFloat;
+    hooked.CallVoidMethodV = callVoid;
+    hooked.NewObjectV = newObject;
     hooked.GetStringUTFChars = getStringChars;
     hooked.ReleaseStringUTFChars = releaseStringChars;
     hooked.NewIntArray = newIntArray;
@@ -235,6 +275,17 @@ GX_PROBE(void, hide)(JNIEnv* env, jclass, jstring name) {
 
 GX_PROBE(void, failCall)(JNIEnv* env, jclass, jstring function, jint which) {
     callsLeft[utf8Of(env, function)] = which;
+}
+
+GX_PROBE(void, interrupt)(JNIEnv* env, jclass, jint which, jobject action) {
+    interruption = {env->NewGlobalRef(action), which};
+}
+
+GX_PROBE(jboolean, endInterruption)(JNIEnv* env, jclass) {
+    env->DeleteGlobalRef(interruption.action);
+    const bool reached = interruption.reachesLeft == 0;
+    interruption = {};
+    return reached;
 }
 
 GX_PROBE(void, reset)(JNIEnv*, jclass) {

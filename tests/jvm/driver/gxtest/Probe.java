@@ -18,6 +18,12 @@ final class Probe {
 
     static native void reset();
 
+    /** Runs this where a native looks up or calls something of Java the given time (1: next). */
+    static native void interrupt(int which, Runnable action);
+
+    /** Whether that place was reached; nothing is interrupted from now on. */
+    static native boolean endInterruption();
+
     /** Strings and arrays that natives have taken and not given back. */
     static native int outstanding();
 
