@@ -2,6 +2,8 @@
 
 #include <new>
 
+#include "effect/filters/GxBevel.h"
+#include "effect/filters/GxEmboss.h"
 #include "effect/filters/GxInnerGlow.h"
 #include "effect/filters/GxInnerShadow.h"
 #include "effect/filters/GxLinearGradient.h"
@@ -32,6 +34,8 @@ constexpr Entry kEffects[] = {
     {GXE_STYLE_INNER_SHADOW, make<GxInnerShadow>},
     {GXE_STYLE_OUTER_GLOW, make<GxOuterGlow>},
     {GXE_STYLE_INNER_GLOW, make<GxInnerGlow>},
+    {GXE_STYLE_BEVEL, make<GxBevel>},
+    {GXE_STYLE_EMBOSS, make<GxEmboss>},
     {GXE_STYLE_LINEAR_GRADIENT, make<GxLinearGradient>},
     {GXE_STYLE_RADIAL_GRADIENT, make<GxRadialGradient>},
     {GXE_STYLE_STROKE, make<GxStroke>},

@@ -143,8 +143,9 @@ const std::set<std::string> kExports = {
 // The effect cores and their helpers (functions begin in lower case), for callers that drive one by
 // itself.
 const std::set<std::string> kCores = {
-    "GxText",      "GxStroke",         "GxOuterShadow",    "GxInnerShadow", "GxOuterGlow",
-    "GxInnerGlow", "GxLinearGradient", "GxRadialGradient", "GxPattern",
+    "GxText",      "GxStroke",    "GxOuterShadow",    "GxInnerShadow",
+    "GxOuterGlow", "GxInnerGlow", "GxLinearGradient", "GxRadialGradient",
+    "GxPattern",   "GxBevel",     "GxEmboss",
 };
 
 TEST(LibraryFileTest, ExportsTheEntryPointAndTheClassesForNativeCallers) {

@@ -11,6 +11,7 @@
 #include "effect/GxCoreFactory.h"
 #include "effect/GxProperty.h"
 #include "effect/filters/FilterTesting.h"
+#include "raster/GxMath.h"
 #include "support/AllocationFailure.h"
 
 namespace GxFontEffect {
@@ -54,6 +55,15 @@ void give(GxECoreBase& core, Fields... fields) {
 
 constexpr uint32_t kGreen = 0xFF00FF00;
 
+// Fields are public: what the constructor would clamp can still be set.
+template <typename Record>
+void giveRelief(GxECoreBase& core, float size, float v) {
+    Record record(0, size, v, 0, 0, 2, v, v, v, kGreen, 1, kGreen, 1);
+    record.depth = record.angle = record.altitude = v;
+    record.soften = toInt(v);
+    core.setProperty(&record);
+}
+
 const Filter kFilters[] = {
     {GXE_STYLE_OUTER_SHADOW,
      [](auto& core) { give<GxOuterShadowProperty>(core, 120, 2, 2, kGreen, 1); },
@@ -71,6 +81,10 @@ const Filter kFilters[] = {
      [](auto& core, float v) {
          give<GxInnerGlowProperty>(core, v, kGreen, v, 4, stopsAt(v).data());
      }},
+    {GXE_STYLE_BEVEL, [](auto& core) { giveRelief<GxBevelProperty>(core, 3, 1); },
+     [](auto& core, float v) { giveRelief<GxBevelProperty>(core, v, v); }},
+    {GXE_STYLE_EMBOSS, [](auto& core) { giveRelief<GxEmbossProperty>(core, 3, 1); },
+     [](auto& core, float v) { giveRelief<GxEmbossProperty>(core, v, v); }},
     {GXE_STYLE_LINEAR_GRADIENT,
      [](auto& core) { give<GxLinearGradientProperty>(core, 30, 1, 1, 3, kStops); },
      [](auto& core, float v) {
