@@ -22,6 +22,7 @@ public:
 
     std::unique_ptr<wchar_t[]> buffer;  // NUL-terminated; null means no text
     int length = 0;                     // characters
+    bool counted = false;               // text of Set(text, length)
 };
 
 namespace {
@@ -76,6 +77,7 @@ enum Site : int {
     kSiteUtf16SizeLength = 44,
     kSiteUtf16Unconstructed = 45,
     kSiteUtf16Memory = 46,
+    kSiteSetLength = 47,
 };
 
 bool Fail(GxErrorCode code, Site site) {
@@ -99,10 +101,16 @@ ImplPointer AllocateText(size_t length) {
     return text;
 }
 
-ImplPointer CopyText(std::wstring_view text) {
+ImplPointer CopyText(std::wstring_view text, bool counted) {
     ImplPointer copy = AllocateText(text.size());
-    if (copy) std::wmemcpy(copy->buffer.get(), text.data(), text.size());
+    if (!copy) return copy;
+    std::wmemcpy(copy->buffer.get(), text.data(), text.size());
+    copy->counted = counted;
     return copy;
+}
+
+ImplPointer CopyTerminated(const wchar_t* text) {
+    return CopyText(text, false);
 }
 
 // A text has never more characters than its UTF-8 has bytes. It ends where they are malformed.
@@ -121,12 +129,13 @@ ImplPointer WidenText(const char* text) {
 }
 
 // Room for `length` characters holding the first of `text`, NUL from its end on.
-ImplPointer CopyPadded(std::wstring_view text, size_t length) {
+ImplPointer CopyPadded(std::wstring_view text, size_t length, bool counted) {
     ImplPointer copy = AllocateText(length);
     if (!copy) return copy;
     const std::wstring_view part = text.substr(0, length);
     std::wmemcpy(copy->buffer.get(), part.data(), part.size());
     copy->length = static_cast<int>(part.size());
+    copy->counted = counted;
     return copy;
 }
 
@@ -139,6 +148,7 @@ ImplPointer Join(const GxStringImpl& string, int pos, std::wstring_view text) {
     std::wmemcpy(out, old.data(), before);
     std::wmemcpy(out + before, text.data(), text.size());
     std::wmemcpy(out + before + text.size(), old.data() + before, old.size() - before);
+    joined->counted = string.counted;
     return joined;
 }
 
@@ -215,15 +225,15 @@ int Utf8Units(uint32_t c) {
 }
 
 // U+FFFF counts as two units: the boundary is part of the format that callers size their buffers
-// by.
-bool TakesTwoUtf16Units(uint32_t c) {
-    return c >= 0xFFFF && c <= kLastCodePoint;
+// by. Counted text has positions of its own, of a Java text say, and must keep them.
+bool TakesTwoUtf16Units(uint32_t c, bool counted) {
+    return c >= (counted ? 0x10000u : 0xFFFFu) && c <= kLastCodePoint;
 }
 
 int64_t Utf16Units(const GxStringImpl& string) {
     int64_t units = 1;
     for (const wchar_t c : string.view()) {
-        units += TakesTwoUtf16Units(CodePoint(c)) ? 2 : 1;
+        units += TakesTwoUtf16Units(CodePoint(c), string.counted) ? 2 : 1;
     }
     return units;
 }
@@ -238,7 +248,7 @@ bool GxString::Construct() {
 }
 
 bool GxString::Construct(const wchar_t* text) {
-    return MayConstruct(impl_, text) && ConstructWith(impl_, CopyText(text));
+    return MayConstruct(impl_, text) && ConstructWith(impl_, CopyTerminated(text));
 }
 
 bool GxString::Construct(const char* text) {
@@ -249,35 +259,43 @@ bool GxString::Construct(const wchar_t* text, int length) {
     if (!MayConstruct(impl_, text)) return false;
     if (length < 0) return Fail(GXE_ERROR_INVALID_ARGUMENT, kSiteConstructLength);
     const size_t wanted = static_cast<size_t>(length);
-    return ConstructWith(impl_, CopyPadded({text, wcsnlen(text, wanted)}, wanted));
+    return ConstructWith(impl_, CopyPadded({text, wcsnlen(text, wanted)}, wanted, false));
 }
 
 bool GxString::Construct(const GxString* other) {
     if (!MayConstruct(impl_, other && other->impl_)) return false;
     const GxStringImpl* text = TextOf(other);
-    return ConstructWith(impl_, text ? CopyText(text->view()) : NoText());
+    return ConstructWith(impl_, text ? CopyText(text->view(), text->counted) : NoText());
 }
 
 bool GxString::Construct(const GxString* other, int length) {
     if (!MayConstruct(impl_, other && other->impl_)) return false;
     if (length < 0) return Fail(GXE_ERROR_INVALID_ARGUMENT, kSiteConstructLength);
-    return ConstructWith(impl_, CopyPadded(other->impl_->view(), static_cast<size_t>(length)));
+    return ConstructWith(impl_, CopyPadded(other->impl_->view(), static_cast<size_t>(length),
+                                           other->impl_->counted));
 }
 
 bool GxString::Set(const GxString* other) {
     if (!impl_) return Fail(GXE_ERROR_NOT_CONSTRUCTED, kSiteSetUnconstructed);
     const GxStringImpl* text = TextOf(other);
-    return text ? Replace(impl_, CopyText(text->view()), kSiteSetMemory) : Clear();
+    return text ? Replace(impl_, CopyText(text->view(), text->counted), kSiteSetMemory) : Clear();
 }
 
 bool GxString::Set(const wchar_t* text) {
     if (!impl_) return Fail(GXE_ERROR_NOT_CONSTRUCTED, kSiteSetUnconstructed);
-    return text ? Replace(impl_, CopyText(text), kSiteSetMemory) : Clear();
+    return text ? Replace(impl_, CopyTerminated(text), kSiteSetMemory) : Clear();
 }
 
 bool GxString::Set(const char* text) {
     if (!impl_) return Fail(GXE_ERROR_NOT_CONSTRUCTED, kSiteSetUnconstructed);
     return text ? Replace(impl_, WidenText(text), kSiteSetMemory) : Clear();
+}
+
+bool GxString::Set(const wchar_t* text, int length) {
+    if (!impl_) return Fail(GXE_ERROR_NOT_CONSTRUCTED, kSiteSetUnconstructed);
+    if (length < 0) return Fail(GXE_ERROR_INVALID_ARGUMENT, kSiteSetLength);
+    if (!text) return Clear();
+    return Replace(impl_, CopyText({text, static_cast<size_t>(length)}, true), kSiteSetMemory);
 }
 
 bool GxString::Clear() {
@@ -365,7 +383,8 @@ bool GxString::SetSubstring(const GxString* source, int start, int end) {
     }
     const std::wstring_view rest =
         text->view().substr(static_cast<size_t>(std::min(start, text->length)));
-    return Replace(impl_, CopyPadded(rest, static_cast<size_t>(count)), kSiteSubstringMemory);
+    return Replace(impl_, CopyPadded(rest, static_cast<size_t>(count), text->counted),
+                   kSiteSubstringMemory);
 }
 
 int GxString::CompareTo(const GxString* other) const {
@@ -462,7 +481,7 @@ uint16_t* GxString::GetUTF16() const {
     uint16_t* out = units;
     for (const wchar_t wide : impl_->view()) {
         const uint32_t c = CodePoint(wide);
-        if (TakesTwoUtf16Units(c)) {
+        if (TakesTwoUtf16Units(c, impl_->counted)) {
             *out++ = static_cast<uint16_t>(0xD800 | (((c - 0x10000) >> 10) & 0x3FF));
             *out++ = static_cast<uint16_t>(0xDC00 | (c & 0x3FF));
         } else {

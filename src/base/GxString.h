@@ -32,6 +32,10 @@ class GxStringImpl;
 // every locale and on every C library: what is not the shortest form of a code point below U+110000
 // other than a surrogate ends the text there, silently.
 //
+// Text ends at its first NUL. Only Set(text, length) takes it as it is counted: in such a text NUL
+// is a character like any other, and UTF-16 gives back the very units of a text that came from
+// there. Copies and parts of it are counted as well; it stays so until another Set or Clear.
+//
 // Lengths and positions count wide characters. Not locked: one string is used from one thread at a
 // time.
 class GXTEXT_API GxString {
@@ -56,6 +60,8 @@ public:
     bool Set(const GxString* other);
     bool Set(const wchar_t* text);
     bool Set(const char* text);
+    // Exactly `length` characters, whatever they are; a negative length is code 7.
+    bool Set(const wchar_t* text, int length);
     // Leaves the string without text.
     bool Clear();
 
@@ -112,7 +118,8 @@ public:
     int GetUTF16Size() const;
     // A new array of that many units that the caller frees with delete[]; null when unconstructed
     // (code 8) or out of memory. Lone surrogates pass through, characters beyond U+10FFFF become
-    // U+FFFD, and U+FFFF takes two units (0xDBFF 0xDFFF), as the callers of this class expect it.
+    // U+FFFD, and U+FFFF takes two units (0xDBFF 0xDFFF), as the callers of this class expect it,
+    // except in counted text, where it is itself.
     uint16_t* GetUTF16() const;
 
 private:

@@ -234,17 +234,22 @@ void CopyTypefaceStyle(JNIEnv* env, const JavaCalls& javaView, GxTextObject& tex
 
 // --- layout ---
 
-void CopyText(JNIEnv* env, jobject javaText, GxTextObject& text) {
+// False when the text object could not take the text.
+bool CopyText(JNIEnv* env, jobject javaText, GxTextObject& text) {
     JavaMethods methods;
     if (!ResolveOptional(env, javaText, kToStringMethods, methods,
                          "getText cannot find 'toString' method id")) {
-        return;
+        return true;
     }
     const LocalRef<jstring> string(env, JavaCalls(env, javaText, methods).Object<jstring>(0));
+    if (!string) return true;
     const UtfChars chars(env, string.get());
-    if (!chars) return;
+    if (!chars) return false;
+    // Counted: lines are given by position in the Java text, whatever characters it holds.
+    const std::wstring wide = WideFromModifiedUtf8(chars.get());
     GxString copy;
-    if (copy.Construct(WideFromModifiedUtf8(chars.get()).c_str())) text.SetText(&copy);
+    return copy.Construct() && copy.Set(wide.data(), static_cast<int>(wide.size())) &&
+           text.SetText(&copy);
 }
 
 // A class by name; null, without an exception, when there is none.
@@ -292,14 +297,13 @@ std::optional<jint> BackgroundColor(JNIEnv* env, jobject javaText, jint length) 
     return std::nullopt;
 }
 
-// False when an object threw.
+// False when an object threw or the text could not be taken.
 bool CopyTextAndBackground(JNIEnv* env, const JavaCalls& layout, GxTextObject& text) {
     const LocalRef<> javaText(env, layout.Object(kGetText));
     if (layout.Failed()) return false;
     std::optional<jint> background;
     if (javaText) {
-        CopyText(env, javaText.get(), text);
-        if (env->ExceptionCheck()) return false;
+        if (!CopyText(env, javaText.get(), text) || env->ExceptionCheck()) return false;
         if (const GxString* copy = text.GetText()) {
             background = BackgroundColor(env, javaText.get(), copy->GetUTF16Size() - 1);
         }

@@ -50,6 +50,8 @@ constexpr int kSiteRenderNoFontDrawing = 266;
 constexpr int kSiteRenderNoMemory = 270;
 constexpr int kSiteResultBitmap = 280;
 constexpr int kSiteTextNoMemory = 400;
+constexpr int kSiteCountedText = 430;
+constexpr int kSiteTextLength = 431;
 constexpr int kSiteFontNoMemory = 610;
 constexpr int kSiteFontFamilies = 618;
 constexpr int kSiteFitBitmap = 276;
@@ -359,8 +361,14 @@ bool GxTextObject::SetText(const wchar_t* text) {
     return requireConstructed(426) && storeText(text);
 }
 
-template <typename Text>
-bool GxTextObject::storeText(const Text* text) {
+bool GxTextObject::SetText(const wchar_t* text, int length) {
+    if (!requireConstructed(kSiteCountedText)) return false;
+    if (length < 0) return ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, kSiteTextLength);
+    return storeText(text, length);
+}
+
+template <typename Text, typename... Length>
+bool GxTextObject::storeText(const Text* text, Length... length) {
     if (!text) {
         impl->text.reset();
         return true;
@@ -371,7 +379,7 @@ bool GxTextObject::storeText(const Text* text) {
             if (!fresh->Construct()) return false;
             impl->text = std::move(fresh);
         }
-        if (!impl->text->Set(text)) return false;
+        if (!impl->text->Set(text, length...)) return false;
         if (impl->fontDrawing && impl->fontDrawing->HasFontFamilies()) return true;
         SetTextLocaleListId();
         return true;

@@ -76,6 +76,9 @@ public:
     // Copies the text; null drops the stored one. Loads the system families for its scripts.
     bool SetText(const GxString* text);
     bool SetText(const wchar_t* text);
+    // Text of this many characters, NUL and U+FFFF among them like any other (see
+    // GxString::Set(const wchar_t*, int)). A negative length is error 7.
+    bool SetText(const wchar_t* text, int length);
     // Owned by the object, null when there is no text.
     GxString* GetText() const;
     // Registers a locale list for every script of the text and loads one not yet loaded family for
@@ -121,8 +124,8 @@ public:
     uint32_t GetTextColor() const;
 
 private:
-    template <typename Text>
-    bool storeText(const Text* text);
+    template <typename Text, typename... Length>
+    bool storeText(const Text* text, Length... length);
     bool useFont(const char* path, char* data, unsigned size);
     GxFontDrawing& fontDrawing();
     bool requireConstructed(int site) const;

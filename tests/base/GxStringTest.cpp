@@ -62,6 +62,7 @@ TEST(GxString, EveryOperationNeedsConstruct) {
     const std::vector<std::function<void()>> operations = {
         [&] { EXPECT_FALSE(s.Set(L"a")); },
         [&] { EXPECT_FALSE(s.Set("a")); },
+        [&] { EXPECT_FALSE(s.Set(L"a", 1)); },
         [&] { EXPECT_FALSE(s.Set(other.get())); },
         [&] { EXPECT_FALSE(s.Clear()); },
         [&] { EXPECT_EQ(s.GetLength(), -1); },
@@ -392,6 +393,42 @@ TEST(GxString, WhatIsNoUtf8EndsTheText) {
     }
 }
 
+TEST(GxString, CountedTextHoldsEveryCharacter) {
+    using namespace std::string_literals;
+    const std::wstring wide = L"A\0\xFFFF\x1F600"s + L'\xD800';
+    const std::vector<uint16_t> units = {'A', 0, 0xFFFF, 0xD83D, 0xDE00, 0xD800, 0};
+    Text s(L"before");
+    const auto expectWide = [](const GxString& string, const std::wstring& expected) {
+        ASSERT_EQ(string.GetLength(), static_cast<int>(expected.size()));
+        EXPECT_EQ(std::wstring(string.GetPointer(), expected.size() + 1), expected + L'\0');
+    };
+    expectSilence([&] {
+        EXPECT_TRUE(s->Set(wide.data(), static_cast<int>(wide.size())));
+        expectWide(*s.get(), wide);
+        EXPECT_EQ(utf16(*s.get()), units);
+        EXPECT_EQ(s->GetUTF8Size(), 1 + 1 + 3 + 4 + 3 + 1);
+        GxString copy, cut;
+        EXPECT_TRUE(copy.Construct(s.get()));
+        EXPECT_EQ(utf16(copy), units);
+        EXPECT_TRUE(copy.Set(s.get()));
+        EXPECT_EQ(s->CompareTo(&copy), 0);
+        EXPECT_TRUE(cut.Construct(s.get(), 3));
+        EXPECT_EQ(utf16(cut), (std::vector<uint16_t>{'A', 0, 0xFFFF, 0}));
+        EXPECT_TRUE(cut.SetSubstring(s.get(), 1, 1));
+        expectWide(cut, L"\0"s);
+        EXPECT_TRUE(copy.Remove(0, 1));
+        EXPECT_TRUE(copy.Insert(&cut, 1));
+        EXPECT_TRUE(copy.Append(L"z"));
+        expectWide(copy, L"\0\0\xFFFF\x1F600\xD800z"s);
+        EXPECT_EQ(copy.Find(L"\x1F600"), 3);
+        EXPECT_EQ(copy.ReverseFind("z"), 5);
+        EXPECT_EQ(copy.CompareTo("", 2), 1) << "NUL is a character, not the end";
+        EXPECT_TRUE(s->Set(L"\xFFFF"));
+        EXPECT_EQ(utf16(*s.get()), (std::vector<uint16_t>{0xDBFF, 0xDFFF, 0})) << "no longer";
+    });
+    expectError(7, [&] { EXPECT_FALSE(s->Set(wide.data(), -1)); });
+}
+
 TEST(GxString, SurvivesEveryFailedAllocation) {
     Text other(L"other text");
     const auto check = [&](const std::function<bool(GxString&)>& change) {
@@ -407,6 +444,7 @@ TEST(GxString, SurvivesEveryFailedAllocation) {
     };
     check([](GxString& s) { return s.Set(L"x"); });
     check([](GxString& s) { return s.Set("x"); });
+    check([](GxString& s) { return s.Set(L"x", 1); });
     check([](GxString& s) { return s.Append("x"); });
     check([](GxString& s) { return s.Insert(L"x", 1); });
     check([&](GxString& s) { return s.SetSubstring(other.get(), 0, 3); });

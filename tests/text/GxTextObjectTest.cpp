@@ -42,6 +42,7 @@ TEST(GxTextObject, UnconstructedAnswersWithError8AtEachSite) {
         {382, [&] { return text.GetEffect() == nullptr; }},
         {390, [&] { return !text.SetText(static_cast<const GxString*>(nullptr)); }},
         {426, [&] { return !text.SetText(L"a"); }},
+        {430, [&] { return !text.SetText(L"a", 1); }},
         {460, [&] { return text.SetTextLocaleListId(), true; }},
         {542, [&] { return text.GetText() == nullptr; }},
         {549, [&] { return !text.SetFontFamilyName("a"); }},
@@ -112,6 +113,7 @@ TEST(GxTextObject, NullArgumentsAreError7) {
         {576, [&] { return text.SetFont(nullptr); }},
         {604, [&] { return text.SetFont(nullptr, nullptr, 0); }},
         {640, [&] { return text.SetLineInfo(nullptr); }},
+        {431, [&] { return text.SetText(L"negative", -1); }},
     };
     for (const auto& [site, call] : cases) {
         Error::SetError(0);
@@ -180,6 +182,9 @@ TEST_F(GxTextObjectText, ScriptsDecideWhichFamiliesAreLoaded) {
     for (const auto& [string, loaded] : cases) {
         EXPECT_EQ(loadedBy(string), loaded) << testing::PrintToString(std::wstring(string));
     }
+    unload();
+    EXPECT_TRUE(text.SetText(L"a\0\x0E44", 3));
+    EXPECT_TRUE(isLoaded("und-Thai")) << "counted text goes on after NUL";
 }
 
 TEST_F(GxTextObjectText, NullDropsTheText) {

@@ -400,7 +400,7 @@ GX_PROBE(jintArray, text)(JNIEnv* env, jclass, jint handle) {
     const GxFontEffect::GxString* text = find(handle)->GetText();
     if (!text) return nullptr;
     std::vector<jint> characters;
-    for (const wchar_t* c = text->GetPointer(); c && *c; c++) characters.push_back(*c);
+    for (int i = 0; i < text->GetLength(); i++) characters.push_back(text->GetPointer()[i]);
     const jsize count = static_cast<jsize>(characters.size());
     jintArray array = real->NewIntArray(env, count);
     env->SetIntArrayRegion(array, 0, count, characters.data());

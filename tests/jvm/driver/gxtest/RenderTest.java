@@ -40,6 +40,22 @@ final class RenderTest {
                 Arrays.toString((int[]) Sdk.call(text, "GetDrawingBitmapSize")), "size");
     }
 
+    // Neither has a glyph, so each is drawn as U+FFFE is; what follows stands where it belongs.
+    static void charactersAfterNulAndNoncharactersAreDrawn() {
+        Object text = text();
+        int[] expected = drawn(text, "M\uFFFEM\uFFFEM");
+        Check.isTrue(Arrays.equals(expected, drawn(text, "M\uFFFFM\uFFFFM")), "U+FFFF");
+        int[] cut = drawn(text, "M");
+        int[] whole = drawn(text, "M\0MMM");
+        int[] background = drawn(text, "M\0");
+        Check.isTrue(!Arrays.equals(cut, whole) && !Arrays.equals(background, whole), "NUL");
+    }
+
+    private static int[] drawn(Object text, String string) {
+        Sdk.flag(text, "SetLayout", new Layout(string, 1));
+        return Widgets.render(text);
+    }
+
     static void zeroSizesGiveAnEmptyArray() {
         Object text = Sdk.newText();
         Check.equal(0, Widgets.render(text).length, "a view without a size");
