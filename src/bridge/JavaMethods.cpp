@@ -1,5 +1,7 @@
 #include "bridge/JavaMethods.h"
 
+#include <new>
+
 #include "bridge/ModifiedUtf8.h"
 
 namespace GxFontEffect {
@@ -20,8 +22,9 @@ bool JavaMethods::Resolve(JNIEnv* env, jobject object, std::span<const JavaMetho
 
 std::optional<std::string> JavaCalls::Utf8(size_t method) const {
     const LocalRef<jstring> string(env_, Object<jstring>(method));
+    if (!string) return std::nullopt;
     const UtfChars chars(env_, string.get());
-    if (!chars) return std::nullopt;
+    if (!chars) throw std::bad_alloc();
     return Utf8FromModifiedUtf8(chars.get());
 }
 

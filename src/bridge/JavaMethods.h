@@ -64,7 +64,8 @@ public:
     Ref Object(size_t method, Arguments... arguments) const {
         return static_cast<Ref>(Call(&JNIEnv::CallObjectMethod, method, arguments...));
     }
-    // The result of a method that returns a String, in plain UTF-8; none for null.
+    // The result of a method that returns a String, in plain UTF-8; none for null. Throws
+    // std::bad_alloc when the VM has no room for the characters.
     std::optional<std::string> Utf8(size_t method) const;
 
 private:

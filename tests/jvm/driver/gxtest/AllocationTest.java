@@ -60,6 +60,19 @@ final class AllocationTest {
         }
     }
 
+    static void aRuntimeWithoutRoomForAStringFailsTheNative() {
+        Paint paint = new Paint();
+        paint.fontFeatureSettings = "'liga' off";
+        paint.textLocales = new LocaleList("ja-JP");
+        Object text = Sdk.newText();
+        for (int which = 1; which <= 2; which++) {
+            Probe.failCall("GetStringUTFChars", which);
+            Check.equal(false, Sdk.call(text, "SetPaint", paint), "SetPaint, string " + which);
+        }
+        Probe.failCall("GetStringUTFChars", 1);
+        Check.equal(false, Sdk.call(text, "SetLayout", new Layout("a", 1)), "SetLayout");
+    }
+
     // Returns how many allocations the call makes; each of them has failed once.
     private static int failEach(String what, Call call) {
         int n = 0;
