@@ -40,7 +40,8 @@ jint GxText_AddLinearGradientTextEffect(JNIEnv*, jobject self, jfloat angle, jfl
                                         jfloatArray positions, jfloat opacity);
 
 // GxText, rendering. The image covers the view and the effect margins around it: 0xAARRGGBB, rows
-// packed. Null when there is no image, or none that a Java array can hold.
+// packed. Null when the render failed, also where the object keeps the frame before, and when no
+// Java array can hold the image.
 jintArray GxText_RenderTextEffect(JNIEnv*, jobject self);
 // Width and height of the last render.
 jintArray GxText_GetDrawingBitmapSize(JNIEnv*, jobject self);

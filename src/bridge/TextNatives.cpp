@@ -95,16 +95,13 @@ ImageSize SizeWithMargins(const GxView& view, const GxEffect& effect) {
             int64_t{view.GetHeight()} + effect.getTopOffset() + effect.getBottomOffset()};
 }
 
-// Renders into the text object. Null when there is no image of that size: a failed render answers
-// with the frame before, which may be smaller.
+// Renders into the text object. Null when that failed: the object then answers with the frame
+// before, which is not the picture that was asked for.
 const uint32_t* Render(GxTextObject& text, ImageSize size) {
+    const GxBitmap* before = text.GetResultBitmap();
     const uint32_t* pixels =
         text.RenderTextEffect(static_cast<int>(size.width), static_cast<int>(size.height));
-    const GxBitmap* image = text.GetResultBitmap();
-    if (!pixels || !image || image->width != size.width || image->height != size.height) {
-        return nullptr;
-    }
-    return pixels;
+    return text.GetResultBitmap() != before ? pixels : nullptr;
 }
 
 // A new Java array of these values; null, without an exception, when the VM has no room.

@@ -7,6 +7,7 @@ import android.text.Layout;
 import android.text.SpannableString;
 import android.text.style.BackgroundColorSpan;
 import android.widget.TextView;
+import java.util.Arrays;
 
 /** Natives that run out of memory fail; nothing crosses into the runtime and nothing is lost. */
 final class AllocationTest {
@@ -43,20 +44,29 @@ final class AllocationTest {
         Check.isTrue(calls == 0 || calls > 30, "allocations seen: " + calls);
     }
 
-    static void rendersFailWithTheFrameBefore() {
+    static void aFailedRenderIsNotTheFrameBefore() {
         TextView view = Widgets.view(40, 30);
         Object text = Widgets.text(view);
-        Sdk.flag(text, "SetLayout", new Layout("ab", 1));
-        Check.equal(40 * 30, Widgets.render(text).length, "a frame");
-        view.width = 400;
-        Sdk.flag(text, "SetView", view);
         boolean failed = true;
         for (int n = 1; failed; n++) {
+            view.width = 40;
+            Sdk.flag(text, "SetView", view);
+            Sdk.flag(text, "SetLayout", new Layout("ab", 1));
+            int[] before = Widgets.render(text);
+            view.width = n % 2 == 0 ? 400 : 40;
+            Sdk.flag(text, "SetView", view);
+            Sdk.flag(text, "SetLayout", new Layout("cd", 1));
+            Probe.setError(0);
             Probe.failAllocation(n);
             int[] pixels = Widgets.render(text);
             failed = Probe.endAllocationFailure();
-            Check.isTrue(pixels == null || pixels.length == 400 * 30,
-                    "allocation " + n + ": an image of another size");
+            String what = "allocation " + n;
+            if (pixels == null) {
+                Check.equal(7, Sdk.error(), what + ": code");
+            } else {
+                Check.equal(view.width * 30, pixels.length, what + ": size");
+                Check.isTrue(!Arrays.equals(before, pixels), what + ": the frame before");
+            }
         }
     }
 

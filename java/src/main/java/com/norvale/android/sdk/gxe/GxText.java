@@ -144,7 +144,8 @@ public final class GxText implements AutoCloseable {
         requireUsable("effects", effects);
         GxText_ClearAllTextEffect();
         for (int i = 0; i < effects.size(); i++) {
-            TextEffect effect = Objects.requireNonNull(effects.get(i), "effects[" + i + "]");
+            TextEffect effect = effects.get(i);
+            requireUsable("effects[" + i + "]", effect); // the list may have closed this object
             if (effect.addTo(this) < 0) {
                 throw new GxTextException("effects[" + i + "] " + effect + " was refused");
             }
@@ -284,6 +285,9 @@ public final class GxText implements AutoCloseable {
     public TextImage render() {
         int[] pixels = renderPixels();
         int[] size = GxText_GetDrawingBitmapSize();
+        if (size == null) {
+            throw new GxTextException("the size of the picture could not be read");
+        }
         return new TextImage(
                 Bitmap.createBitmap(pixels, size[0], size[1], Bitmap.Config.ARGB_8888),
                 getLeftMargin(), getTopMargin(), getRightMargin(), getBottomMargin());

@@ -15,8 +15,10 @@ import java.io.IOException;
 import java.lang.reflect.Field;
 import java.nio.file.Files;
 import java.nio.file.Paths;
+import java.util.AbstractList;
 import java.util.Arrays;
 import java.util.Collections;
+import java.util.List;
 import org.junit.Test;
 
 /** The object itself: its life, its arguments, its fonts and effects. */
@@ -144,6 +146,43 @@ public class GxTextTest extends NativeTest {
             assertThrows("call " + i, IllegalStateException.class, calls[i]::run);
         }
         new GxText().close(); // never bound
+    }
+
+    @Test
+    public void anObjectThatIsClosedWhileItsArgumentsAreReadStaysClosed() throws Exception {
+        GxText text = new GxText();
+        List<TextEffect> effects = new AbstractList<>() {
+            @Override
+            public TextEffect get(int index) {
+                text.close();
+                return STROKE;
+            }
+
+            @Override
+            public int size() {
+                return 1;
+            }
+        };
+        assertThrows(IllegalStateException.class, () -> text.setEffects(effects));
+        assertEquals("no native object that nobody releases", -1, handleOf(text));
+    }
+
+    @Test
+    public void aPictureThatCannotBeDrawnIsNotTheOneBefore() {
+        TextView view = layOut(textView("Ag", LATIN, 48), 0);
+        try (GxText text = new GxText()) {
+            text.setFont(LATIN);
+            text.setSource(view);
+            int[] before = text.renderPixels();
+            int width = view.getWidth();
+            int height = view.getHeight();
+            view.layout(0, 0, 100_000, 100_000);
+            text.setView(view);
+            assertThrows(GxTextException.class, text::render);
+            view.layout(0, 0, width, height);
+            text.setSource(view);
+            assertArrayEquals(before, text.renderPixels());
+        }
     }
 
     @Test

@@ -23,7 +23,7 @@ public final class GxError {
     /** An object was to be constructed a second time. */
     public static final int ALREADY_CONSTRUCTED = 4;
 
-    /** An argument is null, empty or unusable. */
+    /** An argument is null, empty or unusable, or there is not enough memory. */
     public static final int INVALID_ARGUMENT = 7;
 
     /** An object has not been constructed. */
@@ -70,7 +70,7 @@ public final class GxError {
             case ALREADY_CONSTRUCTED:
                 return "object already constructed";
             case INVALID_ARGUMENT:
-                return "invalid argument";
+                return "invalid argument or not enough memory";
             case NOT_CONSTRUCTED:
                 return "object not constructed";
             case NOT_FOUND:
