@@ -1,6 +1,9 @@
 #include "style/EffectStack.h"
 
+#include <algorithm>
+#include <cmath>
 #include <new>
+#include <numeric>
 #include <vector>
 
 #include "effect/GxEffect.h"
@@ -15,6 +18,11 @@ float faded(float opacity, Color color) {
     return opacity * (static_cast<float>(color.argb >> 24) / 255.0f);
 }
 
+// To nearest, halves upwards. The stack cuts fractions off.
+float whole(float value) {
+    return static_cast<float>(std::floor(static_cast<double>(value) + 0.5));
+}
+
 std::vector<GxGradient> stopsOf(const Effect& effect) {
     std::vector<GxGradient> stops;
     for (const Stop& stop : effect.stops) {
@@ -26,10 +34,11 @@ std::vector<GxGradient> stopsOf(const Effect& effect) {
 using AddRelief = decltype(&GxEffect::addBevelText);
 
 int addRelief(const Effect& e, int kind, GxEffect& stack, AddRelief add) {
-    return (stack.*add)(kind, e.size, e.depth, static_cast<int>(e.technique),
-                        static_cast<int>(e.direction), e.soften, e.opacity, e.angle, e.altitude,
-                        e.highlightColor.argb, faded(e.highlightOpacity, e.highlightColor),
-                        e.shadowColor.argb, faded(e.shadowOpacity, e.shadowColor));
+    return (stack.*add)(kind, whole(e.size), e.depth, static_cast<int>(e.technique),
+                        static_cast<int>(e.direction), e.soften, e.opacity, whole(e.angle),
+                        whole(e.altitude), e.highlightColor.argb,
+                        faded(e.highlightOpacity, e.highlightColor), e.shadowColor.argb,
+                        faded(e.shadowOpacity, e.shadowColor));
 }
 
 // All but patterns.
@@ -41,18 +50,20 @@ int add(const Effect& e, GxEffect& stack) {
     constexpr int kNoCap = 0;  // no filter reads it
     switch (e.type) {
         case EffectType::kStroke:
-            return stack.addStrokeText(e.size, color, opacity, kNoCap,
+            return stack.addStrokeText(whole(e.size), color, opacity, kNoCap,
                                        static_cast<int>(e.position));
         case EffectType::kOuterShadow:
-            return stack.addOuterShadowText(e.angle, e.distance, e.size, color, opacity);
+            return stack.addOuterShadowText(whole(e.angle), whole(e.distance), whole(e.size), color,
+                                            opacity);
         case EffectType::kInnerShadow:
-            return stack.addInnerShadowText(e.angle, e.distance, e.size, color, opacity);
+            return stack.addInnerShadowText(whole(e.angle), whole(e.distance), whole(e.size), color,
+                                            opacity);
         case EffectType::kOuterGlow:
-            return stack.addOuterGlowText(e.size, color, opacity, stopCount, stops.data());
+            return stack.addOuterGlowText(whole(e.size), color, opacity, stopCount, stops.data());
         case EffectType::kInnerGlow:
-            return stack.addInnerGlowText(e.size, color, opacity, stopCount, stops.data());
+            return stack.addInnerGlowText(whole(e.size), color, opacity, stopCount, stops.data());
         case EffectType::kLinearGradient:
-            return stack.addLinearGradientText(e.angle, e.scale, e.opacity, stopCount,
+            return stack.addLinearGradientText(whole(e.angle), e.scale, e.opacity, stopCount,
                                                stops.data());
         case EffectType::kRadialGradient:
             return stack.addRadialGradientText(e.scale, e.opacity, stopCount, stops.data());
@@ -110,10 +121,47 @@ bool hasFilter(GxEffect& stack, EffectType type) {
     return has;
 }
 
+// Higher ones lie on top.
+int naturalRank(const Effect& effect) {
+    switch (effect.type) {
+        case EffectType::kOuterShadow:
+            return 0;
+        case EffectType::kOuterGlow:
+            return 1;
+        case EffectType::kStroke:
+            return effect.position == StrokePosition::kOutside ? 2 : 8;
+        case EffectType::kBevel:
+            return effect.bevelKind == BevelKind::kOutside ? 3 : 7;
+        // Here lies the text.
+        case EffectType::kLinearGradient:
+        case EffectType::kRadialGradient:
+        case EffectType::kPattern:
+            return 4;
+        case EffectType::kInnerGlow:
+            return 5;
+        case EffectType::kInnerShadow:
+            return 6;
+        case EffectType::kEmboss:
+            return 7;
+    }
+    return 0;
+}
+
 }  // namespace
 
+std::vector<size_t> stackingOrder(const Style& style) {
+    std::vector<size_t> order(style.effects.size());
+    std::iota(order.begin(), order.end(), size_t{0});
+    if (style.order == EffectOrder::kNatural) {
+        std::stable_sort(order.begin(), order.end(), [&style](size_t a, size_t b) {
+            return naturalRank(style.effects[a]) < naturalRank(style.effects[b]);
+        });
+    }
+    return order;
+}
+
 void dress(GxEffect& stack, const Style& style, const PatternLoader& loadPattern) {
-    for (size_t i = 0; i < style.effects.size(); i++) {
+    for (const size_t i : stackingOrder(style)) {
         const Effect& effect = style.effects[i];
         int id = -1;
         if (effect.type == EffectType::kPattern) {

@@ -15,6 +15,7 @@ using enum EffectType;
 
 // What an enumeration is called in files, in the order of its values.
 constexpr std::string_view kAlignNames[] = {"start", "left", "center", "right"};
+constexpr std::string_view kOrderNames[] = {"natural", "listed"};
 constexpr std::string_view kPositionNames[] = {"center", "outside", "inside"};
 constexpr std::string_view kBevelKindNames[] = {"outside", "inside"};
 constexpr std::string_view kEmbossKindNames[] = {"emboss", "pillow"};
@@ -153,10 +154,16 @@ const std::vector<Field<Style>>& styleFields() {
          .initial = 1.0,
          .control = Control::kSlider,
          .meaning = "Distance between lines relative to the fonts' line height"},
+        {.name = "order",
+         .target = choiceOf<&Style::order, Style>(kOrderNames),
+         .initial = "natural",
+         .control = Control::kMenu,
+         .meaning = "How effects are stacked: the same for every list, or each over those listed "
+                    "before it"},
         {.name = "effects",
          .target = &Style::effects,
          .control = Control::kEffects,
-         .meaning = "In order of addition; each type at most once"},
+         .meaning = "Each type at most once"},
     };
     return rows;
 }

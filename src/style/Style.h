@@ -28,6 +28,7 @@ GXTEXT_API std::string formatColor(Color color);
 // Enumerators are numbered as the format's names are listed (style/FieldTable.cpp); where the
 // effects' records hold an integer, by that integer.
 enum class Align { kStart = 0, kLeft = 1, kCenter = 2, kRight = 3 };
+enum class EffectOrder { kNatural = 0, kListed = 1 };
 enum class StrokePosition { kCenter = 0, kOutside = 1, kInside = 2 };
 enum class BevelKind { kOutside = 0, kInside = 1 };
 enum class EmbossKind { kEmboss = 0, kPillow = 1 };
@@ -152,7 +153,8 @@ struct GXTEXT_API Style {
     Align align = Align::kStart;
     Padding padding;
     float lineSpacing = 0.0f;
-    std::vector<Effect> effects;
+    EffectOrder order = EffectOrder::kNatural;  // that effects are stacked in
+    std::vector<Effect> effects;                // each type at most once
 
     bool operator==(const Style&) const = default;
 };

@@ -4,6 +4,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <memory>
 
 #include "effect/GxEffect.h"
@@ -114,6 +116,89 @@ TEST(EffectStack, EveryFieldOfAnEffectReachesThePicture) {
         }
     }
     EXPECT_GE(known, 8);
+}
+
+std::string namesInOrder(const std::string& effects, const char* order) {
+    std::string json(R"({"order": ")");
+    json.append(order).append(R"(", "effects": [)").append(effects).append("]}");
+    const Style style = Style::fromJson(json);
+    std::string names;
+    for (const size_t i : stackingOrder(style)) {
+        names.append(names.empty() ? "" : " ").append(effectName(style.effects[i].type));
+    }
+    return names;
+}
+
+TEST(EffectStack, NaturalOrderIsThatOfLayerStyles) {
+    const std::string stops = R"("stops": [{"color": "#FFFFFF", "position": 0}]})";
+    const std::string most =
+        R"({"type": "innerShadow"}, {"type": "innerGlow"}, {"type": "pattern", "pattern": "p"},
+           {"type": "outerGlow"}, {"type": "linearGradient", )" +
+        stops + R"(, {"type": "outerShadow"}, {"type": "emboss"}, )";
+    EXPECT_EQ(
+        namesInOrder(most + R"({"type": "bevel", "kind": "outside"}, {"type": "stroke"})",
+                     "natural"),
+        "outerShadow outerGlow stroke bevel pattern linearGradient innerGlow innerShadow emboss");
+    EXPECT_EQ(namesInOrder(R"({"type": "stroke", "position": "center"}, {"type": "bevel"}, )" +
+                               most + R"({"type": "radialGradient", )" + stops,
+                           "natural"),
+              "outerShadow outerGlow pattern linearGradient radialGradient innerGlow innerShadow "
+              "bevel emboss stroke");
+    EXPECT_EQ(namesInOrder(R"({"type": "stroke"}, {"type": "outerShadow"})", "listed"),
+              "stroke outerShadow");
+}
+
+// With one layer and, for the centred stroke and the opacity, with two.
+TEST(EffectStack, TheListsOrderMakesNoDifferenceInNaturalOrder) {
+    for (const StrokePosition position :
+         {StrokePosition::kOutside, StrokePosition::kInside, StrokePosition::kCenter}) {
+        Style style;
+        for (const EffectType type : {EffectType::kStroke, EffectType::kOuterShadow,
+                                      EffectType::kInnerShadow, EffectType::kInnerGlow}) {
+            style.effects.push_back(exampleOf(type));
+        }
+        style.effects[0].size = 6;
+        style.effects[0].position = position;
+        style.effects[1].color.argb = 0xFF00FF00u;
+        Style turned = style;
+        std::reverse(turned.effects.begin(), turned.effects.end());
+        EXPECT_EQ(drawn(style), drawn(turned));
+        style.order = turned.order = EffectOrder::kListed;
+        EXPECT_NE(drawn(style).pixels, drawn(turned).pixels);
+    }
+}
+
+// The shadow falls to the lower right; the outline, 4 pixels wide, hides it around the block.
+TEST(EffectStack, AShadowLiesBeneathTheOutline) {
+    for (const char* position : {"outside", "center"}) {
+        Style style = Style::fromJson(R"({"effects": [
+            {"type": "stroke", "size": 4, "color": "#0000FF", "position": ")" +
+                                      std::string(position) + R"("},
+            {"type": "outerShadow", "angle": 135, "distance": 9, "size": 0, "color": "#FF0000", "opacity": 1}]})");
+        const auto pixelOf = [](const Outcome& outcome, size_t x, size_t y) {
+            const uint8_t* p = &outcome.pixels[(y * 48 + x) * 4];
+            return std::array<int, 4>{p[0], p[1], p[2], p[3]};
+        };
+        EXPECT_EQ(pixelOf(drawn(style), 34, 28), (std::array<int, 4>{0, 0, 255, 255})) << position;
+        EXPECT_EQ(pixelOf(drawn(style), 39, 28), (std::array<int, 4>{255, 0, 0, 255})) << position;
+        style.order = EffectOrder::kListed;
+        EXPECT_EQ(pixelOf(drawn(style), 34, 28), (std::array<int, 4>{255, 0, 0, 255})) << position;
+    }
+}
+
+TEST(EffectStack, SizesAreWholePixels) {
+    for (const EffectType type :
+         {EffectType::kStroke, EffectType::kOuterShadow, EffectType::kInnerGlow}) {
+        Effect fraction = exampleOf(type);
+        Effect whole = exampleOf(type);
+        fraction.size = 2.5f;
+        whole.size = 3;
+        fraction.distance = 3.49f;
+        whole.distance = 3;
+        fraction.angle = -45.6f;
+        whole.angle = -46;
+        EXPECT_EQ(drawn(fraction), drawn(whole)) << effectName(type);
+    }
 }
 
 TEST(EffectStack, AlphaOfAColourMultipliesTheOpacity) {

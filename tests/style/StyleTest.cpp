@@ -55,6 +55,7 @@ const char* const kFullStyle = R"({
     4
   ],
   "lineSpacing": 1.25,
+  "order": "listed",
   "effects": [
     {
       "type": "innerShadow",
