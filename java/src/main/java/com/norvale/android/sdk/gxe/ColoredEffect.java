@@ -72,7 +72,7 @@ public abstract class ColoredEffect extends TextEffect {
         /**
          * Sets the width of an outline, the blur of a shadow, the reach of a glow.
          *
-         * @param size pixels, 0 to 100; the part after the point is cut off
+         * @param size pixels, 0 to 100; rounded to whole pixels
          * @return this builder
          * @throws IllegalArgumentException when out of range
          */

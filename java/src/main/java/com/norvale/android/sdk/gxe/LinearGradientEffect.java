@@ -64,7 +64,12 @@ public final class LinearGradientEffect extends TextEffect {
             opacities[i] = faded(stops.get(i).getOpacity(), colors[i]);
             positions[i] = stops.get(i).getPosition();
         }
-        return text.addLinearGradient(angle, scale, colors, opacities, positions, getOpacity());
+        return text.addLinearGradient(whole(angle), scale, colors, opacities, positions, getOpacity());
+    }
+
+    @Override
+    int rank() {
+        return 4;
     }
 
     @Override
@@ -102,8 +107,7 @@ public final class LinearGradientEffect extends TextEffect {
         /**
          * Sets the direction.
          *
-         * @param angle degrees counter-clockwise from the right, -360 to 360; the part after the
-         *     point is cut off
+         * @param angle degrees counter-clockwise from the right, -360 to 360; rounded to a whole one
          * @return this builder
          * @throws IllegalArgumentException when out of range
          */

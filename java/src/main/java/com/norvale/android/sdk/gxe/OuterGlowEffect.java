@@ -12,7 +12,12 @@ public final class OuterGlowEffect extends ColoredEffect {
 
     @Override
     int addTo(GxText text) {
-        return text.addOuterGlow(getSize(), getColor(), fadedOpacity());
+        return text.addOuterGlow(whole(getSize()), getColor(), fadedOpacity());
+    }
+
+    @Override
+    int rank() {
+        return 1;
     }
 
     @Override

@@ -8,8 +8,6 @@ final class Range {
     static final Range PERCENT = new Range(0, 100);
     static final Range ANGLE = new Range(-360, 360);
     static final Range GRADIENT_SCALE = new Range(0, 2);
-    /** Integers that the effect key keeps seven bits of. */
-    static final Range SMALL_INT = new Range(0, 127);
 
     final double min;
     final double max;

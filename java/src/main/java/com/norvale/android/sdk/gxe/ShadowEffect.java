@@ -72,8 +72,15 @@ public final class ShadowEffect extends ColoredEffect {
     @Override
     int addTo(GxText text) {
         return inner
-                ? text.addInnerShadow(angle, distance, getSize(), getColor(), fadedOpacity())
-                : text.addOuterShadow(angle, distance, getSize(), getColor(), fadedOpacity());
+                ? text.addInnerShadow(whole(angle), whole(distance), whole(getSize()), getColor(),
+                        fadedOpacity())
+                : text.addOuterShadow(whole(angle), whole(distance), whole(getSize()), getColor(),
+                        fadedOpacity());
+    }
+
+    @Override
+    int rank() {
+        return inner ? 6 : 0;
     }
 
     @Override
@@ -102,8 +109,7 @@ public final class ShadowEffect extends ColoredEffect {
         /**
          * Sets where the light comes from.
          *
-         * @param angle degrees counter-clockwise from the right, -360 to 360; the part after the
-         *     point is cut off
+         * @param angle degrees counter-clockwise from the right, -360 to 360; rounded to a whole one
          * @return this builder
          * @throws IllegalArgumentException when out of range
          */
@@ -116,7 +122,7 @@ public final class ShadowEffect extends ColoredEffect {
         /**
          * Sets the shift away from the light.
          *
-         * @param distance pixels, 0 to 100; the part after the point is cut off
+         * @param distance pixels, 0 to 100; rounded to whole pixels
          * @return this builder
          * @throws IllegalArgumentException when out of range
          */

@@ -1,7 +1,6 @@
 package com.norvale.android.sdk.gxe;
 
 import android.util.JsonWriter;
-import com.norvale.android.sdk.gxe.annotation.IntRange;
 import com.norvale.android.sdk.gxe.annotation.NonNull;
 import java.io.IOException;
 import java.util.Objects;
@@ -26,22 +25,14 @@ public final class StrokeEffect extends ColoredEffect {
         }
     }
 
-    private final int cap;
+    /** The native library takes a number that no effect reads. */
+    private static final int NO_CAP = 0;
+
     private final Position position;
 
     private StrokeEffect(Builder builder) {
         super("stroke", builder);
-        cap = builder.cap;
         position = builder.position;
-    }
-
-    /**
-     * A number carried along with the outline, without effect on the picture.
-     *
-     * @return 0 to 127
-     */
-    public int getCap() {
-        return cap;
     }
 
     /**
@@ -56,44 +47,33 @@ public final class StrokeEffect extends ColoredEffect {
 
     @Override
     int addTo(GxText text) {
-        return text.addStroke(getSize(), getColor(), fadedOpacity(), cap, position.nativeValue);
+        return text.addStroke(
+                whole(getSize()), getColor(), fadedOpacity(), NO_CAP, position.nativeValue);
+    }
+
+    @Override
+    int rank() {
+        return position == Position.OUTSIDE ? 2 : 8;
     }
 
     @Override
     Object[] settings() {
-        return new Object[] {getSize(), getColor(), cap, position};
+        return new Object[] {getSize(), getColor(), position};
     }
 
     @Override
     void writeSettings(JsonWriter writer) throws IOException {
         writeSizeAndColor(writer);
-        if (cap != 0) {
-            writer.name("cap").value(cap);
-        }
         writer.name("position").value(position.styleName);
     }
 
     /** Starts from a black outline of 2 pixels around the letters. */
     public static final class Builder extends ColoredEffect.Builder<Builder> {
-        private int cap;
         private Position position = Position.OUTSIDE;
 
         /** An outline with the settings that a style file leaves out. */
         public Builder() {
             super(2, 0xFF000000, 1);
-        }
-
-        /**
-         * Sets the number that is carried along.
-         *
-         * @param cap 0 to 127
-         * @return this builder
-         * @throws IllegalArgumentException when out of range
-         */
-        @NonNull
-        public Builder setCap(@IntRange(from = 0, to = 127) int cap) {
-            this.cap = (int) Range.SMALL_INT.check("cap", cap);
-            return this;
         }
 
         /**

@@ -50,9 +50,10 @@ final class StyleReader {
             return;
         }
         String place = ROOT + ".effects";
-        for (int i = 0; i < asList(place, list).size(); i++) {
+        List<?> effects = asList(place, list, "a list of effects");
+        for (int i = 0; i < effects.size(); i++) {
             String here = place + "[" + i + "]";
-            TextEffect effect = readEffect(new JsonObject(here, asList(place, list).get(i)));
+            TextEffect effect = readEffect(new JsonObject(here, effects.get(i)));
             try {
                 builder.addEffect(effect);
             } catch (IllegalArgumentException e) {
@@ -99,7 +100,6 @@ final class StyleReader {
     private static TextEffect readStroke(JsonObject object) {
         StrokeEffect.Builder builder = new StrokeEffect.Builder();
         readColored(object, builder);
-        object.integer("cap", Range.SMALL_INT, builder::setCap);
         for (StrokeEffect.Position position : StrokeEffect.Position.values()) {
             if (position.styleName.equals(object.peek("position"))) {
                 builder.setPosition(position);
@@ -108,7 +108,7 @@ final class StyleReader {
         }
         if (object.peek("position") != null) {
             throw fail(object.place + ".position", shown(object.peek("position"))
-                    + " is not one of \"outside\", \"center\", \"inside\"");
+                    + " is not one of \"center\", \"outside\", \"inside\"");
         }
         return builder.build();
     }
@@ -135,9 +135,12 @@ final class StyleReader {
         object.number("scale", Range.GRADIENT_SCALE, builder::setScale);
         object.number("opacity", Range.UNIT, builder::setOpacity);
         String place = object.place + ".stops";
-        List<?> stops = asList(place, object.require("stops"));
-        if (stops.isEmpty() || stops.size() > LinearGradientEffect.MAX_STOPS) {
-            throw fail(place, stops.size() + " stops; 1-256 are allowed");
+        List<?> stops = asList(place, object.require("stops"), "a list of stops");
+        if (stops.isEmpty()) {
+            throw fail(place, "the list of stops is empty; 1-256 are allowed");
+        }
+        if (stops.size() > LinearGradientEffect.MAX_STOPS) {
+            throw fail(place, stops.size() + " stops; at most " + LinearGradientEffect.MAX_STOPS);
         }
         float last = 0;
         for (int i = 0; i < stops.size(); i++) {
@@ -211,12 +214,6 @@ final class StyleReader {
             }
         }
 
-        void integer(String name, Range range, Consumer<Integer> setter) {
-            if (peek(name) != null) {
-                setter.accept(asInteger(place + "." + name, take(name), range));
-            }
-        }
-
         void color(String name, Consumer<Integer> setter) {
             if (peek(name) != null) {
                 setter.accept(asColor(place + "." + name, take(name)));
@@ -245,8 +242,8 @@ final class StyleReader {
                     return asInteger(here, value, field.range);
                 case COLOR:
                     return asColor(here, value);
-                case ALIGN:
-                    return asAlign(here, value);
+                case CHOICE:
+                    return asChoice(here, value, field.choices);
                 case PADDING:
                     return asPadding(here, value, field.range);
                 case BOOLEAN:
@@ -255,7 +252,11 @@ final class StyleReader {
                     }
                     return value;
                 default:
-                    return asString(here, value);
+                    String text = asString(here, value);
+                    if (field.problemOf(text) != null) {
+                        throw fail(here, field.problemOf(text));
+                    }
+                    return text;
             }
         }
 
@@ -263,15 +264,15 @@ final class StyleReader {
             for (String name : members.keySet()) {
                 List<String> allowed = new ArrayList<>(known);
                 Collections.sort(allowed);
-                throw fail(place + "." + name,
+                throw fail(place + step(name),
                         "unknown field; allowed: " + String.join(", ", allowed));
             }
         }
     }
 
-    private static List<?> asList(String place, Object value) {
+    private static List<?> asList(String place, Object value, String wanted) {
         if (!(value instanceof List)) {
-            throw fail(place, shown(value) + " is not a list");
+            throw fail(place, shown(value) + " is not " + wanted);
         }
         return (List<?>) value;
     }
@@ -291,7 +292,12 @@ final class StyleReader {
             throw fail(place, shown(value) + " is not a number (" + range + ")");
         }
         double number = Double.parseDouble(((JsonNumber) value).text);
-        range.check(place, number);
+        if (Double.isInfinite(number)) {
+            throw fail(place, value + " is too large for a number");
+        }
+        if (!(number >= range.min && number <= range.max)) {
+            throw fail(place, value + " is out of range " + range);
+        }
         return number;
     }
 
@@ -311,14 +317,16 @@ final class StyleReader {
         return Integer.parseUnsignedInt(digits.length() == 6 ? "FF" + digits : digits, 16);
     }
 
-    private static TextStyle.Align asAlign(String place, Object value) {
-        for (TextStyle.Align align : TextStyle.Align.values()) {
-            if (align.styleName.equals(value)) {
-                return align;
+    private static TextStyle.Named asChoice(
+            String place, Object value, TextStyle.Named[] choices) {
+        List<String> names = new ArrayList<>();
+        for (TextStyle.Named choice : choices) {
+            if (choice.styleName().equals(value)) {
+                return choice;
             }
+            names.add("\"" + choice.styleName() + "\"");
         }
-        throw fail(place,
-                shown(value) + " is not one of \"start\", \"left\", \"center\", \"right\"");
+        throw fail(place, shown(value) + " is not one of " + String.join(", ", names));
     }
 
     private static List<Integer> asPadding(String place, Object value, Range range) {
@@ -337,7 +345,7 @@ final class StyleReader {
     }
 
     /** A number as it was written, so that 1.0 and 1 can be told apart. */
-    private static final class JsonNumber {
+    static final class JsonNumber {
         final String text;
 
         JsonNumber(String text) {
@@ -358,7 +366,8 @@ final class StyleReader {
         }
     };
 
-    private static Object parse(String json) {
+    /** Maps, lists, strings, booleans, JsonNumber and JSON_NULL. */
+    static Object parse(String json) {
         try (JsonReader reader = new JsonReader(new StringReader(json))) {
             Object value = parseValue(reader, ROOT, 0);
             if (reader.peek() != JsonToken.END_DOCUMENT) {
@@ -408,9 +417,9 @@ final class StyleReader {
         reader.beginObject();
         while (reader.hasNext()) {
             String name = reader.nextName();
-            Object value = parseValue(reader, place + "." + name, depth + 1);
+            Object value = parseValue(reader, place + step(name), depth + 1);
             if (object.put(name, value) != null) {
-                throw fail(place, "the field \"" + name + "\" is given twice");
+                throw fail(place + step(name), "the field is given twice");
             }
         }
         reader.endObject();
@@ -427,6 +436,11 @@ final class StyleReader {
         }
         String text = value instanceof String ? "\"" + value + "\"" : value.toString();
         return text.length() > 40 ? text.substring(0, 40) + "..." : text;
+    }
+
+    /** A member's step in a JSON path: ".size", or {@code ["a b"]} for a name that is not a word. */
+    private static String step(String name) {
+        return name.matches("[\\w$]{1,40}") ? "." + name : "[" + shown(name) + "]";
     }
 
     private static IllegalArgumentException fail(String place, String reason) {

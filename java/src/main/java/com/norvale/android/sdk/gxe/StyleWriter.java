@@ -80,8 +80,8 @@ final class StyleWriter {
             case PADDING:
                 writePadding(writer, (List<?>) value);
                 break;
-            case ALIGN:
-                writer.value(((TextStyle.Align) value).styleName);
+            case CHOICE:
+                writer.value(((TextStyle.Named) value).styleName());
                 break;
             case BOOLEAN:
                 writer.value((Boolean) value);

@@ -47,6 +47,17 @@ public abstract class TextEffect {
         return opacity * ((color >>> 24) / 255f);
     }
 
+    /** To the nearest whole number, halves upwards: the native library cuts fractions off. */
+    static float whole(float value) {
+        return (float) Math.floor(value + 0.5);
+    }
+
+    /**
+     * Where the effect lies in natural order, beneath all that has a higher number. The same in all
+     * readers of style files, which have more effects.
+     */
+    abstract int rank();
+
     /** Adds the effect to a native stack: its id, or -1. */
     abstract int addTo(GxText text);
 

@@ -10,6 +10,7 @@ import com.norvale.android.sdk.gxe.annotation.Px;
 import java.util.ArrayList;
 import java.util.Arrays;
 import java.util.Collections;
+import java.util.Comparator;
 import java.util.EnumMap;
 import java.util.List;
 import java.util.Map;
@@ -25,8 +26,13 @@ import java.util.Objects;
  * <p>Immutable; equal when all that is set is.
  */
 public final class TextStyle {
+    /** A value that style files have a name for. */
+    interface Named {
+        String styleName();
+    }
+
     /** Where lines stand between the sides of the view. */
-    public enum Align {
+    public enum Align implements Named {
         /** Left, or right for right-to-left paragraphs. */
         START("start"),
         /** At the left side. */
@@ -36,15 +42,42 @@ public final class TextStyle {
         /** At the right side. */
         RIGHT("right");
 
-        final String styleName;
+        private final String styleName;
 
         Align(String styleName) {
             this.styleName = styleName;
         }
+
+        @Override
+        public String styleName() {
+            return styleName;
+        }
+    }
+
+    /** How effects are stacked. */
+    public enum Order implements Named {
+        /**
+         * From the lowest: outer shadow, outer glow, outside stroke, the text, linear gradient,
+         * inner shadow, centred or inside stroke.
+         */
+        NATURAL("natural"),
+        /** Of two outside effects, and of two inside ones, the one added later lies on top. */
+        LISTED("listed");
+
+        private final String styleName;
+
+        Order(String styleName) {
+            this.styleName = styleName;
+        }
+
+        @Override
+        public String styleName() {
+            return styleName;
+        }
     }
 
     /** What a value of a field is. */
-    enum Kind { STRING, NUMBER, INTEGER, BOOLEAN, COLOR, ALIGN, PADDING }
+    enum Kind { STRING, NUMBER, INTEGER, BOOLEAN, COLOR, CHOICE, PADDING }
 
     /** The fields of a style file that are kept, in the order in which they are written. */
     enum Field {
@@ -61,22 +94,45 @@ public final class TextStyle {
         COLOR("color", Kind.COLOR),
         BACKGROUND("background", Kind.COLOR),
         WIDTH("width", Kind.INTEGER, 1, 65535),
-        ALIGN("align", Kind.ALIGN),
+        ALIGN("align", Align.values()),
         PADDING("padding", Kind.PADDING, 0, 4096),
-        LINE_SPACING("lineSpacing", Kind.NUMBER, 0.1, 10);
+        LINE_SPACING("lineSpacing", Kind.NUMBER, 0.1, 10),
+        ORDER("order", Order.values());
 
         final String styleName;
         final Kind kind;
         final Range range;
+        final Named[] choices;
 
         Field(String styleName, Kind kind) {
             this(styleName, kind, 0, 0);
         }
 
         Field(String styleName, Kind kind, double min, double max) {
+            this(styleName, kind, new Range(min, max));
+        }
+
+        Field(String styleName, Named[] choices) {
+            this(styleName, Kind.CHOICE, null, choices);
+        }
+
+        Field(String styleName, Kind kind, Range range, Named... choices) {
             this.styleName = styleName;
             this.kind = kind;
-            this.range = new Range(min, max);
+            this.range = range;
+            this.choices = choices;
+        }
+
+        /** What is wrong with a string, or null. */
+        String problemOf(String value) {
+            switch (this) {
+                case FONT_FEATURES:
+                    return TextSettings.checkFontFeatures(value);
+                case LOCALE:
+                    return TextSettings.checkLocale(value);
+                default:
+                    return null;
+            }
         }
     }
 
@@ -89,7 +145,11 @@ public final class TextStyle {
 
     private TextStyle(Builder builder) {
         values = new EnumMap<>(builder.values);
-        effects = Collections.unmodifiableList(new ArrayList<>(builder.effects));
+        List<TextEffect> stacked = new ArrayList<>(builder.effects);
+        if (get(Field.ORDER) != Order.LISTED) {
+            stacked.sort(Comparator.comparingInt(TextEffect::rank));
+        }
+        effects = Collections.unmodifiableList(stacked);
         effectKey = StyleWriter.write(effects);
     }
 
@@ -135,7 +195,7 @@ public final class TextStyle {
     }
 
     /**
-     * The effects in order of addition. Of two outside effects, and of two inside ones, the later
+     * The effects as they are stacked: of two outside effects, and of two inside ones, the later
      * lies on top.
      *
      * @return at most one of each type; cannot be changed
@@ -323,6 +383,16 @@ public final class TextStyle {
     }
 
     /**
+     * How the effects are stacked.
+     *
+     * @return the order, or null when not set, which is the natural one
+     */
+    @Nullable
+    public Order getOrder() {
+        return (Order) get(Field.ORDER);
+    }
+
+    /**
      * Puts all but the effects on a text view: text, typeface, paint, colours, padding, gravity,
      * width and line spacing, as far as they are set.
      *
@@ -369,7 +439,8 @@ public final class TextStyle {
         public Builder() {}
 
         /**
-         * Adds an effect over those of its side (outside, inside) that are there.
+         * Adds an effect. Where it lies is the order's choice; in {@link Order#LISTED}, over those
+         * of its side (outside, inside) that are there.
          *
          * @param effect the effect
          * @return this builder
@@ -498,6 +569,7 @@ public final class TextStyle {
          * @param fontFeatures settings such as {@code 'smcp' on, 'kern' off}, or null to leave the
          *     view's
          * @return this builder
+         * @throws IllegalArgumentException when there is something else in it
          */
         @NonNull
         public Builder setFontFeatures(@Nullable String fontFeatures) {
@@ -509,6 +581,7 @@ public final class TextStyle {
          *
          * @param locale BCP 47 tags, comma-separated, or null to leave the view's
          * @return this builder
+         * @throws IllegalArgumentException when one is malformed
          */
         @NonNull
         public Builder setLocale(@Nullable String locale) {
@@ -601,6 +674,17 @@ public final class TextStyle {
         }
 
         /**
+         * Sets how the effects are stacked.
+         *
+         * @param order the order, or null for the natural one
+         * @return this builder
+         */
+        @NonNull
+        public Builder setOrder(@Nullable Order order) {
+            return set(Field.ORDER, order);
+        }
+
+        /**
          * Makes the style.
          *
          * @return a style with the settings so far
@@ -621,6 +705,10 @@ public final class TextStyle {
                 for (Object side : (List<?>) value) {
                     field.range.check(field.styleName, (Integer) side);
                 }
+            }
+            if (field.kind == Kind.STRING && field.problemOf((String) value) != null) {
+                throw new IllegalArgumentException(
+                        field.styleName + ": " + field.problemOf((String) value));
             }
             values.put(field, value);
             return this;
