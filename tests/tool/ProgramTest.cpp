@@ -64,30 +64,41 @@ TEST(Program, TellsAboutItself) {
     EXPECT_EQ(help.err, "");
 }
 
-TEST(Program, WrongCommandLinesExitWith2) {
-    const std::vector<std::vector<std::string>> cases = {
-        {},
-        {"paint"},
-        {"render"},
-        {"render", "--nonsense"},
-        {"render", "--text"},
-        {"render", "--text", "a", "--font-size", "0"},
-        {"render", "--text", "a", "--font-size", "nan"},
-        {"render", "--text", "a", "--font-size", "4097"},
-        {"render", "--text", "a", "--width", "2147483648"},
-        {"render", "--text", "a", "--padding", "1,2"},
-        {"render", "--text", "a", "--color", "red"},
-        {"render", "--text", "a", "--opacity", "1.5"},
-        {"render", "--text", "a", "--align", "middle"},
-        {"render", "-", "--text", "-"},
-        {"render", "--font", kLatin},
-        {"measure", "--text", "a", "-o", "x.png"},
+TEST(Program, WrongCommandLinesExitWith2AndSayWhatIsAllowed) {
+    struct Case {
+        std::vector<std::string> arguments;
+        std::string message;
     };
-    for (const auto& arguments : cases) {
-        const Outcome outcome = runGxtext(arguments, "{}");
-        EXPECT_EQ(outcome.status, 2) << testing::PrintToString(arguments);
+    const Case cases[] = {
+        {{}, "a command is missing; allowed: render, measure, key, fonts\n"},
+        {{"paint"}, "no command is called paint; allowed: render, measure, key, fonts\n"},
+        {{"rendr"}, "no command is called rendr; did you mean \"render\"?\n"},
+        {{"--text", "a", "render"}, "--text goes after render\n"},
+        {{"render"}, "there is no text"},
+        {{"render", "--nonsense"}, "unknown option --nonsense\n"},
+        {{"render", "--size=3"}, "unknown option --size; did you mean --font-size?\n"},
+        {{"render", "a.json", "b.json"}, "unexpected argument b.json\n"},
+        {{"render", "--text"}, "--text: "},
+        {{"render", "--text", "a", "--font-size", "0"}, "0 is out of range 1-4096\n"},
+        {{"render", "--text", "a", "--font-size", "nan"}, "nan is out of range 1-4096\n"},
+        {{"render", "--text", "a", "--font-size", "4097"}, "4097 is out of range 1-4096\n"},
+        {{"render", "--text", "a", "--width", "2147483648"}, " is out of range 1-65535\n"},
+        {{"render", "--text", "a", "--width", "1.5"},
+         "--width: 1.5 is not a whole number in the range 1-65535\n"},
+        {{"render", "--text", "a", "--padding", "1,2"}, "four whole numbers, 0-4096\n"},
+        {{"render", "--text", "a", "--color", "red"}, "red is not a colour"},
+        {{"render", "--text", "a", "--opacity", "1.5"}, "1.5 is out of range 0-1\n"},
+        {{"render", "--text", "a", "--align", "middle"}, "{start,left,center,right}"},
+        {{"render", "-", "--text", "-"}, "not both"},
+        {{"render", "--font", kLatin}, "there is no text"},
+        {{"measure", "--text", "a", "-o", "x.png"}, "unknown option -o\n"},
+    };
+    for (const Case& c : cases) {
+        const Outcome outcome = runGxtext(c.arguments, "{}");
+        EXPECT_EQ(outcome.status, 2) << c.message;
         EXPECT_EQ(outcome.out, "");
-        EXPECT_NE(outcome.err, "");
+        EXPECT_THAT(outcome.err, StartsWith("gxtext: "));
+        EXPECT_THAT(outcome.err, HasSubstr(c.message));
     }
 }
 

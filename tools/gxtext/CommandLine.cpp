@@ -17,6 +17,7 @@
 #include "FileIo.h"
 #include "Fonts.h"
 #include "ToolError.h"
+#include "UsageMessage.h"
 #include "base/GxLog.h"
 #include "style/FieldTable.h"
 
@@ -29,8 +30,8 @@ using gxtext::parsePadding;
 using gxtext::Range;
 using gxtext::styleField;
 
-// What the command line says about the style: the file, and changes that go over it in the order
-// given.
+// What the command line says about the style: the file, and changes that go over it, in the order
+// in which the options are defined.
 struct StyleArguments {
     std::string file;
     std::string text;
@@ -38,14 +39,19 @@ struct StyleArguments {
     std::vector<std::function<void(Style&)>> changes;
 };
 
+// T is int for whole numbers.
+template <typename T>
 CLI::Validator inRange(const Range& range) {
     return CLI::Validator(
         [range](std::string& text) {
             double value = 0;
+            T converted{};
             const bool isNumber = CLI::detail::lexical_cast(text, value);
-            if (isNumber && range.contains(value)) return std::string();
-            return text + (isNumber ? " is out of range " : " is not a number in the range ") +
-                   range.text();
+            if (isNumber && !range.contains(value))
+                return text + " is out of range " + range.text();
+            if (isNumber && CLI::detail::lexical_cast(text, converted)) return std::string();
+            return text + (std::is_integral_v<T> ? " is not a whole number" : " is not a number") +
+                   " in the range " + range.text();
         },
         "");
 }
@@ -123,11 +129,11 @@ void addTextOptions(CLI::App& app, StyleArguments& arguments, StyleOptions& opti
     options
         .add<int>("--font-index", "Font inside a collection file, 0-99 (default 0)", "N", group,
                   [](Style& style, const int& index) { style.fontIndex = index; })
-        ->check(inRange(styleField("fontIndex").range));
+        ->check(inRange<int>(styleField("fontIndex").range));
     options
         .add<float>("--font-size", "Size in pixels, 1-4096 (default 64)", "PX", group,
                     [](Style& style, const float& size) { style.size = size; })
-        ->check(inRange(styleField("size").range));
+        ->check(inRange<float>(styleField("size").range));
     options.flag("--bold", "Bold; faked when the font is not", group, &Style::bold);
     options.flag("--italic", "Italic; faked when the font is not", group, &Style::italic);
     options.add<std::string>("--locale", "Languages, BCP 47, comma-separated (default none)",
@@ -150,7 +156,7 @@ void addColorOptions(StyleOptions& options) {
     options
         .add<float>("--opacity", "Fades the picture, effects included, 0-1 (default 1)", "N", group,
                     [](Style& style, const float& opacity) { style.opacity = opacity; })
-        ->check(inRange(styleField("opacity").range));
+        ->check(inRange<float>(styleField("opacity").range));
 }
 
 void addLayoutOptions(StyleOptions& options) {
@@ -159,7 +165,7 @@ void addLayoutOptions(StyleOptions& options) {
         .add<int>("--width",
                   "Width in pixels to wrap at, padding included, 1-65535 (default: no wrap)", "PX",
                   group, [](Style& style, const int& width) { style.width = width; })
-        ->check(inRange(styleField("width").range));
+        ->check(inRange<int>(styleField("width").range));
     options
         .add<std::string>("--align", "start, left, center or right (default start)", "ALIGN", group,
                           [](Style& style, const std::string& name) { setAlign(style, name); })
@@ -242,33 +248,15 @@ struct Subcommand {
     void addJson(const char* help) { app->add_flag("--json", json, help)->group("Output"); }
 };
 
-// A line for each mistake.
-void printStyleError(const gxtext::StyleError& error) {
-    std::istringstream lines(error.what());
-    for (std::string line; std::getline(lines, line);)
-        fprintf(stderr, "gxtext: %s\n", line.c_str());
+// Help and version are data; everything else is a mistake.
+void endParsing(const CLI::App& app, const CLI::ParseError& error) {
+    if (error.get_exit_code() != 0) throw ToolError(usageMessage(app, error), kUsage);
+    std::ostringstream text;
+    app.exit(error, text);
+    writeOutput("-", text.str());
 }
 
-int runParsed(const std::function<void()>& command) {
-    try {
-        command();
-        return kOk;
-    } catch (const ToolError& error) {
-        fprintf(stderr, "gxtext: %s\n", error.what());
-        return error.status;
-    } catch (const gxtext::StyleError& error) {
-        printStyleError(error);
-    } catch (const std::bad_alloc&) {
-        fprintf(stderr, "gxtext: out of memory\n");
-    } catch (const std::exception& error) {
-        fprintf(stderr, "gxtext: %s\n", error.what());
-    }
-    return kFailure;
-}
-
-}  // namespace
-
-int run(int argc, char** argv, const std::function<void(bool)>& showLibraryLog) {
+void parseAndRun(int argc, char** argv, const std::function<void(bool)>& showLibraryLog) {
     CLI::App app("Renders text with effects to PNG.", "gxtext");
     app.set_version_flag("--version", versionText());
     app.require_subcommand(1);
@@ -293,16 +281,37 @@ int run(int argc, char** argv, const std::function<void(bool)>& showLibraryLog) 
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? kOk : kUsage;
+        return endParsing(app, error);
     }
     showLibraryLog(verbose);
     GxFontEffect::GxLog::DEBUG_ENABLE = verbose;
-    return runParsed([&] {
-        if (render.app->parsed()) renderCommand(makeStyle(render.arguments), render.render);
-        if (measure.app->parsed()) measureCommand(makeStyle(measure.arguments), measure.json);
-        if (key.app->parsed()) keyCommand(makeStyle(key.arguments));
-        if (fonts.app->parsed()) fontsCommand(makeStyle(fonts.arguments), fonts.json);
-    });
+    if (render.app->parsed()) renderCommand(makeStyle(render.arguments), render.render);
+    if (measure.app->parsed()) measureCommand(makeStyle(measure.arguments), measure.json);
+    if (key.app->parsed()) keyCommand(makeStyle(key.arguments));
+    if (fonts.app->parsed()) fontsCommand(makeStyle(fonts.arguments), fonts.json);
+}
+
+// A line for each mistake.
+int fail(const char* message, int status) {
+    std::istringstream lines(message);
+    for (std::string line; std::getline(lines, line);)
+        fprintf(stderr, "gxtext: %s\n", line.c_str());
+    return status;
+}
+
+}  // namespace
+
+int run(int argc, char** argv, const std::function<void(bool)>& showLibraryLog) {
+    try {
+        parseAndRun(argc, argv, showLibraryLog);
+        return kOk;
+    } catch (const ToolError& error) {
+        return fail(error.what(), error.status);
+    } catch (const std::bad_alloc&) {
+        return fail("out of memory", kFailure);
+    } catch (const std::exception& error) {
+        return fail(error.what(), kFailure);
+    }
 }
 
 }  // namespace gxtool

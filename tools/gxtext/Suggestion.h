@@ -1,0 +1,18 @@
+// What someone who wrote an unknown name may have meant.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace gxtool {
+
+// The name that is near what was given: few letters differ, or it holds the whole of that. Null
+// when none is.
+const std::string_view* nearestName(std::string_view given,
+                                    const std::vector<std::string_view>& names);
+
+// "; did you mean \"size\"?", or "; allowed: " and the names when none is near.
+std::string suggestion(std::string_view given, const std::vector<std::string_view>& names);
+
+}  // namespace gxtool
