@@ -10,6 +10,8 @@
 #include <cerrno>
 #include <utility>
 
+#include "base/Descriptor.h"
+
 namespace GxFontEffect {
 
 namespace {
@@ -20,20 +22,6 @@ constexpr const char* kTag = "GxFontManager";
 void LogFileFailure() {
     __android_log_print(ANDROID_LOG_DEBUG, kTag, "%s", kTag);
 }
-
-class Descriptor {
-public:
-    explicit Descriptor(int number) : number_(number) {}
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor() {
-        if (number_ >= 0) close(number_);
-    }
-    int get() const { return number_; }
-
-private:
-    int number_;
-};
 
 // Lengths are kept in 32 bits, as the font API has them.
 bool IsFontFile(const struct stat& status) {
@@ -64,7 +52,7 @@ std::shared_ptr<const FontBuffer> FontBuffer::LoadFile(const char* path) {
     // Not blocking: opening a pipe would wait for its writer.
     const Descriptor file(open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     struct stat status;
-    if (file.get() < 0 || fstat(file.get(), &status) != 0) {
+    if (!file || fstat(file.get(), &status) != 0) {
         LogFileFailure();
     } else if (IsFontFile(status)) {
         const auto length = static_cast<uint32_t>(status.st_size);

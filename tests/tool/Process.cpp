@@ -34,9 +34,10 @@ private:
     FILE* file_;
 };
 
-int runWith(const std::vector<std::string>& arguments, int in, int out, int err) {
+int runWith(const char* program, const std::vector<std::string>& arguments, int in, int out,
+            int err) {
     std::vector<char*> argv;
-    std::vector<std::string> copies{"gxtext"};
+    std::vector<std::string> copies{program};
     copies.insert(copies.end(), arguments.begin(), arguments.end());
     for (std::string& copy : copies) argv.push_back(copy.data());
     argv.push_back(nullptr);
@@ -48,7 +49,7 @@ int runWith(const std::vector<std::string>& arguments, int in, int out, int err)
         dup2(in, 0);
         dup2(out, 1);
         dup2(err, 2);
-        execv(GXTEXT_PROGRAM, argv.data());
+        execv(program, argv.data());
         _exit(127);
     }
     int status = 0;
@@ -56,17 +57,30 @@ int runWith(const std::vector<std::string>& arguments, int in, int out, int err)
     return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 
-}  // namespace
-
-Outcome runGxtext(const std::vector<std::string>& arguments, const std::string& input) {
+Outcome runOnFiles(const char* program, const std::vector<std::string>& arguments,
+                   const std::string& input) {
     const Stream in(input);
     const Stream out;
     const Stream err;
     Outcome outcome;
-    outcome.status = runWith(arguments, in.descriptor(), out.descriptor(), err.descriptor());
+    outcome.status =
+        runWith(program, arguments, in.descriptor(), out.descriptor(), err.descriptor());
     outcome.out = out.content();
     outcome.err = err.content();
     return outcome;
+}
+
+}  // namespace
+
+Outcome runGxtext(const std::vector<std::string>& arguments, const std::string& input) {
+    return runOnFiles(GXTEXT_PROGRAM, arguments, input);
+}
+
+Outcome runShell(const std::string& script, const std::string& folder) {
+    const std::string setUp = "program='" GXTEXT_PROGRAM
+                              "'; gxtext() { \"$program\" \"$@\"; }; cd '" +
+                              folder + "' || exit 99\n";
+    return runOnFiles("/bin/sh", {"-c", setUp + script}, "");
 }
 
 std::optional<Outcome> runGxtextOnTerminal(const std::vector<std::string>& arguments) {
@@ -77,7 +91,7 @@ std::optional<Outcome> runGxtextOnTerminal(const std::vector<std::string>& argum
     Outcome outcome;
     const Stream in;
     const Stream err;
-    outcome.status = runWith(arguments, in.descriptor(), out, err.descriptor());
+    outcome.status = runWith(GXTEXT_PROGRAM, arguments, in.descriptor(), out, err.descriptor());
     outcome.err = err.content();
     close(out);
     close(terminal);

@@ -16,7 +16,11 @@ struct Outcome {
 // Runs the gxtext program of this build with `input` on its standard input and waits for its end.
 Outcome runGxtext(const std::vector<std::string>& arguments, const std::string& input = "");
 
-// The same with standard output on a pseudo-terminal; `out` stays empty. Nothing where the machine
+// Runs a script in a shell, in the folder; the program is called gxtext there, and
+// "$program" where another one is to run it.
+Outcome runShell(const std::string& script, const std::string& folder);
+
+// runGxtext with standard output on a pseudo-terminal; `out` stays empty. Nothing where the machine
 // has none to give.
 std::optional<Outcome> runGxtextOnTerminal(const std::vector<std::string>& arguments);
 

@@ -91,6 +91,7 @@ TEST(Program, WrongCommandLinesExitWith2AndSayWhatIsAllowed) {
         {{"render", "--text", "a", "--align", "middle"}, "{start,left,center,right}"},
         {{"render", "-", "--text", "-"}, "not both"},
         {{"render", "--font", kLatin}, "there is no text"},
+        {{"render", "--text", "a", "-o", "x.jpg"}, "end the name in .png"},
         {{"measure", "--text", "a", "-o", "x.png"}, "unknown option -o\n"},
     };
     for (const Case& c : cases) {
@@ -140,6 +141,95 @@ TEST(Program, FailuresExitWith1AndSayWhy) {
         EXPECT_EQ(outcome.out, "");
         EXPECT_THAT(outcome.err, HasSubstr(c.message));
         EXPECT_THAT(outcome.err, StartsWith("gxtext: "));
+    }
+}
+
+// A folder with a style and what it reads, and a picture that must not get lost.
+class Files : public testing::Test {
+protected:
+    void SetUp() override {
+        std::filesystem::copy_file(kLatin, folder.path("latin.ttf"));
+        std::filesystem::copy_file(GXTEXT_SOURCE_DIR "/examples/styles/patterns/checks.png",
+                                   folder.path("pattern.png"));
+        folder.write("old.png", "old");
+        writeStyle("style.json", "latin.ttf", "pattern.png");
+    }
+    void writeStyle(const std::string& name, const std::string& font, const std::string& pattern) {
+        const json effect{{"type", "pattern"}, {"pattern", pattern}};
+        folder.write(name, json{{"text", "Hamburg"}, {"font", font}, {"effects", {effect}}}.dump());
+    }
+
+    gxtest::TempFolder folder;
+};
+
+TEST_F(Files, FailedWritesAreFailuresAndKeepWhatWasThere) {
+    struct Case {
+        const char* script;
+        int status;
+        const char* message;
+    };
+    const char* const kFull = "gxtext: cannot write to standard output: No space left on device\n";
+    const char* const kInput = "the output would replace ";
+    const std::vector<std::string> inputs{"style.json", "pattern.png", "latin.ttf"};
+    const auto bytesOf = [this](std::vector<std::string> files) {
+        for (std::string& file : files) file = readFile(folder.path(file));
+        return files;
+    };
+    const std::vector<std::string> before = bytesOf(inputs);
+    for (const Case& c : std::initializer_list<Case>{
+             {"ulimit -f 1; gxtext render style.json -o old.png", 1,
+              "gxtext: cannot write to old.png: File too large\n"},
+             {"gxtext --version > /dev/full", 1, kFull},
+             {"gxtext measure --help > /dev/full", 1, kFull},
+             {"gxtext measure style.json > /dev/full", 1, kFull},
+             {"gxtext render style.json > /dev/full", 1, kFull},
+             {"gxtext render style.json >&-", 1, "standard output: Bad file descriptor\n"},
+             {"gxtext render style.json -o pattern.png", 2, kInput},
+             {"gxtext render style.json >> pattern.png", 2, kInput},
+             {"ln -s style.json s.png; gxtext render style.json -o s.png", 2, kInput},
+             {"ln style.json h.png; gxtext render - -o h.png < style.json", 2, kInput},
+             {"ln latin.ttf f.png; gxtext render style.json -o ./f.png", 2, kInput}}) {
+        const Outcome outcome = gxtest::runShell(c.script, folder.path(""));
+        EXPECT_EQ(outcome.status, c.status) << c.script;
+        EXPECT_THAT(outcome.err, HasSubstr(c.message)) << c.script;
+        EXPECT_EQ(readFile(folder.path("old.png")), "old") << c.script;
+        EXPECT_TRUE(bytesOf(inputs) == before) << c.script;
+    }
+    for (const auto& entry : std::filesystem::directory_iterator(folder.path(""))) {
+        EXPECT_NE(entry.path().filename().string().front(), '.') << entry;
+    }
+}
+
+TEST_F(Files, WritesToWhateverTakesBytes) {
+    const std::string expected = gxtest::runShell("gxtext render style.json", folder.path("")).out;
+    ASSERT_GT(countInk(decodePng(expected, "output")), 100);
+    writeStyle("absolute.json", folder.path("latin.ttf"), folder.path("pattern.png"));
+    for (const char* script :
+         {"gxtext render style.json -o old.png",
+          "gxtext render style.json -o /dev/stdout > old.png",
+          "gxtext render style.json -o /dev/stdout | cat > old.png",
+          "mkfifo pipe; cat pipe > old.png & gxtext render style.json -o pipe; wait; test -p pipe",
+          "cat absolute.json | gxtext render /dev/stdin -o old.png",
+          "gxtext render style.json -o old.png 2>&-"}) {
+        folder.write("old.png", "old");
+        EXPECT_EQ(gxtest::runShell(script, folder.path("")).status, 0) << script;
+        EXPECT_TRUE(readFile(folder.path("old.png")) == expected) << script;
+    }
+}
+
+TEST_F(Files, PipesAreNotWaitedForWhereAFileIsNamed) {
+    writeStyle("pattern.json", "latin.ttf", "pipe.ttf");
+    writeStyle("font.json", "pipe.ttf", "pattern.png");
+    for (const auto& [style, message] :
+         {std::pair("pattern.json", "pipe.ttf: not a regular file\n"),
+          std::pair("font.json", "pipe.ttf is not a file\n"),
+          std::pair("pipe.ttf", "cannot read pipe.ttf: not a regular file\n")}) {
+        const Outcome outcome = gxtest::runShell(
+            "test -p pipe.ttf || mkfifo pipe.ttf; timeout 20 \"$program\" render " +
+                std::string(style),
+            folder.path(""));
+        EXPECT_EQ(outcome.status, 1) << style;
+        EXPECT_THAT(outcome.err, HasSubstr(message));
     }
 }
 

@@ -8,14 +8,16 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <csignal>
 #include <cstdio>
+#include <filesystem>
 #include <new>
 #include <sstream>
 #include FT_FREETYPE_H
 
 #include "Commands.h"
-#include "FileIo.h"
 #include "Fonts.h"
+#include "Streams.h"
 #include "ToolError.h"
 #include "UsageMessage.h"
 #include "base/GxLog.h"
@@ -52,6 +54,22 @@ CLI::Validator inRange(const Range& range) {
             if (isNumber && CLI::detail::lexical_cast(text, converted)) return std::string();
             return text + (std::is_integral_v<T> ? " is not a whole number" : " is not a number") +
                    " in the range " + range.text();
+        },
+        "");
+}
+
+// What a picture's file may be called; devices and pipes are called as they are.
+CLI::Validator isPictureName() {
+    return CLI::Validator(
+        [](std::string& text) {
+            const std::filesystem::path path = text;
+            if (path.empty()) return std::string("the name is empty");
+            const std::string extension = CLI::detail::to_lower(path.extension().string());
+            std::error_code isNoFile;
+            const auto status = std::filesystem::status(path, isNoFile);
+            const bool isDevice = std::filesystem::is_other(status);
+            if (extension.empty() || extension == ".png" || isDevice) return std::string();
+            return text + " would be a PNG picture; end the name in .png, or without extension";
         },
         "");
 }
@@ -205,6 +223,13 @@ Style makeStyle(const StyleArguments& arguments) {
     return style;
 }
 
+std::vector<std::string> inputsOf(const StyleArguments& arguments) {
+    std::vector<std::string> inputs;
+    if (!arguments.file.empty()) inputs.push_back(arguments.file);
+    if (arguments.hasText && arguments.text == "-") inputs.push_back("-");
+    return inputs;
+}
+
 std::string versionText() {
     unsigned hbMajor = 0;
     unsigned hbMinor = 0;
@@ -269,6 +294,7 @@ void parseAndRun(int argc, char** argv, const std::function<void(bool)>& showLib
     render.app
         ->add_option("-o", render.render.output, "PNG file; - writes standard output (default -)")
         ->type_name("FILE|-")
+        ->check(isPictureName())
         ->group("Output");
     render.app->add_flag("--strict", render.render.strict, "Fail when a character has no glyph")
         ->group("Output");
@@ -285,7 +311,10 @@ void parseAndRun(int argc, char** argv, const std::function<void(bool)>& showLib
     }
     showLibraryLog(verbose);
     GxFontEffect::GxLog::DEBUG_ENABLE = verbose;
-    if (render.app->parsed()) renderCommand(makeStyle(render.arguments), render.render);
+    if (render.app->parsed()) {
+        render.render.inputs = inputsOf(render.arguments);
+        renderCommand(makeStyle(render.arguments), render.render);
+    }
     if (measure.app->parsed()) measureCommand(makeStyle(measure.arguments), measure.json);
     if (key.app->parsed()) keyCommand(makeStyle(key.arguments));
     if (fonts.app->parsed()) fontsCommand(makeStyle(fonts.arguments), fonts.json);
@@ -302,6 +331,9 @@ int fail(const char* message, int status) {
 }  // namespace
 
 int run(int argc, char** argv, const std::function<void(bool)>& showLibraryLog) {
+    reserveStandardStreams();
+    // A file that may not grow further is a failed write.
+    std::signal(SIGXFSZ, SIG_IGN);
     try {
         parseAndRun(argc, argv, showLibraryLog);
         return kOk;

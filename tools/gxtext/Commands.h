@@ -13,6 +13,8 @@ namespace gxtool {
 struct RenderOptions {
     std::string output = "-";
     bool strict = false;  // missing glyphs are a failure
+    // What the style and the text came from, as the command line names it.
+    std::vector<std::string> inputs;
 };
 
 void renderCommand(const Style& style, const RenderOptions& options);

@@ -1,4 +1,4 @@
-// Whole files in and out; "-" stands for standard input and output.
+// Whole files in and out.
 #pragma once
 
 #include <cstddef>
@@ -7,16 +7,28 @@
 
 namespace gxtool {
 
-constexpr size_t kMaxTextBytes = size_t{1} << 20;
-constexpr size_t kMaxImageBytes = size_t{64} << 20;
+// All bytes of a regular file; of nothing else, since a pipe may never give any. Throws ToolError
+// when it cannot be read or is longer than `limit`.
+std::string readFile(const std::string& file, size_t limit);
 
-// All bytes of the file. Throws ToolError when it cannot be read or is longer than `limit`.
-std::string readInput(const std::string& file, size_t limit);
+// Replaces the file as a whole or not at all: a full disk, a signal or a crash leaves what was
+// there, and nothing beside it. The bytes are on the disk before the new file takes the place of
+// the old one, whose permissions it gets, and its owner as far as the caller may give files away;
+// another hard link to the old file keeps the old bytes. Symbolic links are followed. Where the
+// system knows no files without a name there is a file ".gxtext-*" while it is written: signals to
+// the calling thread wait then, and only what cannot wait (SIGKILL, a crash) leaves it behind.
+//
+// What cannot be replaced is written to: devices, pipes, and whatever /dev/stdout and the like
+// stand for. Throws ToolError when not everything could be written, and for an old file without
+// permission to write.
+void writeFile(const std::string& file, std::string_view bytes);
 
-// Throws ToolError when not everything could be written; a file that was begun is removed again.
-void writeOutput(const std::string& file, std::string_view bytes);
+// The same through a descriptor that is open; `name` is for messages. One that does not block is
+// waited for.
+std::string readDescriptor(int descriptor, const std::string& name, size_t limit);
+void writeDescriptor(int descriptor, const std::string& name, std::string_view bytes);
 
-// Throws a usage error when `file` is standard output and that is a terminal.
-void refuseTerminal(const std::string& file);
+// Whether the path stands for a descriptor of the process, as /dev/stdin and /dev/fd/3 do.
+bool isDescriptorPath(const std::string& file);
 
 }  // namespace gxtool

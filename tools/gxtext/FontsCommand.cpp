@@ -1,7 +1,7 @@
 #include <nlohmann/json.hpp>
 
 #include "Commands.h"
-#include "FileIo.h"
+#include "Streams.h"
 
 namespace gxtool {
 

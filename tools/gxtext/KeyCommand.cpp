@@ -2,7 +2,7 @@
 #include <memory>
 
 #include "Commands.h"
-#include "FileIo.h"
+#include "Streams.h"
 #include "ToolError.h"
 #include "effect/GxEffect.h"
 #include "style/EffectStack.h"

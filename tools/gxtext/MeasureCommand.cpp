@@ -2,7 +2,7 @@
 #include <nlohmann/json.hpp>
 
 #include "Commands.h"
-#include "FileIo.h"
+#include "Streams.h"
 
 namespace gxtool {
 

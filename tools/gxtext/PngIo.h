@@ -1,6 +1,7 @@
 // Pictures in and out: PNG, 8 bits per channel, straight alpha.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -17,6 +18,9 @@ struct Image {
 
 // Largest picture that is read or rendered: 64 Mi pixels, 256 MiB decoded.
 constexpr uint64_t kMaxPixels = uint64_t{1} << 26;
+
+// Longest file of a picture.
+constexpr size_t kMaxImageBytes = size_t{64} << 20;
 
 // The file's bytes: RGBA, no timestamp or text, the same for the same pixels. `pixels` holds width
 // x height words. Throws ToolError when the encoder runs out of memory and for an empty picture.

@@ -4,6 +4,7 @@
 
 #include "FileIo.h"
 #include "PngIo.h"
+#include "Streams.h"
 #include "ToolError.h"
 
 namespace gxtool {
@@ -14,7 +15,7 @@ Style loadStyle(const std::string& file) {
 }
 
 GxFontEffect::GxBitmap loadPattern(const std::filesystem::path& file) {
-    const Image image = decodePng(readInput(file.string(), kMaxImageBytes), file.string());
+    const Image image = decodePng(readFile(file.string(), kMaxImageBytes), file.string());
     std::vector<uint8_t> bytes;
     bytes.reserve(image.pixels.size() * 4);
     for (const uint32_t pixel : image.pixels) {
