@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <png.h>
 
 #include <random>
 
@@ -59,6 +60,28 @@ TEST(PngIo, SaysWhyAFileIsNoPicture) {
     }
     EXPECT_THROW(encodePng(image.pixels.data(), 0, 4), ToolError);
     EXPECT_THROW(encodePng(nullptr, 4, 4), ToolError);
+}
+
+TEST(PngIo, RefusesPicturesThatDecodeToMoreThanTheLimit) {
+    png_image header{};
+    header.version = PNG_IMAGE_VERSION;
+    header.width = 4097;
+    header.height = 4096;
+    header.format = PNG_FORMAT_GRAY;
+    const std::vector<uint8_t> blank(PNG_IMAGE_SIZE(header));
+    png_alloc_size_t size = PNG_IMAGE_PNG_SIZE_MAX(header);
+    std::string bytes(size, '\0');
+    ASSERT_TRUE(
+        png_image_write_to_memory(&header, bytes.data(), &size, 0, blank.data(), 0, nullptr));
+    bytes.resize(size);
+    ASSERT_LT(size, 100000u);
+    try {
+        decodePng(bytes, "pattern.png");
+        FAIL() << "accepted";
+    } catch (const ToolError& error) {
+        EXPECT_STREQ(error.what(),
+                     "pattern.png: 4097 x 4096 pixels are too many; at most 16777216 are possible");
+    }
 }
 
 }  // namespace

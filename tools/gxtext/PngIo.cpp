@@ -2,7 +2,7 @@
 
 #include <png.h>
 
-#include <cstring>
+#include <bit>
 #include <memory>
 
 #include "ToolError.h"
@@ -25,16 +25,9 @@ struct PngImage {
     }
 };
 
-std::vector<uint8_t> toRgba(const uint32_t* pixels, size_t count) {
-    std::vector<uint8_t> bytes(count * 4);
-    for (size_t i = 0; i < count; i++) {
-        bytes[4 * i] = static_cast<uint8_t>(pixels[i] >> 16);
-        bytes[4 * i + 1] = static_cast<uint8_t>(pixels[i] >> 8);
-        bytes[4 * i + 2] = static_cast<uint8_t>(pixels[i]);
-        bytes[4 * i + 3] = static_cast<uint8_t>(pixels[i] >> 24);
-    }
-    return bytes;
-}
+// The bytes of a word 0xAARRGGBB as they lie in memory.
+constexpr png_uint_32 kWordFormat =
+    std::endian::native == std::endian::little ? PNG_FORMAT_BGRA : PNG_FORMAT_ARGB;
 
 }  // namespace
 
@@ -43,17 +36,14 @@ std::string encodePng(const uint32_t* pixels, uint32_t width, uint32_t height) {
     PngImage image;
     image.record.width = width;
     image.record.height = height;
-    image.record.format = PNG_FORMAT_RGBA;
-    const std::vector<uint8_t> rgba = toRgba(pixels, size_t{width} * height);
-    // An upper bound: deflate may grow what it cannot compress.
+    image.record.format = kWordFormat;
+    // An upper bound: deflate may grow what it cannot compress. Only what is used of it is touched.
     png_alloc_size_t size = PNG_IMAGE_PNG_SIZE_MAX(image.record);
-    std::string bytes(size, '\0');
-    if (!png_image_write_to_memory(&image.record, bytes.data(), &size, 0, rgba.data(), 0,
-                                   nullptr)) {
+    const std::unique_ptr<char[]> bytes(new char[size]);
+    if (!png_image_write_to_memory(&image.record, bytes.get(), &size, 0, pixels, 0, nullptr)) {
         image.fail("cannot encode the picture");
     }
-    bytes.resize(size);
-    return bytes;
+    return std::string(bytes.get(), size);
 }
 
 Image decodePng(std::string_view bytes, const std::string& name) {
@@ -64,17 +54,15 @@ Image decodePng(std::string_view bytes, const std::string& name) {
     Image image;
     image.width = source.record.width;
     image.height = source.record.height;
-    if (uint64_t{image.width} * image.height > kMaxPixels) {
+    if (uint64_t{image.width} * image.height > kMaxReadPixels) {
         throw ToolError(name + ": " + std::to_string(image.width) + " x " +
-                        std::to_string(image.height) + " pixels are too many");
+                        std::to_string(image.height) + " pixels are too many; at most " +
+                        std::to_string(kMaxReadPixels) + " are possible");
     }
-    source.record.format = PNG_FORMAT_RGBA;
-    std::vector<uint8_t> rgba(PNG_IMAGE_SIZE(source.record));
-    if (!png_image_finish_read(&source.record, nullptr, rgba.data(), 0, nullptr)) source.fail(name);
+    source.record.format = kWordFormat;
     image.pixels.resize(size_t{image.width} * image.height);
-    for (size_t i = 0; i < image.pixels.size(); i++) {
-        const uint8_t* p = rgba.data() + 4 * i;
-        image.pixels[i] = uint32_t{p[3]} << 24 | uint32_t{p[0]} << 16 | uint32_t{p[1]} << 8 | p[2];
+    if (!png_image_finish_read(&source.record, nullptr, image.pixels.data(), 0, nullptr)) {
+        source.fail(name);
     }
     return image;
 }

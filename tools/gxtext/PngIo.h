@@ -16,18 +16,22 @@ struct Image {
     std::vector<uint32_t> pixels;
 };
 
-// Largest picture that is read or rendered: 64 Mi pixels, 256 MiB decoded.
+// Largest picture that is rendered: 64 Mi pixels, 256 MiB.
 constexpr uint64_t kMaxPixels = uint64_t{1} << 26;
 
-// Longest file of a picture.
+// Largest picture that is read: 16 Mi pixels (4,096 x 4,096, say), 64 MiB decoded. A file of a few
+// kilobytes can hold as many.
+constexpr uint64_t kMaxReadPixels = uint64_t{1} << 24;
+// Longest file of one.
 constexpr size_t kMaxImageBytes = size_t{64} << 20;
 
 // The file's bytes: RGBA, no timestamp or text, the same for the same pixels. `pixels` holds width
 // x height words. Throws ToolError when the encoder runs out of memory and for an empty picture.
 std::string encodePng(const uint32_t* pixels, uint32_t width, uint32_t height);
 
-// Any PNG, converted to 8-bit RGBA. `name` is for messages. Throws ToolError for bytes that are no
-// PNG, truncated or damaged files, and more than kMaxPixels.
+// Any PNG, converted to 8-bit RGBA row by row: no more memory than the answer and a few rows.
+// `name` is for messages. Throws ToolError for bytes that are no PNG, truncated or damaged files,
+// and more than kMaxReadPixels.
 Image decodePng(std::string_view bytes, const std::string& name);
 
 }  // namespace gxtool

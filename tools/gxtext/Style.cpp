@@ -1,7 +1,5 @@
 #include "Style.h"
 
-#include <vector>
-
 #include "FileIo.h"
 #include "PngIo.h"
 #include "Streams.h"
@@ -16,14 +14,12 @@ Style loadStyle(const std::string& file) {
 
 GxFontEffect::GxBitmap loadPattern(const std::filesystem::path& file) {
     const Image image = decodePng(readFile(file.string(), kMaxImageBytes), file.string());
-    std::vector<uint8_t> bytes;
-    bytes.reserve(image.pixels.size() * 4);
-    for (const uint32_t pixel : image.pixels) {
-        for (const int shift : {24, 16, 8, 0})
-            bytes.push_back(static_cast<uint8_t>(pixel >> shift));
-    }
-    GxFontEffect::GxBitmap bitmap(image.width, image.height, bytes.data(), 4);
+    GxFontEffect::GxBitmap bitmap(image.width, image.height, 4);
     if (!bitmap.data) throw ToolError(file.string() + ": out of memory");
+    uint8_t* byte = bitmap.data;
+    for (const uint32_t pixel : image.pixels) {
+        for (const int shift : {24, 16, 8, 0}) *byte++ = static_cast<uint8_t>(pixel >> shift);
+    }
     return bitmap;
 }
 
