@@ -1,6 +1,8 @@
 // A Skia typeface as a font of the layout engine.
 #pragma once
 
+#include <cutils/compiler.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -19,7 +21,7 @@ class FontFakery;
 
 namespace android {
 
-class MinikinFontSkia : public minikin::MinikinFont {
+class ANDROID_API MinikinFontSkia : public minikin::MinikinFont {
 public:
     // `typeface` must not be null; it gives the unique id. `fontData` is the whole font file,
     // borrowed: it must outlive the object. The path is copied and only kept for callers.

@@ -1,6 +1,8 @@
 // Layout of text with an android::Paint, and the walk over a layout's font runs.
 #pragma once
 
+#include <cutils/compiler.h>
+
 #include <cstddef>
 #include <cstdint>
 
@@ -16,7 +18,7 @@ class MeasuredText;
 
 namespace android {
 
-class MinikinUtils {
+class ANDROID_API MinikinUtils {
 public:
     // The size is cut to whole pixels unless the paint's font asks for linear metrics.
     static minikin::MinikinPaint prepareMinikinPaint(const Paint* paint, const Typeface* typeface);

@@ -3,16 +3,18 @@
 
 #include <SkFont.h>
 #include <SkPaint.h>
+#include <cutils/compiler.h>
 
 #include <cstdint>
 #include <string>
 
-#include "hwui/Typeface.h"
 #include "minikin/FamilyVariant.h"
 
 namespace android {
 
-class Paint : public SkPaint {
+struct Typeface;
+
+class ANDROID_API Paint : public SkPaint {
 public:
     // Text is jagged until anti-aliasing is switched on: the font starts at Edging::kAlias.
     Paint();
@@ -22,7 +24,7 @@ public:
 
     Paint& operator=(const Paint& other) = default;
 
-    friend bool operator==(const Paint& a, const Paint& b);
+    ANDROID_API friend bool operator==(const Paint& a, const Paint& b);
     friend bool operator!=(const Paint& a, const Paint& b) { return !(a == b); }
 
     SkFont& getSkFont() { return mFont; }

@@ -1,6 +1,8 @@
 // A font collection with the style that is asked of it.
 #pragma once
 
+#include <cutils/compiler.h>
+
 #include <cstdint>
 #include <memory>
 #include <vector>
@@ -14,7 +16,7 @@ namespace android {
 // Weight or slant argument that stands for "as the font file says".
 constexpr int RESOLVE_BY_FONT_TABLE = -1;
 
-struct Typeface {
+struct ANDROID_API Typeface {
     enum Style : uint8_t {
         kNormal = 0,
         kBold = 0x01,

@@ -1,6 +1,8 @@
 // Fonts of one design in several styles, serving one set of locales.
 #pragma once
 
+#include <cutils/compiler.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -15,7 +17,7 @@ namespace minikin {
 class LocaleList;
 
 // Immutable; safe from any thread. A family without fonts covers nothing and matches nothing.
-class FontFamily {
+class ANDROID_API FontFamily {
 public:
     explicit FontFamily(std::vector<Font>&& fonts);
     FontFamily(FamilyVariant variant, std::vector<Font>&& fonts);
