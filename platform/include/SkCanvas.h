@@ -37,6 +37,7 @@ public:
     void drawBitmap(const SkBitmap& bitmap, SkScalar x, SkScalar y, const SkPaint* paint = nullptr);
 
     // Draws the glyphs filled with the paint's colour, one after another. Null draws nothing.
+    // Throws std::bad_alloc, with some of them drawn.
     void drawTextBlob(const SkTextBlob* blob, SkScalar x, SkScalar y, const SkPaint& paint);
     void drawTextBlob(const sk_sp<SkTextBlob>& blob, SkScalar x, SkScalar y, const SkPaint& paint) {
         this->drawTextBlob(blob.get(), x, y, paint);

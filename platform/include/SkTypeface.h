@@ -22,8 +22,8 @@ class FontFace;
 class SkTypeface : public SkRefCnt {
 public:
     // Reads font number index of the stream. Takes the stream over; bytes that the stream borrows
-    // must outlive the typeface. Null for a null or empty stream, an index out of range, a font
-    // that cannot be read, and when memory runs out.
+    // must outlive the typeface. Null for a null or empty stream, an index out of range and a font
+    // that cannot be read. Throws std::bad_alloc when memory runs out.
     static sk_sp<SkTypeface> MakeFromStream(std::unique_ptr<SkStreamAsset> stream, int index = 0);
     ~SkTypeface() override;
 

@@ -4,12 +4,12 @@
 #include <new>
 #include <utility>
 
+#include "NeverDestroyed.h"
+
 namespace minikin {
 
 LayoutCache& LayoutCache::shared() {
-    // Never destroyed: collections may outlive every static object.
-    static LayoutCache& instance = *new LayoutCache;
-    return instance;
+    return portable::neverDestroyed<LayoutCache>();
 }
 
 size_t LayoutCache::cost(const Entry& entry) {

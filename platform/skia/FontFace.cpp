@@ -1,5 +1,6 @@
 #include "skia/FontFace.h"
 
+#include FT_DRIVER_H
 #include FT_MODULE_H
 #include FT_TRUETYPE_TABLES_H
 
@@ -11,6 +12,9 @@
 #include <optional>
 #include <utility>
 
+#include "NeverDestroyed.h"
+#include "skia/FontMemory.h"
+
 namespace portable {
 
 namespace {
@@ -20,30 +24,36 @@ struct Library {
     FT_Library ft = nullptr;
 };
 
-// Never destroyed: typefaces may outlive every static object.
 Library& library() {
-    static Library& instance = *new Library;
-    return instance;
+    return neverDestroyed<Library>();
 }
 
-// The environment variable FREETYPE_PROPERTIES can change these; text must not depend on it.
+// The same whatever FreeType was built with.
 void fixProperties(FT_Library ft) {
     FT_UInt interpreter = 40;
     FT_Property_Set(ft, "truetype", "interpreter-version", &interpreter);
+    FT_UInt engine = FT_HINTING_ADOBE;
+    FT_Property_Set(ft, "cff", "hinting-engine", &engine);
     FT_Bool noDarkening = true;
     FT_Property_Set(ft, "cff", "no-stem-darkening", &noDarkening);
     FT_Property_Set(ft, "autofitter", "no-stem-darkening", &noDarkening);
 }
 
 // The caller holds the library's lock. Tried again on each call after a failure.
-bool ensureStarted(Library& lib) {
-    if (lib.ft) return true;
-    if (FT_Init_FreeType(&lib.ft) != 0) {
-        lib.ft = nullptr;
-        return false;
+void ensureStarted(Library& lib) {
+    if (lib.ft) return;
+    const AllocationWatch watch;
+    FT_Library ft = nullptr;
+    // Unlike FT_Init_FreeType this does not look at the environment.
+    if (FT_New_Library(fontMemory(), &ft) != 0) throw std::bad_alloc();
+    FT_Add_Default_Modules(ft);
+    // Modules that there was no memory for are left out without an error.
+    if (watch.failed()) {
+        FT_Done_Library(ft);
+        throw std::bad_alloc();
     }
-    fixProperties(lib.ft);
-    return true;
+    fixProperties(ft);
+    lib.ft = ft;
 }
 
 // The signatures that layout knows as well: TrueType, OpenType and collections. Of what FreeType
@@ -61,19 +71,49 @@ FontFace::FontFace(std::unique_ptr<SkStreamAsset> stream, int index)
     : fStream(std::move(stream)), fIndex(index) {}
 
 FontFace::~FontFace() {
+    this->closeFace();
+}
+
+FontFace::Access::Access(FontFace& face) : fLock(face.fMutex), fFace(face) {
+    if (face.fFace) return;
+    const std::lock_guard<std::mutex> lock(library().mutex);
+    face.fFace = face.openFace();
+    if (!face.fFace) throw std::bad_alloc();  // it was opened before
+}
+
+FontFace::Access::~Access() {
+    if (this->outOfMemory()) fFace.closeFace();
+}
+
+void FontFace::closeFace() {
     if (!fFace) return;
     const std::lock_guard<std::mutex> lock(library().mutex);
     FT_Done_Face(fFace);
+    fFace = nullptr;
+    fScaling = Scaling();
 }
 
-const void* FontFace::bytes() {
-    if (const void* base = fStream->getMemoryBase()) return base;
+bool FontFace::readBytes() {
     const size_t length = fStream->getLength();
-    fCopy.reset(new (std::nothrow) unsigned char[length]);
-    if (!fCopy || !fStream->rewind() || fStream->read(fCopy.get(), length) != length) {
-        return nullptr;
+    fBytes = static_cast<const unsigned char*>(fStream->getMemoryBase());
+    if (fBytes) return true;
+    fCopy = std::make_unique<unsigned char[]>(length);
+    fBytes = fCopy.get();
+    return fStream->rewind() && fStream->read(fCopy.get(), length) == length;
+}
+
+// Null for a font that FreeType refuses. The caller holds the library's lock.
+FT_Face FontFace::openFace() const {
+    const AllocationWatch watch;
+    const auto length = static_cast<FT_Long>(fStream->getLength());
+    FT_Face face = nullptr;
+    const FT_Error error = FT_New_Memory_Face(library().ft, fBytes, length, fIndex, &face);
+    // Tables that there was no memory for are taken for missing.
+    if (watch.failed() || FT_ERROR_BASE(error) == FT_Err_Out_Of_Memory) {
+        if (error == 0) FT_Done_Face(face);
+        throw std::bad_alloc();
     }
-    return fCopy.get();
+    return error == 0 ? face : nullptr;
 }
 
 bool FontFace::load() {
@@ -81,18 +121,17 @@ bool FontFace::load() {
     if (length == 0 || length > static_cast<size_t>(std::numeric_limits<FT_Long>::max())) {
         return false;
     }
-    const auto* data = static_cast<const FT_Byte*>(this->bytes());
-    if (!data || !isSfnt(data, length)) return false;
+    if (!this->readBytes() || !isSfnt(fBytes, length)) return false;
 
     Library& lib = library();
     const std::lock_guard<std::mutex> lock(lib.mutex);
-    if (!ensureStarted(lib)) return false;
-    if (FT_New_Memory_Face(lib.ft, data, static_cast<FT_Long>(length), fIndex, &fFace) != 0) {
-        fFace = nullptr;
+    ensureStarted(lib);
+    fFace = this->openFace();
+    if (!fFace || !FT_IS_SFNT(fFace) || !(FT_IS_SCALABLE(fFace) || FT_HAS_FIXED_SIZES(fFace)))
         return false;
-    }
-    if (!FT_IS_SFNT(fFace) || !(FT_IS_SCALABLE(fFace) || FT_HAS_FIXED_SIZES(fFace))) return false;
-    const std::optional<GlyphData> found = GlyphData::find(fFace, {data, length});
+    const AllocationWatch watch;
+    const std::optional<GlyphData> found = GlyphData::find(fFace, {fBytes, length});
+    if (watch.failed()) throw std::bad_alloc();
     fGlyphData = found.value_or(GlyphData());
     return found.has_value();
 }

@@ -7,6 +7,7 @@
 #include <memory>
 #include <mutex>
 
+#include "AllocationWatch.h"
 #include "SkStream.h"
 #include "skia/GlyphData.h"
 
@@ -27,18 +28,26 @@ public:
     // Exclusive use of the face as long as it lives.
     class Access {
     public:
-        explicit Access(FontFace& face) : fLock(face.fMutex), fFace(face) {}
+        // Throws std::bad_alloc.
+        explicit Access(FontFace& face);
+        ~Access();
+        Access(const Access&) = delete;
+        Access& operator=(const Access&) = delete;
         FT_Face ft() const { return fFace.fFace; }
+        // FreeType keeps what it failed to prepare for want of memory: then the face is closed at
+        // the end, and the next access opens it anew.
+        bool outOfMemory() const { return fWatch.failed(); }
         Scaling& scaling() const { return fFace.fScaling; }
         const GlyphData& glyphData() const { return fFace.fGlyphData; }
 
     private:
-        std::unique_lock<std::mutex> fLock;
+        const std::lock_guard<std::mutex> fLock;
         FontFace& fFace;
+        const AllocationWatch fWatch;
     };
 
     // Takes the stream over. Null for an empty stream, a negative or unknown index, a file that is
-    // not a usable font, or no memory.
+    // not a usable font. Throws std::bad_alloc.
     static std::unique_ptr<FontFace> open(std::unique_ptr<SkStreamAsset> stream, int index);
     ~FontFace();
     FontFace(const FontFace&) = delete;
@@ -49,15 +58,17 @@ public:
 
 private:
     FontFace(std::unique_ptr<SkStreamAsset> stream, int index);
-    const void* bytes();
+    bool readBytes();
+    FT_Face openFace() const;
+    void closeFace();
     bool load();
 
     std::unique_ptr<SkStreamAsset> fStream;
-    std::unique_ptr<unsigned char[]>
-        fCopy;  // the bytes, when the stream does not hold them in memory
+    const unsigned char* fBytes = nullptr;   // the stream's, or the copy's
+    std::unique_ptr<unsigned char[]> fCopy;  // when the stream does not hold them in memory
     int fIndex;
     std::mutex fMutex;
-    FT_Face fFace = nullptr;
+    FT_Face fFace = nullptr;  // null after memory ran out
     Scaling fScaling;
     GlyphData fGlyphData;
 };

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <bit>
 #include <iterator>
-#include <new>
 #include <utility>
 
+#include "NeverDestroyed.h"
 #include "skia/TextGamma.h"
 
 namespace portable {
@@ -36,20 +36,10 @@ std::shared_ptr<const GlyphMask> loadMask(const SkTypeface& typeface, const Glyp
     return makeMask(scaler, phase, gammaLevel);
 }
 
-// Shared by all failures, so that failing needs no memory.
-const std::shared_ptr<const GlyphMask>& blankMask() {
-    static const GlyphMask blank;
-    static const std::shared_ptr<const GlyphMask> pointer(std::shared_ptr<const GlyphMask>(),
-                                                          &blank);
-    return pointer;
-}
-
 }  // namespace
 
 GlyphCache& GlyphCache::shared() {
-    // Never destroyed: typefaces may outlive every static object.
-    static GlyphCache& instance = *new GlyphCache;
-    return instance;
+    return neverDestroyed<GlyphCache>();
 }
 
 GlyphCache::Key::Key(const SkTypeface& face, const GlyphSettings& settings, SkGlyphID id)
@@ -118,7 +108,7 @@ void GlyphCache::measure(const SkTypeface& typeface, const GlyphSettings& settin
 std::shared_ptr<const GlyphMask> GlyphCache::draw(const SkTypeface& typeface,
                                                   const GlyphSettings& settings, SkGlyphID glyph,
                                                   unsigned phase, unsigned gammaLevel) {
-    if (!settings.drawable()) return blankMask();
+    if (!settings.drawable()) return std::make_shared<GlyphMask>();
     Key key(typeface, settings, glyph);
     const Key metricsKey = key;
     key.form = static_cast<uint16_t>(phase << 8 | gammaLevel);
@@ -133,15 +123,11 @@ std::shared_ptr<const GlyphMask> GlyphCache::draw(const SkTypeface& typeface,
             fBytes += cost(*measured);
         }
     }
-    std::shared_ptr<const GlyphMask> made;
-    try {
-        made = outline ? makeMask(*outline, phase, gammaLevel)
-                       : loadMask(typeface, settings, glyph, phase, gammaLevel);
-        const std::lock_guard<std::mutex> lock(fMutex);
-        this->insert({key, {}, nullptr, made});
-    } catch (const std::bad_alloc&) {
-        if (!made) return blankMask();
-    }
+    std::shared_ptr<const GlyphMask> made =
+        outline ? makeMask(*outline, phase, gammaLevel)
+                : loadMask(typeface, settings, glyph, phase, gammaLevel);
+    const std::lock_guard<std::mutex> lock(fMutex);
+    this->insert({key, {}, nullptr, made});
     return made;
 }
 

@@ -50,7 +50,8 @@ public:
     void measure(const SkTypeface& typeface, const GlyphSettings& settings,
                  const SkGlyphID glyphs[], int count, bool drawnNext, GlyphMetrics out[]);
     // Phase is the horizontal position inside the pixel, in quarters; gammaLevel as of
-    // portable::gammaLevel. Never null; blank when the glyph cannot be loaded or memory runs out.
+    // portable::gammaLevel. Never null; blank when the glyph cannot be loaded. Throws
+    // std::bad_alloc.
     std::shared_ptr<const GlyphMask> draw(const SkTypeface& typeface, const GlyphSettings& settings,
                                           SkGlyphID glyph, unsigned phase, unsigned gammaLevel);
     // Drops what belongs to a typeface that is gone.

@@ -6,6 +6,7 @@
 #include FT_OUTLINE_H
 
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
 #include <limits>
 #include <new>
@@ -39,7 +40,10 @@ void makeBinary(uint8_t* coverage, size_t count) {
 
 // Running out of memory must not be taken for a glyph that the font does not have.
 bool succeeded(FT_Error error) {
-    if (FT_ERROR_BASE(error) == FT_Err_Out_Of_Memory) throw std::bad_alloc();
+    if (FT_ERROR_BASE(error) == FT_Err_Out_Of_Memory) {
+        errno = ENOMEM;  // where the allocator leaves no trace
+        throw std::bad_alloc();
+    }
     return error == 0;
 }
 
@@ -48,6 +52,10 @@ bool succeeded(FT_Error error) {
 GlyphScaler::GlyphScaler(FontFace& face, const GlyphSettings& settings)
     : fAccess(face), fFace(fAccess.ft()), fSettings(settings) {
     if (settings.drawable()) this->select();
+}
+
+void GlyphScaler::throwIfOutOfMemory() const {
+    if (fAccess.outOfMemory()) throw std::bad_alloc();
 }
 
 // Sets the face's size and finds what is left for the matrix: the sign of the horizontal scale, the
@@ -137,6 +145,12 @@ FT_Int32 GlyphScaler::loadFlags() const {
 }
 
 bool GlyphScaler::load(SkGlyphID glyph) {
+    const bool loaded = this->loadGlyph(glyph);
+    this->throwIfOutOfMemory();
+    return loaded;
+}
+
+bool GlyphScaler::loadGlyph(SkGlyphID glyph) {
     fAdvance = 0;
     fContent = Content::kBlank;
     fKind = fSettings.alias ? MaskKind::kBinary : MaskKind::kGrey;
@@ -249,6 +263,7 @@ bool GlyphScaler::layersBox(FT_BBox* all) {
         *all = {std::min(all->xMin, box.xMin), std::min(all->yMin, box.yMin),
                 std::max(all->xMax, box.xMax), std::max(all->yMax, box.yMax)};
     }
+    this->throwIfOutOfMemory();
     return any;
 }
 
@@ -272,9 +287,11 @@ void GlyphScaler::render(const GlyphPlacement& placement, const SkIRect& window,
             return;
         case Content::kOutline:
             this->renderSlot(placement, window, out);
+            this->throwIfOutOfMemory();
             return;
         case Content::kLayers:
             this->renderLayers(placement, window, out);
+            this->throwIfOutOfMemory();
             return;
         case Content::kStrike:
             fStrike.render(fMatrix, placement, window, out);

@@ -17,6 +17,7 @@ namespace portable {
 // Holds the face locked: make one, take the glyphs, drop it. Fonts lie about everything, so every
 // result has an answer: glyphs that cannot be loaded measure 0 and are blank, boxes are held within
 // ±kMaxCoordinate, and no more memory is used for a glyph than its window and its outline need.
+// All calls throw std::bad_alloc.
 class GlyphScaler {
 public:
     GlyphScaler(FontFace& face, const GlyphSettings& settings);
@@ -46,6 +47,8 @@ private:
         FT_UInt glyph;
         uint8_t alpha;
     };
+    bool loadGlyph(SkGlyphID glyph);
+    void throwIfOutOfMemory() const;
     void select();
     void selectScalable();
     void selectStrike();

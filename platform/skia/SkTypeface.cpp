@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <atomic>
 #include <limits>
-#include <new>
 #include <utility>
 
 #include "skia/FontFace.h"
@@ -46,13 +45,11 @@ SkTypeface::~SkTypeface() {
     portable::GlyphCache::shared().forget(fUniqueID);
 }
 
-sk_sp<SkTypeface> SkTypeface::MakeFromStream(std::unique_ptr<SkStreamAsset> stream, int index) try {
+sk_sp<SkTypeface> SkTypeface::MakeFromStream(std::unique_ptr<SkStreamAsset> stream, int index) {
     auto face = portable::FontFace::open(std::move(stream), index);
     if (!face) return nullptr;
     const SkFontStyle style = readStyle(portable::FontFace::Access(*face).ft());
     return sk_sp<SkTypeface>(new SkTypeface(std::move(face), style));
-} catch (const std::bad_alloc&) {
-    return nullptr;
 }
 
 int SkTypeface::countGlyphs() const {

@@ -6,7 +6,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <new>
 #include <vector>
 
 #include "skia/GlyphCache.h"
@@ -132,16 +131,12 @@ void TextPainter::paintRun(const SkTextBlob::Run& run, SkScalar x, SkScalar y) {
         const SkScalar gx = x + run.positions[2 * static_cast<size_t>(i)];
         const SkScalar gy = y + run.positions[2 * static_cast<size_t>(i) + 1];
         if (!(std::fabs(gx) < kMaxCoordinate) || !(std::fabs(gy) < kMaxCoordinate)) continue;
-        try {
-            if (asOutlines) {
-                GlyphScaler scaler(typeface->face(), settings);
-                const double scale = run.font.getSize() / kOutlineSize;
-                this->paintOutline(scaler, run.glyphs[i], {scale, gx, gy});
-            } else {
-                this->paintMask(*typeface, settings, run.glyphs[i], gx, gy);
-            }
-        } catch (const std::bad_alloc&) {
-            continue;  // this glyph is left out
+        if (asOutlines) {
+            GlyphScaler scaler(typeface->face(), settings);
+            const double scale = run.font.getSize() / kOutlineSize;
+            this->paintOutline(scaler, run.glyphs[i], {scale, gx, gy});
+        } else {
+            this->paintMask(*typeface, settings, run.glyphs[i], gx, gy);
         }
     }
 }

@@ -9,7 +9,7 @@
 namespace portable {
 
 // Draws every run of the blob, moved by (x, y), in order, inside clip, which lies inside the
-// bitmap.
+// bitmap. Throws std::bad_alloc.
 void paintText(const SkBitmap& bitmap, const SkIRect& clip, const SkTextBlob& blob, SkScalar x,
                SkScalar y, SkColor color);
 
