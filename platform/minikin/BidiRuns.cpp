@@ -63,7 +63,8 @@ std::vector<BidiRun> visualRuns(const U16StringPiece& text, const Range& range, 
     ubidi_setPara(bidi.get(), reinterpret_cast<const UChar*>(text.data()),
                   static_cast<int32_t>(text.size()), paragraphLevel(bidiFlags), nullptr, &status);
     const int32_t count = ubidi_countRuns(bidi.get(), &status);
-    if (U_FAILURE(status)) throw std::bad_alloc();  // there is no other failure
+    // Memory ran out; ICU does not set the status everywhere.
+    if (U_FAILURE(status) || count < 1) throw std::bad_alloc();
 
     for (int32_t i = 0; i < count; i++) {
         int32_t start = 0;

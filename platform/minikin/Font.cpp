@@ -15,8 +15,9 @@ Font Font::Builder::build() {
         if (!mIsWeightSet) weight = declared.weight();
         if (!mIsSlantSet) slant = declared.slant();
     }
-    hb_font_t* base = mTypeface ? mTypeface->file().baseFont() : hb_font_get_empty();
-    return Font(mTypeface, FontStyle(weight, slant), HbFontUniquePtr(hb_font_reference(base)));
+    HbFontUniquePtr base = mTypeface ? mTypeface->file().baseFont()
+                                     : HbFontUniquePtr(hb_font_reference(hb_font_get_empty()));
+    return Font(mTypeface, FontStyle(weight, slant), std::move(base));
 }
 
 Font::Font(std::shared_ptr<MinikinFont> typeface, FontStyle style, HbFontUniquePtr baseFont)
@@ -32,9 +33,13 @@ Font& Font::operator=(const Font& other) {
     return *this = std::move(copy);
 }
 
+const FontFile* Font::file() const {
+    return mTypeface ? &mTypeface->file() : nullptr;
+}
+
 const SparseBitSet& Font::coverage() const {
     static const SparseBitSet nothing;
-    return mTypeface ? mTypeface->file().coverage() : nothing;
+    return mTypeface ? file()->coverage() : nothing;
 }
 
 }  // namespace minikin

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <utility>
 
+#include "minikin/FontFile.h"
 #include "minikin/Locale.h"
 
 namespace minikin {
@@ -61,9 +62,10 @@ FakedFont FontFamily::getClosestMatch(FontStyle style) const {
 
 bool FontFamily::hasGlyph(uint32_t codepoint, uint32_t variationSelector) const {
     if (variationSelector == 0) return mCoverage->get(codepoint);
+    const FontFile* file = mCoverageFont ? mCoverageFont->file() : nullptr;
     hb_codepoint_t glyph = 0;
-    return mCoverageFont && hb_font_get_variation_glyph(mCoverageFont->baseFont().get(), codepoint,
-                                                        variationSelector, &glyph);
+    return file && hb_font_get_variation_glyph(file->baseFont().get(), codepoint, variationSelector,
+                                               &glyph);
 }
 
 }  // namespace minikin

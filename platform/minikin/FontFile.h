@@ -13,21 +13,30 @@ namespace minikin {
 
 class MinikinFont;
 
-// Safe from any thread. A file that cannot be read acts as a font without glyphs.
+// Safe from any thread. A file that cannot be read acts as a font without glyphs. Throws
+// std::bad_alloc.
 class FontFile {
 public:
+    // The font is borrowed.
     explicit FontFile(const MinikinFont& font);
 
     // In font units, with the font's axis settings; immutable, never null.
-    hb_font_t* baseFont() const { return mBaseFont.get(); }
+    HbFontUniquePtr baseFont() const;
+    // HarfBuzz keeps in a face what it made while memory ran out, shape plans without features and
+    // tables that seem empty: the next baseFont() is of a new face.
+    void discardFace() const;
+
     // From the OS/2 table; regular upright without one.
     FontStyle style() const;
     // Collected from the cmap on first use.
     const SparseBitSet& coverage() const;
 
 private:
-    const HbFontUniquePtr mBaseFont;
-    mutable std::mutex mCoverageLock;
+    hb_font_t* currentFont() const;
+
+    const MinikinFont& mFont;
+    mutable std::mutex mLock;
+    mutable HbFontUniquePtr mBaseFont;  // null after discardFace
     mutable std::unique_ptr<const SparseBitSet> mCoverage;
 };
 

@@ -4,7 +4,9 @@
 #include <deque>
 #include <map>
 #include <mutex>
+#include <new>
 
+#include "NeverDestroyed.h"
 #include "minikin/LikelyScript.h"
 #include "minikin/LocaleList.h"
 
@@ -164,8 +166,7 @@ struct LocaleTable {
 };
 
 LocaleTable& localeTable() {
-    static auto* table = new LocaleTable;  // fonts may outlive every static object
-    return *table;
+    return portable::neverDestroyed<LocaleTable>();
 }
 
 }  // namespace
@@ -253,7 +254,9 @@ LocaleList::LocaleList(std::string_view tags) {
         begin = end + 1;
         if (!locale.isValid()) continue;
         if (std::find(mLocales.begin(), mLocales.end(), locale) != mLocales.end()) continue;
-        mLanguages.push_back(hb_language_from_string(locale.toString().c_str(), -1));
+        const hb_language_t language = hb_language_from_string(locale.toString().c_str(), -1);
+        if (language == HB_LANGUAGE_INVALID) throw std::bad_alloc();
+        mLanguages.push_back(language);
         mLocales.push_back(std::move(locale));
     }
 }

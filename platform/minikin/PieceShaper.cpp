@@ -5,11 +5,14 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <exception>
 #include <new>
 #include <string>
 #include <string_view>
 #include <type_traits>
 
+#include "AllocationWatch.h"
+#include "minikin/FontFile.h"
 #include "minikin/LayoutCache.h"
 #include "minikin/Unicode.h"
 
@@ -20,6 +23,17 @@ namespace {
 constexpr float kFixedOne = 256.0f;
 // Beyond this the sums of positions would not fit 32 bits.
 constexpr float kMaxPixels = 1 << 21;
+
+// HarfBuzz makes its own functions on first use, for the whole process and for good, memory or not:
+// while this library is loaded there is some.
+[[maybe_unused]] const bool gFunctionsMade = [] {
+    hb_unicode_funcs_get_default();
+    hb_font_destroy(hb_font_create(hb_face_get_empty()));
+    return true;
+}();
+
+// The list ends with null. Without it the environment chooses, or what the library was built with.
+constexpr const char* kShapers[] = {"ot", nullptr};
 
 // Letters further apart than this fraction of an em are not drawn as a ligature.
 constexpr float kMaxLigatureSpacing = 0.03f;
@@ -84,6 +98,7 @@ hb_bool_t zeroOrigin(hb_font_t* /*hbFont*/, void* /*data*/, hb_codepoint_t /*gly
 
 hb_font_funcs_t* makeFontFuncs(bool measured) {
     hb_font_funcs_t* funcs = hb_font_funcs_create();
+    if (funcs == hb_font_funcs_get_empty()) throw std::bad_alloc();
     if (measured) {
         hb_font_funcs_set_glyph_h_advance_func(funcs, glyphAdvance, nullptr, nullptr);
         hb_font_funcs_set_glyph_h_advances_func(funcs, glyphAdvances, nullptr, nullptr);
@@ -196,12 +211,12 @@ hb_script_t nextScriptRun(const U16StringPiece& text, uint32_t* position) {
 }  // namespace
 
 ScaledFont::ScaledFont(const FakedFont& fakedFont, const MinikinPaint& minikinPaint)
-    : faked(fakedFont),
-      paint(&minikinPaint),
-      hasColorBitmaps(
-          hasTable(hb_font_get_face(fakedFont.font->baseFont().get()), HB_TAG('C', 'B', 'D', 'T'))),
-      hbFont(hb_font_create_sub_font(fakedFont.font->baseFont().get())) {
-    if (hbFont.get() == hb_font_get_empty()) throw std::bad_alloc();
+    : faked(fakedFont), paint(&minikinPaint), hasColorBitmaps(false) {
+    const portable::AllocationWatch watch;
+    const HbFontUniquePtr base = fakedFont.font->file()->baseFont();
+    hasColorBitmaps = hasTable(hb_font_get_face(base.get()), HB_TAG('C', 'B', 'D', 'T'));
+    hbFont.reset(hb_font_create_sub_font(base.get()));
+    if (watch.failed() || hbFont.get() == hb_font_get_empty()) throw std::bad_alloc();
     const float width = paint->size * paint->scaleX;
     hb_font_set_ppem(hbFont.get(), toPpem(width), toPpem(paint->size));
     hb_font_set_scale(hbFont.get(), toFixed(width), toFixed(paint->size));
@@ -249,9 +264,18 @@ PieceShaper::PieceShaper(const MinikinPaint& paint)
       mFeatures(shapingFeatures(paint)),
       mBuffer(hb_buffer_create()),
       mKey(paintKey(paint)),
-      mPaintKeySize(mKey.size()) {}
+      mPaintKeySize(mKey.size()),
+      mExceptions(std::uncaught_exceptions()) {
+    if (mBuffer.get() == hb_buffer_get_empty()) throw std::bad_alloc();
+}
 
-const ScaledFont& PieceShaper::scaledFont(const FakedFont& fakedFont) {
+PieceShaper::~PieceShaper() {
+    if (std::uncaught_exceptions() == mExceptions) return;
+    for (const auto& [font, scaled] : mFonts) font->file()->discardFace();
+    LayoutCache::shared().forget(mPaint.font->getId());
+}
+
+ScaledFont& PieceShaper::scaledFont(const FakedFont& fakedFont) {
     return mFonts.try_emplace(fakedFont.font, fakedFont, mPaint).first->second;
 }
 
@@ -273,7 +297,7 @@ std::shared_ptr<const LayoutPiece> PieceShaper::shape(const U16StringPiece& word
     const std::string_view key = keyOf(word, range, isRtl);
     if (auto known = cache.find(key)) return known;
     auto piece = std::make_shared<const LayoutPiece>(shapeAnew(word, range, isRtl));
-    if (piece->complete) cache.insert(mPaint.font->getId(), key, piece);
+    cache.insert(mPaint.font->getId(), key, piece);
     return piece;
 }
 
@@ -287,45 +311,55 @@ LayoutPiece PieceShaper::shapeAnew(const U16StringPiece& word, const Range& rang
 
     for (const FontCollection::Run& item : items) {
         if (!item.fakedFont.font->typeface()) continue;
-        const ScaledFont& font = scaledFont(item.fakedFont);
         const U16StringPiece itemText(text.data(), static_cast<size_t>(item.end));
         auto position = static_cast<uint32_t>(item.start);
         while (position < itemText.size()) {
             const uint32_t start = position;
             const hb_script_t script = nextScriptRun(itemText, &position);
             const Range run(range.getStart() + start, range.getStart() + position);
-            shapeScriptRun(word, range.getStart(), run, script, isRtl, font, &piece);
+            shapeScriptRun(word, range.getStart(), run, script, isRtl, item.fakedFont, &piece);
         }
     }
     return piece;
 }
 
-void PieceShaper::shapeScriptRun(const U16StringPiece& word, uint32_t pieceStart, const Range& run,
-                                 hb_script_t script, bool isRtl, const ScaledFont& font,
-                                 LayoutPiece* out) {
+PieceShaper::Shaped PieceShaper::shapeInto(const U16StringPiece& word, const Range& run,
+                                           hb_script_t script, bool isRtl, ScaledFont& font) {
     hb_buffer_t* buffer = mBuffer.get();
     hb_buffer_clear_contents(buffer);
     hb_buffer_set_script(buffer, script);
     hb_buffer_set_direction(buffer, isRtl ? HB_DIRECTION_RTL : HB_DIRECTION_LTR);
     if (!mLocales.empty()) hb_buffer_set_language(buffer, mLocales.languageFor(script));
+    const portable::AllocationWatch watch;
     hb_buffer_add_utf16(buffer, word.data(), static_cast<int>(word.size()), run.getStart(),
                         static_cast<int>(run.getLength()));
     const bool shaped = hb_shape_full(font.hbFont.get(), buffer, mFeatures.data(),
-                                      static_cast<unsigned>(mFeatures.size()), nullptr);
-    if (font.outOfMemory) throw std::bad_alloc();
-    // HarfBuzz is out of memory, or a font whose rules grow the text beyond all bounds: the run
-    // stays blank.
-    if (!shaped || !hb_buffer_allocation_successful(buffer)) {
-        out->complete = false;
-        return;
+                                      static_cast<unsigned>(mFeatures.size()), kShapers);
+    if (font.outOfMemory || watch.failed()) return Shaped::kOutOfMemory;
+    return shaped && hb_buffer_allocation_successful(buffer) ? Shaped::kWhole : Shaped::kGivenUp;
+}
+
+void PieceShaper::shapeScriptRun(const U16StringPiece& word, uint32_t pieceStart, const Range& run,
+                                 hb_script_t script, bool isRtl, const FakedFont& fakedFont,
+                                 LayoutPiece* out) {
+    Shaped shaped = shapeInto(word, run, script, isRtl, scaledFont(fakedFont));
+    if (shaped != Shaped::kWhole) {
+        // Once more with nothing of what HarfBuzz has kept: memory may have run out without a
+        // trace.
+        mFonts.erase(fakedFont.font);
+        fakedFont.font->file()->discardFace();
+        shaped = shapeInto(word, run, script, isRtl, scaledFont(fakedFont));
     }
+    if (shaped == Shaped::kOutOfMemory) throw std::bad_alloc();
+    // A font whose rules grow the text beyond all bounds: the run stays blank.
+    if (shaped == Shaped::kGivenUp) return;
 
     const double letterSpace = allowsLetterSpacing(script)
                                    ? double{mPaint.letterSpacing} * mPaint.size * mPaint.scaleX
                                    : 0.0;
     const auto bounded =
         static_cast<float>(std::clamp(letterSpace, -double{kMaxPixels}, double{kMaxPixels}));
-    placeGlyphs(pieceStart, bounded, font, out);
+    placeGlyphs(pieceStart, bounded, scaledFont(fakedFont), out);
 }
 
 void PieceShaper::placeGlyphs(uint32_t pieceStart, float letterSpace, const ScaledFont& font,

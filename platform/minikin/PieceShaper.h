@@ -29,7 +29,6 @@ struct LayoutPiece {
     std::vector<float> advances;  // one per UTF-16 unit
     MinikinRect bounds;
     float advance = 0.0f;
-    bool complete = true;  // false when a run stayed blank because HarfBuzz gave up
 };
 
 // A font at the paint's size, as HarfBuzz sees it. The paint is borrowed.
@@ -66,6 +65,11 @@ private:
 class PieceShaper {
 public:
     explicit PieceShaper(const MinikinPaint& paint);
+    // When an exception is on its way, what HarfBuzz and the cache keep of this paint's fonts goes:
+    // it may come from before memory was found to have run out.
+    ~PieceShaper();
+    PieceShaper(const PieceShaper&) = delete;
+    PieceShaper& operator=(const PieceShaper&) = delete;
 
     // Shapes `range` of `word`, or finds it shaped before; the rest of the word is context only.
     std::shared_ptr<const LayoutPiece> shape(const U16StringPiece& word, const Range& range,
@@ -75,9 +79,14 @@ private:
     LayoutPiece shapeAnew(const U16StringPiece& word, const Range& range, bool isRtl);
     // All that decides how the piece is shaped, as bytes. Good until the next call.
     std::string_view keyOf(const U16StringPiece& word, const Range& range, bool isRtl);
-    const ScaledFont& scaledFont(const FakedFont& fakedFont);
+    ScaledFont& scaledFont(const FakedFont& fakedFont);
     void shapeScriptRun(const U16StringPiece& word, uint32_t pieceStart, const Range& run,
-                        hb_script_t script, bool isRtl, const ScaledFont& font, LayoutPiece* out);
+                        hb_script_t script, bool isRtl, const FakedFont& fakedFont,
+                        LayoutPiece* out);
+    enum class Shaped { kWhole, kGivenUp, kOutOfMemory };
+    // Into the buffer.
+    Shaped shapeInto(const U16StringPiece& word, const Range& run, hb_script_t script, bool isRtl,
+                     ScaledFont& font);
     void placeGlyphs(uint32_t pieceStart, float letterSpace, const ScaledFont& font,
                      LayoutPiece* out);
 
@@ -88,6 +97,7 @@ private:
     std::unordered_map<const Font*, ScaledFont> mFonts;
     std::string mKey;            // of the last piece
     const size_t mPaintKeySize;  // of the part that all pieces share
+    const int mExceptions;       // on their way at construction
 };
 
 }  // namespace minikin

@@ -10,6 +10,7 @@
 
 namespace minikin {
 
+class FontFile;
 class SparseBitSet;
 
 // What drawing has to imitate because the font lacks it.
@@ -76,7 +77,11 @@ public:
 
 private:
     friend class FontFamily;
+    friend class PieceShaper;
+    friend struct ScaledFont;
     Font(std::shared_ptr<MinikinFont> typeface, FontStyle style, HbFontUniquePtr baseFont);
+    // Null without a typeface.
+    const FontFile* file() const;
     // Code points the face has glyphs for.
     const SparseBitSet& coverage() const;
 
