@@ -198,12 +198,16 @@ jintArray GxText_RenderTextEffect(JNIEnv* env, jobject self) {
                             static_cast<long long>(size.height));
         return nullptr;
     }
+    const GxView::BitmapSize before = *view->GetDrawingBitmapSize();
     view->SetBitmapWidth(static_cast<int>(size.width));
     view->SetBitmapHeight(static_cast<int>(size.height));
     const uint32_t* pixels = Render(*text, size);
     if (size.Pixels() > 0 && !pixels) {
         __android_log_print(ANDROID_LOG_ERROR, kTextTag,
                             "GxText_RenderTextEffect() - pixels are NULL");
+        // Of the frame that the object has.
+        view->SetBitmapWidth(before.bitmapWidth);
+        view->SetBitmapHeight(before.bitmapHeight);
         return nullptr;
     }
     return NewIntArray(env, reinterpret_cast<const jint*>(pixels), size.Pixels());

@@ -16,6 +16,7 @@
 #include <cstring>
 #include <list>
 #include <map>
+#include <mutex>
 #include <new>
 #include <string>
 #include <tuple>
@@ -91,6 +92,14 @@ minikin::Font MakeFont(const FontPointer& typeface, int weight, bool italic) {
         .build();
 }
 
+// Empty for null and for a path that has no UTF-8 form.
+std::string Utf8Of(const GxString* path) {
+    if (!path || path->GetUTF8Size() < 1) return std::string();
+    const Utf8Text utf8(path);
+    if (!utf8.get()) throw std::bad_alloc();
+    return utf8.get();
+}
+
 // Text in the log when verbose lines are wanted.
 void LogVerbose(const char* text) {
     if (GxLog::IsAllLogEnable()) __android_log_print(ANDROID_LOG_DEBUG, kTag, "%s", text);
@@ -116,6 +125,7 @@ public:
     FontPointer FindFont(const std::string& path, int index) const;
     // Null for a path that has no UTF-8 form, too.
     FontPointer FindFont(const GxString* path, int index) const;
+    bool BuildFamily(const GxFontFamily& family);
 
     // Null without fonts. The same objects as long as no font comes or goes, so that what layout
     // remembers of them stays of use.
@@ -208,10 +218,19 @@ FontPointer GxFontManagerImpl::FindFont(const std::string& path, int index) cons
 }
 
 FontPointer GxFontManagerImpl::FindFont(const GxString* path, int index) const {
-    if (!path || path->GetUTF8Size() < 1) return nullptr;
-    const Utf8Text utf8(path);
-    if (!utf8.get()) throw std::bad_alloc();
-    return FindFont(std::string(utf8.get()), index);
+    const std::string utf8 = Utf8Of(path);
+    return utf8.empty() ? nullptr : FindFont(utf8, index);
+}
+
+bool GxFontManagerImpl::BuildFamily(const GxFontFamily& family) {
+    const int count = family.fonts ? family.fonts->GetCount() : 0;
+    for (int i = 0; i < count; i++) {
+        const auto* entry = static_cast<const GxFontEntry*>(family.fonts->Get(i));
+        if (!entry) continue;
+        const std::string path = Utf8Of(entry->path);
+        if (path.empty() || !AddFont(path, nullptr, 0, entry->ttcIndex, false)) return false;
+    }
+    return count > 0;
 }
 
 FamilyPointer GxFontManagerImpl::UserFamily(const GxString& path, GxFontStyle style) {
@@ -276,8 +295,14 @@ void GxFontManagerImpl::ForgetFamilies() {
 
 FontManager& FontManager::GetInstance() {
     static FontManager instance;
-    static const bool constructed = instance.Construct();
-    static_cast<void>(constructed);  // without it every operation says so
+    static std::once_flag constructed;
+    try {
+        std::call_once(constructed, [] {
+            if (!instance.Construct()) throw std::bad_alloc();
+        });
+    } catch (const std::bad_alloc&) {
+        // Every operation says so, and the next call tries again.
+    }
     return instance;
 }
 
@@ -364,24 +389,35 @@ bool FontManager::IsSystemFontFamiliesAlreadySet() {
 
 bool FontManager::BuildMinikinFamily(GxFontFamily* family) {
     if (!Ready(kSiteBuildFamily)) return false;
-    if (!family || !family->fonts || family->fonts->GetCount() < 1) return false;
-    for (int i = 0; i < family->fonts->GetCount(); i++) {
-        const auto* entry = static_cast<const GxFontEntry*>(family->fonts->Get(i));
-        if (entry && !AddMinikinFont(entry->path, nullptr, 0, entry->ttcIndex, false)) return false;
-    }
-    return true;
+    if (!family) return false;
+    return Guarded([&] {
+        const MutexGuard guard(impl_->lock);
+        return impl_->BuildFamily(*family);
+    });
 }
 
 bool FontManager::LoadMinikinFontFamily(unsigned localeListId) {
-    if (!Ready(kSiteLoadFamily)) return false;
-    const MutexGuard guard(impl_->lock);
-    for (int i = 0; i < impl_->FamilyCount(); i++) {
-        GxFontFamily* family = impl_->FamilyAt(i);
-        if (!family || family->loaded || family->localeListId != localeListId) continue;
-        family->loaded = BuildMinikinFamily(family);
+    return Ready(kSiteLoadFamily) && LoadFamily(localeListId) != FamilyLoad::kNone;
+}
+
+bool FontManager::TryLoadMinikinFontFamily(unsigned localeListId) {
+    return Ready(kSiteLoadFamily) && LoadFamily(localeListId) != FamilyLoad::kNoMemory;
+}
+
+FontManager::FamilyLoad FontManager::LoadFamily(unsigned localeListId) {
+    auto result = FamilyLoad::kNone;
+    const bool enough = Guarded([&] {
+        const MutexGuard guard(impl_->lock);
+        for (int i = 0; i < impl_->FamilyCount(); i++) {
+            GxFontFamily* family = impl_->FamilyAt(i);
+            if (!family || family->loaded || family->localeListId != localeListId) continue;
+            result = FamilyLoad::kTried;
+            family->loaded = impl_->BuildFamily(*family);
+            break;
+        }
         return true;
-    }
-    return false;
+    });
+    return enough ? result : FamilyLoad::kNoMemory;
 }
 
 bool FontManager::GetMinikinFontFamilies(const GxString* familyName,

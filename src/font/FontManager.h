@@ -82,6 +82,8 @@ public:
     // Builds the first system family of this locale list that is not loaded yet. True when there
     // was one, even if it could not be built; it is tried again then.
     bool LoadMinikinFontFamily(unsigned localeListId);
+    // The same, but false means that memory ran out (code 7), and nothing else.
+    bool TryLoadMinikinFontFamily(unsigned localeListId);
 
     // Appends to `out` the family of the font at `userFontPath` (null for none), then every loaded
     // system family whose fonts are there: the same objects as long as no font comes or goes.
@@ -106,7 +108,10 @@ public:
     void ClearFontMaps();
 
 private:
+    enum class FamilyLoad { kNone, kTried, kNoMemory };
+
     bool Ready(int site) const;
+    FamilyLoad LoadFamily(unsigned localeListId);
 
     std::unique_ptr<GxFontManagerImpl> impl_;
 };

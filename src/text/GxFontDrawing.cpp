@@ -40,6 +40,7 @@ constexpr const char* kTag = "GxFontDrawing";
 constexpr int kDefaultWeight = 400;
 constexpr int kSiteNoLineInfo = 184;
 constexpr int kSiteNoMemory = 190;
+constexpr int kSiteNoStringMemory = 191;
 
 // A line beyond this many pixels (a 16-bit extent allows 4 Gi) is placed but not drawn: no screen
 // shows it.
@@ -145,6 +146,16 @@ std::unique_ptr<GxGlyph, void (*)(GxGlyph*)> drawMask(const minikin::Layout& lay
     return glyph;
 }
 
+// Makes the string on first use; null empties it.
+bool storeString(std::unique_ptr<GxString>& string, const char* text) {
+    if (string) return string->Set(text);
+    std::unique_ptr<GxString> fresh(new (std::nothrow) GxString);
+    if (!fresh) return ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, kSiteNoStringMemory);
+    if (!fresh->Construct() || !fresh->Set(text)) return false;
+    string = std::move(fresh);
+    return true;
+}
+
 void moveBackgroundBox(GxLineInfo& line, int left, int top, float advance) {
     line.rect.left = saturateInt(int64_t{line.x} + left);
     line.rect.top = saturateInt(int64_t{line.rect.top} + top);
@@ -155,29 +166,19 @@ void moveBackgroundBox(GxLineInfo& line, int left, int top, float advance) {
 }  // namespace
 
 GxFontDrawing::GxFontDrawing() : glyphList(std::make_unique<List>()) {
-    glyphList->Construct();
+    if (!glyphList->Construct()) throw std::bad_alloc();
 }
 
 GxFontDrawing::~GxFontDrawing() {
     ClearGlyphList();
 }
 
-void GxFontDrawing::SetFontPath(const char* path) {
-    if (!path) return;
-    if (!fontPath) {
-        fontPath = std::make_unique<GxString>();
-        fontPath->Construct(path);
-    } else if (fontPath->CompareTo(path) != 0) {
-        fontPath->Set(path);
-    }
+bool GxFontDrawing::SetFontPath(const char* path) {
+    return !path || storeString(fontPath, path);
 }
 
-void GxFontDrawing::SetFontFamilyName(const char* name) {
-    if (!familyName) {
-        familyName = std::make_unique<GxString>();
-        familyName->Construct();
-    }
-    familyName->Set(name);
+bool GxFontDrawing::SetFontFamilyName(const char* name) {
+    return storeString(familyName, name);
 }
 
 void GxFontDrawing::SetFontFamilies(std::vector<std::shared_ptr<minikin::FontFamily>> families,
@@ -193,35 +194,37 @@ void GxFontDrawing::ClearGlyphList() {
     glyphList->RemoveAll();
 }
 
-void GxFontDrawing::DrawTextEffect(GxTextObject* text, GxBitmap* destination) {
+bool GxFontDrawing::DrawTextEffect(GxTextObject* text, GxBitmap* destination) {
     const GxString* string = text ? text->GetText() : nullptr;
     if (!string) {
         __android_log_print(ANDROID_LOG_ERROR, kTag, "DrawTextEffect(%p) - text is NULL", this);
-        return;
+        return true;
     }
     if (string->GetUTF16Size() - 1 < 1) {
         __android_log_print(ANDROID_LOG_ERROR, kTag, "DrawTextEffect(%p) - textLength is 0", this);
-        return;
+        return true;
     }
     GxEffect* effect = text->GetEffect();
     if (!effect) {
         __android_log_print(ANDROID_LOG_ERROR, kTag, "DrawTextEffect(%p) - Effect is NULL", this);
-        return;
+        return true;
     }
-    if (!destination) return;
+    if (!destination) return true;
 
-    effect->addText(text->GetTextColor());
+    if (effect->addText(text->GetTextColor()) < 0) return false;
     effect->initEffect(destination->width, destination->height);
+    if (effect->hasFailed()) return false;
     effect->setDstBitmap(destination);
     if (!text->GetLineInfo()) {
         __android_log_print(ANDROID_LOG_ERROR, kTag, "DrawTextEffect(%p) - lineInfoList is NULL",
                             this);
         ReportNativeError(kTag, GXE_ERROR_NOT_CONSTRUCTED, kSiteNoLineInfo);
-        return;
+        return true;
     }
-    if (!drawLines(text, effect)) return;
+    if (!drawLines(text, effect)) return false;
     effect->doEffectPostProcessing();
     effect->compositeLayers(destination);
+    return !effect->hasFailed();
 }
 
 bool GxFontDrawing::collectFamilies(std::vector<std::shared_ptr<minikin::FontFamily>>& families,
@@ -263,7 +266,7 @@ bool GxFontDrawing::drawLines(GxTextObject* text, GxEffect* effect) {
     const int length = text->GetText()->GetUTF16Size() - 1;
     const int left = effect->getLeftOffset();
     const int top = effect->getTopOffset();
-    android::Paint paint = text->GetPaint();
+    android::Paint paint(text->paint());
     List& lines = *text->GetLineInfo();
     for (int i = 0, count = lines.GetCount(); i < count; ++i) {
         auto* line = static_cast<GxLineInfo*>(lines.Get(i));

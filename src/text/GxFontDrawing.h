@@ -28,9 +28,10 @@ public:
     GxFontDrawing& operator=(const GxFontDrawing&) = delete;
     virtual ~GxFontDrawing();
 
-    // Font file of the text; null is ignored.
-    void SetFontPath(const char* path);
-    void SetFontFamilyName(const char* name);
+    // Font file of the text; null is ignored. False, and the earlier one kept, when memory runs out
+    // (error 7); the same for the family.
+    bool SetFontPath(const char* path);
+    bool SetFontFamilyName(const char* name);
     // Families to draw with instead of the font manager's, and the weight to choose among their
     // fonts; an empty list for the font manager's.
     void SetFontFamilies(std::vector<std::shared_ptr<minikin::FontFamily>> families, int weight);
@@ -39,7 +40,10 @@ public:
     // Renders the text's lines and effects into `destination`, a zero-filled 32-bit bitmap. Moves
     // each line's background box by the effect margins and sets its width to the line's advance. A
     // missing text, effect stack or font is logged and leaves the destination as it is.
-    void DrawTextEffect(GxTextObject* text, GxBitmap* destination);
+    //
+    // False when memory ran out: the destination is not the picture then, and the boxes of some
+    // lines have moved. Throws std::bad_alloc as well, as the text stack does.
+    bool DrawTextEffect(GxTextObject* text, GxBitmap* destination);
 
     // Hands the masks of `glyphs` to the stack, pen at (x, y) in 26.6 fixed point, last mask first
     // for a negative direction.
@@ -49,7 +53,7 @@ public:
     void ClearGlyphList();
 
 private:
-    // False when nothing is to be composed.
+    // False when memory ran out.
     bool drawLines(GxTextObject* text, GxEffect* effect);
 
     bool collectFamilies(std::vector<std::shared_ptr<minikin::FontFamily>>& families,

@@ -60,6 +60,9 @@ Registry& TheRegistry() {
     return *registry;
 }
 
+// While the library is loaded there is memory for the lock.
+[[maybe_unused]] const Registry& gRegistryMade = TheRegistry();
+
 void LogBind(GxTextObject* object, int count) {
     __android_log_print(ANDROID_LOG_DEBUG, kTag, "Bind(%p) - count: %d", static_cast<void*>(object),
                         count);

@@ -17,6 +17,7 @@
 #include <mutex>
 #include <new>
 #include <utility>
+#include <vector>
 
 #include "base/GxLog.h"
 #include "base/GxString.h"
@@ -52,8 +53,11 @@ constexpr int kSiteResultBitmap = 280;
 constexpr int kSiteTextNoMemory = 400;
 constexpr int kSiteCountedText = 430;
 constexpr int kSiteTextLength = 431;
+constexpr int kSiteLocaleNoMemory = 470;
 constexpr int kSiteFontNoMemory = 610;
 constexpr int kSiteFontFamilies = 618;
+constexpr int kSiteGetPaintNoMemory = 726;
+constexpr int kSitePaintNoMemory = 732;
 constexpr int kSiteFitBitmap = 276;
 constexpr int kSiteFitBitmapTooLarge = 277;
 
@@ -122,40 +126,50 @@ hb_script_t nextScriptRun(const uint16_t* text, int length, int& position) {
     return script == HB_SCRIPT_INHERITED ? HB_SCRIPT_COMMON : script;
 }
 
-void loadFamilyOf(const char* locales) {
+// False when memory runs out, like the next two; families that cannot be read are not a failure.
+bool loadFamilyOf(const char* locales) {
     const uint32_t id = minikin::registerLocaleList(locales);
-    if (id != 0) FontManager::GetInstance().LoadMinikinFontFamily(id);
+    return id == 0 || FontManager::GetInstance().TryLoadMinikinFontFamily(id);
 }
 
 // Latin and the scripts without letters need no family of their own.
-void loadFamiliesOf(hb_script_t script) {
+bool loadFamiliesOf(hb_script_t script) {
     switch (script) {
         case HB_SCRIPT_HANGUL:
-            loadFamilyOf("ko");
-            break;
+            return loadFamilyOf("ko");
         case HB_SCRIPT_HIRAGANA:
         case HB_SCRIPT_KATAKANA:
-            loadFamilyOf("ja");
-            break;
+            return loadFamilyOf("ja");
         case HB_SCRIPT_HAN:
-            loadFamilyOf("zh-Hans");
-            loadFamilyOf("zh-Hant");
-            break;
+            return loadFamilyOf("zh-Hans") && loadFamilyOf("zh-Hant");
         case HB_SCRIPT_INVALID:
         case HB_SCRIPT_LATIN:
         case HB_SCRIPT_COMMON:
         case HB_SCRIPT_UNKNOWN:
-            break;
+            return true;
         default: {
             const auto tag = static_cast<uint32_t>(script);
             char locales[16];
             snprintf(locales, sizeof(locales), "und-%c%c%c%c", static_cast<char>(tag >> 24),
                      static_cast<char>(tag >> 16), static_cast<char>(tag >> 8),
                      static_cast<char>(tag));
-            loadFamilyOf(locales);
-            break;
+            return loadFamilyOf(locales);
         }
     }
+}
+
+bool loadFamiliesOf(const GxString& text) {
+    const int length = text.GetUTF16Size() - 1;
+    if (length < 0) return true;
+    const std::unique_ptr<uint16_t[]> utf16(text.GetUTF16());
+    if (!utf16) {
+        __android_log_print(ANDROID_LOG_DEBUG, kTag, "SetTextLocaleListId - textString is null.");
+        return false;
+    }
+    for (int position = 0; position < length;) {
+        if (!loadFamiliesOf(nextScriptRun(utf16.get(), length, position))) return false;
+    }
+    return true;
 }
 
 // --- composing
@@ -195,6 +209,36 @@ bool isEmpty(const GxBitmap& bitmap) {
     return bitmap.width == 0 || bitmap.height == 0;
 }
 
+// Drawing moves the background boxes of the lines. Moves them back unless told to keep them.
+class BackgroundBoxes {
+public:
+    explicit BackgroundBoxes(const List& lines) : lines_(lines) {
+        before_.reserve(static_cast<size_t>(std::max(lines.GetCount(), 0)));
+        forEach([this](GxLineInfo& line) { before_.push_back(line.rect); });
+    }
+    ~BackgroundBoxes() {
+        auto box = before_.cbegin();
+        forEach([&](GxLineInfo& line) {
+            if (box != before_.cend()) line.rect = *box++;
+        });
+    }
+    BackgroundBoxes(const BackgroundBoxes&) = delete;
+    BackgroundBoxes& operator=(const BackgroundBoxes&) = delete;
+
+    void keep() { before_.clear(); }
+
+private:
+    template <typename Visit>
+    void forEach(Visit visit) const {
+        for (int i = 0, count = lines_.GetCount(); i < count; ++i) {
+            if (auto* line = static_cast<GxLineInfo*>(lines_.Get(i))) visit(*line);
+        }
+    }
+
+    const List& lines_;
+    std::vector<GxRect> before_;
+};
+
 }  // namespace
 
 class GxTextObjectImpl {
@@ -203,7 +247,8 @@ public:
         : fontDrawing(std::make_unique<GxFontDrawing>()),
           effect(std::make_unique<GxEffect>()),
           lineInfoList(std::make_unique<List>()),
-          view(std::make_unique<GxView>()) {
+          view(std::make_unique<GxView>()),
+          paint(std::make_unique<android::Paint>()) {
         if (!lineInfoList->Construct()) throw std::bad_alloc();
         // The image starts empty, so whatever lies outside the glyphs came from effects meant for
         // their inside.
@@ -225,7 +270,7 @@ public:
     uint32_t textStyle = 0;
     std::unique_ptr<GxBitmap> resultBitmap;
     std::unique_ptr<GxView> view;
-    android::Paint paint;
+    std::unique_ptr<const android::Paint> paint;
     uint32_t backgroundColor = 0;
     bool backgroundEnabled = false;
     uint32_t textColor = kOpaqueBlack;
@@ -243,7 +288,7 @@ std::unique_ptr<GxBitmap> GxTextObjectImpl::compose(GxBitmap& effectBitmap) cons
     SkBitmap target, source;
     if (!target.installPixels(info, result->data, rowBytes) ||
         !source.installPixels(info, effectBitmap.data, rowBytes)) {
-        return result;
+        throw std::bad_alloc();
     }
     SkCanvas canvas(target);
     canvas.drawColor(0, SkBlendMode::kSrc);
@@ -299,13 +344,7 @@ const uint32_t* GxTextObject::RenderTextEffect(int width, int height) {
     } else if (!impl->fontDrawing) {
         ReportNativeError(kTag, GXE_ERROR_NOT_CONSTRUCTED, kSiteRenderNoFontDrawing);
     } else {
-        withoutThrowing(kSiteRenderNoMemory, [&] {
-            GxBitmap effectBitmap(static_cast<uint32_t>(width), static_cast<uint32_t>(height), 4);
-            if (!effectBitmap.data) throw std::bad_alloc();
-            impl->fontDrawing->DrawTextEffect(this, &effectBitmap);
-            impl->resultBitmap = impl->compose(effectBitmap);
-            return true;
-        });
+        withoutThrowing(kSiteRenderNoMemory, [&] { return draw(width, height); });
         // A render that stopped halfway still borrows the effect bitmap.
         impl->effect->releaseBitmap();
         __android_log_print(ANDROID_LOG_DEBUG, kTag, "RenderTextEffect(%p / %d) <<< End.", this,
@@ -313,6 +352,17 @@ const uint32_t* GxTextObject::RenderTextEffect(int width, int height) {
     }
     return impl->resultBitmap ? reinterpret_cast<const uint32_t*>(impl->resultBitmap->data)
                               : nullptr;
+}
+
+// Replaces the image by another object, when all of it could be had.
+bool GxTextObject::draw(int width, int height) {
+    GxBitmap effectBitmap(static_cast<uint32_t>(width), static_cast<uint32_t>(height), 4);
+    if (!effectBitmap.data) throw std::bad_alloc();
+    BackgroundBoxes boxes(*impl->lineInfoList);
+    if (!impl->fontDrawing->DrawTextEffect(this, &effectBitmap)) throw std::bad_alloc();
+    impl->resultBitmap = impl->compose(effectBitmap);
+    boxes.keep();
+    return true;
 }
 
 bool GxTextObject::FitBitmapToView() {
@@ -374,14 +424,13 @@ bool GxTextObject::storeText(const Text* text, Length... length) {
         return true;
     }
     return withoutThrowing(kSiteTextNoMemory, [&] {
-        if (!impl->text) {
-            auto fresh = std::make_unique<GxString>();
-            if (!fresh->Construct()) return false;
-            impl->text = std::move(fresh);
-        }
-        if (!impl->text->Set(text, length...)) return false;
-        if (impl->fontDrawing && impl->fontDrawing->HasFontFamilies()) return true;
-        SetTextLocaleListId();
+        auto fresh = std::make_unique<GxString>();
+        if (!fresh->Construct() || !fresh->Set(text, length...)) return false;
+        const bool hasOwnFamilies = impl->fontDrawing && impl->fontDrawing->HasFontFamilies();
+        if (!hasOwnFamilies && !loadFamiliesOf(*fresh)) return false;
+        // The string that was handed out stays the object's.
+        if (impl->text) return impl->text->Set(fresh.get());
+        impl->text = std::move(fresh);
         return true;
     });
 }
@@ -392,16 +441,7 @@ void GxTextObject::SetTextLocaleListId() {
         __android_log_print(ANDROID_LOG_DEBUG, kTag, "SetTextLocaleListId - text is null.");
         return;
     }
-    const int length = impl->text->GetUTF16Size() - 1;
-    if (length < 0) return;
-    const std::unique_ptr<uint16_t[]> utf16(impl->text->GetUTF16());
-    if (!utf16) {
-        __android_log_print(ANDROID_LOG_DEBUG, kTag, "SetTextLocaleListId - textString is null.");
-        return;
-    }
-    for (int position = 0; position < length;) {
-        loadFamiliesOf(nextScriptRun(utf16.get(), length, position));
-    }
+    withoutThrowing(kSiteLocaleNoMemory, [this] { return loadFamiliesOf(*impl->text); });
 }
 
 GxString* GxTextObject::GetText() const {
@@ -421,10 +461,8 @@ bool GxTextObject::SetFontFamilyName(const char* name) {
     if (!name) return ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, 553);
     __android_log_print(ANDROID_LOG_DEBUG, kTag, "SetFontFamilyName(%p) - familyName[%s]", this,
                         name);
-    return withoutThrowing(kSiteFontNoMemory, [&] {
-        fontDrawing().SetFontFamilyName(name);
-        return true;
-    });
+    return withoutThrowing(kSiteFontNoMemory,
+                           [&] { return fontDrawing().SetFontFamilyName(name); });
 }
 
 bool GxTextObject::SetFont(const char* path) {
@@ -445,9 +483,8 @@ bool GxTextObject::SetFont(const char* path, char* data, unsigned size) {
 bool GxTextObject::useFont(const char* path, char* data, unsigned size) {
     return withoutThrowing(kSiteFontNoMemory, [&] {
         GxFontDrawing& drawing = fontDrawing();
-        if (!FontManager::GetInstance().AddMinikinFont(path, data, size, 0, true)) return false;
-        drawing.SetFontPath(path);
-        return true;
+        return FontManager::GetInstance().AddMinikinFont(path, data, size, 0, true) &&
+               drawing.SetFontPath(path);
     });
 }
 
@@ -478,8 +515,14 @@ bool GxTextObject::SetLineInfo(const List* lines) {
         return ReportNativeError(kTag, GXE_ERROR_NOT_CONSTRUCTED, 647);
     }
     if (lines == impl->lineInfoList.get()) return true;  // these are the object's already
-    clearLineInfoList(*impl->lineInfoList);
-    return lines->GetCount() < 1 || impl->lineInfoList->Add(lines);
+    List& own = *impl->lineInfoList;
+    int earlier = own.GetCount();
+    if (lines->GetCount() > 0 && !own.Add(lines)) return false;
+    for (; earlier > 0; --earlier) {
+        delete static_cast<GxLineInfo*>(own.Get(0));
+        own.Remove(0);
+    }
+    return true;
 }
 
 List* GxTextObject::GetLineInfo() const {
@@ -509,11 +552,25 @@ GxView* GxTextObject::GetView() const {
 }
 
 android::Paint GxTextObject::GetPaint() const {
-    return requireConstructed(724) ? impl->paint : android::Paint();
+    if (!requireConstructed(724)) return android::Paint();
+    try {
+        return *impl->paint;
+    } catch (const std::bad_alloc&) {
+        ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, kSiteGetPaintNoMemory);
+        return android::Paint();
+    }
+}
+
+const android::Paint& GxTextObject::paint() const {
+    return *impl->paint;
 }
 
 void GxTextObject::SetPaint(android::Paint& paint) {
-    if (requireConstructed(730)) impl->paint = paint;
+    if (!requireConstructed(730)) return;
+    withoutThrowing(kSitePaintNoMemory, [&] {
+        impl->paint = std::make_unique<const android::Paint>(paint);
+        return true;
+    });
 }
 
 void GxTextObject::SetBackgroundColor(uint32_t color, bool enabled) {

@@ -53,8 +53,9 @@ public:
     // Lays out, draws and composes the text into a new image of width x height pixels and returns
     // its pixels: 0xAARRGGBB words, straight alpha, rows packed. They belong to the object and stay
     // valid until the next render or the object's end. The padding clip comes from the view and its
-    // bitmap size. Without a font drawing (error 8), for sizes below 0 and when memory runs out the
-    // previous frame's pixels are returned, null if there are none.
+    // bitmap size. Without a font drawing (error 8), for sizes below 0 and when memory runs out
+    // anywhere on the way (error 7) the previous frame's pixels are returned, null if there are
+    // none, and the lines' background boxes are as before.
     const uint32_t* RenderTextEffect(int width, int height);
 
     // Sizes the view's bitmap (GxView::GetBitmapWidth and -Height) to the view and the margins of
@@ -64,7 +65,7 @@ public:
     bool FitBitmapToView();
 
     // The image of the last render that succeeded, owned by the object like its pixels; null when
-    // there was none.
+    // there was none. Another object after each of them.
     const GxBitmap* GetResultBitmap() const;
 
     // The registry's handle, 1 or more; -1 before Construct.
@@ -73,7 +74,8 @@ public:
     // The object that has this handle, or null.
     static GxTextObject* FindGxTextObject(int handle);
 
-    // Copies the text; null drops the stored one. Loads the system families for its scripts.
+    // Copies the text; null drops the stored one. Loads the system families for its scripts. False,
+    // and the earlier text kept, when memory runs out (error 7), like the setters below.
     bool SetText(const GxString* text);
     bool SetText(const wchar_t* text);
     // Text of this many characters, NUL and U+FFFF among them like any other (see
@@ -82,7 +84,7 @@ public:
     // Owned by the object, null when there is no text.
     GxString* GetText() const;
     // Registers a locale list for every script of the text and loads one not yet loaded family for
-    // each.
+    // each. Error 7 when memory runs out.
     void SetTextLocaleListId();
 
     // The family that was asked for by name; chooses among weights only.
@@ -100,7 +102,7 @@ public:
     GxFontDrawing* GetFont() const;
 
     // Takes over the GxLineInfo records of `lines` (each made with new); the list itself stays the
-    // caller's. Earlier records are deleted.
+    // caller's. Earlier records are deleted. False takes and deletes none.
     bool SetLineInfo(const List* lines);
     // Owned by the object.
     List* GetLineInfo() const;
@@ -113,8 +115,9 @@ public:
     GxEffect* GetEffect() const;
     GxView* GetView() const;
 
-    // A copy; of a default paint before Construct.
+    // A copy; of a default paint before Construct and when memory runs out (error 7).
     android::Paint GetPaint() const;
+    // Keeps the earlier paint when memory runs out (error 7).
     void SetPaint(android::Paint& paint);
 
     // 0xAARRGGBB boxes behind each line, drawn when enabled.
@@ -124,6 +127,10 @@ public:
     uint32_t GetTextColor() const;
 
 private:
+    friend class GxFontDrawing;
+
+    const android::Paint& paint() const;
+    bool draw(int width, int height);
     template <typename Text, typename... Length>
     bool storeText(const Text* text, Length... length);
     bool useFont(const char* path, char* data, unsigned size);

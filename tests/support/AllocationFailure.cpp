@@ -1,5 +1,6 @@
 #include "support/AllocationFailure.h"
 
+#include <cerrno>
 #include <cstddef>
 #include <cstdlib>
 #include <new>
@@ -13,8 +14,13 @@ thread_local bool failLater = false;
 thread_local bool failNow = false;
 
 bool fails() {
-    if (remaining == 0 || --remaining > 0) return failNow;
+    if (remaining == 0) {
+        if (failNow) errno = ENOMEM;
+        return failNow;
+    }
+    if (--remaining > 0) return false;
     failNow = failLater;
+    errno = ENOMEM;  // as POSIX has it
     return true;
 }
 
@@ -47,6 +53,8 @@ int failEachAllocation(const std::function<void()>& body, const std::function<vo
 }
 
 }  // namespace gxtest
+
+#ifdef GXTEXT_WRAP_ALLOCATIONS
 
 // The linker renames references to malloc into __wrap_malloc and ours to __real_malloc into malloc
 // (--wrap). NOLINTBEGIN(bugprone-reserved-identifier)
@@ -84,3 +92,26 @@ void* __wrap__ZnamRKSt9nothrow_t(size_t size, const std::nothrow_t& tag) {
 }
 }
 // NOLINTEND(bugprone-reserved-identifier)
+
+#else
+
+// The program's own come before the C library's, for shared libraries too; operator new calls
+// malloc. NOLINTBEGIN(bugprone-reserved-identifier)
+extern "C" {
+void* __libc_malloc(size_t size);
+void* __libc_calloc(size_t count, size_t size);
+void* __libc_realloc(void* memory, size_t size);
+
+void* malloc(size_t size) {
+    return gxtest::fails() ? nullptr : __libc_malloc(size);
+}
+void* calloc(size_t count, size_t size) {
+    return gxtest::fails() ? nullptr : __libc_calloc(count, size);
+}
+void* realloc(void* memory, size_t size) {
+    return gxtest::fails() ? nullptr : __libc_realloc(memory, size);
+}
+}
+// NOLINTEND(bugprone-reserved-identifier)
+
+#endif

@@ -1,9 +1,9 @@
 // Makes the n-th allocation of the calling thread fail, alone or with all after it, to prove that
 // every one is handled.
 //
-// malloc, calloc, realloc and operator new are wrapped at link time, so this reaches whatever is
-// compiled into the test program, under the sanitizers too; allocations inside shared libraries go
-// on as usual.
+// The test program has a malloc, calloc and realloc of its own, which shared libraries use as well.
+// Sanitizers need theirs: there the linker wraps what is compiled into the program, and allocations
+// inside shared libraries go on as usual.
 #pragma once
 
 #include <functional>
