@@ -175,6 +175,7 @@ int main(int argc, char** argv) {
     gxbench::addDilationRows();
     gxbench::addFillRows();
     gxbench::addGlowRows();
+    gxbench::addReliefRows();
     gxbench::addShadowRows();
 #ifdef GXBENCH_TEXT
     gxbench::addTextRows();

@@ -49,6 +49,7 @@ void addBlurRows();
 void addDilationRows();
 void addFillRows();
 void addGlowRows();
+void addReliefRows();
 void addShadowRows();
 #ifdef GXBENCH_TEXT
 void addTextRows();  // need the text libraries

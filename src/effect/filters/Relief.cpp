@@ -88,7 +88,7 @@ private:
     // With room behind each plane.
     static int64_t scratchRows(const Geometry& geometry) {
         const int64_t bytes =
-            std::max({kernels::heightScratchBytes(geometry.width),
+            std::max({kernels::heightScratchBytes(geometry.width, geometry.height),
                       kernels::boxBlurScratchBytes(geometry.width, geometry.height),
                       kernels::lightScratchBytes(geometry.width), 2 * maskBytes(geometry)});
         return (bytes + 9 * kernels::kReliefStep) / geometry.width + 1;
@@ -120,7 +120,7 @@ void paint(const TextMask& text, const ReliefShape& shape, const Geometry& geome
     for (int64_t y = 0; y < geometry.paintedHeight; y += kMaskRows) {
         const int64_t rows = std::min(kMaskRows, geometry.paintedHeight - y);
         for (int64_t i = 0; i < rows; ++i) {
-            kernels::reliefMasksPlain(planes.heights + (y + i) * width,
+            kernels::reliefMasks(planes.heights + (y + i) * width,
                                  planes.coverage + (y + i + frame) * width + frame,
                                  geometry.paintedWidth, part, planes.highlight + i * width,
                                  planes.shadow + i * width);
@@ -163,22 +163,22 @@ void renderRelief(const GxECore::ParamPostProcessing* param, const GxBevelProper
     text.copyTo(planes.coverage + geometry.padding * width + geometry.padding, width);
     const kernels::ContourPlanes contour{width, geometry.height, planes.coverage,
                                          planes.alongColumns, planes.alongRows};
-    kernels::contourDistancesPlain(contour);
+    kernels::contourDistances(contour);
     // 2. The slope.
-    kernels::reliefHeightsPlain(contour, shape.slope, planes.heights, planes.scratch);
+    kernels::reliefHeights(contour, shape.slope, planes.heights, planes.scratch);
     int64_t height = geometry.height - 2;
     // 3. Its shape.
-    kernels::boxBlurPlain(planes.heights, width, height, shape.blur, planes.scratch);
+    kernels::boxBlur(planes.heights, width, height, shape.blur, planes.scratch);
     height -= 2 * shape.blur;
     if (place == ReliefPlace::kGrooveAcross) {
         foldAtContour(planes.heights, width * height, shape.slope.low);
     }
     // 4. Light.
-    kernels::reliefLightPlain(planes.heights, width, height, reliefLighting(*record, shape),
+    kernels::reliefLight(planes.heights, width, height, reliefLighting(*record, shape),
                          planes.scratch);
     height -= 2;
     // 5. Soft light.
-    kernels::boxBlurPlain(planes.heights, width, height, shape.soften, planes.scratch);
+    kernels::boxBlur(planes.heights, width, height, shape.soften, planes.scratch);
     // 6. The tints.
     const Tints tints{tint(record->highlightColor, record->opacity),
                       tint(record->shadowColor, record->opacity)};

@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "raster/GxMath.h"
+#include "raster/kernels/ContourDistance.h"
 
 namespace GxFontEffect::kernels {
 

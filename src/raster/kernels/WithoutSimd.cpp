@@ -1,9 +1,13 @@
 // The kernels of a build without Highway: each is its plain form.
+#include "raster/kernels/BoxBlur.h"
+#include "raster/kernels/ContourDistance.h"
 #include "raster/kernels/DiscDilation.h"
 #include "raster/kernels/GradientRows.h"
 #include "raster/kernels/Growth.h"
 #include "raster/kernels/PatternRows.h"
 #include "raster/kernels/PlainBlendRows.h"
+#include "raster/kernels/ReliefHeight.h"
+#include "raster/kernels/ReliefLight.h"
 #include "raster/kernels/SeparableBlur.h"
 #include "raster/kernels/SimdTargets.h"
 
@@ -86,6 +90,25 @@ void blurPlane(const uint8_t* in, uint8_t* out, int64_t width, int64_t height,
 void blurPaddedPlane(uint8_t* plane, int64_t width, int64_t height, const BlurWeights& weights,
                      uint8_t* /*scratch*/) {
     blurPaddedPlanePlain(plane, width, height, weights);
+}
+
+void contourDistances(const ContourPlanes& planes) {
+    contourDistancesPlain(planes);
+}
+void reliefHeights(const ContourPlanes& planes, const ReliefSlope& slope, uint16_t* heights,
+                   uint8_t* scratch) {
+    reliefHeightsPlain(planes, slope, heights, scratch);
+}
+void boxBlur(uint16_t* plane, int64_t width, int64_t height, int64_t reach, uint8_t* scratch) {
+    boxBlurPlain(plane, width, height, reach, scratch);
+}
+void reliefLight(uint16_t* heights, int64_t width, int64_t height, const ReliefLighting& light,
+                 uint8_t* scratch) {
+    reliefLightPlain(heights, width, height, light, scratch);
+}
+void reliefMasks(const uint16_t* light, const uint8_t* coverage, int64_t count, ReliefPart part,
+                 uint8_t* highlight, uint8_t* shadow) {
+    reliefMasksPlain(light, coverage, count, part, highlight, shadow);
 }
 
 std::vector<std::string> simdTargetNames() {
