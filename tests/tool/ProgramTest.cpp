@@ -124,6 +124,8 @@ TEST(Program, FailuresExitWith1AndSayWhy) {
         {{"render", "--text", "a", "--font", kLatin, "--font-index", "7"}, "has no font 7"},
         {{"render", "--text", "a", "--font", "No Such Family"},
          "no font family \"No Such Family\""},
+        {{"render", "--text", "a", "--font", "Noto Sans", "--font-index", "1"},
+         "font index 1 needs a font file; \"Noto Sans\" is a family"},
         {{"render", "--text", ""}, "gxtext: the text is empty\n"},
         {{"render", "--text", "a\xFF"}, "gxtext: the text is not valid UTF-8\n"},
         {{"render", "--text", "\n"}, "the text has no width"},
@@ -231,6 +233,23 @@ TEST_F(Files, PipesAreNotWaitedForWhereAFileIsNamed) {
         EXPECT_EQ(outcome.status, 1) << style;
         EXPECT_THAT(outcome.err, HasSubstr(message));
     }
+}
+
+TEST_F(Files, FallbackFontsThatCannotBeLoadedAreFailures) {
+    std::filesystem::create_directory(folder.path("fonts"));
+    const std::string hebrew = folder.path("fonts/hebrew.ttf");
+    std::filesystem::copy_file(fontPath(gxtest::kNotoHebrew), hebrew);
+    folder.write("fonts.conf", "<fontconfig><dir>" + folder.path("fonts") + "</dir><cachedir>" +
+                                   folder.path("cache") + "</cachedir></fontconfig>");
+    const std::string run =
+        "export FONTCONFIG_FILE=$PWD/fonts.conf; gxtext fonts --font latin.ttf --text '\u05D0'";
+    const Outcome good = gxtest::runShell(run, folder.path(""));
+    EXPECT_THAT(good.out, HasSubstr(hebrew));
+    // In place: what fontconfig remembers of the folder stays valid.
+    std::filesystem::resize_file(hebrew, 100);
+    const Outcome bad = gxtest::runShell(run, folder.path(""));
+    EXPECT_EQ(bad.status, 1);
+    EXPECT_EQ(bad.err, "gxtext: cannot load the font " + hebrew + "\n");
 }
 
 TEST(Program, RendersTheSameBytesEveryTimeAndEverywhere) {

@@ -143,6 +143,7 @@ void addTextOptions(CLI::App& app, StyleArguments& arguments, StyleOptions& opti
                                  if (file && !style.folder().empty()) {
                                      style.font = std::filesystem::absolute(*file).string();
                                  }
+                                 style.fontIndex = 0;  // an index is one of the file it came with
                              });
     options
         .add<int>("--font-index", "Font inside a collection file, 0-99 (default 0)", "N", group,

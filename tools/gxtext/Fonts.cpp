@@ -1,20 +1,26 @@
 #include "Fonts.h"
 
+#include <fcntl.h>
 #include <fontconfig/fontconfig.h>
 
 // After fontconfig.h, whose macros it uses.
 #include <fontconfig/fcfreetype.h>
 #include <strings.h>
+#include <sys/stat.h>
 #include <unicode/uchar.h>
 #include <unicode/uscript.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
 #include <memory>
 #include <set>
 
 #include "ToolError.h"
+#include "base/Descriptor.h"
 
 namespace gxtool {
 
@@ -23,6 +29,8 @@ namespace {
 struct Release {
     void operator()(FcPattern* pattern) const { FcPatternDestroy(pattern); }
     void operator()(FcCharSet* set) const { FcCharSetDestroy(set); }
+    void operator()(FT_Library library) const { FT_Done_FreeType(library); }
+    void operator()(FT_Face face) const { FT_Done_Face(face); }
 };
 using PatternPtr = std::unique_ptr<FcPattern, Release>;
 using CharSetPtr = std::unique_ptr<FcCharSet, Release>;
@@ -121,25 +129,66 @@ bool hasFamilyName(const FcPattern* pattern, const std::string& name) {
     return false;
 }
 
-Match openFile(const std::filesystem::path& file, int index) {
-    std::error_code error;
-    const auto status = std::filesystem::status(file, error);
-    if (!std::filesystem::exists(status)) throw ToolError("no font file " + file.string());
-    if (!std::filesystem::is_regular_file(status))
-        throw ToolError(file.string() + " is not a file");
+// A font file that FreeType reads piece by piece: it would map it by itself, and a file that is cut
+// short while mapped ends the process.
+class FontFile {
+public:
+    explicit FontFile(const std::filesystem::path& path)
+        : path_(path), file_(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
+        struct stat status;
+        if (!file_ || fstat(file_.get(), &status) != 0) {
+            const int error = errno;
+            if (error == ENOENT) throw ToolError("no font file " + path.string());
+            throw ToolError("cannot open the font " + path.string() + ": " + strerror(error));
+        }
+        if (!S_ISREG(status.st_mode)) throw ToolError(path.string() + " is not a file");
+        stream_.descriptor.value = file_.get();
+        stream_.size = static_cast<unsigned long>(status.st_size);
+        stream_.read = readAt;
+    }
+
+    // Null when there is no such face. Sets `faceCount` when there is.
+    PatternPtr query(int index, int& faceCount) {
+        FT_Library library = nullptr;
+        if (FT_Init_FreeType(&library) != 0) throw std::bad_alloc();
+        const std::unique_ptr<FT_LibraryRec_, Release> ownLibrary(library);
+        FT_Open_Args arguments{};
+        arguments.flags = FT_OPEN_STREAM;
+        arguments.stream = &stream_;
+        FT_Face face = nullptr;
+        if (FT_Open_Face(library, &arguments, index, &face) != 0) return nullptr;
+        const std::unique_ptr<FT_FaceRec_, Release> ownFace(face);
+        faceCount = static_cast<int>(face->num_faces);
+        return PatternPtr(FcFreeTypeQueryFace(face, reinterpret_cast<const FcChar8*>(path_.c_str()),
+                                              static_cast<unsigned>(index), nullptr));
+    }
+
+private:
+    // Of no bytes it asks whether the offset exists: 0 for yes.
+    static unsigned long readAt(FT_Stream stream, unsigned long offset, unsigned char* buffer,
+                                unsigned long count) {
+        if (count == 0) return offset > stream->size ? 1 : 0;
+        const ssize_t got = pread(static_cast<int>(stream->descriptor.value), buffer, count,
+                                  static_cast<off_t>(offset));
+        return got < 0 ? 0 : static_cast<unsigned long>(got);
+    }
+
+    const std::filesystem::path& path_;
+    const GxFontEffect::Descriptor file_;
+    FT_StreamRec stream_{};
+};
+
+Match openFile(const std::filesystem::path& path, int index) {
+    FontFile file(path);
     int faceCount = 0;
-    const auto query = [&](int face) {
-        return PatternPtr(FcFreeTypeQuery(reinterpret_cast<const FcChar8*>(file.c_str()),
-                                          static_cast<unsigned>(face), nullptr, &faceCount));
-    };
-    PatternPtr pattern = query(index);
-    if (!pattern && index > 0 && query(0)) {
-        throw ToolError(file.string() + " has no font " + std::to_string(index) + "; it holds " +
+    PatternPtr pattern = file.query(index, faceCount);
+    if (!pattern && index > 0 && file.query(0, faceCount)) {
+        throw ToolError(path.string() + " has no font " + std::to_string(index) + "; it holds " +
                         std::to_string(faceCount) + ", counted from 0");
     }
     Match match = pattern ? describe(std::move(pattern)) : Match();
-    if (!match) throw ToolError(file.string() + " is not a TrueType or OpenType font");
-    match.face.file = file.string();
+    if (!match) throw ToolError(path.string() + " is not a TrueType or OpenType font");
+    match.face.file = path.string();
     match.face.index = index;
     return match;
 }
@@ -285,17 +334,22 @@ private:
 };
 
 Match findFirst(const Style& style, FontChoice& choice) {
-    if (style.font.empty()) {
-        Match match =
-            findInstalled({.family = "sans-serif", .bold = style.bold, .italic = style.italic});
-        if (!match) throw ToolError("no font is installed; name a font file");
-        return match;
-    }
     if (const auto file = asFontFile(style.font, style.folder())) {
         Match match = openFile(*file, style.fontIndex);
         // A text object's own font file is face 0 and counts as upright whatever it is, so it would
         // be slanted twice.
         choice.userFile = style.fontIndex == 0 && !(style.italic && match.face.italic);
+        return match;
+    }
+    if (style.fontIndex != 0) {
+        throw ToolError(
+            "font index " + std::to_string(style.fontIndex) + " needs a font file; " +
+            (style.font.empty() ? "none is named" : "\"" + style.font + "\" is a family"));
+    }
+    if (style.font.empty()) {
+        Match match =
+            findInstalled({.family = "sans-serif", .bold = style.bold, .italic = style.italic});
+        if (!match) throw ToolError("no font is installed; name a font file");
         return match;
     }
     Match match = findInstalled({.family = style.font,

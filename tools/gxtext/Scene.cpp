@@ -183,26 +183,24 @@ Scene::Scene(const Style& style) {
 // form of a system configuration, already loaded.
 void Scene::loadFonts() {
     FontManager& manager = FontManager::GetInstance();
-    auto families = std::make_unique<List>();
-    families->Construct();
-    std::vector<FontFace> loaded;
+    std::vector<FamilyPtr> families;
     for (size_t i = 0; i < fonts_.faces.size(); i++) {
         const FontFace& face = fonts_.faces[i];
         bool ok = false;
         if (i == 0 && fonts_.userFile) {
             ok = object_.SetFont(face.file.c_str());
         } else {
-            FamilyPtr family = makeFamily(face);
-            ok = manager.BuildMinikinFamily(family.get());
-            family->loaded = ok;
-            families->Add(family.release());
+            families.push_back(makeFamily(face));
+            ok = manager.BuildMinikinFamily(families.back().get());
+            families.back()->loaded = ok;
         }
-        if (!ok && i == 0) throw ToolError("cannot load the font " + face.file);
-        if (ok) loaded.push_back(face);
+        if (!ok) throw ToolError("cannot load the font " + face.file);
     }
-    fonts_.faces = std::move(loaded);
+    auto list = std::make_unique<List>();
+    list->Construct();
+    for (FamilyPtr& family : families) list->Add(family.release());
     manager.ClearFontFamilies();  // of an earlier scene
-    if (!manager.SetSystemFontFamilies(families.release())) throw ToolError("cannot set the fonts");
+    if (!manager.SetSystemFontFamilies(list.release())) throw ToolError("cannot set the fonts");
     if (!fonts_.familyName.empty()) object_.SetFontFamilyName(fonts_.familyName.c_str());
 }
 
