@@ -344,6 +344,17 @@ TEST(Program, NamesMissingGlyphs) {
     EXPECT_EQ(strict.status, 1);
     EXPECT_EQ(strict.err, "gxtext: no font has U+F0000, U+10FFFD\n");
     EXPECT_FALSE(std::filesystem::exists(file));
+    std::string many;
+    for (int i = 0; i < 30000; i++) {
+        const int c = 0xF0000 + i;
+        for (const int byte :
+             {0xF3, 0x80 | (c >> 12 & 0x3F), 0x80 | (c >> 6 & 0x3F), 0x80 | (c & 0x3F)})
+            many += static_cast<char>(byte);
+        if (i % 100 == 99) many += '\n';
+    }
+    const Outcome all = runGxtext({"fonts", "--font-size", "1", "--text", "-"}, many);
+    EXPECT_EQ(all.status, 0);
+    EXPECT_THAT(all.err, testing::EndsWith(", U+F0013 and 29980 others\n"));
 }
 
 TEST(Program, ShowsTheLibrarysLogOnlyWhenAsked) {

@@ -1,5 +1,6 @@
 #include "Commands.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <nlohmann/json.hpp>
 
@@ -23,7 +24,12 @@ std::string printedJson(const nlohmann::ordered_json& value) {
 
 void reportMissing(const Scene& scene, bool strict) {
     if (scene.missing().empty()) return;
-    const std::string message = "no font has " + formatCodePoints(scene.missing());
+    constexpr size_t kMostListed = 20;
+    const std::vector<char32_t>& all = scene.missing();
+    const size_t listed = std::min(all.size(), kMostListed);
+    std::string message = "no font has ";
+    message += formatCodePoints({all.begin(), all.begin() + static_cast<ptrdiff_t>(listed)});
+    if (listed < all.size()) message += " and " + std::to_string(all.size() - listed) + " others";
     if (strict) throw ToolError(message);
     fprintf(stderr, "gxtext: warning: %s\n", message.c_str());
 }

@@ -18,6 +18,7 @@
 #include <filesystem>
 #include <memory>
 #include <set>
+#include <utility>
 
 #include "ToolError.h"
 #include "base/Descriptor.h"
@@ -64,13 +65,32 @@ struct Match {
     bool covers(char32_t c) const { return FcCharSetHasChar(coverage, c) == FcTrue; }
 };
 
+// Null for a font that cannot be used. Owned by the pattern.
+const FcCharSet* coverageOf(const FcPattern* pattern) {
+    const std::string format = stringOf(pattern, FC_FONTFORMAT);
+    // Shaping needs the tables of these two.
+    if (format != "TrueType" && format != "CFF") return nullptr;
+    FcCharSet* coverage = nullptr;
+    const FcResult result = FcPatternGetCharSet(pattern, FC_CHARSET, 0, &coverage);
+    return result == FcResultMatch ? coverage : nullptr;
+}
+
+CharSetPtr installedCharacters() {
+    CharSetPtr all(FcCharSetCreate());
+    for (const FcSetName name : {FcSetSystem, FcSetApplication}) {
+        const FcFontSet* fonts = FcConfigGetFonts(nullptr, name);
+        for (int i = 0; fonts && i < fonts->nfont; i++) {
+            const FcCharSet* coverage = coverageOf(fonts->fonts[i]);
+            if (coverage) FcCharSetMerge(all.get(), coverage, nullptr);
+        }
+    }
+    return all;
+}
+
 Match describe(PatternPtr pattern) {
     Match match;
-    FcCharSet* coverage = nullptr;
-    const std::string format = stringOf(pattern.get(), FC_FONTFORMAT);
-    // Shaping needs the tables of these two.
-    if (format != "TrueType" && format != "CFF") return match;
-    if (FcPatternGetCharSet(pattern.get(), FC_CHARSET, 0, &coverage) != FcResultMatch) return match;
+    const FcCharSet* coverage = coverageOf(pattern.get());
+    if (!coverage) return match;
     match.face.file = stringOf(pattern.get(), FC_FILE);
     // The upper half numbers the named instances of a variable font.
     match.face.index = integerOf(pattern.get(), FC_INDEX, 0) & 0xFFFF;
@@ -267,7 +287,7 @@ public:
         const bool emojiFirst = addEmoji();
         while (!missing_.empty()) {
             const char32_t c = *missing_.begin();
-            if (!addFor(c)) missing_.erase(c);  // no font has it
+            if (!addFor(c)) giveUp(c);
         }
         if (!emojiFirst && faces_.size() > 1) {
             std::rotate(faces_.begin(), faces_.begin() + 1, faces_.end());
@@ -326,10 +346,20 @@ private:
         return false;
     }
 
+    // No font has c. Asking takes a millisecond: after the first such character only what some font
+    // has is asked for.
+    void giveUp(char32_t c) {
+        missing_.erase(c);
+        if (std::exchange(onlyInstalledAreMissing_, true)) return;
+        const CharSetPtr installed = installedCharacters();
+        std::erase_if(missing_, [&](char32_t m) { return !FcCharSetHasChar(installed.get(), m); });
+    }
+
     const Style& style_;
     const std::vector<char32_t>& text_;
     const std::string hanLanguage_;
     std::set<char32_t> missing_;
+    bool onlyInstalledAreMissing_ = false;
     std::vector<FontFace> faces_;
 };
 
