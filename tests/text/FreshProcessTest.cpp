@@ -40,9 +40,17 @@ constexpr size_t kPixels = size_t{kWidth} * kHeight;
 constexpr uint32_t kFirstColor = 0xFF803010;
 constexpr uint32_t kColor = 0xF0203040;
 
-// Kerning and a ligature, Arabic and Hebrew against the line's direction, a decomposed letter, and
-// Devanagari, which comes from a system family.
-constexpr const wchar_t* kText = L"AVfi \x0628\x062A \x05D0 e\x0301\x0915\x094D\x0937\x093F";
+// Kerning and a ligature, Arabic and Hebrew against the line's direction, a decomposed letter; from
+// system families Devanagari, and a picture that is a PNG file in the font.
+constexpr const wchar_t* kText = L"AVfi \x0628\x062A \x05D0 e\x0301\x0915\x094D\x0937\x093F\x1F60D";
+constexpr int kTextUnits = 18;
+
+struct SystemFont {
+    const char* language;
+    const char* file;
+};
+constexpr SystemFont kSystemFonts[] = {{"und-Deva", gxtest::kNotoDevanagari},
+                                       {"und-Zsye", gxtest::kNotoColorEmoji}};
 
 // How a process has come to the render in which memory runs out.
 enum class Before {
@@ -80,18 +88,23 @@ struct Shared {
     Outcome outcome;
 };
 
-void addSystemFamily() {
+GxFontFamily* gPictures = nullptr;
+
+void addSystemFamilies() {
     auto* list = new List;
     list->Construct();
-    auto* entry = new GxFontEntry;
-    entry->path = new GxString;
-    entry->path->Construct(gxtest::fontPath(gxtest::kNotoDevanagari).c_str());
-    auto* family = new GxFontFamily;
-    family->localeListId = minikin::registerLocaleList("und-Deva");
-    family->fonts = new List;
-    family->fonts->Construct();
-    family->fonts->Add(entry);
-    list->Add(family);
+    for (const SystemFont& font : kSystemFonts) {
+        auto* entry = new GxFontEntry;
+        entry->path = new GxString;
+        entry->path->Construct(gxtest::fontPath(font.file).c_str());
+        auto* family = new GxFontFamily;
+        family->localeListId = minikin::registerLocaleList(font.language);
+        family->fonts = new List;
+        family->fonts->Construct();
+        family->fonts->Add(entry);
+        list->Add(family);
+        gPictures = family;  // the last one
+    }
     FontManager::GetInstance().SetSystemFontFamilies(list);
 }
 
@@ -100,8 +113,8 @@ class Subject {
 public:
     // False when a step was refused.
     bool setUp(const char* font) {
-        return construct() && text_->SetFont(font) && setLines() && text_->SetText(kText) &&
-               addEffects() && setPaint();
+        return construct() && loadPictures() && text_->SetFont(font) && setLines() &&
+               text_->SetText(kText) && addEffects() && setPaint();
     }
     bool setFont(const char* font) { return text_->SetFont(font); }
     void setColor(uint32_t color) { text_->SetTextColor(color); }
@@ -126,6 +139,14 @@ private:
         text_->SetTextColor(kColor);
         return true;
     }
+    // Texts do not ask for this family: whoever configures the families loads it.
+    static bool loadPictures() {
+        GxFontFamily* family = gPictures;
+        if (!family->loaded) {
+            family->loaded = FontManager::GetInstance().BuildMinikinFamily(family);
+        }
+        return family->loaded;
+    }
     bool setLines() {
         if (text_->GetLineInfo()->GetCount() > 0) return true;
         std::unique_ptr<GxLineInfo> record(new (std::nothrow) GxLineInfo);
@@ -133,7 +154,7 @@ private:
         if (!record || !lines.Construct()) return false;
         record->x = 4;
         record->y = 70;
-        record->end = 17;
+        record->end = kTextUnits;
         record->rect = GxRect(4, 30, 5, 100);
         if (!lines.Add(record.get()) || !text_->SetLineInfo(&lines)) return false;
         static_cast<void>(record.release());
@@ -194,7 +215,7 @@ protected:
     }
 
     static void draw(uint32_t* pixels) {
-        addSystemFamily();
+        addSystemFamilies();
         Subject subject;
         subject.setUp(gxtest::fontPath(gxtest::kDejaVuSans).c_str());
         std::memcpy(pixels, subject.render(), kPixels * sizeof(*pixels));
@@ -203,7 +224,7 @@ protected:
     void failNth(Before before, int n, FailureSpan span) {
         const std::string font = gxtest::fontPath(gxtest::kDejaVuSans);
         const std::string otherFont = gxtest::fontPath(gxtest::kNotoSans);
-        addSystemFamily();
+        addSystemFamilies();
         Subject subject;
         if (before != Before::kNothing) {
             subject.setUp((before == Before::kFrameNewFont ? otherFont : font).c_str());
