@@ -8,7 +8,7 @@ SUITES ?=
 space := $(subst ,, )
 FUZZ_SECONDS ?= 60
 
-.PHONY: help setup demo demo-java test agreement aar bench bench-instructions bench-scaling bench-memory lint format sanitize fuzz test-aarch64 clean
+.PHONY: help setup demo demo-java test agreement aar bench bench-instructions bench-scaling bench-memory lint format sanitize fuzz test-aarch64 package clean
 
 help:
 	@echo "make demo          build, then render sample pictures into out/demo/"
@@ -16,6 +16,7 @@ help:
 	@echo "make test          build and run every test"
 	@echo "make agreement     the text stack against HarfBuzz, FreeType, ICU, Unicode and CanvasKit, in figures"
 	@echo "make aar           pack the SDK and the libraries built for Android into out/aar/"
+	@echo "make package       shared libraries and program, tested, as a Debian package with sources into out/package/"
 	@echo "make bench         build and run the benchmarks: ratios to the peers, targets beside"
 	@echo "make bench-instructions  instructions per pixel of the same rows"
 	@echo "make bench-memory  memory held while 100,000 titles come and go"
@@ -58,6 +59,13 @@ agreement: setup
 aar: setup
 	@scripts/setup java
 	scripts/aar out/aar $(AAR_OPTIONS)
+
+package: setup
+	@scripts/setup demo package
+	cmake --preset package
+	cmake --build --preset package
+	ctest --preset package
+	scripts/package $(BUILD)/package out/package
 
 bench bench-instructions bench-scaling bench-memory: setup
 	@scripts/setup bench
