@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "minikin/MeasuredText.h"
+
 namespace android {
 namespace {
 
@@ -34,7 +36,7 @@ minikin::Layout MinikinUtils::doLayout(const Paint* paint, minikin::Bidi bidiFla
                                        const Typeface* typeface, const uint16_t* buf,
                                        size_t bufSize, size_t start, size_t count,
                                        size_t contextStart, size_t contextCount,
-                                       minikin::MeasuredText* /*mt*/) {
+                                       minikin::MeasuredText* mt) {
     if (!paint || !buf) return minikin::Layout();
     bufSize = std::min(bufSize, kMaxTextLength);
     contextStart = std::min(contextStart, bufSize);
@@ -44,10 +46,21 @@ minikin::Layout MinikinUtils::doLayout(const Paint* paint, minikin::Bidi bidiFla
     const size_t rangeStart = std::clamp(start, contextStart, contextEnd);
     const size_t rangeEnd = std::clamp(start + std::min(count, bufSize), rangeStart, contextEnd);
 
+    const minikin::MinikinPaint minikinPaint = prepareMinikinPaint(paint, typeface);
+    if (rangeEnd == contextEnd) {
+        const auto context = minikin::shortContext(
+            mt, {buf, bufSize}, static_cast<uint32_t>(contextStart),
+            minikin::Range(static_cast<uint32_t>(rangeStart), static_cast<uint32_t>(rangeEnd)),
+            bidiFlags);
+        if (context) {
+            const minikin::U16StringPiece text(context->text.data(), context->text.size());
+            return minikin::Layout(text, context->range, bidiFlags, minikinPaint);
+        }
+    }
     const minikin::U16StringPiece context(buf + contextStart, contextCount);
     const minikin::Range range(static_cast<uint32_t>(rangeStart - contextStart),
                                static_cast<uint32_t>(rangeEnd - contextStart));
-    return minikin::Layout(context, range, bidiFlags, prepareMinikinPaint(paint, typeface));
+    return minikin::Layout(context, range, bidiFlags, minikinPaint);
 }
 
 float MinikinUtils::measureText(const Paint* paint, minikin::Bidi bidiFlags,

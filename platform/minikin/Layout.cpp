@@ -32,14 +32,19 @@ MinikinPaint withFiniteNumbers(const MinikinPaint& paint) {
     return result;
 }
 
+// HarfBuzz looks back over all marks for each mark: what has no end is shaped in parts, so that the
+// time stays in proportion to the length.
+constexpr uint32_t kMaxPieceLength = 1024;
+
 bool isWordBoundary(const U16StringPiece& text, uint32_t i) {
     return i == 0 || i >= text.size() || breaksBefore(text[i]) || breaksAfter(text[i - 1]);
 }
 
-// Where the words begin that the range touches, plus the end of the last one.
+// Where the words begin that the range touches, plus the end of the last one. Of a word that began
+// long before, only so much counts as shaping looks at.
 std::vector<uint32_t> wordBoundaries(const U16StringPiece& text, const Range& range) {
     uint32_t i = range.getStart();
-    while (!isWordBoundary(text, i)) i--;
+    while (!isWordBoundary(text, i) && range.getStart() - i < kMaxPieceLength) i--;
     std::vector<uint32_t> boundaries = {i};
     while (boundaries.back() < range.getEnd()) {
         do i++;
@@ -53,10 +58,6 @@ struct Piece {
     Range range;
     Range word;  // around it
 };
-
-// HarfBuzz looks back over all marks for each mark: what has no end is shaped in parts, so that the
-// time stays in proportion to the length.
-constexpr uint32_t kMaxPieceLength = 1024;
 
 // Where to end a piece that begins at `start` and would reach to `end`: before a character that is
 // unlikely to belong to the one before it.

@@ -25,7 +25,8 @@ public:
 
     // Lays out buf[start, start + count) as part of the text [contextStart, contextStart +
     // contextCount). What lies outside the buffer or the context is cut off. `typeface` null is the
-    // default one; it must outlive the layout. `mt` is not used.
+    // default one; it must outlive the layout. `mt`, unless null, is of the whole buffer; it makes
+    // many layouts of one text faster and changes nothing.
     static minikin::Layout doLayout(const Paint* paint, minikin::Bidi bidiFlags,
                                     const Typeface* typeface, const uint16_t* buf, size_t bufSize,
                                     size_t start, size_t count, size_t contextStart,
