@@ -87,19 +87,23 @@ struct DrawTextFunctor {
 
 // UTF-16 range of a line and of the text around it that decides shaping and direction.
 struct LineRange {
-    LineRange(const GxLineInfo& line, const uint16_t* text, int length)
+    LineRange() = default;
+    LineRange(const GxLineInfo& line, const uint16_t* text, int length, const LineRange& previous)
         : start(std::clamp(line.start, 0, length)), end(std::clamp(line.end, start, length)) {
         // Back to the line break before the line, the break itself included: it ends a bidi
-        // paragraph.
+        // paragraph. Lines come in order: nothing is read twice.
+        const int searched = previous.start <= start ? previous.start : 0;
         contextStart = start;
-        while (contextStart > 0 && text[contextStart] != '\n' && text[contextStart] != '\r') {
+        while (contextStart > searched && text[contextStart] != '\n' &&
+               text[contextStart] != '\r') {
             --contextStart;
         }
+        if (contextStart == searched && searched > 0) contextStart = previous.contextStart;
     }
 
-    int start;
-    int end;
-    int contextStart;
+    int start = 0;
+    int end = 0;
+    int contextStart = 0;
 };
 
 minikin::Layout layOut(const LineRange& range, int direction, const uint16_t* text, int length,
@@ -268,11 +272,12 @@ bool GxFontDrawing::drawLines(GxTextObject* text, GxEffect* effect) {
     const int top = effect->getTopOffset();
     android::Paint paint(text->paint());
     List& lines = *text->GetLineInfo();
+    LineRange range;
     for (int i = 0, count = lines.GetCount(); i < count; ++i) {
         auto* line = static_cast<GxLineInfo*>(lines.Get(i));
         if (!line) continue;
         ClearGlyphList();
-        const LineRange range(*line, utf16.get(), length);
+        range = LineRange(*line, utf16.get(), length, range);
         const minikin::Layout layout =
             layOut(range, line->direction, utf16.get(), length, paint, *typeface);
         auto mask = drawMask(layout, paint);
