@@ -2,22 +2,36 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <hwui/Paint.h>
+#include <unicode/ubrk.h>
+#include <unicode/uchar.h>
 
 #include <algorithm>
 
+#include "Measurer.h"
 #include "ToolError.h"
+#include "support/Fonts.h"
+#include "support/Random.h"
+#include "support/TextMaker.h"
 
 namespace gxtool {
 namespace {
 
-// Lines as text, each UTF-16 unit 10 pixels wide; "<" marks a right-to-left line.
+// Each UTF-16 unit 10 pixels wide. Counts the units measured.
+TextMeasures tenPixelUnits(int64_t* measured = nullptr) {
+    const auto count = [measured](const TextLine& line) {
+        if (measured) *measured += line.end - line.start;
+        return static_cast<size_t>(line.end - line.start);
+    };
+    return {[count](const TextLine& line) { return 10.0f * static_cast<float>(count(line)); },
+            [count](const TextLine& line) { return std::vector<float>(count(line), 10.0f); }};
+}
+
+// Lines as text; "<" marks a right-to-left line.
 std::vector<std::string> wrapped(const std::string& utf8, std::optional<float> width) {
     const std::u16string text = decodeUtf8(utf8, "text");
     std::vector<std::string> result;
-    const auto lines = wrapText(text, width, "", [](const TextLine& line) {
-        return 10.0f * static_cast<float>(line.end - line.start);
-    });
-    for (const TextLine& line : lines) {
+    for (const TextLine& line : wrapText(text, width, "", tenPixelUnits())) {
         std::string shown = encodeUtf8(text.substr(line.start, line.end - line.start));
         if (line.rightToLeft) shown.insert(0, 1, '<');
         result.push_back(std::move(shown));
@@ -85,27 +99,78 @@ TEST(Wrap, LeavesNothingOutButSpacesAndLineEnds) {
     }
 }
 
-// Else the time is quadratic in the word.
-TEST(Wrap, MeasuresNoMoreOfALongWordThanALineNeeds) {
-    const std::u16string text = u"ab " + std::u16string(20000, u'x');
-    const auto lineUnits = [&](float width, int32_t* longest) {
-        std::vector<int32_t> result;
-        for (const TextLine& line : wrapText(text, width, "", [&](const TextLine& tried) {
-                 *longest = std::max(*longest, tried.end - tried.start);
-                 return static_cast<float>(tried.end - tried.start);
-             })) {
-            result.push_back(line.end - line.start);
+// Else the time is quadratic in the lines or in the words.
+TEST(Wrap, MeasuresInProportionToTheText) {
+    for (const char16_t* repeated :
+         {u"abc ", u"x", u"\u4E2D", u"\u200B", u"\u3000", u"a-", u"e\u0301"}) {
+        std::u16string text = u"abc ";
+        while (text.size() < 20000) text += repeated;
+        for (const float width : {10.0f, 300.0f, 5120.0f, 99999.0f, 199990.0f}) {
+            int64_t measured = 0;
+            wrapText(text, width, "", tenPixelUnits(&measured));
+            EXPECT_LT(measured, 20 * 20000) << encodeUtf8(repeated) << " at " << width;
         }
-        return result;
-    };
-    for (const int32_t width : {3, 100, 511, 512, 513, 700, 3000, 9999}) {
-        std::vector<int32_t> expected = {2};
-        for (int32_t left = 20000; left > 0; left -= width) {
-            expected.push_back(std::min(left, width));
-        }
-        int32_t longest = 0;
-        EXPECT_EQ(lineUnits(static_cast<float>(width), &longest), expected) << width;
-        EXPECT_LE(longest, 2048 + 4 * width) << width;
+    }
+}
+
+std::vector<int32_t> breaksOf(UBreakIteratorType type, const std::u16string& text) {
+    UErrorCode status = U_ZERO_ERROR;
+    UBreakIterator* iterator =
+        ubrk_open(type, "", text.data(), static_cast<int32_t>(text.size()), &status);
+    std::vector<int32_t> breaks;
+    while (ubrk_next(iterator) != UBRK_DONE) breaks.push_back(ubrk_current(iterator));
+    ubrk_close(iterator);
+    return breaks;
+}
+
+// Ends of the lines of a text without line breaks and hanging spaces, by measuring all candidates.
+std::vector<int32_t> plainEnds(const std::u16string& text, float width, bool rightToLeft,
+                               const TextMeasures& measures) {
+    const std::vector<int32_t> words = breaksOf(UBRK_LINE, text);
+    const std::vector<int32_t> characters = breaksOf(UBRK_CHARACTER, text);
+    const auto size = static_cast<int32_t>(text.size());
+    std::vector<int32_t> ends;
+    for (int32_t start = 0; start < size; start = ends.back()) {
+        // The last one before the first that does not fit.
+        const auto lastFitting = [&](const std::vector<int32_t>& candidates, int32_t last) {
+            for (const int32_t end : candidates) {
+                if (end <= last) continue;
+                if (measures.advance({start, end, rightToLeft}) > width) break;
+                last = end;
+            }
+            return last;
+        };
+        const int32_t word = lastFitting(words, start);
+        const int32_t character = *std::upper_bound(characters.begin(), characters.end(), start);
+        ends.push_back(word > start ? word : lastFitting(characters, character));
+    }
+    return ends;
+}
+
+// In fonts that join, kern and have ligatures, so that a line is not as wide as its parts.
+TEST(Wrap, BreaksWhereMeasuringEveryCandidateWould) {
+    gxtest::Random random(12);
+    GX_TRACE_SEED(random);
+    std::vector<std::shared_ptr<minikin::FontFamily>> families;
+    for (const char* name : {gxtest::kDejaVuSans, gxtest::kNotoArabic, gxtest::kNotoCjk}) {
+        families.push_back(gxtest::makeFamily(gxtest::loadFont(name)));
+    }
+    android::Paint paint;
+    paint.getSkFont().setSize(20);
+    for (int round = 0; round < 300; round++) {
+        std::u16string text = gxtest::TextMaker(random).text(random.between(5, 60));
+        std::erase_if(text, [](char16_t c) {
+            return c == u' ' ? false : u_isspace(c) || u_charDirection(c) == U_BLOCK_SEPARATOR;
+        });
+        std::replace(text.begin(), text.end(), u' ', u'\u200B');
+        if (text.empty()) continue;
+        const Measurer measurer(paint, families, 400, false, text);
+        const auto width = static_cast<float>(random.between(5, 400));
+        const std::vector<TextLine> lines = wrapText(text, width, "", measurer.measures());
+        std::vector<int32_t> ends;
+        for (const TextLine& line : lines) ends.push_back(line.end);
+        EXPECT_EQ(ends, plainEnds(text, width, lines.front().rightToLeft, measurer.measures()))
+            << gxtest::hexUnits(text) << " at " << width;
     }
 }
 

@@ -5,27 +5,50 @@
 #include <unicode/unorm2.h>
 
 #include <algorithm>
+#include <iterator>
 
 namespace gxtool {
+
+namespace {
+
+// char16_t and uint16_t are distinct types of the same representation.
+const uint16_t* unitsOf(const std::u16string& text) {
+    return reinterpret_cast<const uint16_t*>(text.data());
+}
+
+}  // namespace
 
 Measurer::Measurer(const android::Paint& paint,
                    std::vector<std::shared_ptr<minikin::FontFamily>> families, int weight,
                    bool italic, std::u16string text)
-    : paint_(paint), families_(std::move(families)), text_(std::move(text)), contexts_(text_) {
+    : paint_(paint),
+      families_(std::move(families)),
+      text_(std::move(text)),
+      measured_(std::make_unique<minikin::MeasuredText>(
+          minikin::U16StringPiece(unitsOf(text_), text_.size()))) {
     auto copy = families_;
     typeface_.reset(android::Typeface::createFromFamilies(std::move(copy), weight, italic));
+    for (size_t i = 0; i < text_.size(); i++) {
+        if (text_[i] == u'\n' || text_[i] == u'\r') lineBreaks_.push_back(static_cast<int32_t>(i));
+    }
 }
 
+// The context of a line begins with the last LF or CR before it, or where the text does.
 minikin::Layout Measurer::layOut(const TextLine& line) const {
+    const auto next = std::upper_bound(lineBreaks_.begin(), lineBreaks_.end(), line.start);
+    const size_t contextStart =
+        next == lineBreaks_.begin() ? 0 : static_cast<size_t>(*std::prev(next));
     const auto start = static_cast<size_t>(line.start);
     const auto end = static_cast<size_t>(line.end);
-    const LineContext context = contexts_.shortest(line);
-    const auto contextStart = static_cast<size_t>(context.start);
-    // char16_t and uint16_t are distinct types of the same representation.
-    const auto* units = reinterpret_cast<const uint16_t*>(text_.data());
-    return android::MinikinUtils::doLayout(&paint_, context.bidi, typeface_.get(), units,
-                                           text_.size(), start, end - start, contextStart,
-                                           end - contextStart, nullptr);
+    return android::MinikinUtils::doLayout(
+        &paint_, line.rightToLeft ? minikin::Bidi::DEFAULT_RTL : minikin::Bidi::DEFAULT_LTR,
+        typeface_.get(), unitsOf(text_), text_.size(), start, end - start, contextStart,
+        end - contextStart, measured_.get());
+}
+
+TextMeasures Measurer::measures() const {
+    return {[this](const TextLine& line) { return layOut(line).getAdvance(); },
+            [this](const TextLine& paragraph) { return layOut(paragraph).getAdvances(); }};
 }
 
 LineMetrics Measurer::measure(const TextLine& line) const {

@@ -4,12 +4,12 @@
 #include <hwui/Paint.h>
 #include <hwui/Typeface.h>
 #include <minikin/Layout.h>
+#include <minikin/MeasuredText.h>
 
 #include <memory>
 #include <string>
 #include <vector>
 
-#include "LineContexts.h"
 #include "Wrap.h"
 
 namespace gxtool {
@@ -26,7 +26,7 @@ struct LineMetrics {
 };
 
 // Lays lines out with one paint and one list of families, as a text object does: with the direction
-// and context that it uses for them, or with as much of that as makes no difference.
+// and context that it uses for them.
 class Measurer {
 public:
     // `families` as the font manager gives them, first choice first, at least one.
@@ -34,7 +34,8 @@ public:
              std::vector<std::shared_ptr<minikin::FontFamily>> families, int weight, bool italic,
              std::u16string text);
 
-    float advance(const TextLine& line) const { return layOut(line).getAdvance(); }
+    // For wrapping text(). Good as long as this object.
+    TextMeasures measures() const;
     LineMetrics measure(const TextLine& line) const;
 
     // Whether any family has a glyph for it, or for what it decomposes into.
@@ -50,7 +51,8 @@ private:
     std::vector<std::shared_ptr<minikin::FontFamily>> families_;
     std::unique_ptr<android::Typeface> typeface_;
     std::u16string text_;
-    LineContexts contexts_;  // of text_
+    const std::unique_ptr<minikin::MeasuredText> measured_;  // text_
+    std::vector<int32_t> lineBreaks_;                        // LF and CR in text_
 };
 
 }  // namespace gxtool

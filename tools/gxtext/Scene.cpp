@@ -229,8 +229,7 @@ void Scene::layOutLines(const Style& style) {
         wrapWidth = static_cast<float>(*style.width - sides);
     }
     const std::u16string& text = measurer_->text();
-    const auto ranges = wrapText(text, wrapWidth, style.locale,
-                                 [&](const TextLine& line) { return measurer_->advance(line); });
+    const auto ranges = wrapText(text, wrapWidth, style.locale, measurer_->measures());
     int y = style.padding.top;
     int widest = 0;
     Box ink{0, y, 0, y};

@@ -8,6 +8,7 @@
 #include <unicode/utf16.h>
 
 #include <algorithm>
+#include <cmath>
 #include <memory>
 
 #include "ToolError.h"
@@ -67,8 +68,8 @@ bool isHangingSpace(char16_t c) {
 class Wrapper {
 public:
     Wrapper(std::u16string_view text, std::optional<float> width, const std::string& locale,
-            const MeasureText& measure)
-        : text_(text), width_(width), locale_(locale), measure_(measure) {}
+            const TextMeasures& measures)
+        : text_(text), width_(width), locale_(locale), measures_(measures) {}
 
     std::vector<TextLine> run() {
         const Breaks breaks = findBreaks(UBRK_LINE, text_, locale_);
@@ -85,76 +86,114 @@ public:
     }
 
 private:
+    enum class Verdict : uint8_t { kFits, kUnclear, kTooWide };
+
     void addParagraph(int32_t start, int32_t end) {
         if (end > start && text_[end - 1] == u'\n' && end - 1 > start && text_[end - 2] == u'\r') {
             end--;
         }
         if (end > start && isLineEnd(text_[end - 1])) end--;
         TextLine line{start, end, isRightToLeft(start, end)};
-        if (!width_) {
+        if (!width_ || start == end) {
             lines_.push_back(line);
             return;
         }
+        estimate(line);
         for (int32_t next = nextBreak(line, end); next < end; next = nextBreak(line, end)) {
             line.end = withoutSpaces(line.start, next);
             lines_.push_back(line);
             line.start = next;
         }
-        line.end =
-            fitsWhole({line.start, end, line.rightToLeft}) ? end : withoutSpaces(line.start, end);
+        const TextLine whole{line.start, end, line.rightToLeft};
+        line.end = withoutSpaces(line.start, end);
+        if (line.end < end && judge(whole) != Verdict::kTooWide && fits(whole)) line.end = end;
         lines_.push_back(line);
+    }
+
+    // What is known about a paragraph's lines without measuring them.
+    void estimate(const TextLine& paragraph) {
+        const std::vector<float> advances = measures_.advances(paragraph);
+        paragraphStart_ = paragraph.start;
+        positions_.assign(1, 0.0);
+        inkEnds_.assign(1, paragraph.start);
+        float widest = 0.0f;
+        for (int32_t i = paragraph.start; i < paragraph.end; i++) {
+            const float advance = advances[static_cast<size_t>(i - paragraph.start)];
+            widest = std::max(widest, std::abs(advance));
+            positions_.push_back(positions_.back() + double{advance});
+            inkEnds_.push_back(isHangingSpace(text_[i]) ? inkEnds_.back() : i + 1);
+        }
+        // Ends of lines, where letters join, kern or are in other brackets than in the paragraph;
+        // and what adds up in words so long that they are shaped in parts.
+        tolerance_ = 2.0 * double{widest} + double{*width_} / 1024.0;
     }
 
     // Where the line that begins at line.start ends, hanging spaces included; `end` when all the
     // rest fits.
     int32_t nextBreak(const TextLine& line, int32_t end) {
-        int32_t best = line.start;
-        auto at = std::upper_bound(opportunities_.begin(), opportunities_.end(), line.start);
-        for (; best < end; ++at) {
-            const int32_t candidate = std::min(*at, end);
-            if (!fitsInParts({line.start, candidate, line.rightToLeft}, best)) {
-                return best > line.start ? best : breakInWord(line, candidate);
-            }
-            best = candidate;
-        }
-        return best;
-    }
-
-    // The word [line.start, end) alone is too wide: as many of its characters as fit, at least one.
-    int32_t breakInWord(const TextLine& line, int32_t end) {
-        auto at = characterAfter(line.start);
-        int32_t best = std::min(*at, end);
-        while (best < end && fits({line.start, *++at, line.rightToLeft})) best = *at;
-        return best;
-    }
-
-    // A line of which the part up to `known` fits. A word far longer than a line is not measured
-    // whole for each of its lines: when a part does not fit, more than as much again does not.
-    bool fitsInParts(const TextLine& line, int32_t known) {
-        constexpr int32_t kShortest = 512;
-        for (int32_t part = kShortest; part <= (line.end - known) / 2; part *= 2) {
-            if (!fits({line.start, *characterAfter(known + part), line.rightToLeft})) return false;
-        }
-        return fits(line);
-    }
-
-    std::vector<int32_t>::const_iterator characterAfter(int32_t position) {
+        const int32_t best = lastThatFits(line, opportunities_, line.start, end);
+        if (best > line.start) return best;
+        // The word alone is too wide: as many of its characters as fit, at least one.
         if (characters_.empty()) characters_ = findBreaks(UBRK_CHARACTER, text_, locale_).all;
-        return std::upper_bound(characters_.begin(), characters_.end(), position);
+        const int32_t wordEnd = std::min(after(opportunities_, line.start), end);
+        const int32_t character = std::min(after(characters_, line.start), wordEnd);
+        return lastThatFits(line, characters_, character, wordEnd);
     }
 
-    bool fitsWhole(const TextLine& line) const {
-        return line.end <= line.start || measure_(line) <= *width_;
+    static int32_t after(const std::vector<int32_t>& positions, int32_t position) {
+        return *std::upper_bound(positions.begin(), positions.end(), position);
     }
 
-    bool fits(TextLine line) const {
-        line.end = withoutSpaces(line.start, line.end);
-        return fitsWhole(line);
+    // The last of the candidates behind `known`, none of them beyond `end`, before the first one at
+    // which the line would be too wide; `known` if that is the first.
+    int32_t lastThatFits(const TextLine& line, const std::vector<int32_t>& candidates,
+                         int32_t known, int32_t end) const {
+        if (known == end) return end;
+        // Where so many are unclear they come in small steps, each a bit wider than the last.
+        constexpr int kMaxTries = 8;
+        const auto lineTo = [&](int32_t candidate) {
+            return TextLine{line.start, withoutSpaces(line.start, std::min(candidate, end)),
+                            line.rightToLeft};
+        };
+        auto next = std::upper_bound(candidates.begin(), candidates.end(), known);
+        const auto last = std::lower_bound(next, candidates.end(), end) + 1;
+        const auto first = next;
+        const auto fitsTo = [&](int32_t candidate) { return fits(lineTo(candidate)); };
+        next = std::find_if(next, last, [&](int32_t candidate) {
+            return judge(lineTo(candidate)) != Verdict::kFits;
+        });
+        const auto unclear = next;
+        int tries = 0;
+        for (; next != last && tries < kMaxTries; ++next) {
+            const Verdict verdict = judge(lineTo(*next));
+            if (verdict == Verdict::kTooWide) break;
+            if (!fitsTo(*next)) break;
+            tries++;
+        }
+        if (tries == kMaxTries) {
+            const auto tooWide = std::find_if(next, last, [&](int32_t candidate) {
+                return judge(lineTo(candidate)) == Verdict::kTooWide;
+            });
+            next = std::partition_point(next, tooWide, fitsTo);
+        } else if (tries == 0 && unclear != first && !fitsTo(*std::prev(unclear))) {
+            next = std::partition_point(first, std::prev(unclear), fitsTo);  // a poor estimate
+        }
+        return next == first ? known : std::min(*std::prev(next), end);
+    }
+
+    Verdict judge(const TextLine& line) const {
+        const double advance = positions_[static_cast<size_t>(line.end - paragraphStart_)] -
+                               positions_[static_cast<size_t>(line.start - paragraphStart_)];
+        if (advance <= double{*width_} - tolerance_) return Verdict::kFits;
+        return advance > double{*width_} + tolerance_ ? Verdict::kTooWide : Verdict::kUnclear;
+    }
+
+    bool fits(const TextLine& line) const {
+        return line.end <= line.start || measures_.advance(line) <= *width_;
     }
 
     int32_t withoutSpaces(int32_t start, int32_t end) const {
-        while (end > start && isHangingSpace(text_[end - 1])) end--;
-        return end;
+        return std::max(start, inkEnds_[static_cast<size_t>(end - paragraphStart_)]);
     }
 
     bool isRightToLeft(int32_t start, int32_t end) const {
@@ -164,10 +203,16 @@ private:
     std::u16string_view text_;
     std::optional<float> width_;
     const std::string& locale_;
-    const MeasureText& measure_;
+    const TextMeasures& measures_;
     std::vector<int32_t> opportunities_;
     std::vector<int32_t> characters_;  // found when first needed
     std::vector<TextLine> lines_;
+    // Of the paragraph, for each of its units and its end: the advance before it, and where the
+    // text before it ends without hanging spaces.
+    int32_t paragraphStart_ = 0;
+    std::vector<double> positions_;
+    std::vector<int32_t> inkEnds_;
+    double tolerance_ = 0.0;
 };
 
 }  // namespace
@@ -207,8 +252,8 @@ std::vector<char32_t> codePoints(std::u16string_view text) {
 }
 
 std::vector<TextLine> wrapText(std::u16string_view text, std::optional<float> width,
-                               const std::string& locale, const MeasureText& measure) {
-    return Wrapper(text, width, locale, measure).run();
+                               const std::string& locale, const TextMeasures& measures) {
+    return Wrapper(text, width, locale, measures).run();
 }
 
 }  // namespace gxtool

@@ -27,14 +27,21 @@ struct TextLine {
     bool operator==(const TextLine&) const = default;
 };
 
-// Advance in pixels of the units [start, end), laid out as part of a paragraph of that direction.
-using MeasureText = std::function<float(const TextLine&)>;
+// How wide text is, in pixels, laid out as part of its paragraph.
+struct TextMeasures {
+    // Of the line, as it will be drawn.
+    std::function<float(const TextLine&)> advance;
+    // Of each unit between start and end of a paragraph on a single line. Lines of it are about as
+    // wide as the sum of theirs; what is at their ends may be shaped in another way.
+    std::function<std::vector<float>(const TextLine& paragraph)> advances;
+};
 
 // Lines split at LF, CR, CRLF, NEL, VT, FF, U+2028 and U+2029. With a width, lines that are longer
 // continue on the next one after the last line-break opportunity that fits, words longer than a
 // line between any two characters. A text that ends with a line break has an empty last line.
-// `locale` (BCP 47, may be empty) tunes the break rules.
+// `locale` (BCP 47, may be empty) tunes the break rules. Each paragraph is measured once, and of
+// each line a few candidates around its end.
 std::vector<TextLine> wrapText(std::u16string_view text, std::optional<float> width,
-                               const std::string& locale, const MeasureText& measure);
+                               const std::string& locale, const TextMeasures& measures);
 
 }  // namespace gxtool
