@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "effect/GxEffect.h"
+#include "style/FieldTable.h"
 
 namespace gxtext {
 
@@ -75,6 +76,53 @@ int add(const Effect& e, GxEffect& stack) {
             break;
     }
     return -1;
+}
+
+// Whole pixels, as far as the filter takes them.
+float lengthOf(const Effect& e, float Effect::*length) {
+    for (const Field<Effect>* field : effectFields(e.type)) {
+        const auto* target = std::get_if<float Effect::*>(&field->target);
+        if (target && *target == length) {
+            return std::min(whole(e.*length), static_cast<float>(field->longest));
+        }
+    }
+    return 0.0f;
+}
+
+template <typename Record>
+bool setLengths(const Effect& e, GxEffect& stack, int style) {
+    GxECoreBase* core = stack.getEffect(style);
+    const auto* current = dynamic_cast<const Record*>(core->getProperty());
+    if (!current) return false;
+    Record record = *current;
+    record.size = lengthOf(e, &Effect::size);
+    if constexpr (requires { record.distance; }) record.distance = lengthOf(e, &Effect::distance);
+    stack.addEffect(style, &record);
+    current = dynamic_cast<const Record*>(core->getProperty());
+    return current->size == record.size;  // or memory ran out, and it keeps the old one
+}
+
+// The add operations keep lengths to what a file allows; a scaled style has longer ones. False when
+// memory ran out.
+bool setLongLengths(const Effect& e, GxEffect& stack) {
+    constexpr float kLongestAdded = 100.0f;
+    if (std::max(lengthOf(e, &Effect::size), lengthOf(e, &Effect::distance)) <= kLongestAdded) {
+        return true;
+    }
+    switch (e.type) {
+        case EffectType::kStroke:
+            return setLengths<GxStrokeProperty>(e, stack, GXE_STYLE_STROKE);
+        case EffectType::kOuterShadow:
+            return setLengths<GxOuterShadowProperty>(e, stack, GXE_STYLE_OUTER_SHADOW);
+        case EffectType::kInnerShadow:
+            return setLengths<GxInnerShadowProperty>(e, stack, GXE_STYLE_INNER_SHADOW);
+        case EffectType::kOuterGlow:
+            return setLengths<GxOuterGlowProperty>(e, stack, GXE_STYLE_OUTER_GLOW);
+        case EffectType::kInnerGlow:
+            return setLengths<GxInnerGlowProperty>(e, stack, GXE_STYLE_INNER_GLOW);
+        default:
+            return true;  // their operations keep nothing back
+    }
 }
 
 GxBitmap load(const Style& style, size_t index, const PatternLoader& loadPattern) {
@@ -171,6 +219,7 @@ void dress(GxEffect& stack, const Style& style, const PatternLoader& loadPattern
             id = add(effect, stack);
         }
         if (id < 0 && hasFilter(stack, effect.type)) throw std::bad_alloc();
+        if (id >= 0 && !setLongLengths(effect, stack)) throw std::bad_alloc();
     }
 }
 

@@ -34,6 +34,11 @@ Choice<T> choiceOf(std::span<const std::string_view> names) {
 constexpr Range kUnitRange{0, 1};  // opacities and stop positions
 constexpr Range kAngleRange{-360, 360};
 
+// Lengths after scaling, in pixels. Strokes go through discs of a radius up to 127 in milliseconds
+// and past it in many seconds; blurs take twice the time for four times the area.
+constexpr double kLongestStroke = 127;
+constexpr double kLongestBlur = 1000;
+
 constexpr EffectSet kShadows{kOuterShadow, kInnerShadow};
 constexpr EffectSet kGlows{kOuterGlow, kInnerGlow};
 constexpr EffectSet kReliefs{kBevel, kEmboss};
@@ -71,7 +76,8 @@ const std::vector<Field<Style>>& styleFields() {
          .initial = 64.0,
          .unit = Unit::kPixels,
          .control = Control::kSlider,
-         .meaning = "Font size"},
+         .meaning = "Font size",
+         .longest = 4096},
         {.name = "bold",
          .target = &Style::bold,
          .initial = false,
@@ -134,7 +140,8 @@ const std::vector<Field<Style>>& styleFields() {
          .range = {1, 65535},
          .unit = Unit::kPixels,
          .control = Control::kNumber,
-         .meaning = "Width to wrap at, padding included; as wide as the text when absent"},
+         .meaning = "Width to wrap at, padding included; as wide as the text when absent",
+         .longest = 65535},
         {.name = "align",
          .target = choiceOf<&Style::align, Style>(kAlignNames),
          .initial = "start",
@@ -147,7 +154,8 @@ const std::vector<Field<Style>>& styleFields() {
          .initial = 0.0,
          .unit = Unit::kPixels,
          .control = Control::kSides,
-         .meaning = "Space around the text: all sides, or left, top, right, bottom"},
+         .meaning = "Space around the text: all sides, or left, top, right, bottom",
+         .longest = 4096},
         {.name = "lineSpacing",
          .target = &Style::lineSpacing,
          .range = {0.1, 10},
@@ -202,7 +210,8 @@ const std::vector<Field<Effect>>& effectFields() {
          .initial = 2.0,
          .unit = Unit::kPixels,
          .control = Control::kSlider,
-         .meaning = "Width"},
+         .meaning = "Width",
+         .longest = kLongestStroke},
         {.name = "angle",
          .target = &Effect::angle,
          .effects = kShadows,
@@ -218,7 +227,8 @@ const std::vector<Field<Effect>>& effectFields() {
          .initial = 5.0,
          .unit = Unit::kPixels,
          .control = Control::kSlider,
-         .meaning = "Shift away from the light"},
+         .meaning = "Shift away from the light",
+         .longest = kLongestBlur},
         {.name = "size",
          .target = &Effect::size,
          .effects = kShadows,
@@ -226,7 +236,8 @@ const std::vector<Field<Effect>>& effectFields() {
          .initial = 5.0,
          .unit = Unit::kPixels,
          .control = Control::kSlider,
-         .meaning = "Blur"},
+         .meaning = "Blur",
+         .longest = kLongestBlur},
         {.name = "size",
          .target = &Effect::size,
          .effects = kGlows,
@@ -234,7 +245,8 @@ const std::vector<Field<Effect>>& effectFields() {
          .initial = 5.0,
          .unit = Unit::kPixels,
          .control = Control::kSlider,
-         .meaning = "Reach"},
+         .meaning = "Reach",
+         .longest = kLongestBlur},
         {.name = "size",
          .target = &Effect::size,
          .effects = kReliefs,
@@ -242,7 +254,8 @@ const std::vector<Field<Effect>>& effectFields() {
          .initial = 5.0,
          .unit = Unit::kPixels,
          .control = Control::kSlider,
-         .meaning = "Width of the slope; an emboss has half of it on each side of the edge"},
+         .meaning = "Width of the slope; an emboss has half of it on each side of the edge",
+         .longest = 250},
         {.name = "depth",
          .target = &Effect::depth,
          .effects = kReliefs,
@@ -270,7 +283,8 @@ const std::vector<Field<Effect>>& effectFields() {
          .initial = 0.0,
          .unit = Unit::kPixels,
          .control = Control::kSlider,
-         .meaning = "Blur of the shading"},
+         .meaning = "Blur of the shading",
+         .longest = 16},
         {.name = "angle",
          .target = &Effect::angle,
          .effects = {kLinearGradient},
@@ -315,7 +329,8 @@ const std::vector<Field<Effect>>& effectFields() {
          .range = {0, 10},
          .initial = 1.0,
          .control = Control::kSlider,
-         .meaning = "Size of a tile relative to the picture"},
+         .meaning = "Size of a tile relative to the picture",
+         .longest = 10},
         {.name = "color",
          .target = &Effect::color,
          .effects = {kStroke, kOuterShadow, kInnerShadow},

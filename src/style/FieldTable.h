@@ -108,6 +108,8 @@ struct Field {
     Control control = Control::kNone;
     std::string_view meaning{};  // one sentence, without the unit and the full stop
     bool required = false;
+    double longest =
+        0;  // of a length, scaled: what its filter or the layout takes; 0 for no length
     // For strings: what is wrong with one, or nothing.
     std::optional<std::string> (*check)(std::string_view) = nullptr;
 };

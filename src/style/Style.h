@@ -131,6 +131,21 @@ struct GXTEXT_API Style {
     // when a value is not one that a file can hold.
     std::string toJson() const;
 
+    // A copy with every length `factor` times as long: font size, padding, width, the effects'
+    // sizes, distances and soften, and a pattern's tiles; whole ones are rounded to nearest. The
+    // effects may reach further than a file allows, up to what their filters take; such a style can
+    // be drawn but not written. Throws Error for a factor outside kMinScale to kMaxScale and
+    // StyleError for lengths past what can be drawn.
+    Style scaled(float factor) const;
+    static constexpr float kMinScale = 0.01f;
+    static constexpr float kMaxScale = 100.0f;
+
+    // A copy with one value set, checked as a file is. `path` leads to it: "size",
+    // "effects[0].stops[1].color"; the index after a list's last element appends. `value` is JSON,
+    // or stands for itself as a string when it is not; null makes a field what it is by default.
+    // Throws StyleError.
+    Style with(std::string_view path, std::string_view value) const;
+
     // The folder that relative font files and patterns start in; empty for the working folder.
     std::filesystem::path folder() const { return source.parent_path(); }
 

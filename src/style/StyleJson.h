@@ -14,7 +14,10 @@ nlohmann::ordered_json shortestNumber(float value);
 // What a file gets that leaves a field out, as the file would say it; null for nothing.
 nlohmann::ordered_json initialJson(const Initial& initial);
 
-// The style as a file says it, unchecked. Strings that are no UTF-8 make dump() throw.
+// The style as a file says it, unchecked.
 nlohmann::ordered_json styleJson(const Style& style);
+
+// Its text. Throws StyleError for strings that are no UTF-8.
+std::string textOf(const nlohmann::ordered_json& json);
 
 }  // namespace gxtext

@@ -131,13 +131,16 @@ ordered_json styleJson(const Style& style) {
     return writeObject(style);
 }
 
-std::string Style::toJson() const {
-    std::string text;
+std::string textOf(const ordered_json& json) {
     try {
-        text = styleJson(*this).dump(2) + "\n";
+        return json.dump(2) + "\n";
     } catch (const ordered_json::exception&) {
         throw StyleError("", {"$", "a string of the style is not valid UTF-8", "UTF-8"});
     }
+}
+
+std::string Style::toJson() const {
+    std::string text = textOf(styleJson(*this));
     readStyle(text, "", source);  // what it refuses cannot be written
     return text;
 }

@@ -201,6 +201,27 @@ TEST(EffectStack, SizesAreWholePixels) {
     }
 }
 
+TEST(EffectStack, ScaledEffectsReachFurtherThanAFileAllows) {
+    for (const EffectType type :
+         {EffectType::kStroke, EffectType::kOuterShadow, EffectType::kInnerShadow,
+          EffectType::kOuterGlow, EffectType::kInnerGlow}) {
+        Style style;
+        style.effects = {exampleOf(type)};
+        style.effects[0].size = 60;
+        style.effects[0].distance = 70;
+        GxEffect stack;
+        dress(stack, style.scaled(2), {});
+        GxEffect plain;
+        dress(plain, style, {});
+        if (type == EffectType::kInnerShadow) {
+            EXPECT_NE(drawn(style), drawn(style.scaled(2)));
+        } else {
+            EXPECT_NEAR(stack.getRightOffset(), 2 * plain.getRightOffset(), 1) << effectName(type);
+            EXPECT_GT(stack.getRightOffset(), 100) << effectName(type);
+        }
+    }
+}
+
 TEST(EffectStack, AlphaOfAColourMultipliesTheOpacity) {
     for (const EffectType type : {EffectType::kStroke, EffectType::kOuterShadow,
                                   EffectType::kInnerShadow, EffectType::kOuterGlow}) {

@@ -231,6 +231,72 @@ TEST(Style, LimitsWhatIsReadAndReported) {
                 testing::MatchesRegex("\\$\\[\"x{39}\\.\\.\\.\\]: unknown field; allowed: .*"));
 }
 
+template <typename Call>
+std::string errorOf(Call call) {
+    try {
+        call();
+        return "";
+    } catch (const Error& error) {
+        return error.what();
+    }
+}
+
+TEST(Style, ScalesAllLengthsAndNothingElse) {
+    const Style style = Style::fromJson(kFullStyle);
+    const Style twice = style.scaled(0.5f);
+    EXPECT_EQ(twice.size, 6.25f);
+    EXPECT_EQ(twice.width, 150);
+    EXPECT_EQ(twice.padding, (Padding{1, 1, 2, 2}));
+    EXPECT_EQ(twice.letterSpacing, style.letterSpacing);
+    EXPECT_EQ(twice.effects[0].distance, 3);
+    EXPECT_EQ(twice.effects[0].size, 3.75f);
+    EXPECT_EQ(twice.effects[0].angle, -45);
+    EXPECT_EQ(twice.effects[1].size, 125);
+    EXPECT_EQ(twice.effects[1].soften, 8);
+    EXPECT_EQ(twice.effects[1].depth, 2.5f);
+    EXPECT_EQ(twice.effects[3].scale, 1);
+    EXPECT_EQ(style.scaled(1), style);
+    EXPECT_EQ(Style::fromJson(R"({"size": 40.96})").scaled(100).size, 4096);
+
+    EXPECT_EQ(errorOf([&] { style.scaled(2); }),
+              "$.effects[1].size: 500 (250 scaled by 2) is out of range 0-250\n"
+              "$.effects[1].soften: 32 (16 scaled by 2) is out of range 0-16");
+    for (const float bad : {0.0f, -1.0f, 101.0f, NAN, INFINITY}) {
+        EXPECT_NE(errorOf([&] { style.scaled(bad); }), "") << bad;
+    }
+}
+
+TEST(Style, SetsOneValueByItsPath) {
+    const Style style = Style::fromJson(kFullStyle, "a/s.json");
+    EXPECT_EQ(style.with("effects[0].size", "6").effects[0].size, 6);
+    EXPECT_EQ(style.with("$.effects[2].stops[1].color", "#0000FF").effects[2].stops[1].color.argb,
+              0xFF0000FFu);
+    EXPECT_EQ(style.with("padding[2]", "9").padding.right, 9);
+    EXPECT_EQ(style.with("text", "two words").text, "two words");
+    EXPECT_EQ(style.with("text", "\"12\"").text, "12");
+    EXPECT_EQ(style.with("background", "null").background, std::nullopt);
+    EXPECT_EQ(style.with("size", "null").size, 64);
+    EXPECT_EQ(style.with("size", "20").source, "a/s.json");
+    EXPECT_EQ(Style().with("effects[0].type", "stroke"),
+              Style().with("effects", R"([{"type": "stroke"}])"));
+    EXPECT_EQ(style.with("effects[4]", R"({"type": "stroke", "size": 3})").effects[4].size, 3);
+
+    const auto saying = [&](const char* path, const char* value) {
+        return errorOf([&] { return style.with(path, value); });
+    };
+    EXPECT_EQ(saying("effects[0].size", "140"), "$.effects[0].size: 140 is out of range 0-100");
+    EXPECT_EQ(saying("effects[0].sise", "1"),
+              "$.effects[0].sise: unknown field; did you mean \"size\"?");
+    EXPECT_EQ(saying("effects[7].size", "1"), "effects[7].size: the list has 4 entries");
+    EXPECT_EQ(saying("size[0]", "1"), "size[0]: there is no list at this place");
+    EXPECT_EQ(saying("size.x", "1"), "size.x: there is no object at this place");
+    EXPECT_EQ(saying("effects[", "1"), "effects[: this is not a path like effects[0].size");
+    EXPECT_EQ(saying("effects[0]..size", "1"),
+              "effects[0]..size: this is not a path like effects[0].size");
+    EXPECT_EQ(saying("", "1"), ": the path is empty");
+    EXPECT_EQ(saying("text", "\xFF"), "$: a string of the style is not valid UTF-8");
+}
+
 TEST(Style, ReadsFiles) {
     const gxtest::TempFolder folder;
     const std::string file = folder.write("s.json", R"({"size": 9000})");

@@ -1,0 +1,90 @@
+// All lengths of a style, multiplied.
+#include <cmath>
+#include <cstdio>
+
+#include "style/FieldTable.h"
+
+namespace gxtext {
+
+namespace {
+
+// 1.5 as "1.5", 3 as "3".
+std::string shortText(double value) {
+    char text[32];
+    snprintf(text, sizeof(text), "%g", value);
+    return text;
+}
+
+class Scaling {
+public:
+    explicit Scaling(double factor) : factor_(factor) {}
+
+    template <typename T>
+    void apply(const std::string& place, const Field<T>& field, T& object) {
+        if (field.longest == 0) return;
+        const Range range{field.range.min, field.longest};
+        std::string path(place);
+        path.append(".").append(field.name);
+        if (const auto* number = std::get_if<float T::*>(&field.target)) {
+            float& value = object.**number;
+            value = static_cast<float>(scaled(value, range, path));
+        } else if (const auto* count = std::get_if<int T::*>(&field.target)) {
+            int& value = object.**count;
+            value = whole(value, range, path);
+        } else if (const auto* width = std::get_if<std::optional<int> T::*>(&field.target)) {
+            auto& value = object.**width;
+            if (value) value = whole(*value, range, path);
+        } else if (const auto* padding = std::get_if<Padding T::*>(&field.target)) {
+            Padding& value = object.**padding;
+            for (int* side : {&value.left, &value.top, &value.right, &value.bottom}) {
+                *side = whole(*side, range, path);
+            }
+        }
+    }
+
+    void throwProblems(const std::string& source) {
+        const size_t total = problems_.size();
+        if (total > 0) throw StyleError(source, std::move(problems_), total);
+    }
+
+private:
+    double scaled(double value, const Range& range, const std::string& path) {
+        const double result = value * factor_;
+        // A float's worth of rounding is no reason to refuse an end of the range.
+        const double tolerance = 1e-6 * std::fabs(range.max);
+        if (Range{range.min - tolerance, range.max + tolerance}.contains(result)) return result;
+        problems_.push_back({path,
+                             shortText(result) + " (" + shortText(value) + " scaled by " +
+                                 shortText(factor_) + ") is out of range " + range.text(),
+                             range.text()});
+        return value;
+    }
+    int whole(int value, const Range& range, const std::string& path) {
+        return static_cast<int>(std::floor(scaled(value, range, path) + 0.5));
+    }
+
+    const double factor_;
+    std::vector<StyleProblem> problems_;
+};
+
+}  // namespace
+
+Style Style::scaled(float factor) const {
+    if (!(factor >= kMinScale && factor <= kMaxScale)) {
+        throw Error("a scale of " + shortText(factor) + " is out of range " +
+                    Range{kMinScale, kMaxScale}.text());
+    }
+    Style result = *this;
+    Scaling scaling(factor);
+    for (const Field<Style>& field : styleFields()) scaling.apply("$", field, result);
+    for (size_t i = 0; i < result.effects.size(); i++) {
+        Effect& effect = result.effects[i];
+        for (const Field<Effect>* field : effectFields(effect.type)) {
+            scaling.apply("$.effects[" + std::to_string(i) + "]", *field, effect);
+        }
+    }
+    scaling.throwProblems(source.string());
+    return result;
+}
+
+}  // namespace gxtext
