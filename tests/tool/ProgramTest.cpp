@@ -9,6 +9,8 @@
 
 #include "PngIo.h"
 #include "Process.h"
+#include "Style.h"
+#include "style/FieldTable.h"
 #include "support/Fonts.h"
 #include "support/TempFolder.h"
 
@@ -89,6 +91,11 @@ TEST(Program, WrongCommandLinesExitWith2AndSayWhatIsAllowed) {
         {{"render", "--text", "a", "--color", "red"}, "red is not a colour"},
         {{"render", "--text", "a", "--opacity", "1.5"}, "1.5 is out of range 0-1\n"},
         {{"render", "--text", "a", "--align", "middle"}, "{start,left,center,right}"},
+        {{"render", "--text", "a", "--locale", "de_DE"}, "--locale: "},
+        {{"render", "--text", "a", "--stroke", "4,7"}, "--stroke: "},
+        {{"render", "--text", "a", "--set", "size"}, "--set: "},
+        {{"render", "--text", "a", "--set", "effects[0].size=1"}, "effects[0]"},
+        {{"render", "--text", "a", "--scale", "0"}, "--scale: "},
         {{"render", "-", "--text", "-"}, "not both"},
         {{"render", "--font", kLatin}, "there is no text"},
         {{"render", "--text", "a", "-o", "x.jpg"}, "end the name in .png"},
@@ -103,11 +110,59 @@ TEST(Program, WrongCommandLinesExitWith2AndSayWhatIsAllowed) {
     }
 }
 
+// Ranges, names and defaults in the help are those of the format.
+TEST(Program, HelpFollowsTheFieldTable) {
+    const std::string help = runGxtext({"render", "--help"}).out;
+    const std::pair<const char*, const char*> options[] = {
+        {"--font-index", "fontIndex"}, {"--font-size", "size"}, {"--color", "color"},
+        {"--opacity", "opacity"},      {"--width", "width"},    {"--padding", "padding"},
+        {"--align", "align"},
+    };
+    for (const auto& [option, name] : options) {
+        const auto& field = gxtext::styleField(name);
+        const std::string line = help.substr(help.find(std::string("  ") + option + " "), 160);
+        if (field.range.max > 0) {
+            EXPECT_THAT(line, HasSubstr(field.range.text())) << option;
+        }
+        if (const auto* number = std::get_if<double>(&field.initial)) {
+            EXPECT_THAT(
+                line, testing::ContainsRegex("default " + std::to_string(int(*number)) + "[^0-9]"));
+        }
+        if (const auto* text = std::get_if<std::string_view>(&field.initial)) {
+            EXPECT_THAT(line, HasSubstr("default " + std::string(*text))) << option;
+        }
+        if (const auto* choice = std::get_if<gxtext::Choice<Style>>(&field.target)) {
+            for (const auto choiceName : choice->names)
+                EXPECT_THAT(line, HasSubstr(std::string(choiceName)));
+        }
+    }
+}
+
+TEST(Program, EffectsNeedNoFile) {
+    const std::string style =
+        R"({"text": "Hi", "font": ")" + kLatin + R"(", "size": 80, "effects": [
+        {"type": "stroke", "size": 8, "color": "#102040", "position": "center"},
+        {"type": "outerShadow", "distance": 12, "size": 16, "color": "#B0000000", "opacity": 0.5},
+        {"type": "linearGradient", "angle": 45, "stops": [{"color": "#FF0000", "position": 0},
+                                                          {"color": "#0000FF", "position": 1}]}]})";
+    const Outcome shorthand = runGxtext(withFont(
+        {"render", "--text", "Hi", "--stroke", "4,#102040,center", "--shadow", "6,8,#B0000000",
+         "--gradient", "#FF0000,#0000FF,45", "--set", "effects[1].opacity=0.5", "--scale", "2"}));
+    EXPECT_GT(countInk(picture(shorthand)), 100);
+    EXPECT_EQ(shorthand.out, runGxtext({"render", "-"}, style).out);
+    // An effect that the file has is changed.
+    EXPECT_EQ(runGxtext({"key", "-", "--stroke", "9"}, style).out,
+              runGxtext({"key", "-", "--set", "effects[0].size=9"}, style).out);
+    const Outcome wrong = runGxtext({"key", "-", "--set", "effects[0].size=140"}, style);
+    EXPECT_EQ(wrong.err,
+              "gxtext: --set effects[0].size=140: $.effects[0].size: 140 is out of range 0-100\n");
+}
+
 TEST(Program, FailuresExitWith1AndSayWhy) {
     const gxtest::TempFolder folder;
     const std::string truncated = folder.write("cut.ttf", readFile(kLatin).substr(0, 1000));
     const std::string empty = folder.write("empty.ttf", "");
-    const std::string style = folder.write("bad.json", R"({"text": "a", "size": 9000})");
+    const std::string style = folder.write("bad.json", R"({"text": "a", "size": 9000, "bold": 1})");
     struct Case {
         std::vector<std::string> arguments;
         std::string message;
@@ -116,7 +171,11 @@ TEST(Program, FailuresExitWith1AndSayWhy) {
         {{"render", "no-such.json"},
          "gxtext: cannot open no-such.json: No such file or directory\n"},
         {{"render", folder.path("")}, "Is a directory\n"},
-        {{"render", style}, style + ": $.size: 9000 is out of range 1-4096\n"},
+        {{"render", style},
+         "gxtext: " + style +
+             ": $.size: 9000 is out of range 1-4096\n"
+             "gxtext: " +
+             style + ": $.bold: 1 is not true or false\n"},
         {{"render", "--text", "a", "--font", "no-such.ttf"}, "no font file no-such.ttf"},
         {{"render", "--text", "a", "--font", folder.path("")}, "is not a file"},
         {{"render", "--text", "a", "--font", truncated}, "is not a TrueType or OpenType font"},

@@ -16,12 +16,14 @@
 #include FT_FREETYPE_H
 
 #include "Commands.h"
+#include "EffectOptions.h"
 #include "Fonts.h"
 #include "Streams.h"
 #include "ToolError.h"
 #include "UsageMessage.h"
 #include "base/GxLog.h"
 #include "style/FieldTable.h"
+#include "style/TextSettings.h"
 
 namespace gxtool {
 
@@ -39,6 +41,7 @@ struct StyleArguments {
     std::string text;
     bool hasText = false;
     std::vector<std::function<void(Style&)>> changes;
+    EffectOptions effects;
 };
 
 // T is int for whole numbers.
@@ -100,6 +103,11 @@ void setAlign(Style& style, const std::string& name) {
     choice.set(style, static_cast<int>(found - choice.names.begin()));
 }
 
+CLI::Validator isLocale() {
+    return CLI::Validator(
+        [](std::string& text) { return gxtext::checkLocale(text).value_or(std::string()); }, "");
+}
+
 // One option of the style: converted, checked, and applied over the file later.
 class StyleOptions {
 public:
@@ -155,9 +163,10 @@ void addTextOptions(CLI::App& app, StyleArguments& arguments, StyleOptions& opti
         ->check(inRange<float>(styleField("size").range));
     options.flag("--bold", "Bold; faked when the font is not", group, &Style::bold);
     options.flag("--italic", "Italic; faked when the font is not", group, &Style::italic);
-    options.add<std::string>("--locale", "Languages, BCP 47, comma-separated (default none)",
-                             "TAGS", group,
-                             [](Style& style, const std::string& tags) { style.locale = tags; });
+    options
+        .add<std::string>("--locale", "Languages, BCP 47, comma-separated (default none)", "TAGS",
+                          group, [](Style& style, const std::string& tags) { style.locale = tags; })
+        ->check(isLocale());
 }
 
 void addColorOptions(StyleOptions& options) {
@@ -204,6 +213,7 @@ void addStyleOptions(CLI::App& app, StyleArguments& arguments, StyleOptions& opt
     addTextOptions(app, arguments, options);
     addColorOptions(options);
     addLayoutOptions(options);
+    arguments.effects.addTo(app);
 }
 
 Style makeStyle(const StyleArguments& arguments) {
@@ -221,7 +231,7 @@ Style makeStyle(const StyleArguments& arguments) {
         }
     }
     for (const auto& change : arguments.changes) change(style);
-    return style;
+    return arguments.effects.applyTo(std::move(style));
 }
 
 std::vector<std::string> inputsOf(const StyleArguments& arguments) {
