@@ -39,6 +39,7 @@ endif()
 gxtext_component(scene ON style core
     DESCRIPTION "Styles and texts into pictures"
     MODULES ${modules}
-    HEADERS scene/FontSource.h scene/Picture.h scene/Renderer.h scene/SceneError.h)
+    HEADERS scene/Arrangement.h scene/FontCatalog.h scene/FontSource.h scene/Picture.h scene/Renderer.h
+        scene/SceneError.h)
 
 gxtext_install_package()
