@@ -63,6 +63,10 @@ const Inside kInside[] = {
     {"stroke", [](GxEffect& stack) { stack.addStrokeText(4, 0xFFCC0000, 1, 0, 2); }},
     {"glow", [](GxEffect& stack) { stack.addInnerGlowText(5, 0xFFFFF000, 1, 0, nullptr); }},
     {"shadow", [](GxEffect& stack) { stack.addInnerShadowText(120, 14, 3, 0xFF000000, 1); }},
+    {"bevel",
+     [](GxEffect& stack) {
+         stack.addBevelText(1, 6, 1, 0, 0, 0, 1, 120, 30, 0xFFFFFFFF, 1, 0xFF000000, 1);
+     }},
 };
 
 TEST(InsideEffects, BleedByDefaultAndStayInsideWhenConfined) {
@@ -101,7 +105,7 @@ TEST(InsideEffects, BleedByDefaultAndStayInsideWhenConfined) {
             ASSERT_LE(alpha, m + 3) << "edge at " << i;
             ASSERT_GE(alpha, m * m / 255 - 3) << "edge at " << i;
         }
-        EXPECT_GT(bled, 0u) << "the plain arithmetic colours the background";
+        EXPECT_EQ(bled > 0, effect.name != "bevel") << "the plain arithmetic of the others bleeds";
         EXPECT_GT(coloured, 100u);
     }
 }
@@ -116,6 +120,8 @@ void addAll(GxEffect& stack, GxBitmap& pattern) {
     stack.addRadialGradientText(1.5f, 0.5f, 3, stops);
     stack.addStrokeText(3, 0xFF101010, 0.9f, 0, GxStrokeProperty::kCenter);
     stack.addPatternText(&pattern, 2, 0.7f);
+    stack.addBevelText(1, 4, 1, 0, 0, 1, 0.8f, 120, 30, 0xFFFFFFFF, 0.7f, 0xFF000000, 0.6f);
+    stack.addEmbossText(1, 4, 2, 1, 1, 0, 0.8f, 45, 60, 0xFFFFFFFF, 0.7f, 0xFF000000, 0.6f);
     stack.addText(0xE0F0F0F0);
 }
 

@@ -4,10 +4,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 #include <memory>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "raster/SimdTest.h"
@@ -145,12 +147,65 @@ TEST_P(ReliefKernels, Heights) {
             << slope.low << " to " << slope.high;
     };
     forEachShape(check);
-    // Where the next point is far away, and where there is none.
-    for (most = 30; most <= 253; most += 44) {
-        for (const Content content : {kPixels, kBars, kEmpty}) check(content, 640, 300);
+    // Where the next point is far away.
+    for (most = 60; most <= 253; most += 193) {
+        for (const Content content : {kPixels, kBars}) check(content, 416, 120);
+        check(kPixels, 64, 500);
     }
     most = 253;
-    forEachShape(check);
+    check(kEmpty, 64, 20);
+    check(kNoise, 64, 40);
+}
+
+// The formulas against all points at once, none left out for its distance.
+TEST(ReliefHeight, IsThatOfTheNearestPointOfAll) {
+    Random random(58);
+    GX_TRACE_SEED(random);
+    for (const Content content : {kNoise, kPixels, kBars, kBars, kBars}) {
+        constexpr int kWidth = 64, kHeight = 40;
+        const Contour contour(planeOf<uint8_t>(content, kWidth, kHeight, random));
+        contourDistancesPlain(contour.planes());
+        const auto at = [&](int x, int y) -> int {
+            const bool isIn = x >= 0 && y >= 0 && x < kWidth && y < kHeight;
+            return isIn ? contour.coverage.row(y)[x] : 0;
+        };
+        std::vector<std::pair<int, int>> points;  // in 1/128 pixel
+        const auto addBetween = [&](int x, int y, int dx, int dy) {
+            const int a = at(x, y), b = at(x + dx, y + dy);
+            if ((a >= 128) == (b >= 128) || x + dx == kWidth || y + dy == kHeight) return;
+            const int f = contourPointFrom(at(x - dx, y - dy), a, b, at(x + 2 * dx, y + 2 * dy));
+            points.emplace_back(128 * x + f * dx, 128 * y + f * dy);
+        };
+        for (int i = 0; i < kWidth * kHeight; ++i) {
+            addBetween(i % kWidth, i / kWidth, 1, 0);
+            addBetween(i % kWidth, i / kWidth, 0, 1);
+        }
+        std::vector<int> distances;
+        for (int i = 0; i < kWidth * kHeight; ++i) {
+            int64_t nearest = 1 << 30;
+            for (const auto& [x, y] : points) {
+                const int64_t dx = 128 * (i % kWidth) - x, dy = 128 * (i / kWidth) - y;
+                nearest = std::min(nearest, dx * dx + dy * dy);
+            }
+            const int d = static_cast<int>(std::sqrt(static_cast<float>(nearest)) * 2.0f + 0.5f);
+            distances.push_back(at(i % kWidth, i / kWidth) >= 128 ? d : -d);
+        }
+        const ReliefSlope slope{-256 * random.between(0, 9), 256 * random.between(0, 9)};
+        std::vector<uint8_t> memory(heightScratchBytes(kWidth, kHeight));
+        const Plane<uint16_t> heights(kWidth, kHeight);
+        reliefHeightsPlain(contour.planes(), slope, heights.row(0), memory.data());
+        for (int y = 0; y + 2 < kHeight; ++y) {
+            for (int x = 0; x + 2 < kWidth; ++x) {
+                int sum = 8;
+                for (int i = 0; i < 9; ++i) {
+                    const int weight = (i % 3 == 1 ? 2 : 1) * (i / 3 == 1 ? 2 : 1);
+                    sum += weight * distances[(y + i / 3) * kWidth + x + i % 3];
+                }
+                const int height = std::clamp(sum >> 4, slope.low, slope.high) - slope.low;
+                ASSERT_EQ(heights.row(y)[x], height) << content << " (" << x << ", " << y << ")";
+            }
+        }
+    }
 }
 
 TEST_P(ReliefKernels, BoxMeans) {

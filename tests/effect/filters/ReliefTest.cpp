@@ -1,8 +1,12 @@
 // Bevel and emboss: lit and shaded slopes along the edges.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
-#include <string>
+#include <cstring>
+#include <tuple>
+#include <type_traits>
+#include <utility>
 #include <vector>
 
 #include "effect/filters/FilterTesting.h"
@@ -15,6 +19,10 @@ namespace {
 
 using gxtest::Scene;
 
+using gxtest::difference;
+using gxtest::paintWith;
+using gxtest::Random;
+
 // White light and black shade, opaque; the light comes from the upper left.
 template <typename Record>
 Record settings(int kind, float size, int technique) {
@@ -23,6 +31,11 @@ Record settings(int kind, float size, int technique) {
 GxBevelProperty bevel(int kind, float size, int technique) {
     return settings<GxBevelProperty>(kind, size, technique);
 }
+GxEmbossProperty emboss(int kind, float size, int technique) {
+    return settings<GxEmbossProperty>(kind, size, technique);
+}
+
+constexpr int kTechniques[] = {0, GXE_RELIEF_CHISEL_HARD, GXE_RELIEF_CHISEL_SOFT};
 
 // The light at a pixel of an empty layer that white light and black shade were painted on, in
 // levels.
@@ -48,7 +61,7 @@ Scene exampleScene() {
 
 TEST(Relief, AChiselledBlockInBytes) {
     Scene scene = exampleScene();
-    gxtest::paintWith<GxBevel>(scene, bevel(1, 2, GXE_RELIEF_CHISEL_HARD));
+    paintWith<GxBevel>(scene, bevel(1, 2, GXE_RELIEF_CHISEL_HARD));
     const std::vector<std::vector<int>> expected = {{0, 0, 0, 0, 0, 0, 0},
                                                     {0, 197, 198, 151, 61, -31, 0},
                                                     {0, 131, 130, 60, -42, -110, 0},
@@ -64,9 +77,298 @@ TEST(Relief, ASmoothAndSoftBlockInBytes) {
     Scene scene = exampleScene();
     GxBevelProperty record = bevel(1, 3, 0);
     record.soften = 1;
-    gxtest::paintWith<GxBevel>(scene, record);
+    paintWith<GxBevel>(scene, record);
     EXPECT_EQ(lightOfRow(scene, 1), (std::vector{0, 191, 172, 117, 41, -33, 0}));
     EXPECT_EQ(lightOfRow(scene, 4), (std::vector{0, -77, -123, -169, -205, -225, 0}));
+}
+
+// Paints every kind of relief of the settings, as steep as they go, each onto a scene of its own.
+template <typename Check>
+void forEachKind(float size, int technique, int soften, const Check& check) {
+    for (const int kind : {0, 1}) {
+        GxBevelProperty slope = bevel(kind, size, technique);
+        slope.soften = soften;
+        slope.depth = 10;
+        check(slope, [=](Scene& scene) { paintWith<GxBevel>(scene, slope); });
+        GxEmbossProperty across = emboss(kind, size, technique);
+        across.soften = soften;
+        across.depth = 10;
+        check(across, [=](Scene& scene) { paintWith<GxEmboss>(scene, across); });
+    }
+}
+
+// A picture of random coverage with blank paper around its box.
+Scene framedScene(Random& random, int extent, int margin) {
+    Scene scene(extent + 2 * margin, extent + 2 * margin,
+                GxRect(margin, margin, margin + extent, margin + extent));
+    const double slope = random.between(-30, 30) / 20.0, radius = random.between(2, extent / 2);
+    for (int y = 0; y < extent; ++y) {
+        for (int x = 0; x < extent; ++x) {
+            const double u = x - extent / 2.0, v = y - extent / 2.0;
+            const double depth = std::max(radius - std::hypot(u, v), 3 - std::abs(u - v * slope));
+            scene.mask.data[(y + margin) * scene.mask.width + x + margin] =
+                static_cast<uint8_t>(std::clamp(depth * 255.0, 0.0, 255.0));
+        }
+    }
+    return scene;
+}
+
+// Counter-clockwise by a quarter.
+GxBitmap turned(const GxBitmap& square) {
+    GxBitmap out(square.width, square.height, square.bytesPerPixel);
+    for (uint32_t y = 0; y < square.height; ++y) {
+        for (uint32_t x = 0; x < square.width; ++x) {
+            const uint32_t to = (square.width - 1 - x) * square.width + y;
+            std::memcpy(out.data + to * square.bytesPerPixel,
+                        square.data + (y * square.width + x) * square.bytesPerPixel,
+                        square.bytesPerPixel);
+        }
+    }
+    return out;
+}
+
+TEST(Relief, TurnsWithItsLight) {
+    Random random(3);
+    GX_TRACE_SEED(random);
+    for (const int kind : {0, 1}) {
+        Scene upright = framedScene(random, 40, 10);
+        Scene lying = upright;
+        lying.mask = turned(upright.mask);
+        GxEmbossProperty record = emboss(kind, 13, GXE_RELIEF_CHISEL_HARD);
+        paintWith<GxEmboss>(upright, record);
+        record.angle += 90;
+        paintWith<GxEmboss>(lying, record);
+        EXPECT_EQ(difference(turned(upright.layer), lying.layer), "") << kind;
+    }
+}
+
+TEST(Relief, DownIsUpUnderTheOppositeLight) {
+    Random random(4);
+    GX_TRACE_SEED(random);
+    for (const int technique : kTechniques) {
+        Scene up = framedScene(random, 40, 10);
+        Scene down = up;
+        GxEmbossProperty record = emboss(0, 13, technique);
+        record.soften = 1;
+        record.angle = -60;  // as 300
+        paintWith<GxEmboss>(up, record);
+        record.direction = GXE_RELIEF_DOWN;
+        record.angle = 120;
+        paintWith<GxEmboss>(down, record);
+        EXPECT_EQ(difference(up.layer, down.layer), "") << technique;
+    }
+}
+
+TEST(Relief, IsBrightestTowardsTheLight) {
+    constexpr double kDegree = 3.14159265358979323846 / 180;
+    for (int angle = 0; angle < 360; angle += 45) {
+        Scene disc(101, 101);
+        for (int i = 0; i < 101 * 101; ++i) {
+            const double inside = 45.0 - std::hypot(i % 101 - 50, i / 101 - 50);
+            disc.mask.data[i] = static_cast<uint8_t>(std::clamp(inside * 255.0, 0.0, 255.0));
+        }
+        GxBevelProperty record = bevel(1, 20, GXE_RELIEF_CHISEL_HARD);
+        record.angle = static_cast<float>(angle);
+        paintWith<GxBevel>(disc, record);
+        std::vector<std::pair<int, int>> byLight;
+        for (int direction = 0; direction < 360; direction += 15) {
+            byLight.emplace_back(
+                lightAt(disc.layer, 50 + std::lround(35 * std::cos(direction * kDegree)),
+                        50 - std::lround(35 * std::sin(direction * kDegree))),
+                direction);
+        }
+        const auto [darkest, brightest] = std::minmax_element(byLight.begin(), byLight.end());
+        EXPECT_EQ(brightest->second, angle);
+        EXPECT_EQ(darkest->second, (angle + 180) % 360);
+        EXPECT_GT(brightest->first, 100);
+        EXPECT_LT(darkest->first, -100);
+    }
+}
+
+TEST(Relief, LevelGroundKeepsItsColour) {
+    for (const int technique : kTechniques) {
+        for (const auto& [size, soften, altitude] :
+             {std::tuple{3.0f, 0, 0.0f}, {12.0f, 16, 89.0f}, {30.0f, 3, 45.0f}}) {
+            const int extent = 2 * (static_cast<int>(size) + soften) + 7;
+            Scene block(extent, extent);
+            std::memset(block.mask.data, 255, block.mask.pixelCount());
+            GxBevelProperty record = bevel(1, size, technique);
+            record.soften = soften;
+            record.altitude = altitude;
+            paintWith<GxBevel>(block, record);
+            EXPECT_EQ(block.pixel(extent / 2, extent / 2), 0u) << technique << " " << size;
+            EXPECT_NE(block.pixel(extent / 2, 1), 0u) << technique << " " << size;
+        }
+        Scene blank(30, 30);
+        forEachKind(9, technique, 2, [&](const auto&, const auto& paint) { paint(blank); });
+        EXPECT_EQ(difference(GxBitmap(30, 30, 4), blank.layer), "") << technique;
+    }
+}
+
+// The area of a pixel, its centre `distance` inside a straight edge whose normal has the slopes a
+// and b.
+double coveredArea(double distance, double a, double b) {
+    a = std::abs(a);
+    b = std::abs(b);
+    if (std::min(a, b) < 1e-9) return std::clamp(distance + 0.5, 0.0, 1.0);
+    const auto integral = [](double t) { return t > 0 ? t * t / 2 : 0; };
+    const double sum = (a + b) / 2, gap = (a - b) / 2;
+    return (integral(distance + sum) - integral(distance + gap) - integral(distance - gap) +
+            integral(distance - sum)) /
+           (a * b);
+}
+
+TEST(Relief, FacetsOfStraightEdgesHaveOneShade) {
+    constexpr int kExtent = 121, kMiddle = 60;
+    for (int step = 0; step < 60; ++step) {
+        const double angle = step * step * 0.0017453;  // many close to the axis, up to 354 degrees
+        const double a = std::cos(angle), b = std::sin(angle);
+        const auto inside = [&](int x, int y) { return (x - kMiddle) * a + (y - kMiddle) * b; };
+        Scene scene(kExtent, kExtent);
+        for (int i = 0; i < kExtent * kExtent; ++i) {
+            const double area = coveredArea(inside(i % kExtent, i / kExtent), a, b);
+            scene.mask.data[i] = static_cast<uint8_t>(std::lround(area * 255));
+        }
+        paintWith<GxBevel>(scene, bevel(1, 20, GXE_RELIEF_CHISEL_HARD));
+        int least = 255, most = -255;
+        for (int y = kMiddle - 22; y <= kMiddle + 22; ++y) {
+            for (int x = kMiddle - 22; x <= kMiddle + 22; ++x) {
+                if (inside(x, y) < 1 || inside(x, y) > 18) continue;
+                least = std::min(least, lightAt(scene.layer, x, y));
+                most = std::max(most, lightAt(scene.layer, x, y));
+            }
+        }
+        EXPECT_LE(most - least, 8) << "at " << angle << " radians";
+    }
+}
+
+TEST(Relief, StaysInItsMarginAndFillsIt) {
+    Random random(5);
+    GX_TRACE_SEED(random);
+    for (const int technique : kTechniques) {
+        for (const int soften : {0, 5}) {
+            forEachKind(12, technique, soften, [&](const auto& record, const auto& paint) {
+                using Record = std::decay_t<decltype(record)>;
+                constexpr bool kIsBevel = std::is_same_v<Record, GxBevelProperty>;
+                const int reach = !kIsBevel ? 6 : record.kind == 1 ? -soften - 1 : 12;
+                const int margin = reach + soften + 1;
+                std::conditional_t<kIsBevel, GxBevel, GxEmboss> core;
+                core.setProperty(&record);
+                EXPECT_EQ(core.getOffset(), margin);
+                constexpr int kFrame = 25;
+                bool isFilled = false;
+                for (int i = 0; i < 3; ++i) {
+                    Scene scene = framedScene(random, 30, kFrame);
+                    for (int y = kFrame; y < kFrame + 30; ++y) {
+                        uint8_t* row = scene.mask.data + y * scene.mask.width + kFrame;
+                        std::generate_n(row, 30, [&] { return random.edgeByte(); });
+                    }
+                    paint(scene);
+                    const GxRect painted(kFrame - margin, kFrame - margin, kFrame + 30 + margin,
+                                         kFrame + 30 + margin);
+                    for (int y = 0; y < 80; ++y) {
+                        for (int x = 0; x < 80; ++x) {
+                            const int depth =
+                                std::min({x - painted.left, y - painted.top, painted.right - 1 - x,
+                                          painted.bottom - 1 - y});
+                            if (depth < 0) {
+                                ASSERT_EQ(scene.pixel(x, y), 0u) << x << ", " << y;
+                            }
+                            isFilled = isFilled || (depth == 0 && scene.pixel(x, y) != 0);
+                        }
+                    }
+                }
+                // The ends of blurs are too faint for some.
+                const bool isCrisp = technique == GXE_RELIEF_CHISEL_HARD && soften == 0;
+                EXPECT_TRUE(isFilled || !isCrisp) << record.kind;
+            });
+        }
+    }
+}
+
+TEST(Relief, LiesOverTheTextBeneathItOrBoth) {
+    Random random(6);
+    GX_TRACE_SEED(random);
+    const Scene scene = framedScene(random, 40, 12);
+    // All that the emboss has, and what a slope on one side leaves out.
+    Scene whole = scene, over = scene, beneath = scene, halves = scene;
+    paintWith<GxEmboss>(whole, emboss(1, 12, 0));
+    paintWith<GxEmboss>(halves, emboss(1, 12, 0), GXE_MODE_TWO_LAYERS, true);
+    paintWith<GxBevel>(over, bevel(1, 6, 0));
+    paintWith<GxBevel>(beneath, bevel(0, 6, 0), GXE_MODE_TWO_LAYERS);
+    size_t edges = 0;
+    for (uint32_t i = 0; i < scene.mask.pixelCount(); ++i) {
+        const int m = scene.mask.data[i];
+        const auto at = [&](const GxBitmap& layer) {
+            return lightAt(layer, i % layer.width, i / layer.width);
+        };
+        EXPECT_EQ(at(halves.layer), m < 255 ? at(whole.layer) : 0) << i;
+        EXPECT_EQ(at(halves.other), m > 0 ? at(whole.layer) : 0) << i;
+        EXPECT_TRUE(m > 0 || at(over.layer) == 0) << i;
+        EXPECT_TRUE(m < 255 || at(beneath.layer) == 0) << i;
+        edges += m > 0 && m < 255 && at(over.layer) != 0 && at(beneath.layer) != 0;
+    }
+    EXPECT_GT(edges, 20u) << "soft edges belong to both";
+}
+
+TEST(Relief, OpacityScalesBothTints) {
+    Scene scene = exampleScene();
+    GxBevelProperty record = bevel(1, 2, GXE_RELIEF_CHISEL_HARD);
+    record.highlightColor = 0x80FF8000;
+    record.opacity = 0.5f;
+    paintWith<GxBevel>(scene, record);
+    // Alpha scale(128, 128) = 64, then the mask's 197 and 110.
+    EXPECT_EQ(scene.pixel(1, 1), 0x32321900u);
+    EXPECT_EQ(scene.pixel(5, 2), (129u * 110 >> 8) << 24);
+}
+
+// A slope of 250 pixels in 16 bits: one shade from end to end.
+TEST(Relief, TheWidestSlopeIsStraight) {
+    for (const int kind : {0, 1}) {
+        constexpr int kExtent = 1120, kSpan = 540;
+        const int first = kind == 0 ? (kExtent - kSpan) / 2 : 10;
+        Scene scene(kind == 0 ? kExtent : kSpan + 20, kSpan + 20);
+        scene.box = GxRect(first, 10, first + kSpan, 10 + kSpan);
+        for (int y = 10; y < 10 + kSpan; ++y) {
+            std::memset(scene.mask.data + y * scene.mask.width + first, 255, kSpan);
+        }
+        GxBevelProperty record = bevel(kind, 9999, GXE_RELIEF_CHISEL_HARD);
+        record.soften = 99;
+        record.angle = 180;
+        record.depth = 10;
+        record.altitude = 89;
+        paintWith<GxBevel>(scene, record);
+        const int toward = kind == 0 ? -1 : 1;
+        const int light = lightAt(scene.layer, first + toward * 120, 10 + kSpan / 2);
+        EXPECT_LT(light, -200) << "turned away from a light high above";
+        for (int depth = 20; depth <= 230; ++depth) {
+            ASSERT_NEAR(lightAt(scene.layer, first + toward * depth, 10 + kSpan / 2), light, 1)
+                << "kind " << kind << ", " << depth << " pixels from the edge";
+        }
+    }
+}
+
+TEST(Relief, TinyTextsAndNothingToDraw) {
+    for (const auto& [width, height] : {std::pair{1, 1}, {1, 9}, {9, 1}}) {
+        Scene scene(width + 20, height + 20, GxRect(10, 10, 10 + width, 10 + height));
+        for (int y = 0; y < height; ++y) {
+            std::memset(scene.mask.data + (y + 10) * scene.mask.width + 10, 255, width);
+        }
+        for (const float size : {0.0f, 0.4f, -3.0f, gxtest::kNaN}) {
+            forEachKind(size, 0, 3, [&](const auto&, const auto& paint) { paint(scene); });
+        }
+        GxBevelProperty record = bevel(0, 5, 0);
+        record.depth = 0.004f;
+        paintWith<GxBevel>(scene, record);
+        GxBevel core;
+        core.setProperty(&record);
+        EXPECT_EQ(core.getOffset(), 0);
+        EXPECT_EQ(difference(GxBitmap(width + 20, height + 20, 4), scene.layer), "");
+        record.depth = 1;
+        paintWith<GxBevel>(scene, record);
+        EXPECT_GT(lightAt(scene.layer, 8, 8), 0) << "the corner towards the light";
+        EXPECT_LT(lightAt(scene.layer, 11 + width, 11 + height), 0);
+    }
 }
 
 }  // namespace
