@@ -54,6 +54,9 @@ static_assert(kReliefStep % kGroup == 0);
 // Candidates whose smallest value is kept.
 constexpr int64_t kBlock = 8;
 
+// Blocks of columns before and after a group that a search may look at.
+constexpr int64_t kColumnGaps = 2 * (kMaxSteps / kBlock + 2 * kLanes);
+
 // Up to this many columns and rows away the search goes one by one, further off by blocks.
 constexpr int32_t kNearSteps = 24;
 
@@ -63,10 +66,6 @@ constexpr int32_t kMostSteps = 255;
 HWY_INLINE int32_t squareOfSteps(int64_t steps) {
     const auto near = static_cast<int32_t>(std::min<int64_t>(std::abs(steps), kMostSteps));
     return near * near * kContourUnits * kContourUnits;
-}
-HWY_INLINE Wholes squareOfSteps(Wholes steps) {
-    const Wholes near = hn::Min(hn::Abs(steps), hn::Set(dWhole, kMostSteps));
-    return hn::ShiftLeft<14>(hn::Mul(near, near));
 }
 
 HWY_INLINE int32_t largest(Wholes v) {
@@ -84,6 +83,27 @@ struct BlockLines {
     int64_t stride() const { return count + kLanes; }
     int32_t* line(int64_t i) const { return blocks + i * stride(); }
     void close(int64_t i) const { std::fill_n(line(i) + count, kLanes, kFarthest * kFarthest); }
+};
+
+// Squared gaps of -kSpan to kSpan steps, for the far search to look up.
+class GapTable {
+public:
+    // A search looks no further than some blocks past the largest distance.
+    static constexpr int64_t kSpan = kMaxSteps + 2 * kLanes * kBlock;
+    static constexpr int64_t kCells = 2 * kSpan + kLanes;
+
+    // Steps of 0 to `free` count as none.
+    GapTable(int32_t* cells, int64_t free) : middle(cells + kSpan) {
+        for (int64_t i = -kSpan; i < kSpan + kLanes; ++i) {
+            middle[i] = squareOfSteps(i < 0 ? i : std::max<int64_t>(i - free, 0));
+        }
+    }
+    HWY_INLINE int32_t operator[](int64_t steps) const { return middle[steps]; }
+    // Of as many steps and the next.
+    HWY_INLINE Wholes from(int64_t steps) const { return loadWholes(middle + steps); }
+
+private:
+    int32_t* middle;
 };
 
 // Squared distances to the nearest points of a group of cells.
@@ -126,11 +146,17 @@ public:
           columnBlocks{columns + contour.width + kMaxSteps, contour.width / kBlock},
           rowBlocks{columnBlocks.line(1), (contour.height + kBlock - 1) / kBlock},
           atFirst(rowBlocks.line(contour.width / kGroup)),
-          atLast(atFirst + contour.width / kGroup * rowBlocks.stride()) {
+          atLast(atFirst + contour.width / kGroup * rowBlocks.stride()),
+          rowGaps(atLast + contour.width / kGroup * rowBlocks.stride()),
+          columnGaps(rowGaps + rowBlocks.stride()),
+          steps(columnGaps + kColumnGaps, 0),
+          stepsToBlock(columnGaps + kColumnGaps + GapTable::kCells, kBlock - 1) {
         std::fill_n(scratch, kMaxSteps, kFarthest * kFarthest);
         std::fill_n(columns + planes.width, kMaxSteps, kFarthest * kFarthest);
         if (!goesFar) return;
         columnBlocks.close(0);
+        for (int64_t i = 0; i < kColumnGaps; ++i)
+            columnGaps[i] = gapTo(i - kColumnGaps / 2, 0, kGroup);
         for (int64_t x = 0; x < planes.width; x += kGroup) summarizeRows(x);
     }
 
@@ -138,6 +164,7 @@ public:
     void measure(int64_t y, const int32_t* before, int32_t* distances) const {
         const int64_t width = planes.width;
         squareColumns(planes.alongColumns + y * width);
+        for (int64_t i = 0; goesFar && i < rowBlocks.stride(); ++i) rowGaps[i] = gapTo(i, y, 1);
         const uint8_t* coverage = planes.coverage + y * width;
         for (int64_t x = 0; x < width; x += kGroup) {
             const Sides a = isInside(coverage + x);
@@ -241,119 +268,91 @@ private:
         }
     }
 
-    // Calls visit(block) for those of kLanes blocks of a line whose smallest candidates may be
-    // nearer than `worst`, at `gaps` cells or more.
+    // Visits the blocks of a line outwards from the one at `middle`, kLanes at a time, as long as
+    // they may hold something nearer than `worst`: visit(block) returns what that is then. The
+    // line's squared gaps stand in `gaps`.
     template <class Visit>
-    HWY_INLINE void forEachNearer(const int32_t* blocks, Wholes gaps, int32_t worst,
-                                  const Visit& visit) const {
-        const Wholes least = hn::Add(squareOfSteps(gaps), loadWholes(blocks));
-        uint8_t bits[8] = {};
-        hn::StoreMaskBits(dWhole, hn::Lt(least, hn::Set(dWhole, worst)), bits);
-        for (uint32_t rest = bits[0]; rest != 0; rest &= rest - 1) visit(std::countr_zero(rest));
-    }
-
-    static int64_t gapTo(int64_t block, int64_t y) {
-        return std::max<int64_t>({block * kBlock - y, y - block * kBlock - (kBlock - 1), 0});
-    }
-
-    // Cells from [first, first + count) to each of kLanes blocks from `block` on.
-    HWY_INLINE Wholes gapsTo(int64_t block, int64_t first, int64_t count) const {
-        const Wholes begins = hn::ShiftLeft<3>(lanes);
-        const Wholes after = hn::Add(begins, whole(block * kBlock - (first + count - 1)));
-        const Wholes before = hn::Sub(whole(first - block * kBlock - (kBlock - 1)), begins);
-        return hn::Max(hn::Max(after, before), hn::Zero(dWhole));
-    }
-
-    // Visits blocks of a line outwards from [first, first + count), kLanes at a time, with
-    // visit(block) returning the new `worst`, as long as they may hold something nearer.
-    template <class Visit>
-    HWY_INLINE void forEachOutwards(const BlockLines& lines, int64_t line, int64_t first,
-                                    int64_t count, int32_t worst, const Visit& visit) const {
-        const int32_t* blocks = lines.line(line);
+    HWY_INLINE void forEachOutwards(const int32_t* blocks, const int32_t* gaps, int64_t count,
+                                    int64_t middle, int32_t worst, const Visit& visit) const {
         const auto look = [&](int64_t block) HWY_ATTR {
-            forEachNearer(blocks + block, gapsTo(block, first, count), worst,
-                          [&](int64_t i) HWY_ATTR { worst = visit(block + i); });
+            const Wholes least = hn::Add(loadWholes(gaps + block), loadWholes(blocks + block));
+            uint8_t bits[8] = {};
+            hn::StoreMaskBits(dWhole, hn::Lt(least, hn::Set(dWhole, worst)), bits);
+            for (uint32_t rest = bits[0]; rest != 0; rest &= rest - 1) {
+                worst = visit(block + std::countr_zero(rest));
+            }
         };
-        const int64_t middle = first / kBlock;
         look(middle);
         for (int64_t away = kLanes;; away += kLanes) {
-            // Of the nearest cell that has not been seen.
-            const int64_t gap = (away - kLanes) * kBlock + 1;
-            const bool isBefore = middle - away + kLanes > 0, isAfter = middle + away < lines.count;
-            if ((!isBefore && !isAfter) || squareOfSteps(gap) >= worst) return;
+            const bool isBefore = middle - away + kLanes > 0, isAfter = middle + away < count;
+            // A cell that has not been seen is further away than the blocks that have been.
+            if ((!isBefore && !isAfter) || steps[(away - kLanes) * kBlock + 1] >= worst) return;
             if (isBefore) look(std::max<int64_t>(middle - away, 0));
             if (isAfter) look(middle + away);
         }
     }
 
-    // The least that rows of a block offer the cells of a group. From cell to cell the distance in
-    // a row changes by a pixel at most, so that the group's ends tell about all.
-    HWY_INLINE bool mayRowsBeNearer(int64_t group, int64_t block, int64_t y,
-                                    const Nearest& nearest) const {
-        const int64_t i = group * rowBlocks.stride() + block;
-        const Wholes across = hn::Set(dWhole, squareOfSteps(gapTo(block, y)));
-        const Wholes ramp = hn::ShiftLeft<7>(lanes);
-        const Wholes first = hn::Sub(hn::Set(dWhole, atFirst[i]), ramp);
-        const Wholes last =
-            hn::Add(hn::Set(dWhole, atLast[i] - (kGroup - 1) * kContourUnits), ramp);
-        const Wholes half = hn::Set(dWhole, kLanes * kContourUnits);
+    // Whether rows of a block may offer something nearer. From cell to cell the distance in a row
+    // changes by a pixel at most, so that the group's ends tell about all.
+    HWY_INLINE bool mayRowsBeNearer(int64_t at, int32_t across, const Nearest& nearest) const {
+        const Wholes first = hn::Sub(hn::Set(dWhole, atFirst[at]), ramp);
+        const int32_t atStart = atLast[at] - static_cast<int32_t>(kGroup - 1) * kContourUnits;
+        const Wholes last = hn::Add(hn::Set(dWhole, atStart), ramp);
+        const Wholes half = hn::Set(dWhole, static_cast<int32_t>(kLanes) * kContourUnits);
         const auto least = [&](Wholes fromFirst, Wholes fromLast) HWY_ATTR {
             const Wholes along = hn::Max(hn::Max(fromFirst, fromLast), hn::Zero(dWhole));
-            return hn::Add(hn::Mul(along, along), across);
+            return hn::Add(hn::Mul(along, along), hn::Set(dWhole, across));
         };
         return nearest.mayBeLess(least(first, last),
                                  least(hn::Sub(first, half), hn::Add(last, half)));
     }
 
     HWY_INLINE void searchRows(int64_t x, int64_t y, int32_t worst, Nearest& nearest) const {
+        const int64_t line = x / kGroup * rowBlocks.stride();
+        const int32_t* blocks = rowBlocks.blocks + line;
         const int32_t* alongRows = planes.alongRows + x;
-        forEachOutwards(rowBlocks, x / kGroup, y, 1, worst, [&](int64_t block) HWY_ATTR {
-            if (!mayRowsBeNearer(x / kGroup, block, y, nearest)) return worst;
+        const auto visit = [&](int64_t block) HWY_ATTR {
+            if (!mayRowsBeNearer(line + block, rowGaps[block], nearest)) return worst;
             const int64_t end = std::min((block + 1) * kBlock, planes.height);
             for (int64_t row = block * kBlock; row < end; ++row) {
-                nearest.see(alongRows + row * planes.width,
-                            hn::Set(dWhole, squareOfSteps(row - y)));
+                nearest.see(alongRows + row * planes.width, hn::Set(dWhole, steps[row - y]));
             }
             return worst = nearest.worst();
-        });
-    }
-
-    // The same of the columns of a block.
-    HWY_INLINE bool mayColumnsBeNearer(int64_t x, int64_t block, const Nearest& nearest) const {
-        const Wholes along = hn::Set(dWhole, columnBlocks.blocks[block]);
-        const Wholes after = hn::Add(lanes, whole(x - block * kBlock));
-        const auto least = [&](Wholes cells) HWY_ATTR {
-            const Wholes gaps =
-                hn::Max(hn::Max(hn::Sub(cells, hn::Set(dWhole, kBlock - 1)), hn::Neg(cells)),
-                        hn::Zero(dWhole));
-            return hn::Add(squareOfSteps(gaps), along);
         };
-        return nearest.mayBeLess(least(after), least(hn::Add(after, hn::Set(dWhole, kLanes))));
+        forEachOutwards(blocks, rowGaps, rowBlocks.count, y / kBlock, worst, visit);
     }
 
     HWY_INLINE void searchColumns(int64_t x, int32_t worst, Nearest& nearest) const {
-        forEachOutwards(columnBlocks, 0, x, kGroup, worst, [&](int64_t block) HWY_ATTR {
-            if (!mayColumnsBeNearer(x, block, nearest)) return worst;
-            for (int64_t column = block * kBlock; column < (block + 1) * kBlock; ++column) {
-                const Wholes along = hn::Set(dWhole, columns[column]);
-                const Wholes gaps = hn::Add(lanes, whole(x - column));
-                const auto see = [&](Wholes& least, Wholes steps) HWY_ATTR {
-                    least = hn::Min(least, hn::Add(squareOfSteps(steps), along));
-                };
-                see(nearest.a, gaps);
-                see(nearest.b, hn::Add(gaps, hn::Set(dWhole, kLanes)));
+        const auto visit = [&](int64_t block) HWY_ATTR {
+            const int64_t first = block * kBlock;
+            const auto see = [&](const GapTable& gaps, int64_t column, int32_t along) HWY_ATTR {
+                const Wholes candidates = hn::Set(dWhole, along);
+                return Nearest{hn::Add(gaps.from(x - column), candidates),
+                               hn::Add(gaps.from(x - column + kLanes), candidates)};
+            };
+            const Nearest least = see(stepsToBlock, first, columnBlocks.blocks[block]);
+            if (!nearest.mayBeLess(least.a, least.b)) return worst;
+            for (int64_t column = first; column < first + kBlock; ++column) {
+                const Nearest candidate = see(steps, column, columns[column]);
+                nearest.a = hn::Min(nearest.a, candidate.a);
+                nearest.b = hn::Min(nearest.b, candidate.b);
             }
             return worst = nearest.worst();
-        });
+        };
+        const int64_t middle = x / kBlock;
+        forEachOutwards(columnBlocks.blocks, columnGaps + kColumnGaps / 2 - middle,
+                        columnBlocks.count, middle, worst, visit);
     }
 
-    static HWY_INLINE Wholes whole(int64_t value) {
-        return hn::Set(dWhole, static_cast<int32_t>(value));
+    // Squared, from [first, first + count) to a block.
+    static int32_t gapTo(int64_t block, int64_t first, int64_t count) {
+        const int64_t begin = block * kBlock;
+        const int64_t gap = std::max(begin - (first + count - 1), first - (begin + kBlock - 1));
+        return squareOfSteps(std::max<int64_t>(gap, 0));
     }
 
     const ContourPlanes& planes;
     const bool goesFar;
-    const Wholes lanes = hn::Iota(dWhole, 0);
     const Wholes inside;
     const Wholes outside;
     int32_t* const columns;         // a row's, with kMaxSteps of none on either side
@@ -362,6 +361,13 @@ private:
     // Like the lines of rows: distances, not squared, of the group's first and last cell.
     int32_t* const atFirst;
     int32_t* const atLast;
+    // Squared gaps: from the row to blocks of rows, from a group to the blocks before and after it,
+    // from cell to cell and from a cell to a block.
+    int32_t* const rowGaps;
+    int32_t* const columnGaps;
+    const GapTable steps;
+    const GapTable stepsToBlock;
+    const Wholes ramp = hn::ShiftLeft<7>(hn::Iota(dWhole, 0));
 };
 
 HWY_INLINE Wholes weightedThree(Wholes a, Wholes b, Wholes c) {

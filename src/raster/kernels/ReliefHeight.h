@@ -20,9 +20,10 @@ struct ReliefSlope {
 };
 
 // Bytes of the work memory for planes of width x height cells: some rows, and three numbers for
-// each block of 64 cells or more.
+// each block of 64 cells or more, tables.
 constexpr int64_t heightScratchBytes(int64_t width, int64_t height) {
-    return (6 * width + 3 * (width / 8) * (height / 8 + 9) + 1024) * int64_t{sizeof(int32_t)};
+    return (6 * width + 3 * (width / 8) * (height / 8 + 9) + height / 8 + 3072) *
+           int64_t{sizeof(int32_t)};
 }
 
 // With q = the smallest squared distance from a cell's centre to any contour point, in 1/128 pixel,
