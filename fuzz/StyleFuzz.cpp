@@ -1,19 +1,16 @@
 // Style files through the reader; what is valid is written and read again, then rendered, made
 // small, with fonts of our own and no others in reach.
-#include <fontconfig/fontconfig.h>
-
 #include <algorithm>
 #include <cctype>
+#include <filesystem>
 #include <fstream>
-#include <memory>
 #include <string_view>
+#include <vector>
 
 #include "Drawing.h"
 #include "FontFolder.h"
-#include "PngIo.h"
-#include "Scene.h"
-#include "ToolError.h"
-#include "effect/GxEffect.h"
+#include "scene/Png.h"
+#include "scene/Renderer.h"
 
 using namespace gxfuzz;
 
@@ -21,18 +18,17 @@ namespace {
 
 constexpr const char* kPatternName = "pattern.png";
 
-void useOwnFontsAlone() {
-    FcConfig* config = FcConfigCreate();
+gxtext::FontSource ownFonts() {
+    std::vector<std::filesystem::path> files;
     for (int kind = 0; kind < kFontKinds; ++kind) {
-        const auto path = fontFolder() / fontFileName(static_cast<FontKind>(kind));
-        FcConfigAppFontAddFile(config, reinterpret_cast<const FcChar8*>(path.c_str()));
+        files.push_back(fontFolder() / fontFileName(static_cast<FontKind>(kind)));
     }
-    FcConfigSetCurrent(config);
+    return gxtext::FontSource::files(files);
 }
 
 void writePattern() {
     const uint32_t pixels[] = {0xFFFF0000, 0x8000FF00, 0x000000FF, 0xFF808080, 0xFF000000, 0x7F};
-    const std::string png = gxtool::encodePng(pixels, 3, 2);
+    const std::string png = gxtext::encodePng(pixels, 3, 2);
     std::ofstream(fontFolder() / kPatternName, std::ios::binary) << png;
 }
 
@@ -71,14 +67,7 @@ void stayInside(gxtext::Style& style) {
 
 }  // namespace
 
-// fontconfig loses memory while it reads fonts. The name is the sanitizer's.
-// NOLINTNEXTLINE(bugprone-reserved-identifier)
-extern "C" const char* __lsan_default_suppressions() {
-    return "leak:libfontconfig";
-}
-
 extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
-    useOwnFontsAlone();
     writePattern();
     return 0;
 }
@@ -93,10 +82,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         require(style.toJson() == written, "one canonical form");
         makeSmall(style);
         stayInside(style);
-        gxtool::Scene scene(style);
-        const uint32_t* pixels = scene.render();
-        require(pixels && scene.imageWidth() > 0 && scene.imageHeight() > 0, "a picture");
-        require(scene.coverage().size() == scene.fonts().faces.size(), "coverage of each face");
+        static gxtext::Renderer renderer(ownFonts());
+        const gxtext::Picture picture = renderer.render(style);
+        require(picture.width() > 0 && picture.height() > 0, "a picture");
+        require(!picture.arrangement().fonts.empty(), "a font");
     } catch (const gxtext::Error& error) {
         require(*error.what() != 0, "a reason");
     }

@@ -7,9 +7,9 @@
 #include <iterator>
 #include <nlohmann/json.hpp>
 
-#include "PngIo.h"
 #include "Process.h"
 #include "Style.h"
+#include "scene/Png.h"
 #include "style/FieldTable.h"
 #include "support/Fonts.h"
 #include "support/TempFolder.h"
@@ -36,12 +36,12 @@ std::string readFile(const std::string& path) {
     return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-Image picture(const Outcome& outcome) {
+gxtext::Image picture(const Outcome& outcome) {
     EXPECT_EQ(outcome.status, 0) << outcome.err;
-    return decodePng(outcome.out, "output");
+    return gxtext::decodePng(outcome.out, "output");
 }
 
-int countInk(const Image& image) {
+int countInk(const gxtext::Image& image) {
     return static_cast<int>(std::count_if(image.pixels.begin(), image.pixels.end(),
                                           [](uint32_t pixel) { return pixel >> 24 != 0; }));
 }
@@ -169,32 +169,33 @@ TEST(Program, FailuresExitWith1AndSayWhy) {
     };
     const Case cases[] = {
         {{"render", "no-such.json"},
-         "gxtext: cannot open no-such.json: No such file or directory\n"},
+         "gxtext: no-such.json: cannot open: No such file or directory\n"},
         {{"render", folder.path("")}, "Is a directory\n"},
         {{"render", style},
          "gxtext: " + style +
              ": $.size: 9000 is out of range 1-4096\n"
              "gxtext: " +
              style + ": $.bold: 1 is not true or false\n"},
-        {{"render", "--text", "a", "--font", "no-such.ttf"}, "no font file no-such.ttf"},
-        {{"render", "--text", "a", "--font", folder.path("")}, "is not a file"},
-        {{"render", "--text", "a", "--font", truncated}, "is not a TrueType or OpenType font"},
-        {{"render", "--text", "a", "--font", empty}, "is not a TrueType or OpenType font"},
-        {{"render", "--text", "a", "--font", kLatin, "--font-index", "7"}, "has no font 7"},
+        {{"render", "--text", "a", "--font", "no-such.ttf"}, "no-such.ttf: no such font file"},
+        {{"render", "--text", "a", "--font", folder.path("")}, "not a regular file"},
+        {{"render", "--text", "a", "--font", truncated}, "not a TrueType or OpenType font"},
+        {{"render", "--text", "a", "--font", empty}, "not a TrueType or OpenType font"},
+        {{"render", "--text", "a", "--font", kLatin, "--font-index", "7"}, ": no font 7 in it"},
         {{"render", "--text", "a", "--font", "No Such Family"},
-         "no font family \"No Such Family\""},
+         "font \"No Such Family\": no such family is installed"},
         {{"render", "--text", "a", "--font", "Noto Sans", "--font-index", "1"},
-         "font index 1 needs a font file; \"Noto Sans\" is a family"},
-        {{"render", "--text", ""}, "gxtext: the text is empty\n"},
-        {{"render", "--text", "a\xFF"}, "gxtext: the text is not valid UTF-8\n"},
-        {{"render", "--text", "\n"}, "the text has no width"},
+         "font index 1: needs a font file; \"Noto Sans\" is a family"},
+        {{"render", "--text", ""}, "gxtext: the text: empty\n"},
+        {{"render", "--text", "a\xFF"}, "gxtext: the text: not valid UTF-8\n"},
+        {{"render", "--text", "\n"}, "the text: no width"},
         {{"render", "--text", std::string(100000, 'M'), "--font", kLatin},
-         "at most 65535 are possible"},
-        {{"render", "--text", "a", "--width", "10", "--padding", "5"}, "leaves no room"},
+         "allowed: up to 65535 pixels"},
+        {{"render", "--text", "a", "--width", "10", "--padding", "5"},
+         "no room within the padding"},
         {{"render", "--text", "a", "--font", kLatin, "-o", folder.path("no/such/dir.png")},
          "cannot create"},
         {{"render", "--text", "a", "--font", kLatin, "-o", "/dev/full"},
-         "cannot write to /dev/full"},
+         "/dev/full: cannot write to"},
     };
     for (const Case& c : cases) {
         const Outcome outcome = runGxtext(c.arguments);
@@ -229,7 +230,7 @@ TEST_F(Files, FailedWritesAreFailuresAndKeepWhatWasThere) {
         int status;
         const char* message;
     };
-    const char* const kFull = "gxtext: cannot write to standard output: No space left on device\n";
+    const char* const kFull = "gxtext: standard output: cannot write to: No space left on device\n";
     const char* const kInput = "the output would replace ";
     const std::vector<std::string> inputs{"style.json", "pattern.png", "latin.ttf"};
     const auto bytesOf = [this](std::vector<std::string> files) {
@@ -239,12 +240,13 @@ TEST_F(Files, FailedWritesAreFailuresAndKeepWhatWasThere) {
     const std::vector<std::string> before = bytesOf(inputs);
     for (const Case& c : std::initializer_list<Case>{
              {"ulimit -f 1; gxtext render style.json -o old.png", 1,
-              "gxtext: cannot write to old.png: File too large\n"},
+              "gxtext: old.png: cannot write to: File too large\n"},
              {"gxtext --version > /dev/full", 1, kFull},
              {"gxtext measure --help > /dev/full", 1, kFull},
              {"gxtext measure style.json > /dev/full", 1, kFull},
              {"gxtext render style.json > /dev/full", 1, kFull},
-             {"gxtext render style.json >&-", 1, "standard output: Bad file descriptor\n"},
+             {"gxtext render style.json >&-", 1,
+              "standard output: cannot write to: Bad file descriptor\n"},
              {"gxtext render style.json -o pattern.png", 2, kInput},
              {"gxtext render style.json >> pattern.png", 2, kInput},
              {"ln -s style.json s.png; gxtext render style.json -o s.png", 2, kInput},
@@ -263,7 +265,7 @@ TEST_F(Files, FailedWritesAreFailuresAndKeepWhatWasThere) {
 
 TEST_F(Files, WritesToWhateverTakesBytes) {
     const std::string expected = gxtest::runShell("gxtext render style.json", folder.path("")).out;
-    ASSERT_GT(countInk(decodePng(expected, "output")), 100);
+    ASSERT_GT(countInk(gxtext::decodePng(expected, "output")), 100);
     writeStyle("absolute.json", folder.path("latin.ttf"), folder.path("pattern.png"));
     for (const char* script :
          {"gxtext render style.json -o old.png",
@@ -282,9 +284,9 @@ TEST_F(Files, PipesAreNotWaitedForWhereAFileIsNamed) {
     writeStyle("pattern.json", "latin.ttf", "pipe.ttf");
     writeStyle("font.json", "pipe.ttf", "pattern.png");
     for (const auto& [style, message] :
-         {std::pair("pattern.json", "pipe.ttf: not a regular file\n"),
-          std::pair("font.json", "pipe.ttf is not a file\n"),
-          std::pair("pipe.ttf", "cannot read pipe.ttf: not a regular file\n")}) {
+         {std::pair("pattern.json", "pipe.ttf: cannot read: not a regular file\n"),
+          std::pair("font.json", "pipe.ttf: not a regular file\n"),
+          std::pair("pipe.ttf", "pipe.ttf: cannot read: not a regular file\n")}) {
         const Outcome outcome = gxtest::runShell(
             "test -p pipe.ttf || mkfifo pipe.ttf; timeout 20 \"$program\" render " +
                 std::string(style),
@@ -308,7 +310,7 @@ TEST_F(Files, FallbackFontsThatCannotBeLoadedAreFailures) {
     std::filesystem::resize_file(hebrew, 100);
     const Outcome bad = gxtest::runShell(run, folder.path(""));
     EXPECT_EQ(bad.status, 1);
-    EXPECT_EQ(bad.err, "gxtext: cannot load the font " + hebrew + "\n");
+    EXPECT_EQ(bad.err, "gxtext: " + hebrew + ": not a TrueType or OpenType font\n");
 }
 
 TEST(Program, RendersTheSameBytesEveryTimeAndEverywhere) {
@@ -325,7 +327,7 @@ TEST(Program, RendersTheSameBytesEveryTimeAndEverywhere) {
     EXPECT_EQ(first.err + second.err + third.err, "");
     EXPECT_EQ(first.out, second.out);
     EXPECT_EQ(first.out, readFile(file));
-    const Image image = picture(first);
+    const gxtext::Image image = picture(first);
     EXPECT_GT(countInk(image), 100);
     for (const uint32_t pixel : image.pixels) {
         ASSERT_LE(pixel >> 24, 0x80u) << "alpha beyond the colour's";
@@ -333,7 +335,7 @@ TEST(Program, RendersTheSameBytesEveryTimeAndEverywhere) {
 }
 
 TEST(Program, OpacityMultipliesTheColoursAlpha) {
-    const Image image = picture(runGxtext(
+    const gxtext::Image image = picture(runGxtext(
         withFont({"render", "--text", "Hamburg", "--color", "#C0336699", "--opacity", "0.5"})));
     uint32_t strongest = 0;
     for (const uint32_t pixel : image.pixels) strongest = std::max(strongest, pixel >> 24);
@@ -345,7 +347,7 @@ TEST(Program, PicturesAreAsLargeAsMeasured) {
     const json measure = measured(options);
     auto arguments = options;
     arguments.insert(arguments.begin(), "render");
-    const Image image = picture(runGxtext(withFont(arguments)));
+    const gxtext::Image image = picture(runGxtext(withFont(arguments)));
     EXPECT_EQ(image.width, measure["image"]["width"]);
     EXPECT_EQ(image.height, measure["image"]["height"]);
     // All ink lies in the lines' ink boxes.
@@ -463,7 +465,7 @@ TEST(Program, WrapsAndStacksLines) {
 }
 
 TEST(Program, BackgroundFillsTheBoxes) {
-    const Image image =
+    const gxtext::Image image =
         picture(runGxtext(withFont({"render", "--text", "ab", "--background", "#FF00FF00"})));
     EXPECT_EQ(image.pixels.front(), 0xFF00FF00u);
     EXPECT_TRUE(std::all_of(image.pixels.begin(), image.pixels.end() - image.width,
@@ -471,9 +473,10 @@ TEST(Program, BackgroundFillsTheBoxes) {
 }
 
 TEST(Program, FakesBoldAndItalic) {
-    const Image regular = picture(runGxtext(withFont({"render", "--text", "Il"})));
-    const Image bold = picture(runGxtext(withFont({"render", "--text", "Il", "--bold"})));
-    const Image italic = picture(runGxtext(withFont({"render", "--text", "Il", "--italic"})));
+    const gxtext::Image regular = picture(runGxtext(withFont({"render", "--text", "Il"})));
+    const gxtext::Image bold = picture(runGxtext(withFont({"render", "--text", "Il", "--bold"})));
+    const gxtext::Image italic =
+        picture(runGxtext(withFont({"render", "--text", "Il", "--italic"})));
     EXPECT_GT(countInk(bold), countInk(regular));
     EXPECT_NE(italic.pixels, regular.pixels);
 }
@@ -506,8 +509,8 @@ TEST(Program, FindsAFontInACollection) {
             {"render", "--font", collection, "--font-index", index, "--text", "\u76F4"});
     };
     // Japanese and simplified Chinese draw this character differently.
-    const Image japanese = picture(render("0"));
-    const Image chinese = picture(render("2"));
+    const gxtext::Image japanese = picture(render("0"));
+    const gxtext::Image chinese = picture(render("2"));
     EXPECT_GT(countInk(japanese), 100);
     EXPECT_NE(japanese.pixels, chinese.pixels);
 }

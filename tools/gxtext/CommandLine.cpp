@@ -17,11 +17,11 @@
 
 #include "Commands.h"
 #include "EffectOptions.h"
-#include "Fonts.h"
 #include "Streams.h"
 #include "ToolError.h"
 #include "UsageMessage.h"
 #include "base/GxLog.h"
+#include "scene/FontChoice.h"
 #include "style/FieldTable.h"
 #include "style/TextSettings.h"
 
@@ -147,7 +147,7 @@ void addTextOptions(CLI::App& app, StyleArguments& arguments, StyleOptions& opti
                              "Font file or family name (default: the system's sans-serif)", "FILE",
                              group, [](Style& style, const std::string& font) {
                                  style.font = font;
-                                 const auto file = asFontFile(font, {});
+                                 const auto file = gxtext::asFontFile(font, {});
                                  if (file && !style.folder().empty()) {
                                      style.font = std::filesystem::absolute(*file).string();
                                  }

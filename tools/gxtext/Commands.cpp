@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "ToolError.h"
+#include "scene/Renderer.h"
 
 namespace gxtool {
 
@@ -22,10 +23,20 @@ std::string printedJson(const nlohmann::ordered_json& value) {
     return value.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
 }
 
-void reportMissing(const Scene& scene, bool strict) {
-    if (scene.missing().empty()) return;
+void requireText(const Style& style) {
+    if (!style.text)
+        throw ToolError("there is no text; give --text or a style with a text", kUsage);
+}
+
+gxtext::Arrangement arrange(const Style& style) {
+    requireText(style);
+    return gxtext::Renderer(gxtext::FontSource::installed()).arrange(style);
+}
+
+void reportMissing(const gxtext::Arrangement& arrangement, bool strict) {
+    const std::vector<char32_t>& all = arrangement.missing;
+    if (all.empty()) return;
     constexpr size_t kMostListed = 20;
-    const std::vector<char32_t>& all = scene.missing();
     const size_t listed = std::min(all.size(), kMostListed);
     std::string message = "no font has ";
     message += formatCodePoints({all.begin(), all.begin() + static_cast<ptrdiff_t>(listed)});

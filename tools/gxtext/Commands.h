@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "Scene.h"
 #include "Style.h"
+#include "scene/Arrangement.h"
 
 namespace gxtool {
 
@@ -27,7 +27,12 @@ std::string formatCodePoints(const std::vector<char32_t>& codePoints);
 // Indented, with a final line break; file names that are no UTF-8 come out with replacement
 // characters.
 std::string printedJson(const nlohmann::ordered_json& value);
+// Throws a usage error for a style without a text.
+void requireText(const Style& style);
+// The style's text as it will lie in its picture, without drawing it. Throws a usage error for a
+// style without a text.
+gxtext::Arrangement arrange(const Style& style);
 // Warns on standard error of code points that no font has; throws when `strict`.
-void reportMissing(const Scene& scene, bool strict);
+void reportMissing(const gxtext::Arrangement& arrangement, bool strict);
 
 }  // namespace gxtool

@@ -9,24 +9,20 @@ namespace {
 
 using nlohmann::ordered_json;
 
-std::string fontsText(const Scene& scene) {
-    const auto coverage = scene.coverage();
+std::string fontsText(const gxtext::Arrangement& arrangement) {
     std::string text;
-    for (size_t i = 0; i < coverage.size(); i++) {
-        const FontFace& face = scene.fonts().faces[i];
+    for (const auto& [face, characters] : arrangement.fonts) {
         text += face.family + "\t" + face.file + "#" + std::to_string(face.index) + "\t" +
-                formatCodePoints(coverage[i]) + "\n";
+                formatCodePoints(characters) + "\n";
     }
     return text;
 }
 
-ordered_json fontsJson(const Scene& scene) {
-    const auto coverage = scene.coverage();
+ordered_json fontsJson(const gxtext::Arrangement& arrangement) {
     ordered_json fonts = ordered_json::array();
-    for (size_t i = 0; i < coverage.size(); i++) {
-        const FontFace& face = scene.fonts().faces[i];
+    for (const auto& [face, characters] : arrangement.fonts) {
         ordered_json codePoints = ordered_json::array();
-        for (const char32_t c : coverage[i]) codePoints.push_back(formatCodePoints({c}));
+        for (const char32_t c : characters) codePoints.push_back(formatCodePoints({c}));
         fonts.push_back({{"family", face.family},
                          {"file", face.file},
                          {"index", face.index},
@@ -41,9 +37,9 @@ ordered_json fontsJson(const Scene& scene) {
 }  // namespace
 
 void fontsCommand(const Style& style, bool asJson) {
-    const Scene scene(style);
-    reportMissing(scene, false);
-    writeOutput("-", asJson ? printedJson(fontsJson(scene)) : fontsText(scene));
+    const gxtext::Arrangement arrangement = arrange(style);
+    reportMissing(arrangement, false);
+    writeOutput("-", asJson ? printedJson(fontsJson(arrangement)) : fontsText(arrangement));
 }
 
 }  // namespace gxtool

@@ -5,6 +5,7 @@
 #include "Streams.h"
 #include "ToolError.h"
 #include "effect/GxEffect.h"
+#include "scene/Pattern.h"
 #include "style/EffectStack.h"
 
 namespace gxtool {
@@ -12,7 +13,7 @@ namespace gxtool {
 // The text fill takes part, as it does once a text is rendered.
 void keyCommand(const Style& style) {
     GxFontEffect::GxEffect stack;
-    gxtext::dress(stack, style, loadPattern);
+    gxtext::dress(stack, style, gxtext::loadPattern);
     stack.setTextOpacity(style.opacity);
     const std::unique_ptr<char[]> key(stack.getMapKey(style.color.argb));
     if (!key) throw ToolError("cannot make the key: out of memory");

@@ -8,27 +8,30 @@ namespace gxtool {
 
 namespace {
 
+using gxtext::Arrangement;
+using gxtext::Box;
+using gxtext::Line;
 using nlohmann::ordered_json;
 
 ordered_json boxJson(const Box& box) {
     return {{"left", box.left}, {"top", box.top}, {"right", box.right}, {"bottom", box.bottom}};
 }
 
-ordered_json sceneJson(const Scene& scene) {
+ordered_json arrangementJson(const Arrangement& arrangement) {
     ordered_json lines = ordered_json::array();
-    for (const SceneLine& line : scene.lines()) {
+    for (const Line& line : arrangement.lines) {
         lines.push_back({{"text", line.text},
-                         {"start", line.range.start},
-                         {"end", line.range.end},
-                         {"direction", line.range.rightToLeft ? "rtl" : "ltr"},
+                         {"start", line.start},
+                         {"end", line.end},
+                         {"direction", line.rightToLeft ? "rtl" : "ltr"},
                          {"x", line.x},
                          {"baseline", line.baseline},
                          {"advance", line.advance},
                          {"box", boxJson(line.box)},
                          {"ink", boxJson(line.ink)}});
     }
-    return {{"image", {{"width", scene.imageWidth()}, {"height", scene.imageHeight()}}},
-            {"margins", boxJson(scene.margins())},
+    return {{"image", {{"width", arrangement.width}, {"height", arrangement.height}}},
+            {"margins", boxJson(arrangement.margins)},
             {"lines", lines}};
 }
 
@@ -39,17 +42,17 @@ std::string boxText(const char* name, const Box& box) {
     return text;
 }
 
-std::string sceneText(const Scene& scene) {
+std::string arrangementText(const Arrangement& arrangement) {
     char line[160];
-    const Box& margins = scene.margins();
+    const Box& margins = arrangement.margins;
     snprintf(line, sizeof(line), "image %dx%d\nmargins left %d top %d right %d bottom %d\n",
-             scene.imageWidth(), scene.imageHeight(), margins.left, margins.top, margins.right,
+             arrangement.width, arrangement.height, margins.left, margins.top, margins.right,
              margins.bottom);
     std::string text = line;
-    for (size_t i = 0; i < scene.lines().size(); i++) {
-        const SceneLine& item = scene.lines()[i];
+    for (size_t i = 0; i < arrangement.lines.size(); i++) {
+        const Line& item = arrangement.lines[i];
         snprintf(line, sizeof(line), "line %zu %s x %d baseline %d advance %g", i + 1,
-                 item.range.rightToLeft ? "rtl" : "ltr", item.x, item.baseline,
+                 item.rightToLeft ? "rtl" : "ltr", item.x, item.baseline,
                  static_cast<double>(item.advance));
         text += line + boxText("box", item.box) + boxText("ink", item.ink) + " " + item.text + "\n";
     }
@@ -59,9 +62,10 @@ std::string sceneText(const Scene& scene) {
 }  // namespace
 
 void measureCommand(const Style& style, bool asJson) {
-    const Scene scene(style);
-    reportMissing(scene, false);
-    writeOutput("-", asJson ? printedJson(sceneJson(scene)) : sceneText(scene));
+    const Arrangement arrangement = arrange(style);
+    reportMissing(arrangement, false);
+    writeOutput("-",
+                asJson ? printedJson(arrangementJson(arrangement)) : arrangementText(arrangement));
 }
 
 }  // namespace gxtool

@@ -7,11 +7,13 @@
 #include <cstring>
 #include <filesystem>
 
-#include "FileIo.h"
 #include "ToolError.h"
 #include "base/Descriptor.h"
+#include "scene/FileIo.h"
 
 namespace gxtool {
+
+using namespace gxtext;
 
 void reserveStandardStreams() {
     for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {

@@ -1,4 +1,4 @@
-#include "Measurer.h"
+#include "scene/Measurer.h"
 
 #include <hwui/MinikinUtils.h>
 #include <minikin/FontFamily.h>
@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <iterator>
 
-namespace gxtool {
+namespace gxtext {
 
 namespace {
 
@@ -99,4 +99,4 @@ bool Measurer::covers(char32_t codePoint) const {
                        [&](char32_t c) { return has(static_cast<UChar32>(c)); });
 }
 
-}  // namespace gxtool
+}  // namespace gxtext

@@ -8,9 +8,9 @@
 #include <string_view>
 #include <vector>
 
-namespace gxtool {
+namespace gxtext {
 
-// UTF-8 to UTF-16. Throws ToolError for malformed input and for U+0000, which would end the text
+// UTF-8 to UTF-16. Throws TextError for malformed input and for U+0000, which would end the text
 // early; `name` says in the message where the text came from.
 std::u16string decodeUtf8(std::string_view utf8, const std::string& name);
 std::string encodeUtf8(std::u16string_view utf16);
@@ -44,4 +44,4 @@ struct TextMeasures {
 std::vector<TextLine> wrapText(std::u16string_view text, std::optional<float> width,
                                const std::string& locale, const TextMeasures& measures);
 
-}  // namespace gxtool
+}  // namespace gxtext

@@ -1,4 +1,4 @@
-#include "FileIo.h"
+#include "scene/FileIo.h"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -14,17 +14,17 @@
 #include <filesystem>
 #include <optional>
 
-#include "ToolError.h"
 #include "base/Descriptor.h"
+#include "scene/SceneError.h"
 
-namespace gxtool {
+namespace gxtext {
 
 namespace {
 
 using GxFontEffect::Descriptor;
 
 [[noreturn]] void failWith(const std::string& file, const char* task, int code) {
-    throw ToolError(std::string(task) + " " + file + ": " + strerror(code));
+    throw FileError(file, std::string(task) + ": " + strerror(code));
 }
 
 // After a failed transfer: whether to try again, once the descriptor is ready.
@@ -171,7 +171,7 @@ std::string readFile(const std::string& file, size_t limit) {
     struct stat status;
     if (!opened || fstat(opened.get(), &status) != 0) failWith(file, "cannot open", errno);
     if (S_ISDIR(status.st_mode)) failWith(file, "cannot read", EISDIR);
-    if (!S_ISREG(status.st_mode)) throw ToolError("cannot read " + file + ": not a regular file");
+    if (!S_ISREG(status.st_mode)) throw FileError(file, "cannot read: not a regular file");
     return readDescriptor(opened.get(), file, limit);
 }
 
@@ -200,7 +200,7 @@ std::string readDescriptor(int descriptor, const std::string& name, size_t limit
         }
         bytes.append(chunk, static_cast<size_t>(count));
         if (bytes.size() > limit) {
-            throw ToolError(name + " is longer than " + std::to_string(limit) + " bytes");
+            throw FileError(name, "too long", "up to " + std::to_string(limit) + " bytes");
         }
     }
     return bytes;
@@ -225,4 +225,4 @@ bool isDescriptorPath(const std::string& file) {
            file.starts_with("/dev/fd/") || file.starts_with("/proc/");
 }
 
-}  // namespace gxtool
+}  // namespace gxtext

@@ -1,4 +1,4 @@
-#include "Wrap.h"
+#include "scene/Wrap.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -8,13 +8,13 @@
 
 #include <algorithm>
 
-#include "Measurer.h"
-#include "ToolError.h"
+#include "scene/Measurer.h"
+#include "scene/SceneError.h"
 #include "support/Fonts.h"
 #include "support/Random.h"
 #include "support/TextMaker.h"
 
-namespace gxtool {
+namespace gxtext {
 namespace {
 
 // Each UTF-16 unit 10 pixels wide. Counts the units measured.
@@ -178,11 +178,11 @@ TEST(Utf8, RefusesWhatIsMalformed) {
     for (const std::string& bad :
          {std::string("a\xFF"), std::string("\xC3"), std::string("\xED\xA0\x80"),
           std::string("\xC0\x80"), std::string("a\0b", 3)}) {
-        EXPECT_THROW(decodeUtf8(bad, "the text"), ToolError);
+        EXPECT_THROW(decodeUtf8(bad, "the text"), SceneError);
     }
     EXPECT_EQ(decodeUtf8("a\u00E9\U0001F600", "t"), u"a\u00E9\U0001F600");
     EXPECT_THAT(codePoints(u"a\U0001F600"), testing::ElementsAre(U'a', U'\U0001F600'));
 }
 
 }  // namespace
-}  // namespace gxtool
+}  // namespace gxtext

@@ -1,13 +1,13 @@
-#include "PngIo.h"
+#include "scene/Png.h"
 
 #include <png.h>
 
 #include <bit>
 #include <memory>
 
-#include "ToolError.h"
+#include "scene/SceneError.h"
 
-namespace gxtool {
+namespace gxtext {
 
 namespace {
 
@@ -20,8 +20,8 @@ struct PngImage {
     PngImage& operator=(const PngImage&) = delete;
     ~PngImage() { png_image_free(&record); }
 
-    [[noreturn]] void fail(const std::string& task) const {
-        throw ToolError(task + ": " + record.message);
+    [[noreturn]] void fail(const std::string& place) const {
+        throw PictureError(place, record.message);
     }
 };
 
@@ -29,10 +29,20 @@ struct PngImage {
 constexpr png_uint_32 kWordFormat =
     std::endian::native == std::endian::little ? PNG_FORMAT_BGRA : PNG_FORMAT_ARGB;
 
+void checkPixels(const std::string& place, uint64_t width, uint64_t height, uint64_t limit) {
+    if (width * height <= limit) return;
+    throw PictureError(place, std::to_string(width) + " x " + std::to_string(height) + " pixels",
+                       "up to " + std::to_string(limit) + " in all");
+}
+
 }  // namespace
 
+void checkPictureSize(const std::string& place, uint64_t width, uint64_t height) {
+    checkPixels(place, width, height, kMaxPixels);
+}
+
 std::string encodePng(const uint32_t* pixels, uint32_t width, uint32_t height) {
-    if (!pixels || width == 0 || height == 0) throw ToolError("the picture has no pixels");
+    if (!pixels || width == 0 || height == 0) throw PictureError("the picture", "no pixels");
     PngImage image;
     image.record.width = width;
     image.record.height = height;
@@ -41,7 +51,7 @@ std::string encodePng(const uint32_t* pixels, uint32_t width, uint32_t height) {
     png_alloc_size_t size = PNG_IMAGE_PNG_SIZE_MAX(image.record);
     const std::unique_ptr<char[]> bytes(new char[size]);
     if (!png_image_write_to_memory(&image.record, bytes.get(), &size, 0, pixels, 0, nullptr)) {
-        image.fail("cannot encode the picture");
+        image.fail("the picture");
     }
     return std::string(bytes.get(), size);
 }
@@ -54,11 +64,7 @@ Image decodePng(std::string_view bytes, const std::string& name) {
     Image image;
     image.width = source.record.width;
     image.height = source.record.height;
-    if (uint64_t{image.width} * image.height > kMaxReadPixels) {
-        throw ToolError(name + ": " + std::to_string(image.width) + " x " +
-                        std::to_string(image.height) + " pixels are too many; at most " +
-                        std::to_string(kMaxReadPixels) + " are possible");
-    }
+    checkPixels(name, image.width, image.height, kMaxReadPixels);
     source.record.format = kWordFormat;
     image.pixels.resize(size_t{image.width} * image.height);
     if (!png_image_finish_read(&source.record, nullptr, image.pixels.data(), 0, nullptr)) {
@@ -67,4 +73,4 @@ Image decodePng(std::string_view bytes, const std::string& name) {
     return image;
 }
 
-}  // namespace gxtool
+}  // namespace gxtext

@@ -1,4 +1,4 @@
-#include "Wrap.h"
+#include "scene/Wrap.h"
 
 #include <unicode/ubidi.h>
 #include <unicode/ubrk.h>
@@ -11,9 +11,9 @@
 #include <cmath>
 #include <memory>
 
-#include "ToolError.h"
+#include "scene/SceneError.h"
 
-namespace gxtool {
+namespace gxtext {
 
 namespace {
 
@@ -42,7 +42,8 @@ Breaks findBreaks(UBreakIteratorType type, std::u16string_view text, const std::
     const std::unique_ptr<UBreakIterator, BreakCloser> iterator(
         ubrk_open(type, firstLocale(locale).c_str(), text.data(), static_cast<int32_t>(text.size()),
                   &status));
-    if (U_FAILURE(status)) throw ToolError(std::string("no line breaking: ") + u_errorName(status));
+    if (U_FAILURE(status))
+        throw TextError("the text", std::string("no line breaking: ") + u_errorName(status));
     Breaks breaks;
     for (int32_t at = ubrk_next(iterator.get()); at != UBRK_DONE; at = ubrk_next(iterator.get())) {
         breaks.all.push_back(at);
@@ -223,10 +224,10 @@ std::u16string decodeUtf8(std::string_view utf8, const std::string& name) {
     UErrorCode status = U_ZERO_ERROR;
     u_strFromUTF8(text.data(), static_cast<int32_t>(text.size()), &length, utf8.data(),
                   static_cast<int32_t>(utf8.size()), &status);
-    if (status == U_INVALID_CHAR_FOUND) throw ToolError(name + " is not valid UTF-8");
-    if (U_FAILURE(status)) throw ToolError(name + ": " + u_errorName(status));
+    if (status == U_INVALID_CHAR_FOUND) throw TextError(name, "not valid UTF-8");
+    if (U_FAILURE(status)) throw TextError(name, u_errorName(status));
     text.resize(static_cast<size_t>(length));
-    if (text.find(u'\0') != std::u16string::npos) throw ToolError(name + " contains U+0000");
+    if (text.find(u'\0') != std::u16string::npos) throw TextError(name, "U+0000 in it");
     return text;
 }
 
@@ -256,4 +257,4 @@ std::vector<TextLine> wrapText(std::u16string_view text, std::optional<float> wi
     return Wrapper(text, width, locale, measures).run();
 }
 
-}  // namespace gxtool
+}  // namespace gxtext

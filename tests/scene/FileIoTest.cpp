@@ -1,4 +1,4 @@
-#include "FileIo.h"
+#include "scene/FileIo.h"
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -12,7 +12,7 @@
 #include <csignal>
 #include <thread>
 
-#include "ToolError.h"
+#include "scene/SceneError.h"
 #include "support/TempFolder.h"
 
 namespace {
@@ -29,7 +29,7 @@ extern "C" int __wrap_linkat(int folder, const char* path, int newFolder, const 
 }
 // NOLINTEND(bugprone-reserved-identifier)
 
-namespace gxtool {
+namespace gxtext {
 namespace {
 
 std::vector<std::string> namesIn(const gxtest::TempFolder& folder) {
@@ -94,10 +94,10 @@ TEST_P(FileIo, AReplacedFileKeepsItsPermissionsAndItsLinks) {
     EXPECT_EQ(modeOf(folder.path("made.png")), 0640u);
 
     std::filesystem::create_symlink("loop.png", folder.path("loop.png"));
-    EXPECT_THROW(writeFile(folder.path("loop.png"), "x"), ToolError);
+    EXPECT_THROW(writeFile(folder.path("loop.png"), "x"), SceneError);
     EXPECT_THAT(namesIn(folder), testing::UnorderedElementsAre("out.png", "link.png", "made.png",
                                                                "dangling.png", "loop.png"));
 }
 
 }  // namespace
-}  // namespace gxtool
+}  // namespace gxtext

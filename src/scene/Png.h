@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-namespace gxtool {
+namespace gxtext {
 
 // 0xAARRGGBB words, straight alpha, rows packed, width x height of them.
 struct Image {
@@ -25,13 +25,16 @@ constexpr uint64_t kMaxReadPixels = uint64_t{1} << 24;
 // Longest file of one.
 constexpr size_t kMaxImageBytes = size_t{64} << 20;
 
+// Throws PictureError for more than kMaxPixels. Sides are below 2^32.
+void checkPictureSize(const std::string& place, uint64_t width, uint64_t height);
+
 // The file's bytes: RGBA, no timestamp or text, the same for the same pixels. `pixels` holds width
-// x height words. Throws ToolError when the encoder runs out of memory and for an empty picture.
+// x height words. Throws PictureError when the encoder runs out of memory and for an empty picture.
 std::string encodePng(const uint32_t* pixels, uint32_t width, uint32_t height);
 
 // Any PNG, converted to 8-bit RGBA row by row: no more memory than the answer and a few rows.
-// `name` is for messages. Throws ToolError for bytes that are no PNG, truncated or damaged files,
-// and more than kMaxReadPixels.
+// `name` is for messages. Throws PictureError for bytes that are no PNG, truncated or damaged
+// files, and more than kMaxReadPixels.
 Image decodePng(std::string_view bytes, const std::string& name);
 
-}  // namespace gxtool
+}  // namespace gxtext

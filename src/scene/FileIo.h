@@ -5,9 +5,9 @@
 #include <string>
 #include <string_view>
 
-namespace gxtool {
+namespace gxtext {
 
-// All bytes of a regular file; of nothing else, since a pipe may never give any. Throws ToolError
+// All bytes of a regular file; of nothing else, since a pipe may never give any. Throws FileError
 // when it cannot be read or is longer than `limit`.
 std::string readFile(const std::string& file, size_t limit);
 
@@ -19,7 +19,7 @@ std::string readFile(const std::string& file, size_t limit);
 // the calling thread wait then, and only what cannot wait (SIGKILL, a crash) leaves it behind.
 //
 // What cannot be replaced is written to: devices, pipes, and whatever /dev/stdout and the like
-// stand for. Throws ToolError when not everything could be written, and for an old file without
+// stand for. Throws FileError when not everything could be written, and for an old file without
 // permission to write.
 void writeFile(const std::string& file, std::string_view bytes);
 
@@ -31,4 +31,4 @@ void writeDescriptor(int descriptor, const std::string& name, std::string_view b
 // Whether the path stands for a descriptor of the process, as /dev/stdin and /dev/fd/3 do.
 bool isDescriptorPath(const std::string& file);
 
-}  // namespace gxtool
+}  // namespace gxtext

@@ -10,9 +10,9 @@
 #include <string>
 #include <vector>
 
-#include "Wrap.h"
+#include "scene/Wrap.h"
 
-namespace gxtool {
+namespace gxtext {
 
 // Pixels; boxes are relative to the line's left end and baseline, y downwards.
 struct LineMetrics {
@@ -55,4 +55,4 @@ private:
     std::vector<int32_t> lineBreaks_;                        // LF and CR in text_
 };
 
-}  // namespace gxtool
+}  // namespace gxtext
