@@ -359,8 +359,7 @@ jboolean GxText_SetPaint(JNIEnv* env, jobject self, jobject javaPaint) {
     CopyLocales(env, calls, paint);
     CopyAlign(env, calls, paint);
     if (calls.Failed()) return false;
-    text->SetPaint(paint);
-    return true;
+    return text->SetPaint(paint);
 }
 
 jboolean GxText_SetView(JNIEnv* env, jobject self, jobject javaView) {

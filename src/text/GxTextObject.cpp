@@ -565,9 +565,9 @@ const android::Paint& GxTextObject::paint() const {
     return *impl->paint;
 }
 
-void GxTextObject::SetPaint(android::Paint& paint) {
-    if (!requireConstructed(730)) return;
-    withoutThrowing(kSitePaintNoMemory, [&] {
+bool GxTextObject::SetPaint(android::Paint& paint) {
+    if (!requireConstructed(730)) return false;
+    return withoutThrowing(kSitePaintNoMemory, [&] {
         impl->paint = std::make_unique<const android::Paint>(paint);
         return true;
     });

@@ -117,8 +117,8 @@ public:
 
     // A copy; of a default paint before Construct and when memory runs out (error 7).
     android::Paint GetPaint() const;
-    // Keeps the earlier paint when memory runs out (error 7).
-    void SetPaint(android::Paint& paint);
+    // False, and the earlier paint kept, when memory runs out (error 7).
+    bool SetPaint(android::Paint& paint);
 
     // 0xAARRGGBB boxes behind each line, drawn when enabled.
     void SetBackgroundColor(uint32_t color, bool enabled);
