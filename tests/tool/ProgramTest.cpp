@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <fstream>
 #include <iterator>
 #include <nlohmann/json.hpp>
@@ -340,6 +341,21 @@ TEST(Program, OpacityMultipliesTheColoursAlpha) {
     uint32_t strongest = 0;
     for (const uint32_t pixel : image.pixels) strongest = std::max(strongest, pixel >> 24);
     EXPECT_EQ(strongest, 0x60u);
+}
+
+TEST(Program, TheEnvironmentChangesNoPicture) {
+    // Letters joined to one cluster are not spaced.
+    const std::string style =
+        R"({"text": "\u0D30\u0D4D\u200D\u0D15", "letterSpacing": 0.2, "font": ")" +
+        fontPath("truetype/noto/NotoSansMalayalam-Regular.ttf") + R"("})";
+    const Outcome plain = runGxtext({"render", "-"}, style);
+    EXPECT_GT(countInk(picture(plain)), 100);
+    setenv("HB_OPTIONS", "uniscribe-bug-compatible", 1);
+    setenv("HB_SHAPER_LIST", "fallback", 1);
+    const Outcome other = runGxtext({"render", "-"}, style);
+    unsetenv("HB_OPTIONS");
+    unsetenv("HB_SHAPER_LIST");
+    EXPECT_EQ(other.out, plain.out);
 }
 
 TEST(Program, PicturesAreAsLargeAsMeasured) {
