@@ -147,7 +147,7 @@ int reliefMargin(const GxBevelProperty* record, ReliefPlace place) {
     return record ? static_cast<int>(ReliefShape(*record, place).margin) : 0;
 }
 
-void renderRelief(const GxECore::ParamPostProcessing* param, const GxBevelProperty* record,
+void renderRelief(GxECore::ParamPostProcessing* param, const GxBevelProperty* record,
                   ReliefPlace place) {
     const TextMask text(param);
     if (!record || !text.isValid()) return;

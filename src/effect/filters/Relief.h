@@ -11,7 +11,7 @@ namespace GxFontEffect {
 int reliefMargin(const GxBevelProperty* record, ReliefPlace place);
 
 // The whole of a relief's doPostProcessing.
-void renderRelief(const GxECore::ParamPostProcessing* param, const GxBevelProperty* record,
+void renderRelief(GxECore::ParamPostProcessing* param, const GxBevelProperty* record,
                   ReliefPlace place);
 
 }  // namespace GxFontEffect

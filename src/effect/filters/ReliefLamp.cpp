@@ -24,7 +24,7 @@ constexpr std::array<int32_t, 91> makeSines() {
             sine += term;
             term *= -angle * angle / ((n + 1) * (n + 2));
         }
-        sines[i] = static_cast<int32_t>(sine * kOne + 0.5);
+        sines[i] = toInt(sine * kOne + 0.5);
     }
     return sines;
 }

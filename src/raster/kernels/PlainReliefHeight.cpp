@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "raster/GxMath.h"
 #include "raster/kernels/ReliefHeight.h"
 
 namespace GxFontEffect::kernels {
@@ -35,7 +36,7 @@ void distanceRow(const ContourPlanes& planes, const ReliefSlope& slope, int64_t 
         const bool isInside = planes.coverage[y * planes.width + x] >= kInsideCoverage;
         const int32_t reach = isInside ? slope.reachInside() : slope.reachOutside();
         const auto square = static_cast<float>(nearestPoint(planes, x, y, reach));
-        const auto distance = static_cast<int32_t>(std::sqrt(square) * 2.0f + 0.5f);
+        const int32_t distance = toInt(std::sqrt(square) * 2.0f + 0.5f);
         row[x] = isInside ? distance : -distance;
     }
 }
