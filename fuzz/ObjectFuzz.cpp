@@ -139,10 +139,15 @@ void addEffect(FuzzedDataProvider& input, GxEffect& effect) {
             effect.addPatternText(input.ConsumeBool() ? &pattern : nullptr, size, opacity);
             break;
         }
-        case 8:
-            effect.addBevelText(1, size, size, 1, 1, 1, opacity, size, size, color, opacity, color,
-                                opacity);
+        case 8: {
+            const auto choice = [&](uint32_t place, uint32_t values) {
+                return static_cast<int>((color >> place) % values);
+            };
+            const auto add = choice(0, 2) == 0 ? &GxEffect::addBevelText : &GxEffect::addEmbossText;
+            (effect.*add)(choice(1, 2), size, size, choice(2, 3), choice(8, 2), choice(9, 17),
+                          opacity, size, size, color, opacity, color, opacity);
             break;
+        }
         default:
             effect.addText(color, opacity);
     }
