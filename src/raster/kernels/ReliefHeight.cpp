@@ -92,8 +92,10 @@ public:
     static constexpr int64_t kSpan = kMaxSteps + 2 * kLanes * kBlock;
     static constexpr int64_t kCells = 2 * kSpan + kLanes;
 
+    explicit GapTable(int32_t* cells) : middle(cells + kSpan) {}
+
     // Steps of 0 to `free` count as none.
-    GapTable(int32_t* cells, int64_t free) : middle(cells + kSpan) {
+    void fill(int64_t free) const {
         for (int64_t i = -kSpan; i < kSpan + kLanes; ++i) {
             middle[i] = squareOfSteps(i < 0 ? i : std::max<int64_t>(i - free, 0));
         }
@@ -103,7 +105,7 @@ public:
     HWY_INLINE Wholes from(int64_t steps) const { return loadWholes(middle + steps); }
 
 private:
-    int32_t* middle;
+    int32_t* const middle;
 };
 
 // Squared distances to the nearest points of a group of cells.
@@ -149,14 +151,17 @@ public:
           atLast(atFirst + contour.width / kGroup * rowBlocks.stride()),
           rowGaps(atLast + contour.width / kGroup * rowBlocks.stride()),
           columnGaps(rowGaps + rowBlocks.stride()),
-          steps(columnGaps + kColumnGaps, 0),
-          stepsToBlock(columnGaps + kColumnGaps + GapTable::kCells, kBlock - 1) {
+          steps(columnGaps + kColumnGaps),
+          stepsToBlock(columnGaps + kColumnGaps + GapTable::kCells) {
         std::fill_n(scratch, kMaxSteps, kFarthest * kFarthest);
         std::fill_n(columns + planes.width, kMaxSteps, kFarthest * kFarthest);
         if (!goesFar) return;
         columnBlocks.close(0);
-        for (int64_t i = 0; i < kColumnGaps; ++i)
+        steps.fill(0);
+        stepsToBlock.fill(kBlock - 1);
+        for (int64_t i = 0; i < kColumnGaps; ++i) {
             columnGaps[i] = gapTo(i - kColumnGaps / 2, 0, kGroup);
+        }
         for (int64_t x = 0; x < planes.width; x += kGroup) summarizeRows(x);
     }
 
