@@ -155,7 +155,7 @@ void renderRelief(GxECore::ParamPostProcessing* param, const GxBevelProperty* re
     if (!shape.isVisible()) return;
     const Geometry geometry(text, shape);
     const Planes planes(geometry);
-    if (!planes) return;
+    if (!isAllocated(*param, planes)) return;
     const int64_t width = geometry.width;
 
     // 1. The contour.
