@@ -1,4 +1,4 @@
-# What is installed, component by component; each line of them is tested from an installed tree (tests/installed).
+# What is installed, component by component; each line of them is tested from an installed tree (tests/consumer).
 include(GxComponents)
 
 set(modules "")
