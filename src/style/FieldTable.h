@@ -16,6 +16,9 @@
 
 namespace gxtext {
 
+// The shortest decimal of the float nearest to the value, whatever the process's locale.
+GXTEXT_API std::string shortText(double value);
+
 // Closed interval.
 struct GXTEXT_API Range {
     double min = 0;

@@ -1,19 +1,11 @@
 // All lengths of a style, multiplied.
 #include <cmath>
-#include <cstdio>
 
 #include "style/FieldTable.h"
 
 namespace gxtext {
 
 namespace {
-
-// 1.5 as "1.5", 3 as "3".
-std::string shortText(double value) {
-    char text[32];
-    snprintf(text, sizeof(text), "%g", value);
-    return text;
-}
 
 class Scaling {
 public:

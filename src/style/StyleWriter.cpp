@@ -1,7 +1,5 @@
 // From a style to JSON.
-#include <charconv>
 #include <cmath>
-#include <cstdlib>
 #include <type_traits>
 
 #include "style/StyleJson.h"
@@ -105,9 +103,7 @@ ordered_json writeObject(const Effect& effect) {
 ordered_json shortestNumber(float value) {
     if (!std::isfinite(value)) return nullptr;
     if (std::trunc(value) == value && std::fabs(value) < 1e9f) return static_cast<int>(value);
-    char digits[32];
-    *std::to_chars(digits, digits + sizeof(digits) - 1, value).ptr = '\0';
-    return std::strtod(digits, nullptr);
+    return ordered_json::parse(shortText(static_cast<double>(value)));
 }
 
 ordered_json initialJson(const Initial& initial) {
