@@ -37,7 +37,7 @@ minikin::Layout MinikinUtils::doLayout(const Paint* paint, minikin::Bidi bidiFla
                                        size_t bufSize, size_t start, size_t count,
                                        size_t contextStart, size_t contextCount,
                                        minikin::MeasuredText* mt) {
-    if (!paint || !buf) return minikin::Layout();
+    if (!paint || !buf) return {{}, {0, 0}, bidiFlags, minikin::MinikinPaint(nullptr)};
     bufSize = std::min(bufSize, kMaxTextLength);
     contextStart = std::min(contextStart, bufSize);
     contextCount = std::min(contextCount, bufSize - contextStart);

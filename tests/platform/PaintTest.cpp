@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <type_traits>
+#include <utility>
 #include <vector>
 
 #include "hwui/MinikinUtils.h"
@@ -14,6 +16,13 @@ using android::MinikinFontSkia;
 using android::MinikinUtils;
 using android::Paint;
 using minikin::FontFakery;
+
+// Callers must do with what the platform's headers have.
+static_assert(!std::is_default_constructible_v<minikin::Layout>);
+static_assert(
+    std::is_same_v<decltype(std::declval<Paint&>().getFontFeatureSettings()), std::string>);
+static_assert(std::is_same_v<decltype(std::declval<Paint&>().getAndroidTypeface()),
+                             const android::Typeface*>);
 
 TEST(PaintTest, EachJavaFlagDrivesItsSetting) {
     const struct {

@@ -47,7 +47,7 @@ public:
     void setFontFeatureSettings(const std::string& fontFeatureSettings) {
         mFontFeatureSettings = fontFeatureSettings;
     }
-    const std::string& getFontFeatureSettings() const { return mFontFeatureSettings; }
+    std::string getFontFeatureSettings() const { return mFontFeatureSettings; }
 
     void setMinikinLocaleListId(uint32_t minikinLocaleListId) {
         mMinikinLocaleListId = minikinLocaleListId;
@@ -68,7 +68,6 @@ public:
     // Borrowed.
     void setAndroidTypeface(Typeface* typeface) { mTypeface = typeface; }
     const Typeface* getAndroidTypeface() const { return mTypeface; }
-    Typeface* getAndroidTypeface() { return mTypeface; }
 
     // Decorations of drawing; no effect on glyphs.
     void setStrikeThru(bool strikeThru) { mStrikeThru = strikeThru; }

@@ -50,7 +50,6 @@ struct LayoutGlyph {
 // layout. Not to be changed from two threads at once; reading is free.
 class Layout {
 public:
-    Layout() = default;
     // Lays out `range` of `text`; the text around it takes part in bidi and shaping. What of the
     // range lies outside the text is cut off.
     Layout(const U16StringPiece& text, const Range& range, Bidi bidiFlags,
