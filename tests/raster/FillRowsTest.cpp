@@ -87,8 +87,8 @@ protected:
         const auto half = [&](int64_t first, size_t extent) {
             return static_cast<float>(first + static_cast<int64_t>(extent)) * 0.5f;
         };
-        fill.centreX = half(fill.firstColumn, width);
-        fill.centreY = half(fill.firstRow, height);
+        fill.centreX = centre != 0 ? centre : half(fill.firstColumn, width);
+        fill.centreY = centre != 0 ? 0 : half(fill.firstRow, height);
         SCOPED_TRACE("steps " + std::to_string(steps.x) + ", " + std::to_string(steps.y));
         const auto on = [&](const BlendArea& area) {
             GradientFill placed = fill;
@@ -110,6 +110,8 @@ protected:
         const float step = static_cast<float>(random.between(-1000 * extent, 1000 * extent));
         return step * 0.001f;
     }
+
+    float centre = 0;  // if not 0: of the columns, and 0 of the rows
 };
 
 TEST_P(GradientRows, EqualTheFormulaAtEveryWidth) {
@@ -133,6 +135,14 @@ TEST_P(GradientRows, TakeAnySteps) {
     for (const float x : odd) {
         for (const float y : odd) {
             checkGradients(70, 5, {x, y});
+            if (HasFatalFailure()) return;
+        }
+    }
+    // The square of what lies between column 0 and the centre is a subnormal number.
+    centre = 1.08e-19f;
+    for (const float step : {1.0f, 1e14f, 1e19f, 9.9e19f}) {
+        for (int i = 0; i < 8; ++i) {
+            checkGradients(9, 1, {step, 0});
             if (HasFatalFailure()) return;
         }
     }

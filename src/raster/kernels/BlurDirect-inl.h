@@ -182,8 +182,8 @@ private:
 
     static HWY_INLINE V16 products(V8 weights, V8 cells) {
 #if HWY_TARGET == HWY_NEON
-        return V16(vpaddq_u16(vmull_u8(vget_low_u8(cells.raw), vget_low_u8(weights.raw)),
-                              vmull_u8(vget_high_u8(cells.raw), vget_high_u8(weights.raw))));
+        return sumsOfPairs(V16(vmull_u8(vget_low_u8(cells.raw), vget_low_u8(weights.raw))),
+                           V16(vmull_u8(vget_high_u8(cells.raw), vget_high_u8(weights.raw))));
 #elif HWY_TARGET == HWY_AVX2
         return V16{_mm256_maddubs_epi16(weights.raw, cells.raw)};
 #else

@@ -52,6 +52,20 @@ HWY_INLINE V8 narrow(V16 lower, V16 upper) {
 #endif
 }
 
+#if HWY_TARGET == HWY_NEON
+
+// Sums of neighbouring lanes, those of `a` first; they may wrap.
+HWY_INLINE V16 sumsOfPairs(V16 a, V16 b) {
+#if HWY_ARCH_ARM_A64
+    return V16(vpaddq_u16(a.raw, b.raw));
+#else
+    return V16(vcombine_u16(vpadd_u16(vget_low_u16(a.raw), vget_high_u16(a.raw)),
+                            vpadd_u16(vget_low_u16(b.raw), vget_high_u16(b.raw))));
+#endif
+}
+
+#endif
+
 // floor(a / S) for 0 <= a <= 255 S.
 //
 // Up to a sum S of 2^14, a + 0.5 is exact in single precision, and at least 0.5 / S away from S

@@ -37,9 +37,10 @@ HWY_INLINE int32_t weightStep(const BlurWeights& weights, int64_t t) {
 HWY_INLINE S16 addProducts(S16 total, V8 cells, V32 taps) {
     const int8x16_t a = vreinterpretq_s8_u8(veorq_u8(cells.raw, vdupq_n_u8(0x80)));
     const int8x16_t b = vreinterpretq_s8_u32(taps.raw);
-    const int16x8_t low = vmull_s8(vget_low_s8(a), vget_low_s8(b));
-    const int16x8_t high = vmull_s8(vget_high_s8(a), vget_high_s8(b));
-    return S16(vaddq_s16(total.raw, vpaddq_s16(low, high)));
+    const S16 low(vmull_s8(vget_low_s8(a), vget_low_s8(b)));
+    const S16 high(vmull_s8(vget_high_s8(a), vget_high_s8(b)));
+    const V16 sums = sumsOfPairs(hn::BitCast(d16, low), hn::BitCast(d16, high));
+    return hn::Add(total, hn::BitCast(dSigned16, sums));
 }
 
 #elif HWY_TARGET == HWY_AVX2

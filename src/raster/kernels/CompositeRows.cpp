@@ -64,8 +64,9 @@ struct FadeAndUnpremultiply {
     }
 
     // Below the clamp the exact quotient is at most 256, so product and sum are off by less than
-    // 2^-14, and a quotient that is not whole lies 1/255 or more under the next whole number.
-    // Adding 2^-10 therefore lifts whole quotients over the rounding and never passes the next.
+    // 2^-12, also with the ratio of 32-bit ARM, which is an approximation, and a quotient that is
+    // not whole lies 1/255 or more under the next whole number. Adding 2^-10 therefore lifts whole
+    // quotients over the rounding and never passes the next.
     static HWY_INLINE V32 quotient(V32 c, Numbers ratio) {
         const Numbers product = hn::Mul(hn::ConvertTo(dNumber, hn::BitCast(dWhole, c)), ratio);
         const Numbers lifted = hn::Add(product, hn::Set(dNumber, 0x1p-10f));

@@ -18,6 +18,7 @@
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
+#include "raster/kernels/ExactFloat-inl.h"
 #include "raster/kernels/PixelVector-inl.h"
 
 HWY_BEFORE_NAMESPACE();
@@ -72,7 +73,7 @@ struct AroundCentre {
     Numbers step;
     Numbers squareOfRow;
     HWY_INLINE Numbers operator()(Numbers squareOfColumn) const {
-        return hn::Mul(step, hn::Sqrt(hn::Add(squareOfRow, squareOfColumn)));
+        return hn::Mul(step, exactRoot(hn::Add(squareOfRow, squareOfColumn)));
     }
 };
 
@@ -225,8 +226,9 @@ HWY_EXPORT(radialRows);
 namespace {
 
 // Below it no sum of products over 32-bit columns and rows leaves the range of floats, and none of
-// the vectors' clamps meets something that is not a number.
-constexpr float kLargestStep = 1e20f;
+// the vectors' clamps meets something that is not a number. Squares of 2^-100 or less give entry 0:
+// vectors of 32-bit ARM take those below 2^-126 for 0.
+constexpr float kLargestStep = 0x1p50f;
 
 bool isSmall(float step) {
     return std::abs(step) < kLargestStep;  // not if it is not a number

@@ -29,6 +29,15 @@ std::string nameOf(int64_t target) {
     return plain ? "plain" : hwy::TargetName(target);
 }
 
+// Best first. What the compiler may use anywhere is there, whatever Highway finds: Debian's for
+// 32-bit ARM never finds NEON.
+std::vector<int64_t> usableTargets() {
+    std::vector<int64_t> targets;
+    int64_t rest = (hwy::SupportedTargets() & HWY_TARGETS) | HWY_STATIC_TARGET;
+    for (; rest != 0; rest &= rest - 1) targets.push_back(rest & -rest);
+    return targets;
+}
+
 bool mayLookForShortcuts = true;
 
 }  // namespace
@@ -43,9 +52,7 @@ void setLooksForShortcuts(bool looks) {
 
 std::vector<std::string> simdTargetNames() {
     std::vector<std::string> names;
-    for (const int64_t target : hwy::SupportedAndGeneratedTargets()) {
-        names.push_back(nameOf(target));
-    }
+    for (const int64_t target : usableTargets()) names.push_back(nameOf(target));
     return names;
 }
 
@@ -55,7 +62,7 @@ std::string simdTargetName() {
 
 void forceSimdTarget(const std::string& name) {
     hwy::SetSupportedTargetsForTest(0);
-    for (const int64_t target : hwy::SupportedAndGeneratedTargets()) {
+    for (const int64_t target : usableTargets()) {
         if (nameOf(target) == name) hwy::SetSupportedTargetsForTest(target);
     }
     hwy::GetChosenTarget().DeInit();
