@@ -14,6 +14,15 @@ using nlohmann::json;
 
 constexpr size_t kLongestShown = 40;
 
+// Cut between characters.
+std::string shortened(std::string text, size_t longest) {
+    if (text.size() <= longest) return text;
+    size_t end = longest;
+    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) end--;
+    text.resize(end);
+    return text + "...";
+}
+
 std::string lineAndColumn(std::string_view text, size_t offset) {
     const std::string_view before = text.substr(0, offset);
     const auto line = 1 + std::count(before.begin(), before.end(), '\n');
@@ -49,10 +58,14 @@ public:
     }
     // `what` begins with "[json.exception.parse_error.101] ".
     bool parse_error(size_t /*offset*/, const std::string& token, const json::exception& error) {
-        if (error.id == kNumberOverflow) fail(token + " is too large for a number");
+        constexpr size_t kLongestReason = 300;
+        if (error.id == kNumberOverflow) {
+            fail(shortened(token, kLongestShown) + " is too large for a number");
+        }
         const std::string what = error.what();
         const size_t bracket = what.find("] ");
-        fail(bracket == std::string::npos ? what : what.substr(bracket + 2));
+        fail(shortened(bracket == std::string::npos ? what : what.substr(bracket + 2),
+                       kLongestReason));
     }
 
 private:
@@ -145,8 +158,10 @@ std::string shown(const JsonValue& value) {
     std::string text = "null";
     if (const auto* boolean = value.as<bool>()) text = *boolean ? "true" : "false";
     if (const auto* number = value.as<JsonNumber>()) text = number->text;
-    if (const auto* string = value.as<std::string>()) text = json(*string).dump(-1, ' ', true);
-    return text.size() > kLongestShown ? text.substr(0, kLongestShown) + "..." : text;
+    if (const auto* string = value.as<std::string>()) {
+        text = json(*string).dump(-1, ' ', true, json::error_handler_t::replace);
+    }
+    return shortened(std::move(text), kLongestShown);
 }
 
 }  // namespace gxtext

@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "style/JsonTree.h"
+
 namespace gxtext {
 
 namespace {
@@ -37,14 +39,6 @@ std::vector<std::string_view> split(std::string_view text, char separator) {
         if (end == std::string_view::npos) return parts;
         text.remove_prefix(end + 1);
     }
-}
-
-// For a message: what was written may be long.
-std::string quoted(std::string_view text) {
-    constexpr size_t kLongest = 40;
-    std::string result("\"");
-    result.append(text.substr(0, kLongest)).append(text.size() > kLongest ? "...\"" : "\"");
-    return result;
 }
 
 // One feature, taken apart from the front.
@@ -170,7 +164,8 @@ std::optional<std::string> checkFontFeatures(std::string_view features) {
     if (features.empty()) return std::nullopt;
     for (const std::string_view feature : split(features, ',')) {
         if (!FeatureParser(feature).parse()) {
-            return quoted(feature) + " is not an OpenType feature ('smcp' on, kern=0, -liga)";
+            return shown({std::string(feature)}) +
+                   " is not an OpenType feature ('smcp' on, kern=0, -liga)";
         }
     }
     return std::nullopt;
@@ -180,7 +175,7 @@ std::optional<std::string> checkLocale(std::string_view tags) {
     if (tags.empty()) return std::nullopt;
     for (const std::string_view tag : split(tags, ',')) {
         if (!TagParser(tag).parse())
-            return quoted(tag) + " is not a BCP 47 tag (sr-Cyrl, zh-Hant-TW)";
+            return shown({std::string(tag)}) + " is not a BCP 47 tag (sr-Cyrl, zh-Hant-TW)";
     }
     return std::nullopt;
 }

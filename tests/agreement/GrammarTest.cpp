@@ -25,7 +25,7 @@ TEST(Grammar, FontFeaturesAreThoseThatTheShaperTakes) {
     GX_TRACE_SEED(random);
     const std::vector<std::string> parts{
         "kern", "ss01", "a", "'",          "\"",         "+", "-", "=", " ", "on",
-        "OFF",  "1",    "0", "4294967295", "4294967296", "_", "[", "]", ":", "\xC3\xA9"};
+        "OFF",  "1",    "0", "4294967295", "4294967296", "_", "[", "]", ":", "\xC3"};
     int accepted = 0;
     for (int i = 0; i < 200000; i++) {
         const std::string text = randomText(random, parts);

@@ -227,6 +227,12 @@ TEST(Style, LimitsWhatIsReadAndReported) {
     for (int i = 1; i < 257; i++) stops += R"(,{"color": "#000000", "position": 0})";
     EXPECT_THAT(mistakesOf(R"({"effects": [{"type": "outerGlow", "stops": [)" + stops + "]}]}"),
                 testing::ElementsAre("$.effects[0].stops: 257 stops; at most 256"));
+    const std::string longText(100000, '1');
+    for (const std::string& json :
+         {"{\"size\": " + longText + "}", "{\"size\": \"" + longText,
+          "{\"locale\": \"" + longText + "\"}", "{\"color\": \"" + longText + "\"}"}) {
+        EXPECT_LT(mistakesOf(json)[0].size(), 400u);
+    }
     EXPECT_THAT(mistakesOf("{\"" + std::string(100000, 'x') + "\\n\": 1}")[0],
                 testing::MatchesRegex("\\$\\[\"x{39}\\.\\.\\.\\]: unknown field; allowed: .*"));
 }
