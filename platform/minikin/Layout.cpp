@@ -40,11 +40,15 @@ bool isWordBoundary(const U16StringPiece& text, uint32_t i) {
     return i == 0 || i >= text.size() || breaksBefore(text[i]) || breaksAfter(text[i - 1]);
 }
 
-// Where the words begin that the range touches, plus the end of the last one. Of a word that began
-// long before, only so much counts as shaping looks at.
+// HarfBuzz looks at five characters before what it shapes.
+constexpr uint32_t kShapingContext = 5 * U16_MAX_LENGTH;
+
+// Where the words begin that the range touches, plus the end of the last one. A word that begins
+// before the range counts from what shaping looks at.
 std::vector<uint32_t> wordBoundaries(const U16StringPiece& text, const Range& range) {
     uint32_t i = range.getStart();
-    while (!isWordBoundary(text, i) && range.getStart() - i < kMaxPieceLength) i--;
+    while (!isWordBoundary(text, i) && range.getStart() - i < kShapingContext) i--;
+    if (i > 0 && U16_IS_TRAIL(text[i])) i--;
     std::vector<uint32_t> boundaries = {i};
     while (boundaries.back() < range.getEnd()) {
         do i++;
