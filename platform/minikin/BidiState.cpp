@@ -339,7 +339,7 @@ public:
         }
         if (seen.strong != 0 && (seen.strong != last_.strong || seen.number < last_.number)) {
             put(seen.strong);
-            if (seen.strong == kLre || seen.strong == kRle) put({kOther, kPdf});
+            if (seen.strong == kLre || seen.strong == kRle) put({kOther, kPdf, kOther});
             last_.number = 0;
         }
         if (seen.number != 0 && seen.number != last_.number) put(seen.number);
