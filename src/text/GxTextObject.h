@@ -27,13 +27,17 @@ class List;
 //
 //   GxTextObject text;
 //   text.Construct();
-//   text.SetFont("/fonts/Title.ttf");
-//   text.SetText(L"Hello");
-//   text.SetLineInfo(&lines);                        // List of new GxLineInfo, one per line
-//   text.GetView()->SetSize(900, 140);
-//   text.FitBitmapToView();
-//   const uint32_t* argb = text.RenderTextEffect(text.GetView()->GetBitmapWidth(),
-//                                                text.GetView()->GetBitmapHeight());
+//   if (!text.SetFont(argv[1])) return fprintf(stderr, "cannot load %s\n", argv[1]), 1;
+//   text.SetText(&string);
+//   text.SetTextColor(0xFFD04010);
+//   text.SetPaint(paint);      // size, antialiasing, letter spacing, ...
+//   text.SetLineInfo(&lines);  // one GxLineInfo per line: where it stands, which characters
+//   text.GetEffect()->addStrokeText(6, 0xFF102040, 1.0f, 0, GxStrokeProperty::kOutside);
+//   GxView& view = *text.GetView();
+//   view.SetSize(900, 140);
+//   text.FitBitmapToView();  // the view, and room for the effects around it
+//   const int width = view.GetBitmapWidth(), height = view.GetBitmapHeight();
+//   const uint32_t* pixels = text.RenderTextEffect(width, height);  // 0xAARRGGBB, straight alpha
 //
 // Built in two steps: the constructor cannot fail, Construct() can. Every operation on an
 // unconstructed object logs, records error 8 and returns false, null, -1 or what is said at the

@@ -159,6 +159,16 @@ TEST(Program, EffectsNeedNoFile) {
               "gxtext: --set effects[0].size=140: $.effects[0].size: 140 is out of range 0-100\n");
 }
 
+TEST(Program, AFolderOfFontsIsAllThereIs) {
+    const gxtest::TempFolder folder;
+    std::filesystem::copy_file(kLatin, folder.path("latin.ttf"));
+    const Outcome fonts =
+        runGxtext({"fonts", "--fonts", folder.path(""), "--text", "a\u0E01", "--json"});
+    EXPECT_EQ(fonts.status, 0);
+    EXPECT_EQ(json::parse(fonts.out)[0]["file"], folder.path("latin.ttf"));
+    EXPECT_EQ(fonts.err, "gxtext: warning: no font has U+0E01\n");
+}
+
 TEST(Program, FailuresExitWith1AndSayWhy) {
     const gxtest::TempFolder folder;
     const std::string truncated = folder.write("cut.ttf", readFile(kLatin).substr(0, 1000));

@@ -13,6 +13,7 @@
 #include <filesystem>
 #include <new>
 #include <sstream>
+#include <utility>
 #include FT_FREETYPE_H
 
 #include "Commands.h"
@@ -40,6 +41,7 @@ struct StyleArguments {
     std::string file;
     std::string text;
     bool hasText = false;
+    std::string fontFolder;
     std::vector<std::function<void(Style&)>> changes;
     EffectOptions effects;
 };
@@ -187,6 +189,13 @@ void addColorOptions(StyleOptions& options) {
         ->check(inRange<float>(styleField("opacity").range));
 }
 
+void addFontFolder(CLI::App& app, StyleArguments& arguments) {
+    app.add_option("--fonts", arguments.fontFolder,
+                   "Folder of fonts, taken instead of those installed")
+        ->type_name("DIR")
+        ->group("Text");
+}
+
 void addLayoutOptions(StyleOptions& options) {
     const char* group = "Layout";
     options
@@ -211,6 +220,7 @@ void addStyleOptions(CLI::App& app, StyleArguments& arguments, StyleOptions& opt
                    "Style file, JSON; - reads standard input. Options go over it")
         ->type_name("STYLE.json");
     addTextOptions(app, arguments, options);
+    addFontFolder(app, arguments);
     addColorOptions(options);
     addLayoutOptions(options);
     arguments.effects.addTo(app);
@@ -232,6 +242,13 @@ Style makeStyle(const StyleArguments& arguments) {
     }
     for (const auto& change : arguments.changes) change(style);
     return arguments.effects.applyTo(std::move(style));
+}
+
+Request makeRequest(const StyleArguments& arguments) {
+    Style style = makeStyle(arguments);
+    return {std::move(style), arguments.fontFolder.empty()
+                                  ? gxtext::FontSource::installed()
+                                  : gxtext::FontSource::folder(arguments.fontFolder)};
 }
 
 std::vector<std::string> inputsOf(const StyleArguments& arguments) {
@@ -324,11 +341,11 @@ void parseAndRun(int argc, char** argv, const std::function<void(bool)>& showLib
     GxFontEffect::GxLog::DEBUG_ENABLE = verbose;
     if (render.app->parsed()) {
         render.render.inputs = inputsOf(render.arguments);
-        renderCommand(makeStyle(render.arguments), render.render);
+        renderCommand(makeRequest(render.arguments), render.render);
     }
-    if (measure.app->parsed()) measureCommand(makeStyle(measure.arguments), measure.json);
+    if (measure.app->parsed()) measureCommand(makeRequest(measure.arguments), measure.json);
     if (key.app->parsed()) keyCommand(makeStyle(key.arguments));
-    if (fonts.app->parsed()) fontsCommand(makeStyle(fonts.arguments), fonts.json);
+    if (fonts.app->parsed()) fontsCommand(makeRequest(fonts.arguments), fonts.json);
 }
 
 // A line for each mistake.

@@ -28,9 +28,9 @@ void requireText(const Style& style) {
         throw ToolError("there is no text; give --text or a style with a text", kUsage);
 }
 
-gxtext::Arrangement arrange(const Style& style) {
-    requireText(style);
-    return gxtext::Renderer(gxtext::FontSource::installed()).arrange(style);
+gxtext::Arrangement arrange(const Request& request) {
+    requireText(request.style);
+    return gxtext::Renderer(request.fonts).arrange(request.style);
 }
 
 void reportMissing(const gxtext::Arrangement& arrangement, bool strict) {

@@ -7,8 +7,15 @@
 
 #include "Style.h"
 #include "scene/Arrangement.h"
+#include "scene/FontSource.h"
 
 namespace gxtool {
+
+// A style with its text, and the fonts for it.
+struct Request {
+    Style style;
+    gxtext::FontSource fonts;
+};
 
 struct RenderOptions {
     std::string output = "-";
@@ -17,10 +24,10 @@ struct RenderOptions {
     std::vector<std::string> inputs;
 };
 
-void renderCommand(const Style& style, const RenderOptions& options);
-void measureCommand(const Style& style, bool asJson);
+void renderCommand(const Request& request, const RenderOptions& options);
+void measureCommand(const Request& request, bool asJson);
 void keyCommand(const Style& style);
-void fontsCommand(const Style& style, bool asJson);
+void fontsCommand(const Request& request, bool asJson);
 
 // "U+0041, U+1F600"
 std::string formatCodePoints(const std::vector<char32_t>& codePoints);
@@ -29,9 +36,9 @@ std::string formatCodePoints(const std::vector<char32_t>& codePoints);
 std::string printedJson(const nlohmann::ordered_json& value);
 // Throws a usage error for a style without a text.
 void requireText(const Style& style);
-// The style's text as it will lie in its picture, without drawing it. Throws a usage error for a
+// The text as it will lie in its picture, without drawing it. Throws a usage error for a
 // style without a text.
-gxtext::Arrangement arrange(const Style& style);
+gxtext::Arrangement arrange(const Request& request);
 // Warns on standard error of code points that no font has; throws when `strict`.
 void reportMissing(const gxtext::Arrangement& arrangement, bool strict);
 

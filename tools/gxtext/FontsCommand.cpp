@@ -36,8 +36,8 @@ ordered_json fontsJson(const gxtext::Arrangement& arrangement) {
 
 }  // namespace
 
-void fontsCommand(const Style& style, bool asJson) {
-    const gxtext::Arrangement arrangement = arrange(style);
+void fontsCommand(const Request& request, bool asJson) {
+    const gxtext::Arrangement arrangement = arrange(request);
     reportMissing(arrangement, false);
     writeOutput("-", asJson ? printedJson(fontsJson(arrangement)) : fontsText(arrangement));
 }

@@ -61,8 +61,8 @@ std::string arrangementText(const Arrangement& arrangement) {
 
 }  // namespace
 
-void measureCommand(const Style& style, bool asJson) {
-    const Arrangement arrangement = arrange(style);
+void measureCommand(const Request& request, bool asJson) {
+    const Arrangement arrangement = arrange(request);
     reportMissing(arrangement, false);
     writeOutput("-",
                 asJson ? printedJson(arrangementJson(arrangement)) : arrangementText(arrangement));

@@ -18,14 +18,14 @@ std::vector<std::string> filesOf(const Style& style, const gxtext::Picture& pict
 
 }  // namespace
 
-void renderCommand(const Style& style, const RenderOptions& options) {
+void renderCommand(const Request& request, const RenderOptions& options) {
     refuseTerminal(options.output);
     refuseInputs(options.output, options.inputs);
-    requireText(style);
-    gxtext::Renderer renderer(gxtext::FontSource::installed());
-    const gxtext::Picture picture = renderer.render(style);
+    requireText(request.style);
+    gxtext::Renderer renderer(request.fonts);
+    const gxtext::Picture picture = renderer.render(request.style);
     reportMissing(picture.arrangement(), options.strict);
-    refuseInputs(options.output, filesOf(style, picture));
+    refuseInputs(options.output, filesOf(request.style, picture));
     writeOutput(options.output, picture.toPng());
 }
 
