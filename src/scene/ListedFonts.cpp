@@ -43,6 +43,9 @@ bool isForLanguage(const FaceInfo& face, const std::string& language) {
     });
 }
 
+// As many tell faces apart; folders may hold thousands of them.
+constexpr size_t kMostAsked = 1000;
+
 class ListedFonts : public FontCatalog {
 public:
     ListedFonts(std::vector<FaceInfoPtr> faces, std::string whereabouts)
@@ -51,8 +54,10 @@ public:
     // The one that falls short in the least important way; the earliest of equals.
     FaceInfoPtr nearest(const FaceQuery& query) const override {
         const bool anyFamily = query.family.empty() || isGenericFamily(query.family);
+        const auto asked = query.characters.begin() +
+                           static_cast<ptrdiff_t>(std::min(query.characters.size(), kMostAsked));
         const auto shortcomings = [&](const FaceInfo& face) {
-            const auto missing = std::count_if(query.characters.begin(), query.characters.end(),
+            const auto missing = std::count_if(query.characters.begin(), asked,
                                                [&](char32_t c) { return !face.covers(c); });
             const bool ownFamily = anyFamily || face.isOfFamily(query.family);
             const bool ownLanguage = query.language.empty() || isForLanguage(face, query.language);

@@ -5,7 +5,9 @@
 #include <charconv>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <memory>
+#include <system_error>
 
 #include "style/FieldTable.h"
 #include "style/StyleReader.h"
@@ -30,11 +32,14 @@ struct Closer {
 };
 
 [[noreturn]] void failToRead(const char* what, const std::string& file, int error) {
-    throw Error("cannot " + std::string(what) + " " + file + ": " + std::strerror(error));
+    throw Error(file + ": cannot " + what + ": " + std::strerror(error));
 }
 
 // One byte past the limit is enough to see that it is passed.
 std::string readUpTo(size_t limit, const std::string& file) {
+    // A pipe may never give any.
+    std::error_code ignored;
+    if (std::filesystem::is_fifo(file, ignored)) throw Error(file + ": cannot read: a pipe");
     const std::unique_ptr<FILE, Closer> stream(fopen(file.c_str(), "rb"));
     if (!stream) failToRead("open", file, errno);
     std::string bytes(limit + 1, '\0');

@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <cmath>
 #include <fstream>
@@ -315,6 +316,8 @@ TEST(Style, ReadsFiles) {
         EXPECT_EQ(error.problems()[0].allowed, "1-4096");
     }
     EXPECT_EQ(Style::fromFile(folder.write("t.json", "{}")).folder() / "", folder.path(""));
+    ASSERT_EQ(mkfifo(folder.path("pipe.json").c_str(), 0600), 0);
+    EXPECT_THROW(Style::fromFile(folder.path("pipe.json")), Error) << "waited for a pipe";
     for (const std::string& bad : {folder.path("none.json"), folder.path("")}) {
         EXPECT_THROW(Style::fromFile(bad), Error) << bad;
     }
