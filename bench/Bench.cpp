@@ -38,8 +38,7 @@ Result measure(const Contenders& contenders) {
     return {std::move(times[0]), std::move(times[1]), std::move(times[2])};
 }
 
-// --- table of times
-// -----------------------------------------------------------------------------------------
+// --- table of times ---
 
 // Right-aligned in `width`; a dash where there is nothing.
 std::string cell(double value, int width, const char* format) {
@@ -101,8 +100,7 @@ void printTable(const std::string& filter) {
     std::printf("\n%d short of the target\n", shortfalls);
 }
 
-// --- instruction counts
-// -------------------------------------------------------------------------------------
+// --- instruction counts ---
 
 // Under callgrind, started without collecting, each run leaves a dump named after it; the script
 // reads them.

@@ -61,8 +61,7 @@ ScenePtr newScene(Layer layer, Mask mask, Layer source = {}) {
     return scene;
 }
 
-// --- pixman
-// -------------------------------------------------------------------------------------------------
+// --- pixman ---
 
 #ifdef GXBENCH_PIXMAN
 
@@ -114,8 +113,7 @@ std::function<void()> pixman32(PixmanOp, const ScenePtr&) {
 
 #endif
 
-// --- rows
-// ---------------------------------------------------------------------------------------------------
+// --- rows ---
 
 using MaskKernel = void (*)(const BlendArea&, Rgba);
 

@@ -83,8 +83,7 @@ kernels::GradientFill gradientOf(const FillScene& scene) {
     return fill;
 }
 
-// --- pixman
-// -------------------------------------------------------------------------------------------------
+// --- pixman ---
 
 #ifdef GXBENCH_PIXMAN
 
@@ -170,8 +169,7 @@ std::function<void()> pixmanPattern(const FillScenePtr& /*scene*/, float /*scale
 
 #endif
 
-// --- rows
-// ---------------------------------------------------------------------------------------------------
+// --- rows ---
 
 Contenders linear(const FillScenePtr& scene, float angle, float scale) {
     const GxLinearGradientProperty record(angle, scale, 1, kStopCount, kStops);

@@ -18,8 +18,7 @@ namespace {
 constexpr const char* kTag = "GxEffect";
 constexpr int kMaxStops = 256;
 
-// --- conversions of the add operations
-// ----------------------------------------------------------------------
+// --- conversions of the add operations ---
 
 // 0 to period - 1.
 float wrapDegrees(float degrees, int32_t period) {
@@ -83,8 +82,7 @@ private:
     GxGradient stops_[kMaxStops];
 };
 
-// --- layers
-// -------------------------------------------------------------------------------------------------
+// --- layers ---
 
 // A stroke's position, or one that no stroke has.
 int strokePosition(GxECoreBase* core) {
@@ -145,8 +143,7 @@ GxEffect::~GxEffect() {
     __android_log_print(ANDROID_LOG_DEBUG, kTag, "~GxEffect(%p)", this);
 }
 
-// --- the set of effects
-// -------------------------------------------------------------------------------------
+// --- the set of effects ---
 
 bool GxEffect::hasEffects() const {
     return !effects.empty() || textOpacity < 1.0f;
@@ -248,8 +245,7 @@ void GxEffect::setTextOpacity(float opacity) {
     textOpacity = clampOpacity(opacity);
 }
 
-// --- typed add operations
-// -----------------------------------------------------------------------------------
+// --- typed add operations ---
 
 int GxEffect::addOuterShadowText(float angle, float distance, float size, uint32_t color,
                                  float opacity) {
@@ -356,8 +352,7 @@ int GxEffect::addText(uint32_t color, const GxTextProperty& record) {
     return id;
 }
 
-// --- margins and key
-// ----------------------------------------------------------------------------------------
+// --- margins and key ---
 
 int GxEffect::margin(int (GxECoreBase::*offset)()) const {
     int widest = 0;
@@ -399,8 +394,7 @@ char* GxEffect::getMapKey(uint32_t color) {
     return addText(color, textOpacity) < 0 ? nullptr : getMapKey();
 }
 
-// --- render
-// -------------------------------------------------------------------------------------------------
+// --- render ---
 
 void GxEffect::initEffect(uint32_t width, uint32_t height) {
     __android_log_print(ANDROID_LOG_DEBUG, kTag, "InitEffect(%p)", this);

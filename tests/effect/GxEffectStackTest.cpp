@@ -142,8 +142,7 @@ protected:
     GxEffect stack;
 };
 
-// --- order
-// ------------------------------------------------------------------------------------------------------
+// --- order ---
 
 TEST_F(GxEffectStack, LayerOrders) {
     struct Added {
@@ -241,8 +240,7 @@ TEST_F(GxEffectStack, OutsideTheTextTheBackLayerShows) {
     EXPECT_EQ(pixel(0), (std::array<int, 4>{0, 0, 200, 255}));
 }
 
-// --- keeping inside effects inside
-// --------------------------------------------------------------------------------
+// --- keeping inside effects inside ---
 
 TEST_F(GxEffectStack, ConfinementClearsWhatLiesOutsideTheGlyphsBeforeTheFill) {
     paint = [](int style, GxBitmap* dst) { std::memset(dst->data, style, size_t{16} * 4); };
@@ -278,8 +276,7 @@ TEST_F(GxEffectStack, ConfinementClearsWhatLiesOutsideTheGlyphsBeforeTheFill) {
     EXPECT_EQ(seen.back(), (std::pair(12, 2)));
 }
 
-// --- margins and key
-// ----------------------------------------------------------------------------------------------
+// --- margins and key ---
 
 TEST_F(GxEffectStack, TheWidestEffectDecidesEachMargin) {
     add(1);
@@ -305,8 +302,7 @@ TEST_F(GxEffectStack, KeyConcatenatesInOrderOfAddition) {
                  "T\x8F\x8F\x80\x80\x80\x80\x80\x80");
 }
 
-// --- conversions of the add operations
-// ------------------------------------------------------------------------------
+// --- conversions of the add operations ---
 
 TEST_F(GxEffectStack, AnglesAndPercentages) {
     struct Case {

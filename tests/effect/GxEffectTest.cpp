@@ -158,8 +158,7 @@ TEST(GxEffect, ReleasingACoreTakesItOutOfTheStack) {
     stack.releaseEffect(stack.createEffect(5, 12));  // one that was never added
 }
 
-// --- renders
-// ----------------------------------------------------------------------------------------------------
+// --- renders ---
 
 TEST(GxEffect, PlainFillIsStraightAlpha) {
     GxEffect stack;

@@ -190,8 +190,7 @@ TEST_P(BlendRows, EqualThePlainFormForEveryCoverageAndAlpha) {
 
 GX_INSTANTIATE_SIMD_TESTS(BlendRows);
 
-// --- whole images
-// -----------------------------------------------------------------------------------------------
+// --- whole images ---
 
 class CompositeRows : public gxtest::SimdTest {
 protected:

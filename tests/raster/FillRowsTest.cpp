@@ -67,8 +67,7 @@ protected:
     Random random{51};
 };
 
-// --- gradients
-// ----------------------------------------------------------------------------------------------
+// --- gradients ---
 
 class GradientRows : public FillRows {
 protected:
@@ -152,8 +151,7 @@ TEST_P(GradientRows, TakeAnySteps) {
 
 GX_INSTANTIATE_SIMD_TESTS(GradientRows);
 
-// --- patterns
-// -----------------------------------------------------------------------------------------------
+// --- patterns ---
 
 class PatternRows : public FillRows {
 protected:

@@ -19,8 +19,7 @@ using gxtest::LogCapture;
 using gxtest::Random;
 using Pixel = std::array<int, 4>;  // R, G, B, A
 
-// --- the formulas once more, as a table reads them: plain integers, one channel at a time
-// ---------------------
+// --- the formulas once more, as a table reads them: plain integers, one channel at a time ---
 
 int scale(int c, int k) {
     return ((c + 1) * k) >> 8;
@@ -101,8 +100,7 @@ Pixel modelDstOver32(Pixel d, Pixel s) {
     return out;
 }
 
-// --- helpers
-// --------------------------------------------------------------------------------------------------
+// --- helpers ---
 
 Pixel pixelAt(const GxBitmap& bitmap, int x, int y) {
     const uint8_t* p = bitmap.data + (size_t{bitmap.width} * y + x) * 4;
@@ -157,8 +155,7 @@ void checkPlaces(Random& random, const std::function<void(int, int, const GxBitm
     }
 }
 
-// --- 8-bit masks
-// ----------------------------------------------------------------------------------------------
+// --- 8-bit masks ---
 
 TEST(GxBlender, HandWorkedMaskPixels) {
     struct Case {
@@ -267,8 +264,7 @@ TEST(GxBlender, TwoModesLeaveALogLine) {
                              gxtest::LogLine{kDebug, "Blender", "Blender - GXE_BLEND_OTHER"}));
 }
 
-// --- 32-bit sources
-// -------------------------------------------------------------------------------------------
+// --- 32-bit sources ---
 
 TEST(GxBlender, WordsBlendByTheirFormulasAndAreCut) {
     Random random(14);
@@ -317,8 +313,7 @@ TEST(GxBlender, BytesBlendInEitherOrderWhateverTheMode) {
     }
 }
 
-// --- overwriting, maximum, swap
-// ---------------------------------------------------------------------------------
+// --- overwriting, maximum, swap ---
 
 TEST(GxBlender, MasksOverwriteLayers) {
     Random random(16);

@@ -23,8 +23,7 @@ std::string nativeError(int code, int site) {
     return "@ Native Error " + std::to_string(code) + " : " + std::to_string(site);
 }
 
-// --- construction
-// ---------------------------------------------------------------------------------------------
+// --- construction ---
 
 TEST(GxTextObject, UnconstructedAnswersWithError8AtEachSite) {
     GxTextObject text;
@@ -124,8 +123,7 @@ TEST(GxTextObject, NullArgumentsAreError7) {
     }
 }
 
-// --- text and the families of its scripts
-// -----------------------------------------------------------------------
+// --- text and the families of its scripts ---
 
 class GxTextObjectText : public TextFixture {
 protected:
@@ -202,8 +200,7 @@ TEST_F(GxTextObjectText, NullDropsTheText) {
     EXPECT_THAT(log.texts(), ElementsAre("SetTextLocaleListId - text is null."));
 }
 
-// --- fonts and lines
-// ----------------------------------------------------------------------------------------------
+// --- fonts and lines ---
 
 TEST_F(GxTextObjectText, FontsThatCannotBeLoadedAreRefused) {
     Error::SetError(0);

@@ -274,8 +274,7 @@ TEST_F(Render, AFamilyLoadedLaterDrawsFromTheNextRenderOn) {
     EXPECT_EQ(render(100, 70), whole);
 }
 
-// --- the drawing's own parts
-// --------------------------------------------------------------------------------------
+// --- the drawing's own parts ---
 
 // Two objects in turn: neither the process's fonts nor the other object's take part.
 TEST_F(Render, ObjectsWithFamiliesOfTheirOwnDoNotDisturbEachOther) {
@@ -351,8 +350,7 @@ TEST_F(Render, MasksAreHandedOverWithTheirPen) {
     drawing._DoRender(0, 0, &none, nullptr, 1);
 }
 
-// --- whole pictures
-// -----------------------------------------------------------------------------------------------
+// --- whole pictures ---
 
 TEST_F(Render, Goldens) {
     setPaint(32);

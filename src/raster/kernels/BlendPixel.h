@@ -47,8 +47,7 @@ constexpr Rgba saturatingAdd(Rgba p, Rgba q) {
             clamp255(uint32_t{p.b} + q.b), clamp255(uint32_t{p.a} + q.a)};
 }
 
-// --- 8-bit mask m tinted with `color`
-// ---------------------------------------------------------------------
+// --- 8-bit mask m tinted with `color` ---
 
 // The colour channels are scaled by the mask only: the colour is expected premultiplied. Coverage
 // too weak for one step of alpha leaves the pixel alone.
@@ -92,8 +91,7 @@ constexpr Rgba dstOverSa8(Rgba d, uint32_t m, Rgba color) {
         clamp255(scale(uint32_t{d.b} + under.b, m)), clamp255(scale(uint32_t{d.a} + under.a, m))};
 }
 
-// --- 32-bit source s, premultiplied
-// -----------------------------------------------------------------------
+// --- 32-bit source s, premultiplied ---
 
 constexpr Rgba srcOver32(Rgba d, Rgba s) {
     return s.a == 255 ? s : saturatingAdd(scaled(d, 255u - s.a), s);
@@ -104,16 +102,14 @@ constexpr Rgba dstOver32(Rgba d, Rgba s) {
     return d.a == 0 ? s : saturatingAdd(d, scaled(s, 255u - d.a));
 }
 
-// --- overwriting
-// ------------------------------------------------------------------------------------------
+// --- overwriting ---
 
 constexpr Rgba overwrite8(uint32_t m, Rgba color) {
     color.a = static_cast<uint8_t>(scale(color.a, m));
     return color;
 }
 
-// --- whole image
-// ------------------------------------------------------------------------------------------
+// --- whole image ---
 
 // Output over back layer, weighted by coverage.
 constexpr Rgba mixLayers(Rgba back, Rgba out, uint32_t m) {

@@ -73,7 +73,7 @@ public:
             d16, static_cast<uint16_t>((kIsSplit ? 65535 : kZero * weights.sum) + reciprocal.lift));
     }
 
-    // --- columns
+    // --- columns ---
 
     // Means of two rows of outputs, from the rows `in` on; with their bits flipped as `flipped` has
     // them.
@@ -96,7 +96,7 @@ public:
         hn::StoreU(hn::Xor(narrow(means(lower1), means(upper1)), flipped), d8, out1);
     }
 
-    // --- rows
+    // --- rows ---
 
     // Means of kLanes outputs of a row whose cells, as kZero - cell, start at `line`; reads kLanes
     // + kReach + 2 cells.

@@ -52,8 +52,7 @@ void blurPadded(uint8_t* plane, int64_t width, int64_t height, const BlurWeights
 
 #else
 
-// --- strips
-// --------------------------------------------------------------------------------------------------
+// --- strips ---
 
 // Of the first window in a strip.
 Sums firstSums(const uint8_t* strip, const BlurWeights& weights, BlurInput input) {
@@ -167,8 +166,7 @@ void blurChanges(const BlurScratch& scratch, const BlurWeights& weights, BlurInp
     }
 }
 
-// --- single passes
-// -------------------------------------------------------------------------------------------
+// --- single passes ---
 
 // What a pass is likely to see: few changes, or so many that it is not worth a look.
 enum class Content { kAny, kDense };
@@ -257,8 +255,7 @@ void blurAll(const BlurPass& pass, const BlurWeights& weights, BlurInput input, 
     blurAny(pass, weights, input, alongRows, Content::kAny, scratch);
 }
 
-// --- both passes
-// ---------------------------------------------------------------------------------------------
+// --- both passes ---
 
 struct Box {
     int64_t left;

@@ -26,8 +26,7 @@ HWY_INLINE int32_t weightStep(const BlurWeights& weights, int64_t t) {
     return weights.taps[t] - (t < weights.radius ? weights.taps[t + 1] : 0);
 }
 
-// --- products
-// ------------------------------------------------------------------------------------------------
+// --- products ---
 
 // Adds up cells times coefficients, two by two: bytes without sign by bytes with sign. The products
 // of a pair fit 16 bits; totals may wrap on the way.
@@ -116,8 +115,7 @@ private:
     uint32_t* const taps;
 };
 
-// --- runs
-// ----------------------------------------------------------------------------------------------------
+// --- runs ---
 
 // For wide radii. The steps of the weights are small then, 0 to 5, and hardly change over eight
 // taps: sums of eight cells stand for the level of each eight taps, single cells for what differs.

@@ -52,8 +52,7 @@ HWY_INLINE Shorts loadShorts(const int16_t* cells) {
     return hn::LoadU(dShort, cells);
 }
 
-// --- running means
-// --------------------------------------------------------------------------------------------
+// --- running means ---
 
 // The window's sum times the factor of the mean, plus a half, less 2^31: the upper half is the
 // mean less 32768.
@@ -129,8 +128,7 @@ void blurStrip(int16_t* strip, int64_t lanes, int64_t length, int64_t reach) {
     }
 }
 
-// --- strips
-// ---------------------------------------------------------------------------------------------------
+// --- strips ---
 
 void blurColumns(uint16_t* plane, int64_t width, int64_t height, int64_t reach, int16_t* strip) {
     for (int64_t x = 0; x < width; x += kStripColumns) {

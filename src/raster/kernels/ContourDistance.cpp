@@ -59,8 +59,7 @@ HWY_INLINE void forEachBit(uint32_t bits, const Visit& visit) {
     for (; bits != 0; bits &= bits - 1) visit(int64_t{std::countr_zero(bits)});
 }
 
-// --- along rows
-// -----------------------------------------------------------------------------------------------
+// --- along rows ---
 
 // Fills a row with squared distances from point to point.
 class RowOfSquares {
@@ -113,8 +112,7 @@ void measureRow(const uint8_t* coverage, int64_t width, int32_t* squares) {
     row.finish();
 }
 
-// --- along columns
-// --------------------------------------------------------------------------------------------
+// --- along columns ---
 
 HWY_INLINE Shorts loadShorts(const int16_t* cells) {
     return hn::LoadU(dShort, cells);

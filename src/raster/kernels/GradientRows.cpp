@@ -61,8 +61,7 @@ struct Range {
     float highest;
 };
 
-// --- positions, from the numbers of the columns
-// ---------------------------------------------------------------
+// --- positions, from the numbers of the columns ---
 
 struct AlongLine {
     Numbers rowTerm;
@@ -77,8 +76,7 @@ struct AroundCentre {
     }
 };
 
-// --- pixels
-// -------------------------------------------------------------------------------------------------
+// --- pixels ---
 
 // The largest step for which a vector's entries are neighbours: positions that differ by less than
 // a vector less one, rounding included.
@@ -144,8 +142,7 @@ HWY_INLINE float offsetY(const GradientFill& fill, int64_t y) {
     return static_cast<float>(fill.firstRow + y) - fill.centreY;
 }
 
-// --- linear
-// -------------------------------------------------------------------------------------------------
+// --- linear ---
 
 template <bool kShort>
 void drawLinear(const GradientFill& fill, float stepY, const Range& range) {
@@ -178,8 +175,7 @@ void linearRows(const GradientFill& fill, float stepX, float stepY) {
     }
 }
 
-// --- radial
-// -------------------------------------------------------------------------------------------------
+// --- radial ---
 
 template <bool kShort>
 void drawRadial(const GradientFill& fill, float step, size_t centre, const Range& towards,

@@ -33,8 +33,7 @@ void growAll(uint8_t* mask, int64_t width, int64_t height, int64_t passes, uint8
 constexpr int64_t kLanes = hn::MaxLanes(d8);
 static_assert(kLanes <= 32);
 
-// --- sums
-// ---------------------------------------------------------------------------------------------------
+// --- sums ---
 
 // Of a vector of cells, those at even and at odd places. Nine cells add up to 2,295 at most.
 struct Sums {
@@ -74,8 +73,7 @@ HWY_INLINE V8 quarters(Sums s) {
     return bytes(hn::Or(even, odd));
 }
 
-// --- passes
-// -------------------------------------------------------------------------------------------------
+// --- passes ---
 
 // A half-open rectangle of cells.
 struct Region {
@@ -222,8 +220,7 @@ bool growGroup(const Plane& plane, const Region& region, int64_t passes, bool wa
     return changed;
 }
 
-// --- ink
-// ----------------------------------------------------------------------------------------------------
+// --- ink ---
 
 // The first cell in [begin, end) that is not 0, or `end`.
 int64_t firstInk(const uint8_t* row, int64_t begin, int64_t end) {

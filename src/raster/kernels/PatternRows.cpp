@@ -42,8 +42,7 @@ constexpr float kShare = 1.0f / 65536;
 // Pixels that are left out together where none of them is covered.
 constexpr int64_t kCell = 8;
 
-// --- steps
-// --------------------------------------------------------------------------------------------------
+// --- steps ---
 
 // The picture columns that a row needs, first and behind the last; the one behind the picture's
 // last is its first again.
@@ -128,8 +127,7 @@ struct DstOverCovered {
     HWY_INLINE V8 onto(V8 d, V8 s) const { return dstOver(d, s); }
 };
 
-// --- rows of the tile
-// ---------------------------------------------------------------------------------------
+// --- rows of the tile ---
 
 // The rows of the area that show one row of the tile.
 struct TileRow {

@@ -38,8 +38,7 @@ inline constexpr size_t kBlockPixels = hn::MaxLanes(d8);
 inline constexpr size_t kVectorPixels = kBlockPixels / 4;
 static_assert(kVectorPixels == 4 || kVectorPixels == 8);
 
-// --- pixels
-// -------------------------------------------------------------------------------------------------
+// --- pixels ---
 
 HWY_INLINE V8 loadPixels(const Rgba* p) {
     return hn::LoadU(d8, reinterpret_cast<const uint8_t*>(p));
@@ -144,8 +143,7 @@ struct PixelShuffle {
     }
 };
 
-// --- scaling
-// ------------------------------------------------------------------------------------------------
+// --- scaling ---
 
 // The channels of a vector of pixels in 16-bit lanes, each pixel's two side by side.
 struct Channels {
@@ -212,8 +210,7 @@ HWY_INLINE V16 maskFactor(const uint8_t* mask) {
     return lanes16(kSpread(hn::BitCast(d8, hn::PromoteTo(d32, hn::LoadU(dMask, mask)))));
 }
 
-// --- destination over source
-// -------------------------------------------------------------------------------
+// --- destination over source ---
 
 // `d` with `s`, already scaled by its coverage, put under it. `emptySource` is all ones where `s`
 // has no coverage. Where the destination is transparent and the source is not, the old colour bytes
@@ -237,8 +234,7 @@ HWY_INLINE V8 onOrOff(V8 mask) {
     return hn::VecFromMask(d8, hn::Ne(mask, hn::Zero(d8)));
 }
 
-// --- loops
-// --------------------------------------------------------------------------------------------------
+// --- loops ---
 
 // Up to a block of elements, filled up with zeros.
 template <typename T>
@@ -266,8 +262,7 @@ HWY_INLINE void forEachBlock(size_t count, const Block& block, Out* out, const I
     std::memcpy(out + whole, copy.elements, rest * sizeof(Out));
 }
 
-// --- operations through a mask
-// ------------------------------------------------------------------------------
+// --- operations through a mask ---
 //
 // Much of a text's mask is empty or full, in stretches too short for the processor to foresee: a
 // branch per vector costs more than it skips. So vectors are sorted first, by the mask alone, and
@@ -400,8 +395,7 @@ HWY_INLINE void blendRows(const BlendArea& area, const Operation& operation) {
     }
 }
 
-// --- operations on whole blocks
-// -----------------------------------------------------------------------------
+// --- operations on whole blocks ---
 
 template <typename Out, typename In, class Block>
 HWY_INLINE void forEachBlockOf(const BlendArea& area, const Block& block) {

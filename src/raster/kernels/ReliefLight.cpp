@@ -150,8 +150,7 @@ void lightRelief(uint16_t* heights, int64_t width, int64_t height, const ReliefL
     }
 }
 
-// --- masks
-// ----------------------------------------------------------------------------------------------------
+// --- masks ---
 
 using HalfBytes = hn::Half<decltype(d8)>;
 

@@ -158,8 +158,7 @@ TYPED_TEST(Glows, EqualTheirDefinition) {
     }
 }
 
-// --- inner
-// --------------------------------------------------------------------------------------------------
+// --- inner ---
 
 TEST(GxInnerGlow, ColouredAtTheEdgeAndClearDeepInside) {
     Scene scene(std::vector<std::string>(41, std::string(41, '#')), 10);
