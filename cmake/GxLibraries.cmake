@@ -1,13 +1,9 @@
 # What is installed, component by component; each line of them is tested from an installed tree (tests/consumer).
 include(GxComponents)
 
-set(modules "")
-if(TARGET hwy::hwy)
-    set(modules libhwy>=1.0.3)
-endif()
 gxtext_component(effect
     DESCRIPTION "Text effects on 8-bit masks"
-    MODULES ${modules}
+    MODULES libhwy>=1.0.3
     HEADERS GxExport.h raster/GxBitmap.h raster/GxBlender.h raster/GxGlyph.h raster/GxMath.h
         effect/GxECore.h effect/GxEffect.h effect/GxProperty.h)
 
