@@ -6,7 +6,6 @@
 #include "Bench.h"
 #include "Planes.h"
 #include "raster/kernels/BlendRows.h"
-#include "raster/kernels/PlainBlendRows.h"
 
 #ifdef GXBENCH_PIXMAN
 #include <pixman.h>

@@ -45,7 +45,7 @@ struct BlurScene {
     }
     void runPlain() {
         pad();
-        blurPaddedPlanePlain(padded.data(), width, height, weights);
+        plain::blurPaddedPlane(padded.data(), width, height, weights);
     }
     void pad() {
         std::memset(padded.data(), 0, padded.size());

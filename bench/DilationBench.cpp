@@ -143,7 +143,8 @@ void addDilationRows() {
     constexpr Step kSteps[] = {{1, {}},        {2, {0, 1}},   {3, {}},      {5, {0, 2}},
                                {10, {150, 5}}, {25, {0, 20}}, {50, {0, 40}}};
     for (const Step& step : kSteps) {
-        addDilationRow("text", textMask, kernels::dilateOutside, kernels::dilateOutsidePlain, step);
+        addDilationRow("text", textMask, kernels::dilateOutside, kernels::plain::dilateOutside,
+                       step);
     }
     struct Content {
         const char* name;
@@ -152,10 +153,10 @@ void addDilationRows() {
         Dilate plain;
     };
     constexpr Content kOthers[] = {
-        {"inside text", textMask, kernels::dilateInside, kernels::dilateInsidePlain},
-        {"empty", emptyMask, kernels::dilateOutside, kernels::dilateOutsidePlain},
-        {"full", fullMask, kernels::dilateOutside, kernels::dilateOutsidePlain},
-        {"noise", noise, kernels::dilateOutside, kernels::dilateOutsidePlain}};
+        {"inside text", textMask, kernels::dilateInside, kernels::plain::dilateInside},
+        {"empty", emptyMask, kernels::dilateOutside, kernels::plain::dilateOutside},
+        {"full", fullMask, kernels::dilateOutside, kernels::plain::dilateOutside},
+        {"noise", noise, kernels::dilateOutside, kernels::plain::dilateOutside}};
     for (const Content& c : kOthers) {
         for (const float radius : {2.0f, 5.0f, 10.0f, 25.0f, 50.0f}) {
             addDilationRow(c.name, c.mask, c.fast, c.plain, {radius, {}});

@@ -178,8 +178,8 @@ Contenders linear(const FillScenePtr& scene, float angle, float scale) {
     return {{},
             painter<GxLinearGradient>(scene, record),
             [=] {
-                linearGradientRowsPlain(gradientOf(*scene), step * std::cos(radians),
-                                        step * std::sin(radians));
+                kernels::plain::linearGradientRows(gradientOf(*scene), step * std::cos(radians),
+                                                   step * std::sin(radians));
             },
             pixmanLinear(scene)};
 }
@@ -199,7 +199,7 @@ Contenders radial(const FillScenePtr& scene) {
     const GxRadialGradientProperty record(0, 1, 1, kStopCount, kStops);
     return {{},
             painter<GxRadialGradient>(scene, record),
-            [=] { radialGradientRowsPlain(gradientOf(*scene), 512.0f / kWidth); },
+            [=] { kernels::plain::radialGradientRows(gradientOf(*scene), 512.0f / kWidth); },
             pixmanRadial(scene)};
 }
 
@@ -212,7 +212,7 @@ Contenders patternAt(const FillScenePtr& scene, float scale) {
                 fill.area = scene->area();
                 const auto extent = static_cast<int32_t>(kPicture * scale);
                 fill.tile = {scene->picture.data, kPicture, kPicture, scale, 1, extent, extent};
-                patternRowsPlain(fill);
+                kernels::plain::patternRows(fill);
             },
             pixmanPattern(scene, scale)};
 }

@@ -9,8 +9,8 @@
 
 #include "Bench.h"
 #include "Planes.h"
+#include "raster/kernels/BlendRows.h"
 #include "raster/kernels/Growth.h"
-#include "raster/kernels/PlainBlendRows.h"
 #include "raster/kernels/SeparableBlur.h"
 
 #ifdef GXBENCH_OPENCV
@@ -79,7 +79,7 @@ void addGrowthRow(const std::string& content, Mask (*mask)(), int passes, double
                         grow(scene->mask.data(), kWidth, kHeight, passes, scene->scratch.data());
                     };
                 };
-                return Contenders{[=] { scene->restore(); }, run(growMask), run(growMaskPlain),
+                return Contenders{[=] { scene->restore(); }, run(growMask), run(plain::growMask),
                                   gaussian(scene, passes)};
             }});
 }

@@ -11,7 +11,6 @@
 #include <vector>
 
 #include "raster/SimdTest.h"
-#include "raster/kernels/PlainBlendRows.h"
 #include "support/Random.h"
 
 namespace GxFontEffect::kernels {

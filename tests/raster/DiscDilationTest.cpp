@@ -98,8 +98,8 @@ void expectPlainBytes(Random& random, Content content, int64_t columns, int64_t 
     };
     setLooksForShortcuts(!random.oneIn(4));
     // Not EXPECT_EQ: it would print planes.
-    EXPECT_TRUE(dilated(dilateOutside) == dilated(dilateOutsidePlain)) << "outside";
-    EXPECT_TRUE(dilated(dilateInside) == dilated(dilateInsidePlain)) << "inside";
+    EXPECT_TRUE(dilated(dilateOutside) == dilated(plain::dilateOutside)) << "outside";
+    EXPECT_TRUE(dilated(dilateInside) == dilated(plain::dilateInside)) << "inside";
     setLooksForShortcuts(true);
 }
 
@@ -181,7 +181,7 @@ TEST_P(DiscDilationTest, MinimumOfEveryLength) {
         Bytes expected = a;
         const Bytes b = random.edgeBytes(count);
         minimum(a.data(), b.data(), static_cast<int64_t>(count));
-        minimumPlain(expected.data(), b.data(), static_cast<int64_t>(count));
+        plain::minimum(expected.data(), b.data(), static_cast<int64_t>(count));
         EXPECT_EQ(a, expected);
     }
 }

@@ -97,10 +97,10 @@ protected:
         check(
             width, height,
             [&](const BlendArea& area) { linearGradientRows(on(area), steps.x, steps.y); },
-            [&](const BlendArea& area) { linearGradientRowsPlain(on(area), steps.x, steps.y); });
+            [&](const BlendArea& area) { plain::linearGradientRows(on(area), steps.x, steps.y); });
         check(
             width, height, [&](const BlendArea& area) { radialGradientRows(on(area), steps.x); },
-            [&](const BlendArea& area) { radialGradientRowsPlain(on(area), steps.x); });
+            [&](const BlendArea& area) { plain::radialGradientRows(on(area), steps.x); });
     }
 
     // Shallow, steep, and between.
@@ -187,7 +187,7 @@ protected:
         };
         check(
             width, height, [&](const BlendArea& area) { patternRows(on(area)); },
-            [&](const BlendArea& area) { patternRowsPlain(on(area)); });
+            [&](const BlendArea& area) { plain::patternRows(on(area)); });
     }
 
     float someScale() {

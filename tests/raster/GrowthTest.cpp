@@ -36,7 +36,7 @@ protected:
         const auto bytes = static_cast<size_t>(growthScratchBytes(width));
         const auto scratch = std::make_unique<uint8_t[]>(bytes);
         std::fill_n(scratch.get(), bytes, random.byte());
-        growMaskPlain(expected.data(), width, height, passes, scratch.get());
+        plain::growMask(expected.data(), width, height, passes, scratch.get());
         growMask(actual.get(), width, height, passes, scratch.get());
         ASSERT_EQ(gxtest::firstDifference(expected.data(), actual.get(), expected.size()), "")
             << width << " x " << height << ", " << passes << " passes, content " << content;

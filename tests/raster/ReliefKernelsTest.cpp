@@ -123,7 +123,7 @@ TEST_P(ReliefKernels, DistancesAlongTheAxes) {
     forEachShape([&](Content content, int64_t width, int64_t height) {
         const Contour expected(planeOf<uint8_t>(content, width, height, random));
         const Contour actual(expected.coverage);
-        contourDistancesPlain(expected.planes());
+        plain::contourDistances(expected.planes());
         contourDistances(actual.planes());
         ASSERT_EQ(difference(expected.columns, actual.columns, width, height), "");
         ASSERT_EQ(difference(expected.rows, actual.rows, width, height), "");
@@ -135,13 +135,13 @@ TEST_P(ReliefKernels, Heights) {
     int most = 20;
     const auto check = [&](Content content, int64_t width, int64_t height) {
         const Contour contour(planeOf<uint8_t>(content, width, height, random));
-        contourDistancesPlain(contour.planes());
+        plain::contourDistances(contour.planes());
         const int pixels = random.between(most / 2, most);
         const int low = random.between(0, pixels);
         const ReliefSlope slope{-256 * low, 256 * (pixels - low)};
         const auto memory = scratch(heightScratchBytes(width, height));
         Plane<uint16_t> expected(width, height), actual(width, height);
-        reliefHeightsPlain(contour.planes(), slope, expected.row(0), memory.get());
+        plain::reliefHeights(contour.planes(), slope, expected.row(0), memory.get());
         reliefHeights(contour.planes(), slope, actual.row(0), memory.get());
         ASSERT_EQ(difference(expected, actual, width - 2, height - 2), "")
             << slope.low << " to " << slope.high;
@@ -164,7 +164,7 @@ TEST(ReliefHeight, IsThatOfTheNearestPointOfAll) {
     for (const Content content : {kNoise, kPixels, kBars, kBars, kBars}) {
         constexpr int kWidth = 64, kHeight = 40;
         const Contour contour(planeOf<uint8_t>(content, kWidth, kHeight, random));
-        contourDistancesPlain(contour.planes());
+        plain::contourDistances(contour.planes());
         const auto at = [&](int x, int y) -> int {
             const bool isIn = x >= 0 && y >= 0 && x < kWidth && y < kHeight;
             return isIn ? contour.coverage.row(y)[x] : 0;
@@ -193,7 +193,7 @@ TEST(ReliefHeight, IsThatOfTheNearestPointOfAll) {
         const ReliefSlope slope{-256 * random.between(0, 9), 256 * random.between(0, 9)};
         std::vector<uint8_t> memory(heightScratchBytes(kWidth, kHeight));
         const Plane<uint16_t> heights(kWidth, kHeight);
-        reliefHeightsPlain(contour.planes(), slope, heights.row(0), memory.data());
+        plain::reliefHeights(contour.planes(), slope, heights.row(0), memory.data());
         for (int y = 0; y + 2 < kHeight; ++y) {
             for (int x = 0; x + 2 < kWidth; ++x) {
                 int sum = 8;
@@ -216,7 +216,7 @@ TEST_P(ReliefKernels, BoxMeans) {
         const auto expected = planeOf<uint16_t>(content, width, height, random);
         const auto actual = expected;
         const auto memory = scratch(boxBlurScratchBytes(width, height));
-        boxBlurPlain(expected.row(0), width, height, reach, memory.get());
+        plain::boxBlur(expected.row(0), width, height, reach, memory.get());
         boxBlur(actual.row(0), width, height, reach, memory.get());
         ASSERT_EQ(difference(expected, actual, width - 2 * reach, height - 2 * reach), "")
             << "reach " << reach;
@@ -237,7 +237,7 @@ TEST_P(ReliefKernels, Light) {
         const auto expected = planeOf<uint16_t>(content, width, height, random);
         const auto actual = expected;
         const auto memory = scratch(lightScratchBytes(width));
-        reliefLightPlain(expected.row(0), width, height, light, memory.get());
+        plain::reliefLight(expected.row(0), width, height, light, memory.get());
         reliefLight(actual.row(0), width, height, light, memory.get());
         ASSERT_EQ(difference(expected, actual, width - 2, height - 2), "");
     });
@@ -257,7 +257,8 @@ TEST_P(ReliefKernels, Masks) {
              {ReliefPart::kAll, ReliefPart::kCovered, ReliefPart::kNotFull}) {
             const Plane<uint8_t> lit(count, 1), shaded(count, 1), itsLit(count, 1),
                 itsShaded(count, 1);
-            reliefMasksPlain(light.row(0), coverage.row(0), count, part, lit.row(0), shaded.row(0));
+            plain::reliefMasks(light.row(0), coverage.row(0), count, part, lit.row(0),
+                               shaded.row(0));
             reliefMasks(light.row(0), coverage.row(0), count, part, itsLit.row(0),
                         itsShaded.row(0));
             ASSERT_EQ(difference(lit, itsLit, count, 1), "") << count;

@@ -104,7 +104,7 @@ protected:
                           random.byte());
             BlurPass pass{in.cells.get(), in.width, expected.cells.get() + 1,
                           expected.width, columns,  rows};
-            (alongRows ? blurRowsPlain : blurColumnsPlain)(pass, bell.weights, input);
+            (alongRows ? plain::blurRows : plain::blurColumns)(pass, bell.weights, input);
             pass.out = actual.cells.get() + 1;
             (alongRows ? blurRows : blurColumns)(pass, bell.weights, input, scratch.cells.get());
             expectEqual(expected, actual, bell);
@@ -121,7 +121,7 @@ protected:
         std::copy_n(plane.cells.get(), plane.size(), expected.cells.get());
         Plane scratch(blurScratchBytes(columns, plane.height, bell.weights.radius), 1);
         BlurPass pass{plane.cells.get(), columns, expected.cells.get(), columns, columns, rows};
-        blurColumnsPlain(pass, bell.weights, input);
+        plain::blurColumns(pass, bell.weights, input);
         pass.out = plane.cells.get();
         blurColumns(pass, bell.weights, input, scratch.cells.get());
         expectEqual(expected, plane, bell);
@@ -133,8 +133,8 @@ protected:
         fill(in, random);
         Plane expected(width, height, 77), actual(width, height, 78);
         Plane scratch(blurScratchBytes(width, height, bell.weights.radius), 1, random.byte());
-        blurPlanePlain(in.cells.get(), expected.cells.get(), width, height, bell.weights, input,
-                       scratch.cells.get());
+        plain::blurPlane(in.cells.get(), expected.cells.get(), width, height, bell.weights, input,
+                         scratch.cells.get());
         for (const bool looks : {true, false}) {
             setLooksForShortcuts(looks);
             blurPlane(in.cells.get(), actual.cells.get(), width, height, bell.weights, input,
@@ -157,7 +157,7 @@ protected:
         Plane actual(expected.width, expected.height);
         std::copy_n(expected.cells.get(), expected.size(), actual.cells.get());
         Plane scratch(blurScratchBytes(actual.width, actual.height, bell.weights.radius), 1);
-        blurPaddedPlanePlain(expected.cells.get(), expected.width, expected.height, bell.weights);
+        plain::blurPaddedPlane(expected.cells.get(), expected.width, expected.height, bell.weights);
         blurPaddedPlane(actual.cells.get(), actual.width, actual.height, bell.weights,
                         scratch.cells.get());
         // Only the means matter.

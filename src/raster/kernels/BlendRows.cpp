@@ -2,7 +2,6 @@
 
 #include <bit>
 
-#include "raster/kernels/PlainBlendRows.h"
 #include "raster/kernels/Simd.h"
 
 #undef HWY_TARGET_INCLUDE

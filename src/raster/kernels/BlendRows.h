@@ -63,4 +63,21 @@ void fadeAndUnpremultiplyRow(Rgba* pixels, size_t count, uint32_t alpha);
 // Pixels become transparent black where the mask is 0.
 void clearUncoveredRow(Rgba* pixels, const uint8_t* mask, size_t count);
 
+// The plain forms: the formulas, one cell at a time.
+namespace plain {
+void srcOver8Rows(const BlendArea& area, Rgba color);
+void dstOver8Rows(const BlendArea& area, Rgba color);
+void dstOverNsa8Rows(const BlendArea& area, Rgba color);
+void dstOverSa8Rows(const BlendArea& area, Rgba color);
+void dstOverMapped8Rows(const BlendArea& area, const uint32_t* table);
+void overwrite8Rows(const BlendArea& area, Rgba color);
+void max8Rows(const BlendArea& area);
+void srcOver32Rows(const BlendArea& area, SourceOrder order);
+void dstOver32Rows(const BlendArea& area, SourceOrder order);
+void swapRedBlueRow(Rgba* pixels, size_t count);
+void mixLayersRow(Rgba* out, const Rgba* back, const uint8_t* mask, size_t count);
+void fadeAndUnpremultiplyRow(Rgba* pixels, size_t count, uint32_t alpha);
+void clearUncoveredRow(Rgba* pixels, const uint8_t* mask, size_t count);
+}  // namespace plain
+
 }  // namespace GxFontEffect::kernels

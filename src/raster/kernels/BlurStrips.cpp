@@ -37,17 +37,17 @@ namespace GxFontEffect::kernels::HWY_NAMESPACE {
 
 void blurAll(const BlurPass& pass, const BlurWeights& weights, BlurInput input, bool alongRows,
              uint8_t* /*scratch*/) {
-    (alongRows ? blurRowsPlain : blurColumnsPlain)(pass, weights, input);
+    (alongRows ? plain::blurRows : plain::blurColumns)(pass, weights, input);
 }
 
 void blurBoth(const uint8_t* in, uint8_t* out, int64_t width, int64_t height,
               const BlurWeights& weights, BlurInput input, uint8_t* scratch) {
-    blurPlanePlain(in, out, width, height, weights, input, scratch);
+    plain::blurPlane(in, out, width, height, weights, input, scratch);
 }
 
 void blurPadded(uint8_t* plane, int64_t width, int64_t height, const BlurWeights& weights,
                 uint8_t* /*scratch*/) {
-    blurPaddedPlanePlain(plane, width, height, weights);
+    plain::blurPaddedPlane(plane, width, height, weights);
 }
 
 #else
@@ -441,7 +441,7 @@ void blurRows(const BlurPass& pass, const BlurWeights& weights, BlurInput input,
         return;
     }
     if (!suitsDifferences(weights)) {
-        blurRowsPlain(pass, weights, input);
+        plain::blurRows(pass, weights, input);
         return;
     }
     HWY_DYNAMIC_DISPATCH(blurAll)(pass, weights, input, true, scratch);
@@ -454,7 +454,7 @@ void blurColumns(const BlurPass& pass, const BlurWeights& weights, BlurInput inp
         return;
     }
     if (!suitsDifferences(weights)) {
-        blurColumnsPlain(pass, weights, input);
+        plain::blurColumns(pass, weights, input);
         return;
     }
     HWY_DYNAMIC_DISPATCH(blurAll)(pass, weights, input, false, scratch);
@@ -467,7 +467,7 @@ void blurPlane(const uint8_t* in, uint8_t* out, int64_t width, int64_t height,
     } else if (suitsDifferences(weights)) {
         HWY_DYNAMIC_DISPATCH(blurBoth)(in, out, width, height, weights, input, scratch);
     } else {
-        blurPlanePlain(in, out, width, height, weights, input, scratch);
+        plain::blurPlane(in, out, width, height, weights, input, scratch);
     }
 }
 
@@ -477,7 +477,7 @@ void blurPaddedPlane(uint8_t* plane, int64_t width, int64_t height, const BlurWe
     if (suitsDifferences(weights)) {
         HWY_DYNAMIC_DISPATCH(blurPadded)(plane, width, height, weights, scratch);
     } else {
-        blurPaddedPlanePlain(plane, width, height, weights);
+        plain::blurPaddedPlane(plane, width, height, weights);
     }
 }
 

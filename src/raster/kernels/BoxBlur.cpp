@@ -24,7 +24,7 @@ namespace GxFontEffect::kernels::HWY_NAMESPACE {
 #if GX_SIMD_IS_PLAIN
 
 void blurBoxes(uint16_t* plane, int64_t width, int64_t height, int64_t reach, uint8_t* scratch) {
-    boxBlurPlain(plane, width, height, reach, scratch);
+    plain::boxBlur(plane, width, height, reach, scratch);
 }
 
 #else

@@ -30,7 +30,9 @@ constexpr int64_t boxBlurScratchBytes(int64_t width, int64_t height) {
 // room behind the last. `scratch` holds boxBlurScratchBytes(), aligned for 16 bits.
 void boxBlur(uint16_t* plane, int64_t width, int64_t height, int64_t reach, uint8_t* scratch);
 
-// The formula, cell by cell.
-void boxBlurPlain(uint16_t* plane, int64_t width, int64_t height, int64_t reach, uint8_t* scratch);
+// The plain forms: the formulas, one cell at a time.
+namespace plain {
+void boxBlur(uint16_t* plane, int64_t width, int64_t height, int64_t reach, uint8_t* scratch);
+}  // namespace plain
 
 }  // namespace GxFontEffect::kernels

@@ -1,5 +1,5 @@
 // The whole-image steps of raster/kernels/BlendRows.h.
-#include "raster/kernels/PlainBlendRows.h"
+#include "raster/kernels/BlendRows.h"
 #include "raster/kernels/Simd.h"
 
 #undef HWY_TARGET_INCLUDE

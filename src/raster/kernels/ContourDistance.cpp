@@ -24,7 +24,7 @@ namespace GxFontEffect::kernels::HWY_NAMESPACE {
 #if GX_SIMD_IS_PLAIN
 
 void measureContour(const ContourPlanes& planes) {
-    contourDistancesPlain(planes);
+    plain::contourDistances(planes);
 }
 
 #else

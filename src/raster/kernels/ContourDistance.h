@@ -35,9 +35,6 @@ struct ContourPlanes {
 // Fills both planes of distances.
 void contourDistances(const ContourPlanes& planes);
 
-// The formulas, cell by cell.
-void contourDistancesPlain(const ContourPlanes& planes);
-
 // Where the contour passes between an inside pixel u and an outside pixel v, in 1/128 pixel from
 // the centre of u towards that of v. p lies behind u, w behind v. Between full and empty
 // neighbours the four pixels' area tells, which is exact for straight edges that meet the line at
@@ -56,5 +53,10 @@ constexpr int contourPointFrom(int before, int a, int b, int after) {
     return a >= kInsideCoverage ? contourPoint(before, a, b, after)
                                 : kContourUnits - contourPoint(after, b, a, before);
 }
+
+// The plain forms: the formulas, one cell at a time.
+namespace plain {
+void contourDistances(const ContourPlanes& planes);
+}  // namespace plain
 
 }  // namespace GxFontEffect::kernels

@@ -28,11 +28,11 @@ namespace GxFontEffect::kernels::HWY_NAMESPACE {
 #if GX_SIMD_IS_PLAIN
 
 void dilateDisc(const DilationBand& band, const DiscShape& /*shape*/, bool inverted) {
-    inverted ? dilateInsidePlain(band) : dilateOutsidePlain(band);
+    inverted ? plain::dilateInside(band) : plain::dilateOutside(band);
 }
 
 void minimum(uint8_t* a, const uint8_t* b, int64_t count) {
-    minimumPlain(a, b, count);
+    plain::minimum(a, b, count);
 }
 
 #else
@@ -409,14 +409,14 @@ bool DiscShape::read(const DilationBand& band) {
 void dilateOutside(const DilationBand& band) {
     DiscShape shape;
     if (band.rows < 1 || band.columns < 1) return;
-    if (!shape.read(band)) return dilateOutsidePlain(band);
+    if (!shape.read(band)) return plain::dilateOutside(band);
     HWY_DYNAMIC_DISPATCH(dilateDisc)(band, shape, false);
 }
 
 void dilateInside(const DilationBand& band) {
     DiscShape shape;
     if (band.rows < 1 || band.columns < 1) return;
-    if (!shape.read(band)) return dilateInsidePlain(band);
+    if (!shape.read(band)) return plain::dilateInside(band);
     HWY_DYNAMIC_DISPATCH(dilateDisc)(band, shape, true);
 }
 

@@ -32,9 +32,11 @@ void dilateInside(const DilationBand& band);
 // a = min(a, b), byte by byte.
 void minimum(uint8_t* a, const uint8_t* b, int64_t count);
 
-// The formulas, cell by cell.
-void dilateOutsidePlain(const DilationBand& band);
-void dilateInsidePlain(const DilationBand& band);
-void minimumPlain(uint8_t* a, const uint8_t* b, int64_t count);
+// The plain forms: the formulas, one cell at a time.
+namespace plain {
+void dilateOutside(const DilationBand& band);
+void dilateInside(const DilationBand& band);
+void minimum(uint8_t* a, const uint8_t* b, int64_t count);
+}  // namespace plain
 
 }  // namespace GxFontEffect::kernels

@@ -27,11 +27,11 @@ namespace GxFontEffect::kernels::HWY_NAMESPACE {
 #if GX_SIMD_IS_PLAIN
 
 void linearRows(const GradientFill& fill, float stepX, float stepY) {
-    linearGradientRowsPlain(fill, stepX, stepY);
+    plain::linearGradientRows(fill, stepX, stepY);
 }
 
 void radialRows(const GradientFill& fill, float step) {
-    radialGradientRowsPlain(fill, step);
+    plain::radialGradientRows(fill, step);
 }
 
 #else
@@ -236,7 +236,7 @@ void linearGradientRows(const GradientFill& fill, float stepX, float stepY) {
     if (isSmall(stepX) && isSmall(stepY)) {
         HWY_DYNAMIC_DISPATCH(linearRows)(fill, stepX, stepY);
     } else {
-        linearGradientRowsPlain(fill, stepX, stepY);
+        plain::linearGradientRows(fill, stepX, stepY);
     }
 }
 
@@ -244,7 +244,7 @@ void radialGradientRows(const GradientFill& fill, float step) {
     if (step >= 0 && isSmall(step)) {
         HWY_DYNAMIC_DISPATCH(radialRows)(fill, step);
     } else {
-        radialGradientRowsPlain(fill, step);
+        plain::radialGradientRows(fill, step);
     }
 }
 

@@ -30,8 +30,10 @@ void linearGradientRows(const GradientFill& fill, float stepX, float stepY);
 // entry = clamp((int)(step x sqrt(dy^2 + dx^2)), 0, 255).
 void radialGradientRows(const GradientFill& fill, float step);
 
-// The formulas, pixel by pixel.
-void linearGradientRowsPlain(const GradientFill& fill, float stepX, float stepY);
-void radialGradientRowsPlain(const GradientFill& fill, float step);
+// The plain forms: the formulas, one cell at a time.
+namespace plain {
+void linearGradientRows(const GradientFill& fill, float stepX, float stepY);
+void radialGradientRows(const GradientFill& fill, float step);
+}  // namespace plain
 
 }  // namespace GxFontEffect::kernels

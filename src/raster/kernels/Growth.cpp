@@ -25,7 +25,7 @@ namespace GxFontEffect::kernels::HWY_NAMESPACE {
 #if GX_SIMD_IS_PLAIN
 
 void growAll(uint8_t* mask, int64_t width, int64_t height, int64_t passes, uint8_t* scratch) {
-    growMaskPlain(mask, width, height, passes, scratch);
+    plain::growMask(mask, width, height, passes, scratch);
 }
 
 #else

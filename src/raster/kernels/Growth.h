@@ -22,7 +22,9 @@ constexpr int64_t growthScratchBytes(int64_t width) {
 // alignment is needed.
 void growMask(uint8_t* mask, int64_t width, int64_t height, int64_t passes, uint8_t* scratch);
 
-// The formula, cell by cell.
-void growMaskPlain(uint8_t* mask, int64_t width, int64_t height, int64_t passes, uint8_t* scratch);
+// The plain forms: the formulas, one cell at a time.
+namespace plain {
+void growMask(uint8_t* mask, int64_t width, int64_t height, int64_t passes, uint8_t* scratch);
+}  // namespace plain
 
 }  // namespace GxFontEffect::kernels

@@ -28,7 +28,7 @@ namespace GxFontEffect::kernels::HWY_NAMESPACE {
 #if GX_SIMD_IS_PLAIN
 
 void drawPattern(const PatternFill& fill) {
-    patternRowsPlain(fill);
+    plain::patternRows(fill);
 }
 
 #else

@@ -62,7 +62,9 @@ struct PatternFill {
 // The alpha is (int)(opacity x alpha), by which the colour is premultiplied.
 void patternRows(const PatternFill& fill);
 
-// The formula, pixel by pixel.
-void patternRowsPlain(const PatternFill& fill);
+// The plain forms: the formulas, one cell at a time.
+namespace plain {
+void patternRows(const PatternFill& fill);
+}  // namespace plain
 
 }  // namespace GxFontEffect::kernels

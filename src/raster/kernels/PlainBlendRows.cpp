@@ -1,4 +1,4 @@
-#include "raster/kernels/PlainBlendRows.h"
+#include "raster/kernels/BlendRows.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,6 +1,6 @@
 #include "raster/kernels/BoxBlur.h"
 
-namespace GxFontEffect::kernels {
+namespace GxFontEffect::kernels::plain {
 
 namespace {
 
@@ -28,10 +28,9 @@ void blurLine(uint16_t* line, int64_t step, int64_t length, int64_t reach) {
 
 }  // namespace
 
-void boxBlurPlain(uint16_t* plane, int64_t width, int64_t height, int64_t reach,
-                  uint8_t* /*scratch*/) {
+void boxBlur(uint16_t* plane, int64_t width, int64_t height, int64_t reach, uint8_t* /*scratch*/) {
     for (int64_t x = 0; x < width; ++x) blurLine(plane + x, width, height, reach);
     for (int64_t y = 0; y < height - 2 * reach; ++y) blurLine(plane + y * width, 1, width, reach);
 }
 
-}  // namespace GxFontEffect::kernels
+}  // namespace GxFontEffect::kernels::plain

@@ -2,7 +2,7 @@
 
 #include "raster/kernels/ContourDistance.h"
 
-namespace GxFontEffect::kernels {
+namespace GxFontEffect::kernels::plain {
 
 namespace {
 
@@ -56,7 +56,7 @@ struct SquaresInRow {
 
 }  // namespace
 
-void contourDistancesPlain(const ContourPlanes& planes) {
+void contourDistances(const ContourPlanes& planes) {
     for (int64_t x = 0; x < planes.width; ++x) {
         measure(Line{planes.coverage + x, planes.width, planes.height},
                 InColumn{planes.alongColumns + x, planes.width});
@@ -67,4 +67,4 @@ void contourDistancesPlain(const ContourPlanes& planes) {
     }
 }
 
-}  // namespace GxFontEffect::kernels
+}  // namespace GxFontEffect::kernels::plain

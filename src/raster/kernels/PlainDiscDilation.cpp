@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace GxFontEffect::kernels {
+namespace GxFontEffect::kernels::plain {
 
 namespace {
 
@@ -32,16 +32,16 @@ void dilate(const DilationBand& band, Coverage coverage) {
 
 }  // namespace
 
-void dilateOutsidePlain(const DilationBand& band) {
+void dilateOutside(const DilationBand& band) {
     dilate(band, [](uint8_t m) { return int{m}; });
 }
 
-void dilateInsidePlain(const DilationBand& band) {
+void dilateInside(const DilationBand& band) {
     dilate(band, [](uint8_t m) { return 255 - m; });
 }
 
-void minimumPlain(uint8_t* a, const uint8_t* b, int64_t count) {
+void minimum(uint8_t* a, const uint8_t* b, int64_t count) {
     for (int64_t i = 0; i < count; ++i) a[i] = std::min(a[i], b[i]);
 }
 
-}  // namespace GxFontEffect::kernels
+}  // namespace GxFontEffect::kernels::plain

@@ -5,7 +5,7 @@
 
 #include "raster/GxMath.h"
 
-namespace GxFontEffect::kernels {
+namespace GxFontEffect::kernels::plain {
 
 namespace {
 
@@ -27,16 +27,16 @@ void drawPixels(const GradientFill& fill, Entry entry) {
 
 }  // namespace
 
-void linearGradientRowsPlain(const GradientFill& fill, float stepX, float stepY) {
+void linearGradientRows(const GradientFill& fill, float stepX, float stepY) {
     drawPixels(fill, [=](float dx, float dy) {
         return std::clamp(toInt(stepY * dy + stepX * dx), -128, 127) + 128;
     });
 }
 
-void radialGradientRowsPlain(const GradientFill& fill, float step) {
+void radialGradientRows(const GradientFill& fill, float step) {
     drawPixels(fill, [=](float dx, float dy) {
         return std::clamp(toInt(step * std::sqrt(dy * dy + dx * dx)), 0, 255);
     });
 }
 
-}  // namespace GxFontEffect::kernels
+}  // namespace GxFontEffect::kernels::plain

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-namespace GxFontEffect::kernels {
+namespace GxFontEffect::kernels::plain {
 
 namespace {
 
@@ -31,7 +31,7 @@ bool growOnce(uint8_t* mask, int64_t width, int64_t height, uint8_t* above, uint
 
 }  // namespace
 
-void growMaskPlain(uint8_t* mask, int64_t width, int64_t height, int64_t passes, uint8_t* scratch) {
+void growMask(uint8_t* mask, int64_t width, int64_t height, int64_t passes, uint8_t* scratch) {
     if (width < 1 || height < 1) return;
     uint8_t* above = scratch;
     uint8_t* grown = scratch + width;
@@ -41,4 +41,4 @@ void growMaskPlain(uint8_t* mask, int64_t width, int64_t height, int64_t passes,
     }
 }
 
-}  // namespace GxFontEffect::kernels
+}  // namespace GxFontEffect::kernels::plain

@@ -17,6 +17,10 @@ PatternSample::PatternSample(int64_t coordinate, int32_t tile, float scale, int6
     weight = toInt((position - whole) * 255.0f);
 }
 
+}  // namespace GxFontEffect::kernels
+
+namespace GxFontEffect::kernels::plain {
+
 namespace {
 
 uint32_t patternPixel(const PatternTile& tile, const PatternSample& column,
@@ -38,7 +42,7 @@ uint32_t patternPixel(const PatternTile& tile, const PatternSample& column,
 
 }  // namespace
 
-void patternRowsPlain(const PatternFill& fill) {
+void patternRows(const PatternFill& fill) {
     const PatternTile& tile = fill.tile;
     const BlendArea& area = fill.area;
     for (int64_t y = 0; y < static_cast<int64_t>(area.height); ++y) {
@@ -54,4 +58,4 @@ void patternRowsPlain(const PatternFill& fill) {
     }
 }
 
-}  // namespace GxFontEffect::kernels
+}  // namespace GxFontEffect::kernels::plain

@@ -4,7 +4,7 @@
 #include "raster/GxMath.h"
 #include "raster/kernels/ReliefHeight.h"
 
-namespace GxFontEffect::kernels {
+namespace GxFontEffect::kernels::plain {
 
 namespace {
 
@@ -47,8 +47,8 @@ int32_t weightedThree(int32_t a, int32_t b, int32_t c) {
 
 }  // namespace
 
-void reliefHeightsPlain(const ContourPlanes& planes, const ReliefSlope& slope, uint16_t* heights,
-                        uint8_t* scratch) {
+void reliefHeights(const ContourPlanes& planes, const ReliefSlope& slope, uint16_t* heights,
+                   uint8_t* scratch) {
     const int64_t width = planes.width;
     auto* ring = reinterpret_cast<int32_t*>(scratch);
     const auto row = [&](int64_t y) { return ring + y % 3 * width; };
@@ -68,4 +68,4 @@ void reliefHeightsPlain(const ContourPlanes& planes, const ReliefSlope& slope, u
     }
 }
 
-}  // namespace GxFontEffect::kernels
+}  // namespace GxFontEffect::kernels::plain

@@ -1,6 +1,6 @@
 #include "raster/kernels/ReliefLight.h"
 
-namespace GxFontEffect::kernels {
+namespace GxFontEffect::kernels::plain {
 
 namespace {
 
@@ -20,8 +20,8 @@ bool isShown(uint8_t coverage, ReliefPart part) {
 
 }  // namespace
 
-void reliefLightPlain(uint16_t* heights, int64_t width, int64_t height, const ReliefLighting& light,
-                      uint8_t* scratch) {
+void reliefLight(uint16_t* heights, int64_t width, int64_t height, const ReliefLighting& light,
+                 uint8_t* scratch) {
     auto* corners = reinterpret_cast<int16_t*>(scratch);
     const auto row = [&](int64_t y) { return corners + y % 2 * width; };
     for (int64_t y = 0; y + 1 < height; ++y) {
@@ -37,8 +37,8 @@ void reliefLightPlain(uint16_t* heights, int64_t width, int64_t height, const Re
     }
 }
 
-void reliefMasksPlain(const uint16_t* light, const uint8_t* coverage, int64_t count,
-                      ReliefPart part, uint8_t* highlight, uint8_t* shadow) {
+void reliefMasks(const uint16_t* light, const uint8_t* coverage, int64_t count, ReliefPart part,
+                 uint8_t* highlight, uint8_t* shadow) {
     for (int64_t x = 0; x < count; ++x) {
         const int32_t w = light[x] - kLevelLight;
         const bool shown = isShown(coverage[x], part);
@@ -47,4 +47,4 @@ void reliefMasksPlain(const uint16_t* light, const uint8_t* coverage, int64_t co
     }
 }
 
-}  // namespace GxFontEffect::kernels
+}  // namespace GxFontEffect::kernels::plain

@@ -28,7 +28,7 @@ namespace GxFontEffect::kernels::HWY_NAMESPACE {
 
 void raiseHeights(const ContourPlanes& planes, const ReliefSlope& slope, uint16_t* heights,
                   uint8_t* scratch) {
-    reliefHeightsPlain(planes, slope, heights, scratch);
+    plain::reliefHeights(planes, slope, heights, scratch);
 }
 
 #else

@@ -38,8 +38,10 @@ constexpr int64_t heightScratchBytes(int64_t width, int64_t height) {
 void reliefHeights(const ContourPlanes& planes, const ReliefSlope& slope, uint16_t* heights,
                    uint8_t* scratch);
 
-// The formulas, cell by cell.
-void reliefHeightsPlain(const ContourPlanes& planes, const ReliefSlope& slope, uint16_t* heights,
-                        uint8_t* scratch);
+// The plain forms: the formulas, one cell at a time.
+namespace plain {
+void reliefHeights(const ContourPlanes& planes, const ReliefSlope& slope, uint16_t* heights,
+                   uint8_t* scratch);
+}  // namespace plain
 
 }  // namespace GxFontEffect::kernels

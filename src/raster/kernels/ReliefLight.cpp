@@ -19,12 +19,12 @@ namespace GxFontEffect::kernels::HWY_NAMESPACE {
 
 void lightRelief(uint16_t* heights, int64_t width, int64_t height, const ReliefLighting& light,
                  uint8_t* scratch) {
-    reliefLightPlain(heights, width, height, light, scratch);
+    plain::reliefLight(heights, width, height, light, scratch);
 }
 
 void splitLight(const uint16_t* light, const uint8_t* coverage, int64_t count, ReliefPart part,
                 uint8_t* highlight, uint8_t* shadow) {
-    reliefMasksPlain(light, coverage, count, part, highlight, shadow);
+    plain::reliefMasks(light, coverage, count, part, highlight, shadow);
 }
 
 #else

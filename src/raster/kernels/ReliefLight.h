@@ -62,10 +62,12 @@ enum class ReliefPart { kAll, kCovered, kNotFull };
 void reliefMasks(const uint16_t* light, const uint8_t* coverage, int64_t count, ReliefPart part,
                  uint8_t* highlight, uint8_t* shadow);
 
-// The formulas, cell by cell.
-void reliefLightPlain(uint16_t* heights, int64_t width, int64_t height, const ReliefLighting& light,
-                      uint8_t* scratch);
-void reliefMasksPlain(const uint16_t* light, const uint8_t* coverage, int64_t count,
-                      ReliefPart part, uint8_t* highlight, uint8_t* shadow);
+// The plain forms: the formulas, one cell at a time.
+namespace plain {
+void reliefLight(uint16_t* heights, int64_t width, int64_t height, const ReliefLighting& light,
+                 uint8_t* scratch);
+void reliefMasks(const uint16_t* light, const uint8_t* coverage, int64_t count, ReliefPart part,
+                 uint8_t* highlight, uint8_t* shadow);
+}  // namespace plain
 
 }  // namespace GxFontEffect::kernels

@@ -69,12 +69,13 @@ void blurPlane(const uint8_t* in, uint8_t* out, int64_t width, int64_t height,
 void blurPaddedPlane(uint8_t* plane, int64_t width, int64_t height, const BlurWeights& weights,
                      uint8_t* scratch);
 
-// The formulas, cell by cell.
-void blurRowsPlain(const BlurPass& pass, const BlurWeights& weights, BlurInput input);
-void blurColumnsPlain(const BlurPass& pass, const BlurWeights& weights, BlurInput input);
-void blurPlanePlain(const uint8_t* in, uint8_t* out, int64_t width, int64_t height,
-                    const BlurWeights& weights, BlurInput input, uint8_t* scratch);
-void blurPaddedPlanePlain(uint8_t* plane, int64_t width, int64_t height,
-                          const BlurWeights& weights);
+// The plain forms: the formulas, one cell at a time.
+namespace plain {
+void blurRows(const BlurPass& pass, const BlurWeights& weights, BlurInput input);
+void blurColumns(const BlurPass& pass, const BlurWeights& weights, BlurInput input);
+void blurPlane(const uint8_t* in, uint8_t* out, int64_t width, int64_t height,
+               const BlurWeights& weights, BlurInput input, uint8_t* scratch);
+void blurPaddedPlane(uint8_t* plane, int64_t width, int64_t height, const BlurWeights& weights);
+}  // namespace plain
 
 }  // namespace GxFontEffect::kernels

@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-namespace GxFontEffect::kernels {
+namespace GxFontEffect::kernels::plain {
 
 namespace {
 
@@ -38,16 +38,16 @@ void blur(const BlurPass& pass, const uint8_t* in, int64_t step, const BlurWeigh
 
 }  // namespace
 
-void blurRowsPlain(const BlurPass& pass, const BlurWeights& weights, BlurInput input) {
+void blurRows(const BlurPass& pass, const BlurWeights& weights, BlurInput input) {
     blur(pass, pass.in + weights.radius, 1, weights, input);
 }
 
-void blurColumnsPlain(const BlurPass& pass, const BlurWeights& weights, BlurInput input) {
+void blurColumns(const BlurPass& pass, const BlurWeights& weights, BlurInput input) {
     blur(pass, pass.in + weights.radius * pass.inStride, pass.inStride, weights, input);
 }
 
-void blurPlanePlain(const uint8_t* in, uint8_t* out, int64_t width, int64_t height,
-                    const BlurWeights& weights, BlurInput input, uint8_t* scratch) {
+void blurPlane(const uint8_t* in, uint8_t* out, int64_t width, int64_t height,
+               const BlurWeights& weights, BlurInput input, uint8_t* scratch) {
     const int64_t radius = weights.radius;
     const int64_t columns = width - 2 * radius;
     const int64_t rows = height - 2 * radius;
@@ -58,18 +58,17 @@ void blurPlanePlain(const uint8_t* in, uint8_t* out, int64_t width, int64_t heig
     for (int64_t y = 0; y < rows; ++y) {
         const uint8_t* inRow = in + y * width + radius;
         uint8_t* outRow = out + (y + radius) * width + radius;
-        blurColumnsPlain({inRow, width, scratch + radius, width, columns, 1}, weights, input);
-        blurRowsPlain({scratch, width, outRow, width, columns, 1}, weights, input);
+        blurColumns({inRow, width, scratch + radius, width, columns, 1}, weights, input);
+        blurRows({scratch, width, outRow, width, columns, 1}, weights, input);
     }
 }
 
-void blurPaddedPlanePlain(uint8_t* plane, int64_t width, int64_t height,
-                          const BlurWeights& weights) {
+void blurPaddedPlane(uint8_t* plane, int64_t width, int64_t height, const BlurWeights& weights) {
     const int64_t columns = width - 2 * int64_t{weights.radius};
     const int64_t rows = height - 2 * int64_t{weights.radius};
     // A mean replaces a cell that none of those after it reads.
-    blurColumnsPlain({plane, width, plane, width, width, rows}, weights, BlurInput::kDirect);
-    blurRowsPlain({plane, width, plane, width, columns, rows}, weights, BlurInput::kDirect);
+    blurColumns({plane, width, plane, width, width, rows}, weights, BlurInput::kDirect);
+    blurRows({plane, width, plane, width, columns, rows}, weights, BlurInput::kDirect);
 }
 
-}  // namespace GxFontEffect::kernels
+}  // namespace GxFontEffect::kernels::plain
