@@ -15,8 +15,7 @@ namespace {
 
 constexpr std::array<float, GX_INT_SQRT_TABLE_SIZE> makeSqrtTable() {
     std::array<float, GX_INT_SQRT_TABLE_SIZE> table{};
-    // thousandths = round(1000 * sqrt(i)), found in integers: the largest t with (2t - 1)^2 <= 4e6
-    // * i.
+    // round(1000 sqrt(i)), found in integers: the largest t with (2t - 1)^2 <= 4,000,000 i.
     int64_t thousandths = 0;
     for (int i = 0; i < GX_INT_SQRT_TABLE_SIZE; ++i) {
         while ((2 * thousandths + 1) * (2 * thousandths + 1) <= int64_t{4000000} * i) ++thousandths;

@@ -165,8 +165,8 @@ TEST(GxEffect, PlainFillIsStraightAlpha) {
     stack.addText(0xFF4080C0);
     const GxBitmap output = render(stack, 5, 3, 1, 1, Mask({"#9 4"}));
     EXPECT_EQ(pixelAt(output, 1, 1), (Pixel{0x40, 0x80, 0xC0, 255}));
-    // m = 112: alpha 256 x 112 >> 8 = 112; R: 65 x 112 >> 8 = 28, back to straight 28 x 256 / 112
-    // = 64.
+    // m = 112: alpha 256 x 112 >> 8 = 112; R: 65 x 112 >> 8 = 28, straight again
+    // 28 x 256 / 112 = 64.
     EXPECT_EQ(pixelAt(output, 4, 1), (Pixel{64, 128, 192, 112}));
     for (const auto& [x, y] : {std::pair{0, 0}, {3, 1}, {1, 0}, {1, 2}}) {
         EXPECT_EQ(pixelAt(output, x, y), (Pixel{0, 0, 0, 0}));

@@ -28,9 +28,10 @@ inline constexpr int kRampSize = 257;
 //
 // The ramp moves on by at most one stop per entry, deliberately: a segment narrower than 1/256 is
 // passed an entry late, not skipped. It never moves past the last stop, where the last colour
-// holds. Equal neighbouring positions are a hard edge. Between two stops: f = (int)((u - p0) / (p1
-// - p0) x 256) in single precision, the first colour below 1, the second from 256, else (c1 f + c0
-// (256 - f)) >> 8 per channel.
+// holds. Equal neighbouring positions are a hard edge. Between two stops, in single precision,
+//     f = (int)((u - p0) / (p1 - p0) x 256),
+// the first colour for f below 1, the second from 256 on, else (c1 f + c0 (256 - f)) >> 8 per
+// channel.
 void fillColorRamp(uint32_t* table, const GxGradient* stops, int stopCount, float firstPosition,
                    int curve);
 

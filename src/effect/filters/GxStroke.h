@@ -9,11 +9,11 @@
 
 namespace GxFontEffect {
 
-// Builds a soft-edged disc: K x K bytes of coverage, rows packed, K = 2R + 1, R = (int)(radius +
-// 0.5). Cells up to `radius` pixels from the centre are 255, farther than radius + 1 are 0, with a
-// linear ramp between, rounded to nearest. The centre cell is overwritten with clamp(radius, 0, 1)
-// x 255: deliberate, a disc thinner than a pixel has a weaker centre (radius 0.3: the one cell is
-// 77).
+// Builds a soft-edged disc: K x K bytes of coverage, rows packed, with
+//     R = (int)(radius + 0.5), K = 2R + 1.
+// Cells up to `radius` pixels from the centre are 255, farther than radius + 1 are 0, with a linear
+// ramp between, rounded to nearest. The centre cell is overwritten with 255 clamp(radius, 0, 1):
+// deliberate, a disc thinner than a pixel has a weaker centre (radius 0.3: the one cell is 77).
 //
 // The buffer comes from the C allocator and is the caller's: release it with std::free. Returns K;
 // `*out` is left alone when memory runs out, when K is below 1 (radius -1.5 and less) and when K x

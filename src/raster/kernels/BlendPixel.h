@@ -1,7 +1,7 @@
 // The blend formulas, one pixel at a time: the plain form that every faster one must equal.
 //
-// scale(c, k) = ((c + 1) x k) >> 8 stands in for c x k / 255: exact at both ends (k = 0 gives 0, k
-// = 255 gives c) and free of division. Sums are clamped to 255.
+// scale(c, k) = ((c + 1) x k) >> 8 stands in for c x k / 255: exact at both ends (0 for k = 0, c
+// for k = 255) and free of division. Sums are clamped to 255.
 #pragma once
 
 #include <cstdint>

@@ -168,7 +168,8 @@ struct SourceVector {
         }
     }
     HWY_INLINE V16 alpha() const {
-        return alphaFactor < kOrder == SourceOrder::kArgb ? 0 : 3 > (pixels);
+        constexpr int kAlpha = kOrder == SourceOrder::kArgb ? 0 : 3;
+        return alphaFactor<kAlpha>(pixels);
     }
     HWY_INLINE V8 rgba() const {
         static constexpr PixelShuffle kBgraToRgba(2, 1, 0, 3), kArgbToRgba(1, 2, 3, 0);

@@ -3,10 +3,9 @@
 //
 // The weights lie two by two against pairs of cells; a pair is one multiplication of bytes. Up to a
 // radius of 2 all products add up in one 16-bit total. Beyond, each second pair goes to a total of
-// its own; with A + B the sum and S the weights', which is even, floor((A + B) / S) is
-// floor(floor((A
-// + B) / 2) / (S / 2)), and an average of the two complements, which rounds up, gives the
-// complement of the half sum.
+// its own; with A + B the sum and S the weights', which is even,
+//     floor((A + B) / S) = floor(floor((A + B) / 2) / (S / 2)),
+// and an average of the two complements, which rounds up, gives the complement of the half sum.
 #if defined(GX_BLUR_DIRECT_INL_H) == defined(HWY_TARGET_TOGGLE)
 #ifdef GX_BLUR_DIRECT_INL_H
 #undef GX_BLUR_DIRECT_INL_H

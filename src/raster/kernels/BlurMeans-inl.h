@@ -69,9 +69,9 @@ HWY_INLINE V16 sumsOfPairs(V16 a, V16 b) {
 // floor(a / S) for 0 <= a <= 255 S.
 //
 // Up to a sum S of 2^14, a + 0.5 is exact in single precision, and at least 0.5 / S away from S
-// times any whole number; the errors of 1 / S and of the product add up to less than 256 x 2^-23 <
-// 0.5 / S. So the product, truncated, is the quotient. Beyond, it is off by one at most, which the
-// remainder shows.
+// times any whole number; the errors of 1 / S and of the product add up to less than 256 x 2^-23,
+// which is below 0.5 / S. So the product, truncated, is the quotient. Beyond, it is off by one at
+// most, which the remainder shows.
 class Quotient {
 public:
     explicit HWY_INLINE Quotient(int32_t sum)

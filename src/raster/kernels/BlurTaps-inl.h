@@ -20,8 +20,8 @@
 HWY_BEFORE_NAMESPACE();
 namespace GxFontEffect::kernels::HWY_NAMESPACE {
 
-// F(y) - F(y - 1) = sum over t = 0 ... radius of g(t) (in(y + t) - in(y - 1 - t)), g(t) = w(t) -
-// w(t + 1).
+// The g(t) = w(t) - w(t + 1) of
+//     F(y) - F(y - 1) = sum over t = 0 ... radius of g(t) (in(y + t) - in(y - 1 - t)).
 HWY_INLINE int32_t weightStep(const BlurWeights& weights, int64_t t) {
     return weights.taps[t] - (t < weights.radius ? weights.taps[t + 1] : 0);
 }

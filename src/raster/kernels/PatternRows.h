@@ -57,8 +57,9 @@ struct PatternFill {
 // Bilinear between picture pixels in whole 255ths, in each direction f = (x mod tile) / scale in
 // single precision, weight (int)((f - floor f) x 255) for the next picture pixel, which after the
 // last one is the first. The four weighted bytes are summed and shifted right by 16: 255 x 255
-// weights are divided by 65,536, so a byte b that is everywhere the same comes out as 65,025 b >>
-// 16 (255 gives 253), deliberately. Coordinates past the picture's end are held at its last pixel.
+// weights are divided by 65,536, so a byte b that is everywhere the same comes out as
+// (65,025 b) >> 16 (255 gives 253), deliberately. Coordinates past the picture's end are held at
+// its last pixel.
 // The alpha is (int)(opacity x alpha), by which the colour is premultiplied.
 void patternRows(const PatternFill& fill);
 

@@ -6,8 +6,9 @@
 
 namespace GxFontEffect::kernels {
 
-// taps[0] is the centre's weight, taps[i] that of the cells i away on either side; `sum` is taps[0]
-// + 2 (taps[1] + ... + taps[radius]), positive. 255 x sum must fit 32 bits.
+// taps[0] is the centre's weight, taps[i] that of the cells i away on either side; positive
+//     sum = taps[0] + 2 (taps[1] + ... + taps[radius]).
+// 255 x sum must fit 32 bits.
 struct BlurWeights {
     const int32_t* taps = nullptr;
     int32_t radius = 0;
@@ -62,9 +63,8 @@ void blurPlane(const uint8_t* in, uint8_t* out, int64_t width, int64_t height,
                const BlurWeights& weights, BlurInput input, uint8_t* scratch);
 
 // The same in place, of direct input, for a packed plane whose outermost 2 radius cells on each
-// side are 0: the first height - 2 radius rows, which must be an even number, and in them the first
-// width
-// - 2 radius cells become the means around the cells `radius` further right and down. The others do
+// side are 0: the first height - 2 radius rows, which must be an even number, become in their first
+// width - 2 radius cells the means around the cells `radius` further right and down. The others do
 // not matter afterwards.
 void blurPaddedPlane(uint8_t* plane, int64_t width, int64_t height, const BlurWeights& weights,
                      uint8_t* scratch);
