@@ -1,7 +1,6 @@
 #include "bridge/LinePlacement.h"
 
 #include <algorithm>
-#include <limits>
 
 #include "raster/GxMath.h"
 
@@ -15,11 +14,6 @@ constexpr uint32_t kGravityFill = 0x70;
 
 uint32_t VerticalGravity(const GxView& view) {
     return view.gravity & GxView::kVerticalGravityMask;
-}
-
-int32_t Saturate(int64_t value) {
-    return static_cast<int32_t>(std::clamp<int64_t>(value, std::numeric_limits<int32_t>::min(),
-                                                    std::numeric_limits<int32_t>::max()));
 }
 
 // Where the baseline of line 0 stands.
@@ -44,14 +38,14 @@ int64_t FirstBaseline(LineMetrics& lines, int32_t lineCount, int32_t visible, co
 GxLineInfo LineAt(LineMetrics& lines, int32_t line, int64_t y, const GxView& view) {
     const int64_t x = int64_t{view.paddingLeft} + toInt(lines.Left(line));
     GxLineInfo info;
-    info.x = Saturate(x);
-    info.y = Saturate(y);
+    info.x = saturateInt(x);
+    info.y = saturateInt(y);
     info.start = lines.Start(line);
     info.end = lines.VisibleEnd(line);
     info.rect.left = info.x;
-    info.rect.top = Saturate(y + lines.Ascent(line));
-    info.rect.right = Saturate(x + toInt(lines.Width(line)));
-    info.rect.bottom = Saturate(y + lines.Descent(line));
+    info.rect.top = saturateInt(y + lines.Ascent(line));
+    info.rect.right = saturateInt(x + toInt(lines.Width(line)));
+    info.rect.bottom = saturateInt(y + lines.Descent(line));
     return info;
 }
 

@@ -105,16 +105,6 @@ void LogVerbose(const char* text) {
     if (GxLog::IsAllLogEnable()) __android_log_print(ANDROID_LOG_DEBUG, kTag, "%s", text);
 }
 
-// Runs `operation`, which may throw for want of memory only.
-template <typename Operation>
-bool Guarded(Operation operation) {
-    try {
-        return operation();
-    } catch (const std::bad_alloc&) {
-        return ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, kSiteMemory);
-    }
-}
-
 }  // namespace
 
 // The maps and families; every member function is called with the lock held and throws bad_alloc.
@@ -336,7 +326,7 @@ bool FontManager::AddMinikinFont(const char* path, char* data, unsigned size, in
         __android_log_print(ANDROID_LOG_DEBUG, kTag, "AddMinikinFont() - path is NULL");
         return false;
     }
-    return Guarded([&] {
+    return GuardMemory(kTag, kSiteMemory, [&] {
         const MutexGuard guard(impl_->lock);
         return impl_->AddFont(path, std::move(owned), size, index, checkExisting);
     });
@@ -353,7 +343,7 @@ bool FontManager::IsExisting(const char* path, int index) {
         __android_log_print(ANDROID_LOG_DEBUG, kTag, "IsExisting() - path is NULL");
         return false;
     }
-    return Guarded([&] {
+    return GuardMemory(kTag, kSiteMemory, [&] {
         const MutexGuard guard(impl_->lock);
         return impl_->FindFont(std::string(path), index) != nullptr;
     });
@@ -362,7 +352,7 @@ bool FontManager::IsExisting(const char* path, int index) {
 bool FontManager::GetMinikinFont(std::shared_ptr<minikin::MinikinFont>& out, const GxString* path,
                                  int index) {
     if (!Ready(kSiteGetFont)) return false;
-    return Guarded([&] {
+    return GuardMemory(kTag, kSiteMemory, [&] {
         const MutexGuard guard(impl_->lock);
         FontPointer font = impl_->FindFont(path, index);
         if (!font) return false;
@@ -390,7 +380,7 @@ bool FontManager::IsSystemFontFamiliesAlreadySet() {
 bool FontManager::BuildMinikinFamily(GxFontFamily* family) {
     if (!Ready(kSiteBuildFamily)) return false;
     if (!family) return false;
-    return Guarded([&] {
+    return GuardMemory(kTag, kSiteMemory, [&] {
         const MutexGuard guard(impl_->lock);
         return impl_->BuildFamily(*family);
     });
@@ -406,7 +396,7 @@ bool FontManager::TryLoadMinikinFontFamily(unsigned localeListId) {
 
 FontManager::FamilyLoad FontManager::LoadFamily(unsigned localeListId) {
     auto result = FamilyLoad::kNone;
-    const bool enough = Guarded([&] {
+    const bool enough = GuardMemory(kTag, kSiteMemory, [&] {
         const MutexGuard guard(impl_->lock);
         for (int i = 0; i < impl_->FamilyCount(); i++) {
             GxFontFamily* family = impl_->FamilyAt(i);
@@ -432,7 +422,7 @@ bool FontManager::GetMinikinFontFamilies(const GxString* familyName,
                             GxLog::ConvertLog(familyName));
     }
     GxFontStyle style{weight, false};
-    const bool collected = Guarded([&] {
+    const bool collected = GuardMemory(kTag, kSiteMemory, [&] {
         const MutexGuard guard(impl_->lock);
         std::vector<FamilyPointer> families;
         const auto keep = [&](FamilyPointer family) {
@@ -459,7 +449,7 @@ std::shared_ptr<const android::Typeface> FontManager::GetTypeface(
     const std::vector<std::shared_ptr<minikin::FontFamily>>& families, int weight, bool italic) {
     TypefacePointer typeface;
     if (!Ready(kSiteGetTypeface)) return typeface;
-    Guarded([&] {
+    GuardMemory(kTag, kSiteMemory, [&] {
         const MutexGuard guard(impl_->lock);
         typeface = impl_->TypefaceOf(families, weight, italic);
         return true;

@@ -142,14 +142,12 @@ bool GxTextInstanceManager::Bind(GxTextObject* object) {
         LogBind(object, ++bound->second.count);
         return true;
     }
-    try {
+    return GuardMemory(kTag, kSiteBindMemory, [&] {
         registry.bindCount.emplace(object, Binding{1, {object}});
-    } catch (const std::bad_alloc&) {
-        return ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, kSiteBindMemory);
-    }
-    registry.pendingRelease.remove(object);
-    LogBind(object, 1);
-    return true;
+        registry.pendingRelease.remove(object);
+        LogBind(object, 1);
+        return true;
+    });
 }
 
 bool GxTextInstanceManager::Release(GxTextObject* object, bool deleteAtZero) {

@@ -68,17 +68,6 @@ void releaseTextCallback(GxTextObject* object) {
     delete object;
 }
 
-// Runs what may run out of memory inside the standard library or the platform: false and an error
-// code instead of an exception.
-template <typename Body>
-bool withoutThrowing(int site, Body body) {
-    try {
-        return body();
-    } catch (const std::exception&) {
-        return ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, site);
-    }
-}
-
 void clearLineInfoList(List& lines) {
     for (int i = 0, count = lines.GetCount(); i < count; ++i) {
         delete static_cast<GxLineInfo*>(lines.Get(i));
@@ -323,7 +312,7 @@ bool GxTextObject::requireConstructed(int site) const {
 
 bool GxTextObject::Construct() {
     if (impl) return ReportNativeError(kTag, GXE_ERROR_ALREADY_CONSTRUCTED, kSiteConstructTwice);
-    return withoutThrowing(kSiteConstructNoMemory, [this] {
+    return GuardMemory(kTag, kSiteConstructNoMemory, [this] {
         auto fresh = std::make_unique<GxTextObjectImpl>();
         fresh->runtimeHandle = GxTextInstanceManager::Register(this);
         if (fresh->runtimeHandle < 0) return false;
@@ -344,7 +333,7 @@ const uint32_t* GxTextObject::RenderTextEffect(int width, int height) {
     } else if (!impl->fontDrawing) {
         ReportNativeError(kTag, GXE_ERROR_NOT_CONSTRUCTED, kSiteRenderNoFontDrawing);
     } else {
-        withoutThrowing(kSiteRenderNoMemory, [&] { return draw(width, height); });
+        GuardMemory(kTag, kSiteRenderNoMemory, [&] { return draw(width, height); });
         // A render that stopped halfway still borrows the effect bitmap.
         impl->effect->releaseBitmap();
         __android_log_print(ANDROID_LOG_DEBUG, kTag, "RenderTextEffect(%p / %d) <<< End.", this,
@@ -423,7 +412,7 @@ bool GxTextObject::storeText(const Text* text, Length... length) {
         impl->text.reset();
         return true;
     }
-    return withoutThrowing(kSiteTextNoMemory, [&] {
+    return GuardMemory(kTag, kSiteTextNoMemory, [&] {
         auto fresh = std::make_unique<GxString>();
         if (!fresh->Construct() || !fresh->Set(text, length...)) return false;
         const bool hasOwnFamilies = impl->fontDrawing && impl->fontDrawing->HasFontFamilies();
@@ -441,7 +430,7 @@ void GxTextObject::SetTextLocaleListId() {
         __android_log_print(ANDROID_LOG_DEBUG, kTag, "SetTextLocaleListId - text is null.");
         return;
     }
-    withoutThrowing(kSiteLocaleNoMemory, [this] { return loadFamiliesOf(*impl->text); });
+    GuardMemory(kTag, kSiteLocaleNoMemory, [this] { return loadFamiliesOf(*impl->text); });
 }
 
 GxString* GxTextObject::GetText() const {
@@ -461,8 +450,8 @@ bool GxTextObject::SetFontFamilyName(const char* name) {
     if (!name) return ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, 553);
     __android_log_print(ANDROID_LOG_DEBUG, kTag, "SetFontFamilyName(%p) - familyName[%s]", this,
                         name);
-    return withoutThrowing(kSiteFontNoMemory,
-                           [&] { return fontDrawing().SetFontFamilyName(name); });
+    return GuardMemory(kTag, kSiteFontNoMemory,
+                       [&] { return fontDrawing().SetFontFamilyName(name); });
 }
 
 bool GxTextObject::SetFont(const char* path) {
@@ -481,7 +470,7 @@ bool GxTextObject::SetFont(const char* path, char* data, unsigned size) {
 }
 
 bool GxTextObject::useFont(const char* path, char* data, unsigned size) {
-    return withoutThrowing(kSiteFontNoMemory, [&] {
+    return GuardMemory(kTag, kSiteFontNoMemory, [&] {
         GxFontDrawing& drawing = fontDrawing();
         return FontManager::GetInstance().AddMinikinFont(path, data, size, 0, true) &&
                drawing.SetFontPath(path);
@@ -491,7 +480,7 @@ bool GxTextObject::useFont(const char* path, char* data, unsigned size) {
 bool GxTextObject::SetFontFamilies(std::vector<std::shared_ptr<minikin::FontFamily>> families,
                                    int weight) {
     if (!requireConstructed(kSiteFontFamilies)) return false;
-    return withoutThrowing(kSiteFontNoMemory, [&] {
+    return GuardMemory(kTag, kSiteFontNoMemory, [&] {
         fontDrawing().SetFontFamilies(std::move(families), weight);
         return true;
     });
@@ -567,7 +556,7 @@ const android::Paint& GxTextObject::paint() const {
 
 bool GxTextObject::SetPaint(android::Paint& paint) {
     if (!requireConstructed(730)) return false;
-    return withoutThrowing(kSitePaintNoMemory, [&] {
+    return GuardMemory(kTag, kSitePaintNoMemory, [&] {
         impl->paint = std::make_unique<const android::Paint>(paint);
         return true;
     });
