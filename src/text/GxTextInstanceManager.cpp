@@ -54,22 +54,22 @@ struct Registry {
 
 // Made on first use and never destroyed: text objects with static storage unregister while the
 // process ends.
-Registry& TheRegistry() {
+Registry& theRegistry() {
     alignas(Registry) static unsigned char memory[sizeof(Registry)];
     static Registry* const registry = new (memory) Registry;
     return *registry;
 }
 
 // While the library is loaded there is memory for the lock.
-[[maybe_unused]] const Registry& gRegistryMade = TheRegistry();
+[[maybe_unused]] const Registry& gRegistryMade = theRegistry();
 
-void LogBind(GxTextObject* object, int count) {
+void logBind(GxTextObject* object, int count) {
     __android_log_print(ANDROID_LOG_DEBUG, kTag, "Bind(%p) - count: %d", static_cast<void*>(object),
                         count);
 }
 
 // The next handle for the object, or -1 when there is no room for it.
-int AddObject(Registry& registry, GxTextObject* object) {
+int addObject(Registry& registry, GxTextObject* object) {
     if (registry.lastHandle == INT_MAX) return -1;
     const int handle = registry.lastHandle + 1;
     try {
@@ -83,7 +83,7 @@ int AddObject(Registry& registry, GxTextObject* object) {
     return handle;
 }
 
-Registered* Find(Registry& registry, int handle) {
+Registered* find(Registry& registry, int handle) {
     const auto known = registry.handleToObject.find(handle);
     if (known != registry.handleToObject.end()) return &known->second;
     __android_log_print(ANDROID_LOG_DEBUG, kTag, "FindGxTextObject() - Can't find the handle[%d]",
@@ -91,27 +91,27 @@ Registered* Find(Registry& registry, int handle) {
     return nullptr;
 }
 
-bool IsHeld(const Registry& registry, GxTextObject* object) {
+bool isHeld(const Registry& registry, GxTextObject* object) {
     const auto handle = registry.objectToHandle.find(object);
     if (handle == registry.objectToHandle.end()) return false;
     const auto registered = registry.handleToObject.find(handle->second);
     return registered != registry.handleToObject.end() && registered->second.holds > 0;
 }
 
-void Delete(Registry& registry, GxTextObject* object) {
+void deleteObject(Registry& registry, GxTextObject* object) {
     if (registry.releaseCallback) registry.releaseCallback(object);
 }
 
 }  // namespace
 
 void GxTextInstanceManager::SetCallBack(void (*callback)(GxTextObject*)) {
-    Registry& registry = TheRegistry();
+    Registry& registry = theRegistry();
     const MutexGuard guard(registry.lock);
     registry.releaseCallback = callback;
 }
 
 int GxTextInstanceManager::Register(GxTextObject* object) {
-    Registry& registry = TheRegistry();
+    Registry& registry = theRegistry();
     const MutexGuard guard(registry.lock);
     if (!object) {
         ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, kSiteRegisterNull);
@@ -119,13 +119,13 @@ int GxTextInstanceManager::Register(GxTextObject* object) {
     }
     const auto known = registry.objectToHandle.find(object);
     if (known != registry.objectToHandle.end()) return known->second;
-    const int handle = AddObject(registry, object);
+    const int handle = addObject(registry, object);
     if (handle < 0) ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, kSiteRegisterMemory);
     return handle;
 }
 
 void GxTextInstanceManager::Unregister(int handle) {
-    Registry& registry = TheRegistry();
+    Registry& registry = theRegistry();
     const MutexGuard guard(registry.lock);
     const auto known = registry.handleToObject.find(handle);
     if (known == registry.handleToObject.end()) return;
@@ -134,24 +134,24 @@ void GxTextInstanceManager::Unregister(int handle) {
 }
 
 bool GxTextInstanceManager::Bind(GxTextObject* object) {
-    Registry& registry = TheRegistry();
+    Registry& registry = theRegistry();
     const MutexGuard guard(registry.lock);
     if (!object) return ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, kSiteBindNull);
     const auto bound = registry.bindCount.find(object);
     if (bound != registry.bindCount.end()) {
-        LogBind(object, ++bound->second.count);
+        logBind(object, ++bound->second.count);
         return true;
     }
     return GuardMemory(kTag, kSiteBindMemory, [&] {
         registry.bindCount.emplace(object, Binding{1, {object}});
         registry.pendingRelease.remove(object);
-        LogBind(object, 1);
+        logBind(object, 1);
         return true;
     });
 }
 
 bool GxTextInstanceManager::Release(GxTextObject* object, bool deleteAtZero) {
-    Registry& registry = TheRegistry();
+    Registry& registry = theRegistry();
     const MutexGuard guard(registry.lock);
     const auto bound = registry.bindCount.find(object);
     if (bound == registry.bindCount.end()) {
@@ -159,10 +159,10 @@ bool GxTextInstanceManager::Release(GxTextObject* object, bool deleteAtZero) {
     }
     const int before = bound->second.count--;
     if (before != 1 || !deleteAtZero) return true;
-    if (registry.deferDeletion || IsHeld(registry, object)) {
+    if (registry.deferDeletion || isHeld(registry, object)) {
         registry.pendingRelease.splice(registry.pendingRelease.end(), bound->second.place);
     } else {
-        Delete(registry, object);
+        deleteObject(registry, object);
     }
     // By key: the callback may have released other bindings, and this one too.
     registry.bindCount.erase(object);
@@ -170,7 +170,7 @@ bool GxTextInstanceManager::Release(GxTextObject* object, bool deleteAtZero) {
 }
 
 bool GxTextInstanceManager::Release(int handle) {
-    Registry& registry = TheRegistry();
+    Registry& registry = theRegistry();
     const MutexGuard guard(registry.lock);
     const auto known = registry.handleToObject.find(handle);
     if (known != registry.handleToObject.end()) return Release(known->second.object, true);
@@ -178,39 +178,39 @@ bool GxTextInstanceManager::Release(int handle) {
 }
 
 void GxTextInstanceManager::Lock() {
-    Registry& registry = TheRegistry();
+    Registry& registry = theRegistry();
     const MutexGuard guard(registry.lock);
     registry.deferDeletion = true;
 }
 
 void GxTextInstanceManager::Unlock() {
-    Registry& registry = TheRegistry();
+    Registry& registry = theRegistry();
     const MutexGuard guard(registry.lock);
     // One by one: a callback may rescue an object that still waits, or add another to the line.
     std::list<GxTextObject*>& pending = registry.pendingRelease;
     for (;;) {
         const auto next =
             std::find_if_not(pending.begin(), pending.end(),
-                             [&](GxTextObject* object) { return IsHeld(registry, object); });
+                             [&](GxTextObject* object) { return isHeld(registry, object); });
         if (next == pending.end()) break;
         GxTextObject* object = *next;
         pending.erase(next);
-        Delete(registry, object);
+        deleteObject(registry, object);
     }
     registry.deferDeletion = false;
 }
 
 GxTextObject* GxTextInstanceManager::Hold(int handle) {
-    Registry& registry = TheRegistry();
+    Registry& registry = theRegistry();
     const MutexGuard guard(registry.lock);
-    Registered* const found = Find(registry, handle);
+    Registered* const found = find(registry, handle);
     if (!found) return nullptr;
     found->holds++;
     return found->object;
 }
 
 void GxTextInstanceManager::LetGo(int handle) {
-    Registry& registry = TheRegistry();
+    Registry& registry = theRegistry();
     const MutexGuard guard(registry.lock);
     // Gone when its owner deleted it in spite of the hold.
     const auto held = registry.handleToObject.find(handle);
@@ -221,20 +221,20 @@ void GxTextInstanceManager::LetGo(int handle) {
     const auto waiting = std::find(pending.begin(), pending.end(), object);
     if (waiting == pending.end()) return;
     pending.erase(waiting);
-    Delete(registry, object);
+    deleteObject(registry, object);
 }
 
 int GxTextInstanceManager::FindGxTextHandle(GxTextObject* object) {
-    Registry& registry = TheRegistry();
+    Registry& registry = theRegistry();
     const MutexGuard guard(registry.lock);
     const auto known = registry.objectToHandle.find(object);
     return known != registry.objectToHandle.end() ? known->second : -1;
 }
 
 GxTextObject* GxTextInstanceManager::FindGxTextObject(int handle) {
-    Registry& registry = TheRegistry();
+    Registry& registry = theRegistry();
     const MutexGuard guard(registry.lock);
-    const Registered* found = Find(registry, handle);
+    const Registered* found = find(registry, handle);
     return found ? found->object : nullptr;
 }
 
