@@ -8,6 +8,7 @@
 
 #include "style/FieldTable.h"
 #include "style/JsonTree.h"
+#include "style/Suggestion.h"
 
 namespace gxtext {
 
@@ -23,7 +24,9 @@ struct Place {
     Place element(size_t of) const { return {this, {}, of}; }
     std::string path() const {
         if (!parent) return "$";
-        return parent->path() + (name ? pathStep(*name) : "[" + std::to_string(index) + "]");
+        std::string text = parent->path();
+        if (name) return text.append(pathStep(*name));
+        return text.append("[").append(std::to_string(index)).append("]");
     }
 };
 
@@ -31,42 +34,6 @@ std::string inQuotes(std::string_view name) {
     std::string text("\"");
     text.append(name).append("\"");
     return text;
-}
-
-std::string joined(const std::vector<std::string_view>& names) {
-    std::string list;
-    for (const std::string_view name : names) list.append(list.empty() ? "" : ", ").append(name);
-    return list;
-}
-
-// Edit distance of two short names.
-size_t distance(std::string_view a, std::string_view b) {
-    std::vector<size_t> row(b.size() + 1);
-    for (size_t j = 0; j <= b.size(); j++) row[j] = j;
-    for (size_t i = 1; i <= a.size(); i++) {
-        size_t diagonal = row[0];
-        row[0] = i;
-        for (size_t j = 1; j <= b.size(); j++) {
-            const size_t replaced = diagonal + (a[i - 1] == b[j - 1] ? 0 : 1);
-            diagonal = row[j];
-            row[j] = std::min({row[j] + 1, row[j - 1] + 1, replaced});
-        }
-    }
-    return row[b.size()];
-}
-
-// "; did you mean \"size\"?", or the list of names when none is near.
-std::string suggestion(std::string_view given, const std::vector<std::string_view>& names) {
-    constexpr size_t kLongestName = 40;
-    if (given.size() <= kLongestName) {
-        const auto nearest = std::min_element(names.begin(), names.end(), [&](auto a, auto b) {
-            return distance(given, a) < distance(given, b);
-        });
-        if (distance(given, *nearest) <= std::max<size_t>(1, given.size() / 3)) {
-            return "; did you mean " + inQuotes(*nearest) + "?";
-        }
-    }
-    return "; allowed: " + joined(names);
 }
 
 class Reader {

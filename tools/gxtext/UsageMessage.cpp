@@ -5,11 +5,14 @@
 #include <string_view>
 #include <vector>
 
-#include "Suggestion.h"
+#include "style/Suggestion.h"
 
 namespace gxtool {
 
 namespace {
+
+using gxtext::nearestName;
+using gxtext::suggestion;
 
 std::vector<std::string_view> commandNames(const CLI::App& app) {
     std::vector<std::string_view> names;

@@ -1,8 +1,8 @@
-#include "Suggestion.h"
+#include "style/Suggestion.h"
 
 #include <algorithm>
 
-namespace gxtool {
+namespace gxtext {
 
 namespace {
 
@@ -22,6 +22,10 @@ size_t distance(std::string_view a, std::string_view b) {
     return row[b.size()];
 }
 
+char lower(char letter) {
+    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+}
+
 }  // namespace
 
 const std::string_view* nearestName(std::string_view given,
@@ -34,19 +38,26 @@ const std::string_view* nearestName(std::string_view given,
     });
     if (distance(given, *closest) <= std::max<size_t>(1, given.size() / 3)) return &*closest;
     if (given.size() < kShortestPart) return nullptr;
+    // In "outerGlow" the word that was given as "glow" has a capital.
     const auto holding = std::find_if(names.begin(), names.end(), [&](std::string_view name) {
-        return name.find(given) != std::string_view::npos;
+        const auto equal = [](char a, char b) { return lower(a) == lower(b); };
+        return std::search(name.begin(), name.end(), given.begin(), given.end(), equal) !=
+               name.end();
     });
     return holding != names.end() ? &*holding : nullptr;
+}
+
+std::string joined(const std::vector<std::string_view>& names) {
+    std::string list;
+    for (const std::string_view name : names) list.append(list.empty() ? "" : ", ").append(name);
+    return list;
 }
 
 std::string suggestion(std::string_view given, const std::vector<std::string_view>& names) {
     if (const std::string_view* name = nearestName(given, names)) {
         return "; did you mean \"" + std::string(*name) + "\"?";
     }
-    std::string list;
-    for (const std::string_view name : names) list.append(list.empty() ? "" : ", ").append(name);
-    return "; allowed: " + list;
+    return "; allowed: " + joined(names);
 }
 
-}  // namespace gxtool
+}  // namespace gxtext
