@@ -25,7 +25,8 @@ void LogFileFailure() {
 
 // Lengths are kept in 32 bits, as the font API has them.
 bool IsFontFile(const struct stat& status) {
-    return S_ISREG(status.st_mode) && status.st_size > 0 && status.st_size <= UINT32_MAX;
+    return S_ISREG(status.st_mode) && status.st_size > 0 &&
+           static_cast<uint64_t>(status.st_size) <= UINT32_MAX;
 }
 
 bool IsOnReadOnlyFileSystem(int file) {

@@ -38,7 +38,9 @@ struct FadeAndUnpremultiply {
         : factor(hn::Set(d16, static_cast<uint16_t>(alpha << 8))), fades(alpha != 255) {}
 
     HWY_INLINE bool isIdle(const Rgba* out) const {
-        return allBytesAre(anyBits(out), 0) | (!fades & allOpaque(commonBits(out)));
+        const bool isBlank = allBytesAre(anyBits(out), 0);
+        const bool isOpaque = allOpaque(commonBits(out));
+        return isBlank | (!fades & isOpaque);
     }
     HWY_INLINE void operator()(Rgba* out) const {
         for (size_t x = 0; x < kBlockPixels; x += kVectorPixels) {
