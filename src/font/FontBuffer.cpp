@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <new>
 #include <utility>
 
 #include "base/Descriptor.h"
@@ -21,6 +22,11 @@ constexpr const char* kTag = "GxFontManager";
 // The line carries the tag alone.
 void LogFileFailure() {
     __android_log_print(ANDROID_LOG_DEBUG, kTag, "%s", kTag);
+}
+
+// Throws bad_alloc when the call that has just failed may succeed later.
+void ThrowIfShort() {
+    if (errno == ENOMEM || errno == EMFILE || errno == ENFILE) throw std::bad_alloc();
 }
 
 // Lengths are kept in 32 bits, as the font API has them.
@@ -39,6 +45,7 @@ bool ReadFully(int file, char* data, size_t length) {
     while (length > 0) {
         const ssize_t count = read(file, data, length);
         if (count < 0 && errno == EINTR) continue;
+        if (count < 0) ThrowIfShort();
         if (count <= 0) return false;
         data += count;
         length -= static_cast<size_t>(count);
@@ -54,6 +61,7 @@ std::shared_ptr<const FontBuffer> FontBuffer::LoadFile(const char* path) {
     const Descriptor file(open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     struct stat status;
     if (!file || fstat(file.get(), &status) != 0) {
+        ThrowIfShort();
         LogFileFailure();
     } else if (IsFontFile(status)) {
         const auto length = static_cast<uint32_t>(status.st_size);
@@ -83,7 +91,7 @@ void FontBuffer::Read(int file, uint32_t length) {
 
 void FontBuffer::Map(int file, uint32_t length) {
     void* mapped = mmap(nullptr, length, PROT_READ, MAP_PRIVATE, file, 0);
-    if (mapped == MAP_FAILED) return;
+    if (mapped == MAP_FAILED) return ThrowIfShort();
     mapped_ = mapped;
     length_ = length;
 }

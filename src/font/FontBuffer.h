@@ -19,7 +19,8 @@ public:
     static constexpr uint32_t kMaxReadBytes = uint32_t{8} << 20;
 
     // The bytes of the file at `path`. The answer has no data when that is not a regular file with
-    // content that can be read. Throws bad_alloc.
+    // content that can be read. Throws bad_alloc, also when the system is short of memory or of
+    // descriptors: that says nothing about the file.
     //
     // Files above kMaxReadBytes are mapped, and all files on a read-only file system, where a
     // device keeps its own fonts: see FontManager::AddMinikinFont for what that asks of them.

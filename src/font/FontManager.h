@@ -60,10 +60,11 @@ public:
     //
     // `data` is null or an array made with new[], which passes to the manager whatever the outcome:
     // it is freed when the font was there or cannot be loaded, and else lives as long as the font.
-    // A file is loaded once per process; one that could not be read stays unreadable. Files up to
-    // 8 MiB are read into memory. Larger ones are mapped, and all on a read-only file system: those
-    // must not be cut short or overwritten in place while in use, which would end the process or
-    // garble glyphs; replacing them under their name is harmless.
+    // A file is loaded once per process; one that could not be read stays unreadable, unless memory
+    // or descriptors were short. Files up to 8 MiB are read into memory. Larger ones are mapped,
+    // and all on a read-only file system: those must not be cut short or overwritten in place while
+    // in use, which would end the process or garble glyphs; replacing them under their name is
+    // harmless.
     bool AddMinikinFont(const char* path, char* data, unsigned size, int index, bool checkExisting);
     bool AddMinikinFont(const GxString* path, char* data, unsigned size, int index,
                         bool checkExisting);

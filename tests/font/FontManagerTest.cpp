@@ -5,6 +5,7 @@
 #include <minikin/FontFamily.h>
 #include <minikin/LocaleList.h>
 #include <minikin/MinikinFont.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -84,6 +85,23 @@ List* makeFamilyList(const std::vector<GxFontFamily*>& families) {
     for (GxFontFamily* family : families) list->Add(family);
     return list;
 }
+
+// While it lives, the process may have no more of a resource than it has.
+class Exhausted {
+public:
+    explicit Exhausted(__rlimit_resource resource) : resource_(resource) {
+        EXPECT_EQ(getrlimit(resource_, &before_), 0);
+        const rlimit none{0, before_.rlim_max};
+        EXPECT_EQ(setrlimit(resource_, &none), 0);
+    }
+    ~Exhausted() { EXPECT_EQ(setrlimit(resource_, &before_), 0); }
+    Exhausted(const Exhausted&) = delete;
+    Exhausted& operator=(const Exhausted&) = delete;
+
+private:
+    const __rlimit_resource resource_;
+    rlimit before_{};
+};
 
 class FontManagerTest : public testing::Test {
 protected:
@@ -243,6 +261,24 @@ TEST_F(FontManagerTest, AFileThatFailedStaysFailed) {
     EXPECT_TRUE(add(path)) << "until the maps are cleared";
     std::filesystem::remove(path);
     EXPECT_TRUE(add(path)) << "and one that was loaded stays";
+}
+
+TEST_F(FontManagerTest, AFileIsNoWorseForWhatTheSystemLacked) {
+    // Of these two one is read and one is mapped.
+    for (const std::string& path : {sans, cjk}) {
+        gxtest::expectNativeError("GxFontManager", GXE_ERROR_INVALID_ARGUMENT, [&] {
+            const Exhausted descriptors(RLIMIT_NOFILE);
+            EXPECT_FALSE(add(path));
+        });
+    }
+    EXPECT_TRUE(add(sans));
+#ifndef GXTEXT_WRAP_ALLOCATIONS  // a sanitizer's allocator ends the process
+    gxtest::expectNativeError("GxFontManager", GXE_ERROR_INVALID_ARGUMENT, [&] {
+        const Exhausted addresses(RLIMIT_AS);
+        EXPECT_FALSE(add(cjk));
+    });
+#endif
+    EXPECT_TRUE(add(cjk));
 }
 
 TEST_F(FontManagerTest, FilesThatChangeInPlaceStayAsTheyWereLoaded) {
