@@ -1,5 +1,7 @@
 #include "effect/GxCoreFactory.h"
 
+#include <algorithm>
+#include <iterator>
 #include <new>
 
 #include "effect/filters/GxBevel.h"
@@ -23,33 +25,70 @@ GxECoreBase* make() {
     return new (std::nothrow) Core();
 }
 
+constexpr EffectPlace kOver = {EffectRank::kOver, EffectTarget::kOutput};
+constexpr EffectPlace kText = {EffectRank::kText, EffectTarget::kOutput};
+constexpr EffectPlace kBeneath = {EffectRank::kBeneath, EffectTarget::kBack};
+constexpr EffectPlace kBoth = {EffectRank::kBeneath, EffectTarget::kBoth};
+
+template <EffectPlace kPlace>
+EffectPlace always(GxECoreBase& /*core*/) {
+    return kPlace;
+}
+
+EffectPlace bevel(GxECoreBase& core) {
+    const auto* record = dynamic_cast<const GxBevelProperty*>(core.getProperty());
+    return record && record->kind == 1 ? kOver : kBeneath;
+}
+
+// A position that no stroke has paints inside the glyphs, but into the back layer if there is one;
+// so does a stroke without a record.
+EffectPlace stroke(GxECoreBase& core) {
+    const auto* record = dynamic_cast<const GxStrokeProperty*>(core.getProperty());
+    if (record && record->position == GxStrokeProperty::kCenter) return kBoth;
+    if (record && record->position == GxStrokeProperty::kOutside) return kBeneath;
+    if (record && record->position == GxStrokeProperty::kInside) return kOver;
+    return {EffectRank::kOver, EffectTarget::kBack};
+}
+
 struct Entry {
     GxEffectStyle style;
-    GxECoreBase* (*make)();
+    GxECoreBase* (*make)();  // null for a style without a core of ours
+    EffectPlace (*place)(GxECoreBase& core);
 };
 
 // One line per effect.
 constexpr Entry kEffects[] = {
-    {GXE_STYLE_OUTER_SHADOW, make<GxOuterShadow>},
-    {GXE_STYLE_INNER_SHADOW, make<GxInnerShadow>},
-    {GXE_STYLE_OUTER_GLOW, make<GxOuterGlow>},
-    {GXE_STYLE_INNER_GLOW, make<GxInnerGlow>},
-    {GXE_STYLE_BEVEL, make<GxBevel>},
-    {GXE_STYLE_EMBOSS, make<GxEmboss>},
-    {GXE_STYLE_LINEAR_GRADIENT, make<GxLinearGradient>},
-    {GXE_STYLE_RADIAL_GRADIENT, make<GxRadialGradient>},
-    {GXE_STYLE_STROKE, make<GxStroke>},
-    {GXE_STYLE_PATTERN, make<GxPattern>},
-    {GXE_STYLE_TEXT, make<GxText>},
+    {GXE_STYLE_OUTER_SHADOW, make<GxOuterShadow>, always<kBeneath>},
+    {GXE_STYLE_INNER_SHADOW, make<GxInnerShadow>, always<kOver>},
+    {GXE_STYLE_OUTER_GLOW, make<GxOuterGlow>, always<kBeneath>},
+    {GXE_STYLE_INNER_GLOW, make<GxInnerGlow>, always<kOver>},
+    {GXE_STYLE_BEVEL, make<GxBevel>, bevel},
+    {GXE_STYLE_EMBOSS, make<GxEmboss>, always<kBoth>},
+    {GXE_STYLE_LINEAR_GRADIENT, make<GxLinearGradient>, always<kOver>},
+    {GXE_STYLE_RADIAL_GRADIENT, make<GxRadialGradient>, always<kOver>},
+    {GXE_STYLE_UNUSED_STROKE, nullptr, stroke},
+    {GXE_STYLE_STROKE, make<GxStroke>, stroke},
+    {GXE_STYLE_PATTERN, make<GxPattern>, always<kOver>},
+    {GXE_STYLE_TEXT, make<GxText>, always<kText>},
+    {GXE_STYLE_BASE, nullptr, always<kBeneath>},
 };
+
+const Entry* entryOf(int style) {
+    const auto* entry = std::find_if(std::begin(kEffects), std::end(kEffects),
+                                     [&](const Entry& e) { return e.style == style; });
+    return entry == std::end(kEffects) ? nullptr : entry;
+}
 
 }  // namespace
 
 GxECoreBase* makeEffectCore(int style) {
-    for (const Entry& entry : kEffects) {
-        if (entry.style == style) return entry.make();
-    }
-    return nullptr;
+    const Entry* entry = entryOf(style);
+    return entry && entry->make ? entry->make() : nullptr;
+}
+
+EffectPlace placeOf(GxECoreBase& core) {
+    const Entry* entry = entryOf(core.getStyle());
+    return entry ? entry->place(core) : EffectPlace();
 }
 
 }  // namespace GxFontEffect

@@ -7,6 +7,7 @@
 #include <new>
 
 #include "effect/GxCoreFactory.h"
+#include "raster/BlendCut.h"
 #include "raster/GxBlender.h"
 #include "raster/GxMath.h"
 #include "raster/kernels/BlendRows.h"
@@ -84,33 +85,10 @@ private:
 
 // --- layers ---
 
-// A stroke's position, or one that no stroke has.
-int strokePosition(GxECoreBase* core) {
-    const auto* stroke = dynamic_cast<const GxStrokeProperty*>(core->getProperty());
-    return stroke ? stroke->position : std::numeric_limits<int>::min();
-}
-
-bool isInsideBevel(GxECoreBase* core) {
-    const auto* bevel = dynamic_cast<const GxBevelProperty*>(core->getProperty());
-    return bevel && bevel->kind == 1;
-}
-
-bool isStroke(int style) {
-    return style == GXE_STYLE_STROKE || style == GXE_STYLE_UNUSED_STROKE;
-}
-
 std::unique_ptr<GxBitmap> newBitmap(uint32_t width, uint32_t height, uint32_t bytesPerPixel) {
     std::unique_ptr<GxBitmap> bitmap(new (std::nothrow) GxBitmap(width, height, bytesPerPixel));
     if (bitmap && !bitmap->data) bitmap.reset();
     return bitmap;
-}
-
-bool isLayer(const GxBitmap* bitmap) {
-    return bitmap && bitmap->data && bitmap->bytesPerPixel == 4;
-}
-
-bool isMask(const GxBitmap* bitmap) {
-    return bitmap && bitmap->data && bitmap->bytesPerPixel == 1;
 }
 
 kernels::Rgba* pixelsOf(const GxBitmap* layer) {
@@ -429,44 +407,16 @@ void GxEffect::initEffect(uint32_t width, uint32_t height) {
 bool GxEffect::needsTwoLayers() const {
     if (textOpacity < 1.0f) return true;
     return std::any_of(layers.begin(), layers.end(), [](GxECoreBase* core) {
-        const int style = core->getStyle();
-        return style == GXE_STYLE_EMBOSS ||
-               (isStroke(style) && strokePosition(core) == GxStrokeProperty::kCenter);
+        return placeOf(*core).target == EffectTarget::kBoth;
     });
-}
-
-bool GxEffect::isUnderEffect(GxECoreBase* core) const {
-    const int style = core->getStyle();
-    switch (style) {
-        case GXE_STYLE_BASE:
-        case GXE_STYLE_OUTER_SHADOW:
-        case GXE_STYLE_OUTER_GLOW:
-            return true;
-        case GXE_STYLE_EMBOSS:
-            return mode != GXE_MODE_TWO_LAYERS;
-        case GXE_STYLE_STROKE:
-        case GXE_STYLE_UNUSED_STROKE: {
-            const int position = strokePosition(core);
-            return position == GxStrokeProperty::kOutside ||
-                   (position == GxStrokeProperty::kCenter && mode != GXE_MODE_TWO_LAYERS);
-        }
-        case GXE_STYLE_BEVEL:
-            return !isInsideBevel(core);
-        default:
-            return false;
-    }
 }
 
 // From the top of the stacking: effects over the text, the text, effects beneath it, newest first
 // in each group.
 void GxEffect::orderSingleLayer() {
-    const auto rank = [this](GxECoreBase* core) {
-        if (isUnderEffect(core)) return 2;
-        return core->getStyle() == GXE_STYLE_TEXT ? 1 : 0;
-    };
+    const auto rank = [](GxECoreBase* core) { return placeOf(*core).rank; };
     std::reverse(layers.begin(), layers.end());
-    // At most four ranks apart and a handful of cores: an insertion sort keeps the order and needs
-    // no memory.
+    // Three ranks and a handful of cores: an insertion sort keeps the order and needs no memory.
     for (size_t i = 1; i < layers.size(); ++i) {
         for (size_t j = i; j > 0 && rank(layers[j - 1]) > rank(layers[j]); --j) {
             std::swap(layers[j - 1], layers[j]);
@@ -512,35 +462,10 @@ void GxEffect::clampTextRect() {
     textRect.bottom = std::clamp(textRect.bottom, 0, height);
 }
 
-void GxEffect::chooseLayers(GxECoreBase* core, GxECore::ParamPostProcessing& param) const {
-    param.dst = dstBitmap;
-    param.other = nullptr;
-    if (mode != GXE_MODE_TWO_LAYERS) return;
-
-    GxBitmap* back = backBitmap.get();
-    switch (core->getStyle()) {
-        case GXE_STYLE_BASE:
-        case GXE_STYLE_OUTER_SHADOW:
-        case GXE_STYLE_OUTER_GLOW:
-            param.dst = back;
-            break;
-        case GXE_STYLE_BEVEL:
-            if (!isInsideBevel(core)) param.dst = back;
-            break;
-        case GXE_STYLE_EMBOSS:
-            param.dst = back;
-            param.other = dstBitmap;
-            break;
-        case GXE_STYLE_STROKE:
-        case GXE_STYLE_UNUSED_STROKE: {
-            const int position = strokePosition(core);
-            if (position != GxStrokeProperty::kInside) param.dst = back;
-            if (position == GxStrokeProperty::kCenter) param.other = dstBitmap;
-            break;
-        }
-        default:
-            break;
-    }
+void GxEffect::chooseLayers(EffectTarget target, GxECore::ParamPostProcessing& param) const {
+    const bool hasTwo = mode == GXE_MODE_TWO_LAYERS;
+    param.dst = hasTwo && target != EffectTarget::kOutput ? backBitmap.get() : dstBitmap;
+    param.other = hasTwo && target == EffectTarget::kBoth ? dstBitmap : nullptr;
 }
 
 void GxEffect::clearUncovered() const {
@@ -560,13 +485,13 @@ void GxEffect::doEffectPostProcessing() {
             param.mode = mode;
             bool confine = false;  // something over the text has painted, and the text has not
             for (GxECoreBase* core : layers) {
-                const bool over = mode != GXE_MODE_TWO_LAYERS && !isUnderEffect(core) &&
-                                  core->getStyle() != GXE_STYLE_TEXT;
+                const EffectPlace place = placeOf(*core);
+                const bool over = mode != GXE_MODE_TWO_LAYERS && place.rank == EffectRank::kOver;
                 if (confine && !over) {
                     clearUncovered();
                     confine = false;
                 }
-                chooseLayers(core, param);
+                chooseLayers(place.target, param);
                 param.outOfMemory = false;
                 core->doPostProcessing(&param);
                 renderFailed = renderFailed || param.outOfMemory;

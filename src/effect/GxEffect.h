@@ -14,6 +14,8 @@
 
 namespace GxFontEffect {
 
+enum class EffectTarget;  // effect/GxCoreFactory.h
+
 // Ordered set of effects, each style at most once, and the four steps of a render:
 //
 //   stack.addText(0xFF202020);
@@ -142,14 +144,13 @@ public:
 
 private:
     int addText(uint32_t color, const GxTextProperty& record);
-    bool isUnderEffect(GxECoreBase* core) const;
     int margin(int (GxECoreBase::*offset)()) const;
     bool needsTwoLayers() const;
     void orderSingleLayer();
     void orderTwoLayers();
     void clampTextRect();
     void clearUncovered() const;
-    void chooseLayers(GxECoreBase* core, GxECore::ParamPostProcessing& param) const;
+    void chooseLayers(EffectTarget target, GxECore::ParamPostProcessing& param) const;
 
     std::vector<std::unique_ptr<GxECoreBase>> effects;
     std::vector<GxECoreBase*> layers;

@@ -7,7 +7,11 @@ namespace GxFontEffect {
 using kernels::BlendArea;
 
 bool isLayer(const GxBitmap* bitmap) {
-    return bitmap && bitmap->bytesPerPixel == 4;
+    return bitmap && bitmap->data && bitmap->bytesPerPixel == 4;
+}
+
+bool isMask(const GxBitmap* bitmap) {
+    return bitmap && bitmap->data && bitmap->bytesPerPixel == 1;
 }
 
 // 64 bits: the bitmap's extents are unsigned and x + width may pass the int range.

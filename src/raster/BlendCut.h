@@ -8,8 +8,9 @@
 
 namespace GxFontEffect {
 
-// A 32-bit bitmap.
+// Whether there is a 32-bit bitmap, or an 8-bit one, with its pixels.
 bool isLayer(const GxBitmap* bitmap);
+bool isMask(const GxBitmap* bitmap);
 
 // A source of `sourceBytes` per pixel placed at (x, y) and cut to the destination. `stride` is in
 // bytes. An area of no pixels when nothing is to be drawn: null pointers, no data, no overlap.

@@ -145,7 +145,7 @@ void GxBlender::drawBitmap8To8(int x, int y, const GxBitmap* destination, const 
 }
 
 void GxBlender::convertBGRAToARGB(const GxBitmap* bitmap) {
-    if (!isLayer(bitmap) || !bitmap->data) return;
+    if (!isLayer(bitmap)) return;
     kernels::swapRedBlueRow(reinterpret_cast<kernels::Rgba*>(bitmap->data), bitmap->pixelCount());
 }
 

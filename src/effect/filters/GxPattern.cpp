@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "effect/filters/Fill.h"
+#include "raster/BlendCut.h"
 #include "raster/GxMath.h"
 #include "raster/kernels/PatternRows.h"
 
@@ -35,9 +36,7 @@ void GxPattern::doPostProcessing(GxECore::ParamPostProcessing* param) {
     const TextMask text(param);
     if (!property || !text.isValid() || !(property->scale >= kMinFillScale)) return;
     const GxBitmap* picture = property->pattern;
-    if (!picture || !picture->data || picture->bytesPerPixel != 4 || picture->pixelCount() == 0) {
-        return;
-    }
+    if (!isLayer(picture) || picture->pixelCount() == 0) return;
 
     // Work memory.
     const int64_t width = text.lastColumn - text.firstColumn;

@@ -1,13 +1,13 @@
 #include "effect/filters/GxText.h"
 
+#include "raster/BlendCut.h"
 #include "raster/GxBlender.h"
 
 namespace GxFontEffect {
 
 void GxText::doPostProcessing(GxECore::ParamPostProcessing* param) {
-    if (!param || !property || !param->dst || !param->src) return;
+    if (!param || !property || !param->dst || !isMask(param->src)) return;
     const GxBitmap& mask = *param->src;
-    if (mask.bytesPerPixel != 1) return;
     const auto width = static_cast<int>(mask.width);
     const auto height = static_cast<int>(mask.height);
     const int blend = param->mode == GXE_MODE_TWO_LAYERS ? GXE_BLEND_DST_OVER_NSA : GXE_BLEND_OTHER;

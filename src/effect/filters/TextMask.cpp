@@ -4,16 +4,16 @@
 #include <cstring>
 #include <initializer_list>
 
+#include "raster/BlendCut.h"
 #include "raster/GxBlender.h"
 #include "raster/GxMath.h"
 
 namespace GxFontEffect {
 
 TextMask::TextMask(const GxECore::ParamPostProcessing* param) {
-    if (!param || !param->dst || !param->src || !param->textRect) return;
+    if (!param || !param->dst || !isMask(param->src) || !param->textRect) return;
     const GxBitmap& mask = *param->src;
     const GxRect& box = *param->textRect;
-    if (!mask.data || mask.bytesPerPixel != 1) return;
     if (box.right < box.left || box.bottom < box.top) return;
 
     pixels = mask.data;
