@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <new>
 #include <utility>
@@ -102,6 +103,10 @@ public:
 
     // The same margin on every side; 0 unless a core says otherwise.
     virtual int getOffset() { return 0; }
+
+    // How far beyond the text's box, in pixels to any side, doPostProcessing may touch a layer with
+    // the present record; more than that is allowed here, less is not.
+    virtual int getReach() { return std::numeric_limits<int>::max(); }
 
     // False when memory ran out in the last setProperty, which kept the record before it.
     virtual bool keptLastProperty() const { return true; }

@@ -18,6 +18,8 @@ namespace {
 
 constexpr const char* kTag = "GxEffect";
 constexpr int kMaxStops = 256;
+// Two layers and the mask take 9 bytes a pixel.
+constexpr uint64_t kSpanPixels = 1 << 12;
 
 // --- conversions of the add operations ---
 
@@ -93,6 +95,18 @@ std::unique_ptr<GxBitmap> newBitmap(uint32_t width, uint32_t height, uint32_t by
 
 kernels::Rgba* pixelsOf(const GxBitmap* layer) {
     return reinterpret_cast<kernels::Rgba*>(layer->data);
+}
+
+// Takes `box` into `all`, which may be nothing yet.
+void unite(GxRect& all, const GxRect& box, bool nothingYet) {
+    if (nothingYet) {
+        all = box;
+        return;
+    }
+    all.left = std::min(all.left, box.left);
+    all.top = std::min(all.top, box.top);
+    all.right = std::max(all.right, box.right);
+    all.bottom = std::max(all.bottom, box.bottom);
 }
 
 }  // namespace
@@ -378,6 +392,7 @@ void GxEffect::initEffect(uint32_t width, uint32_t height) {
     __android_log_print(ANDROID_LOG_DEBUG, kTag, "InitEffect(%p)", this);
     textRect = GxRect();
     textRectEmpty = true;
+    paintedRect = GxRect();
     renderFailed = false;
     releaseBitmap();
     layers.clear();
@@ -437,15 +452,8 @@ void GxEffect::renderEffectLayer(int x, int y, const GxGlyph* glyph) {
     if (glyph && srcBitmap) {
         const GxRect box(x, y, saturateInt(int64_t{x} + glyph->width),
                          saturateInt(int64_t{y} + glyph->height));
-        if (textRectEmpty) {
-            textRect = box;
-            textRectEmpty = false;
-        } else {
-            textRect.left = std::min(textRect.left, box.left);
-            textRect.top = std::min(textRect.top, box.top);
-            textRect.right = std::max(textRect.right, box.right);
-            textRect.bottom = std::max(textRect.bottom, box.bottom);
-        }
+        unite(textRect, box, textRectEmpty);
+        textRectEmpty = false;
         GxBlender().drawBitmap(x, y, srcBitmap, glyph->pixels, glyph->width, glyph->height,
                                0xFF000000u);
     }
@@ -468,10 +476,49 @@ void GxEffect::chooseLayers(EffectTarget target, GxECore::ParamPostProcessing& p
     param.other = hasTwo && target == EffectTarget::kBoth ? dstBitmap : nullptr;
 }
 
+void GxEffect::growPaintedRect() {
+    int reach = 0;
+    for (GxECoreBase* core : layers) reach = std::max(reach, core->getReach());
+    const GxRect box(saturateInt(int64_t{textRect.left} - reach),
+                     saturateInt(int64_t{textRect.top} - reach),
+                     saturateInt(int64_t{textRect.right} + reach),
+                     saturateInt(int64_t{textRect.bottom} + reach));
+    unite(paintedRect, box, paintedRect.isEmpty());
+}
+
+// A mask of the caller's may have coverage outside the text's box.
+bool GxEffect::startedEmpty(const GxBitmap* layer) const {
+    return output == Output::kFreshWords && isMask(srcBitmap) && srcBitmap == ownSrcBitmap.get() &&
+           layer->width == srcBitmap->width && layer->height == srcBitmap->height;
+}
+
+// Calls step(first, count) for stretches of the layer's first `count` pixels that all steps
+// together can keep in the nearest caches; where the layer started empty, only for those that can
+// have been painted.
+template <typename Step>
+void GxEffect::forEachSpan(const GxBitmap& layer, uint64_t count, Step step) const {
+    const auto cut = [&](uint64_t first, uint64_t end) {
+        for (; first < end; first += kSpanPixels) step(first, std::min(end - first, kSpanPixels));
+    };
+    if (!startedEmpty(&layer)) {
+        cut(0, count);
+        return;
+    }
+    const uint64_t width = layer.width;
+    const auto left = static_cast<uint64_t>(std::max(paintedRect.left, 0));
+    const auto right = std::min(static_cast<uint64_t>(std::max(paintedRect.right, 0)), width);
+    const auto top = static_cast<uint64_t>(std::max(paintedRect.top, 0));
+    const uint64_t bottom =
+        std::min<uint64_t>(static_cast<uint64_t>(std::max(paintedRect.bottom, 0)), layer.height);
+    for (uint64_t y = top; y < bottom; ++y) cut(y * width + left, y * width + right);
+}
+
 void GxEffect::clearUncovered() const {
     if (!isMask(srcBitmap) || !isLayer(dstBitmap)) return;
-    kernels::clearUncoveredRow(pixelsOf(dstBitmap), srcBitmap->data,
-                               std::min(srcBitmap->pixelCount(), dstBitmap->pixelCount()));
+    const uint64_t count = std::min(srcBitmap->pixelCount(), dstBitmap->pixelCount());
+    forEachSpan(*dstBitmap, count, [&](uint64_t first, uint64_t pixels) {
+        kernels::clearUncoveredRow(pixelsOf(dstBitmap) + first, srcBitmap->data + first, pixels);
+    });
 }
 
 void GxEffect::doEffectPostProcessing() {
@@ -479,6 +526,7 @@ void GxEffect::doEffectPostProcessing() {
     if (isMask(srcBitmap) && !textRectEmpty) {
         clampTextRect();
         if (!textRect.isEmpty()) {
+            growPaintedRect();
             GxECore::ParamPostProcessing param;
             param.src = srcBitmap;
             param.textRect = &textRect;
@@ -504,18 +552,24 @@ void GxEffect::doEffectPostProcessing() {
     __android_log_print(ANDROID_LOG_DEBUG, kTag, "DoEffectPostProcessing(%p) - end", this);
 }
 
-void GxEffect::compositeLayers(GxBitmap* output) {
+void GxEffect::compositeLayers(GxBitmap* result) {
     __android_log_print(ANDROID_LOG_DEBUG, kTag, "CompositeLayers(%p) - start", this);
-    if (isLayer(output)) {
-        kernels::Rgba* pixels = pixelsOf(output);
-        const uint64_t count = output->pixelCount();
-        if (mode == GXE_MODE_TWO_LAYERS && isMask(srcBitmap) && isLayer(backBitmap.get())) {
-            kernels::mixLayersRow(
-                pixels, pixelsOf(backBitmap.get()), srcBitmap->data,
-                std::min({count, srcBitmap->pixelCount(), backBitmap->pixelCount()}));
-        }
+    if (isLayer(result)) {
+        kernels::Rgba* pixels = pixelsOf(result);
+        const bool mixes =
+            mode == GXE_MODE_TWO_LAYERS && isMask(srcBitmap) && isLayer(backBitmap.get());
+        const uint64_t mixed =
+            mixes ? std::min(srcBitmap->pixelCount(), backBitmap->pixelCount()) : 0;
         const uint32_t alpha = textAlpha < 0 ? 255u : static_cast<uint32_t>(textAlpha);
-        kernels::fadeAndUnpremultiplyRow(pixels, count, alpha);
+        const auto fade = output == Output::kFreshWords ? kernels::fadeIntoWordsRow
+                                                        : kernels::fadeAndUnpremultiplyRow;
+        forEachSpan(*result, result->pixelCount(), [&](uint64_t first, uint64_t count) {
+            if (first < mixed) {
+                kernels::mixLayersRow(pixels + first, pixelsOf(backBitmap.get()) + first,
+                                      srcBitmap->data + first, std::min(count, mixed - first));
+            }
+            fade(pixels + first, count, alpha);
+        });
     }
     releaseBitmap();
     mode = GXE_MODE_SINGLE_LAYER;

@@ -120,6 +120,17 @@ public:
     void setConfineInside(bool confine) { confineInside = confine; }
     bool getConfineInside() const { return confineInside; }
 
+    // What the output holds before and after a render.
+    enum class Output {
+        kAny,         // anything before; bytes R, G, B, A after
+        kFreshWords,  // all zero before, so that only what the effects can reach is composed; words
+                      // 0xAARRGGBB after
+    };
+    // kAny unless told otherwise.
+    void setOutput(Output value) { output = value; }
+    // Of a render with fresh words: everything outside is still zero.
+    const GxRect& getPaintedRect() const { return paintedRect; }
+
     // Margins in pixels around the text: the widest effect decides each side.
     int getLeftOffset() const;
     int getRightOffset() const;
@@ -135,7 +146,7 @@ public:
     void initEffect(uint32_t width, uint32_t height);
     void renderEffectLayer(int x, int y, const GxGlyph* glyph);
     void doEffectPostProcessing();
-    void compositeLayers(GxBitmap* output);
+    void compositeLayers(GxBitmap* result);
 
     // Whether the picture of the current or last render is not the one asked for: since initEffect
     // a step or an effect could not get its memory (ParamPostProcessing::outOfMemory), or the stack
@@ -149,6 +160,10 @@ private:
     void orderSingleLayer();
     void orderTwoLayers();
     void clampTextRect();
+    void growPaintedRect();
+    bool startedEmpty(const GxBitmap* layer) const;
+    template <typename Step>
+    void forEachSpan(const GxBitmap& layer, uint64_t count, Step step) const;
     void clearUncovered() const;
     void chooseLayers(EffectTarget target, GxECore::ParamPostProcessing& param) const;
 
@@ -160,6 +175,8 @@ private:
     std::unique_ptr<GxBitmap> backBitmap;
     GxRect textRect;
     bool textRectEmpty = true;
+    GxRect paintedRect;
+    Output output = Output::kAny;
     uint32_t mode = GXE_MODE_SINGLE_LAYER;
     float textOpacity = 1.0f;
     uint32_t textColor = 0xFF000000u;

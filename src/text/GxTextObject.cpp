@@ -11,8 +11,10 @@
 #include <minikin/LocaleList.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
 #include <cstdio>
+#include <cstring>
 #include <exception>
 #include <mutex>
 #include <new>
@@ -27,7 +29,7 @@
 #include "effect/GxEffect.h"
 #include "font/FontManager.h"
 #include "raster/GxBitmap.h"
-#include "raster/GxBlender.h"
+#include "raster/GxMath.h"
 #include "text/GxFontDrawing.h"
 #include "text/GxLineInfo.h"
 #include "text/GxTextInstanceManager.h"
@@ -164,39 +166,142 @@ bool loadFamiliesOf(const GxString& text) {
 // --- composing
 // ------------------------------------------------------------------------------------------------
 
+// Edges to whole pixels as the platform's canvas rounds them.
+int32_t roundEdge(int64_t edge) {
+    return toInt(std::floor(static_cast<float>(edge) + 0.5f));
+}
+
+SkIRect boundsOf(const GxBitmap& bitmap) {
+    return SkIRect::MakeWH(saturateInt(bitmap.width), saturateInt(bitmap.height));
+}
+
+// What `bounds` holds of a rectangle, whichever way round its edges are.
+SkIRect cutTo(const SkIRect& bounds, int64_t left, int64_t top, int64_t right, int64_t bottom) {
+    SkIRect cut =
+        SkIRect::MakeLTRB(roundEdge(std::min(left, right)), roundEdge(std::min(top, bottom)),
+                          roundEdge(std::max(left, right)), roundEdge(std::max(top, bottom)));
+    return cut.intersect(bounds) ? cut : SkIRect::MakeEmpty();
+}
+
 // Padding cuts the text, but not on the side that the gravity pushes it to.
-SkRect clipOf(const GxView& view) {
+SkIRect clipOf(const GxView& view, const SkIRect& bounds) {
     const uint32_t horizontal = view.gravity & GxView::kHorizontalGravityMask;
     const uint32_t vertical = view.gravity & GxView::kVerticalGravityMask;
     const int64_t width = view.GetBitmapWidth();
     const int64_t height = view.GetBitmapHeight();
-    const int64_t left = horizontal == GxView::kGravityLeft ? 0 : view.paddingLeft;
-    const int64_t top = vertical == GxView::kGravityTop ? 0 : view.paddingTop;
-    const int64_t right = horizontal == GxView::kGravityRight ? width : width - view.paddingRight;
-    const int64_t bottom =
-        vertical == GxView::kGravityBottom ? height : height - view.paddingBottom;
-    return SkRect::MakeLTRB(static_cast<float>(left), static_cast<float>(top),
-                            static_cast<float>(right), static_cast<float>(bottom));
+    return cutTo(bounds, horizontal == GxView::kGravityLeft ? 0 : view.paddingLeft,
+                 vertical == GxView::kGravityTop ? 0 : view.paddingTop,
+                 horizontal == GxView::kGravityRight ? width : width - view.paddingRight,
+                 vertical == GxView::kGravityBottom ? height : height - view.paddingBottom);
 }
 
-void drawBackground(SkCanvas& canvas, const List& lines, uint32_t color) {
-    SkPaint paint;
-    paint.setColor(color);
-    paint.setStyle(SkPaint::kFill_Style);
-    for (int i = 0, count = lines.GetCount(); i < count; ++i) {
-        const auto* line = static_cast<const GxLineInfo*>(lines.Get(i));
-        if (!line) continue;
-        canvas.drawRect(SkRect::MakeLTRB(static_cast<float>(line->rect.left),
-                                         static_cast<float>(line->rect.top),
-                                         static_cast<float>(line->rect.right),
-                                         static_cast<float>(line->rect.bottom)),
-                        paint);
+size_t rowBytesOf(const GxBitmap& bitmap) {
+    return size_t{bitmap.width} * 4;
+}
+
+uint8_t* pixelAt(const GxBitmap& bitmap, int x, int y) {
+    return bitmap.data + static_cast<size_t>(y) * rowBytesOf(bitmap) + static_cast<size_t>(x) * 4;
+}
+
+// Clears what `painted` has outside the clip.
+void clearOutside(const GxBitmap& picture, const SkIRect& clip, SkIRect painted) {
+    if (!painted.intersect(boundsOf(picture))) return;
+    const auto clear = [&](int left, int right, int y) {
+        if (left >= right) return;
+        std::memset(pixelAt(picture, left, y), 0, static_cast<size_t>(right - left) * 4);
+    };
+    for (int y = painted.fTop; y < painted.fBottom; ++y) {
+        if (y < clip.fTop || y >= clip.fBottom) {
+            clear(painted.fLeft, painted.fRight, y);
+        } else {
+            clear(painted.fLeft, std::min(clip.fLeft, painted.fRight), y);
+            clear(std::max(clip.fRight, painted.fLeft), painted.fRight, y);
+        }
     }
 }
 
-bool isEmpty(const GxBitmap& bitmap) {
-    return bitmap.width == 0 || bitmap.height == 0;
-}
+// Background boxes under a picture of words 0xAARRGGBB, drawn by the platform's canvas a tile at a
+// time: a tile stays in the cache, and its coordinates are whole numbers in float, too.
+class Background {
+public:
+    // The boxes of the lines, cut to the clip.
+    Background(const List& lines, const SkIRect& clip, uint32_t color) : color_(swapped(color)) {
+        for (int i = 0, count = lines.GetCount(); i < count; ++i) {
+            const auto* line = static_cast<const GxLineInfo*>(lines.Get(i));
+            if (!line) continue;
+            const GxRect& rect = line->rect;
+            const SkIRect box = cutTo(clip, rect.left, rect.top, rect.right, rect.bottom);
+            if (!box.isEmpty()) boxes_.push_back(box);
+        }
+    }
+
+    // Throws std::bad_alloc before anything is drawn.
+    void drawUnder(const GxBitmap& picture) const {
+        if (boxes_.empty()) return;
+        SkIRect all = boxes_.front();
+        for (const SkIRect& box : boxes_) {
+            all = SkIRect::MakeLTRB(std::min(all.fLeft, box.fLeft), std::min(all.fTop, box.fTop),
+                                    std::max(all.fRight, box.fRight),
+                                    std::max(all.fBottom, box.fBottom));
+        }
+        const int width = std::min(all.fRight - all.fLeft, kTileWidth);
+        const int height = std::min(all.fBottom - all.fTop, std::max(kTilePixels / width, 1));
+        const GxBitmap tile(static_cast<uint32_t>(width), static_cast<uint32_t>(height), 4);
+        if (!tile.data) throw std::bad_alloc();
+        for (int y = all.fTop; y < all.fBottom; y += height) {
+            for (int x = all.fLeft; x < all.fRight; x += width) {
+                drawTile(picture, tile,
+                         SkIRect::MakeLTRB(x, y, std::min(x + width, all.fRight),
+                                           std::min(y + height, all.fBottom)));
+            }
+        }
+    }
+
+private:
+    static constexpr int kTileWidth = 1 << 12;
+    static constexpr int kTilePixels = 1 << 15;  // with the picture's 256 KiB
+
+    // The canvas writes bytes in the order R, G, B, A.
+    static uint32_t swapped(uint32_t argb) {
+        return (argb & 0xFF00FF00u) | ((argb >> 16) & 0xFFu) | (argb & 0xFFu) << 16;
+    }
+
+    static SkBitmap wrap(uint8_t* pixels, const SkIRect& area, size_t rowBytes) {
+        SkBitmap bitmap;
+        const SkImageInfo info = SkImageInfo::Make(area.fRight - area.fLeft,
+                                                   area.fBottom - area.fTop, kRGBA_8888_SkColorType,
+                                                   kUnpremul_SkAlphaType, SkColorSpace::MakeSRGB());
+        if (!bitmap.installPixels(info, pixels, rowBytes)) throw std::bad_alloc();
+        return bitmap;
+    }
+
+    void drawTile(const GxBitmap& picture, const GxBitmap& tile, const SkIRect& area) const {
+        const auto misses = [&](SkIRect box) { return !box.intersect(area); };
+        if (std::all_of(boxes_.begin(), boxes_.end(), misses)) return;
+        SkCanvas canvas(wrap(tile.data, area, rowBytesOf(tile)));
+        canvas.drawColor(0, SkBlendMode::kSrc);
+        SkPaint paint;
+        paint.setColor(color_);
+        paint.setStyle(SkPaint::kFill_Style);
+        for (SkIRect box : boxes_) {
+            if (!box.intersect(area)) continue;
+            canvas.drawRect(SkRect::MakeLTRB(static_cast<float>(box.fLeft - area.fLeft),
+                                             static_cast<float>(box.fTop - area.fTop),
+                                             static_cast<float>(box.fRight - area.fLeft),
+                                             static_cast<float>(box.fBottom - area.fTop)),
+                            paint);
+        }
+        uint8_t* under = pixelAt(picture, area.fLeft, area.fTop);
+        canvas.drawBitmap(wrap(under, area, rowBytesOf(picture)), 0, 0, nullptr);
+        for (int y = area.fTop; y < area.fBottom; ++y) {
+            std::memcpy(pixelAt(picture, area.fLeft, y), pixelAt(tile, 0, y - area.fTop),
+                        static_cast<size_t>(area.fRight - area.fLeft) * 4);
+        }
+    }
+
+    uint32_t color_;
+    std::vector<SkIRect> boxes_;
+};
 
 // Drawing moves the background boxes of the lines. Moves them back unless told to keep them.
 class BackgroundBoxes {
@@ -248,8 +353,8 @@ public:
     GxTextObjectImpl& operator=(const GxTextObjectImpl&) = delete;
     ~GxTextObjectImpl() { clearLineInfoList(*lineInfoList); }
 
-    // Text and effects, drawn by the font drawing, over the background boxes.
-    std::unique_ptr<GxBitmap> compose(GxBitmap& effectBitmap) const;
+    // Clips what the font drawing has drawn, and lays the background boxes under it.
+    void compose(const GxBitmap& picture) const;
 
     std::unique_ptr<GxString> text;
     std::unique_ptr<GxFontDrawing> fontDrawing;
@@ -265,30 +370,12 @@ public:
     uint32_t textColor = kOpaqueBlack;
 };
 
-std::unique_ptr<GxBitmap> GxTextObjectImpl::compose(GxBitmap& effectBitmap) const {
-    auto result = std::make_unique<GxBitmap>(effectBitmap.width, effectBitmap.height, 4);
-    if (!result->data) throw std::bad_alloc();
-    if (isEmpty(*result)) return result;
-
-    const SkImageInfo info =
-        SkImageInfo::Make(static_cast<int>(result->width), static_cast<int>(result->height),
-                          kRGBA_8888_SkColorType, kUnpremul_SkAlphaType, SkColorSpace::MakeSRGB());
-    const size_t rowBytes = size_t{result->width} * 4;
-    SkBitmap target, source;
-    if (!target.installPixels(info, result->data, rowBytes) ||
-        !source.installPixels(info, effectBitmap.data, rowBytes)) {
-        throw std::bad_alloc();
-    }
-    SkCanvas canvas(target);
-    canvas.drawColor(0, SkBlendMode::kSrc);
-    canvas.clipRect(clipOf(*view), SkClipOp::kIntersect, false);
-    if (backgroundEnabled) drawBackground(canvas, *lineInfoList, backgroundColor);
-    // Callers want 0xAARRGGBB words, so red and blue change places: what is drawn already, then the
-    // text.
-    GxBlender::convertBGRAToARGB(result.get());
-    GxBlender::convertBGRAToARGB(&effectBitmap);
-    canvas.drawBitmap(source, 0, 0, nullptr);
-    return result;
+void GxTextObjectImpl::compose(const GxBitmap& picture) const {
+    const SkIRect clip = clipOf(*view, boundsOf(picture));
+    const GxRect& painted = effect->getPaintedRect();
+    clearOutside(picture, clip,
+                 SkIRect::MakeLTRB(painted.left, painted.top, painted.right, painted.bottom));
+    if (backgroundEnabled) Background(*lineInfoList, clip, backgroundColor).drawUnder(picture);
 }
 
 GxTextObject::GxTextObject() {
@@ -336,6 +423,7 @@ const uint32_t* GxTextObject::RenderTextEffect(int width, int height) {
         GuardMemory(kTag, kSiteRenderNoMemory, [&] { return draw(width, height); });
         // A render that stopped halfway still borrows the effect bitmap.
         impl->effect->releaseBitmap();
+        impl->effect->setOutput(GxEffect::Output::kAny);
         __android_log_print(ANDROID_LOG_DEBUG, kTag, "RenderTextEffect(%p / %d) <<< End.", this,
                             impl->runtimeHandle);
     }
@@ -345,11 +433,14 @@ const uint32_t* GxTextObject::RenderTextEffect(int width, int height) {
 
 // Replaces the image by another object, when all of it could be had.
 bool GxTextObject::draw(int width, int height) {
-    GxBitmap effectBitmap(static_cast<uint32_t>(width), static_cast<uint32_t>(height), 4);
-    if (!effectBitmap.data) throw std::bad_alloc();
+    auto picture =
+        std::make_unique<GxBitmap>(static_cast<uint32_t>(width), static_cast<uint32_t>(height), 4);
+    if (!picture->data) throw std::bad_alloc();
     BackgroundBoxes boxes(*impl->lineInfoList);
-    if (!impl->fontDrawing->DrawTextEffect(this, &effectBitmap)) throw std::bad_alloc();
-    impl->resultBitmap = impl->compose(effectBitmap);
+    impl->effect->setOutput(GxEffect::Output::kFreshWords);
+    if (!impl->fontDrawing->DrawTextEffect(this, picture.get())) throw std::bad_alloc();
+    impl->compose(*picture);
+    impl->resultBitmap = std::move(picture);
     boxes.keep();
     return true;
 }

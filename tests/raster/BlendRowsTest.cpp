@@ -234,6 +234,9 @@ TEST_P(CompositeRows, EqualThePlainFormAtEveryLength) {
         "fade", [](const Row& r) { fadeAndUnpremultiplyRow(r.pixels, r.count, r.alpha); },
         [](const Row& r) { plain::fadeAndUnpremultiplyRow(r.pixels, r.count, r.alpha); });
     check(
+        "fade into words", [](const Row& r) { fadeIntoWordsRow(r.pixels, r.count, r.alpha); },
+        [](const Row& r) { plain::fadeIntoWordsRow(r.pixels, r.count, r.alpha); });
+    check(
         "swap", [](const Row& r) { swapRedBlueRow(r.pixels, r.count); },
         [](const Row& r) { plain::swapRedBlueRow(r.pixels, r.count); });
 }

@@ -1,10 +1,17 @@
 // From string to pixels: where ink may be, colours, clipping, boxes, and a few whole pictures.
+#include <SkBitmap.h>
+#include <SkCanvas.h>
+#include <SkImageInfo.h>
+#include <SkPaint.h>
+#include <SkRect.h>
 #include <gmock/gmock.h>
 #include <hwui/MinikinUtils.h>
 #include <hwui/Typeface.h>
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <functional>
 #include <limits>
 #include <memory>
 #include <set>
@@ -12,6 +19,7 @@
 #include <vector>
 
 #include "base/Error.h"
+#include "raster/GxBlender.h"
 #include "support/LogCapture.h"
 #include "support/Random.h"
 #include "text/GxFontDrawing.h"
@@ -348,6 +356,132 @@ TEST_F(Render, MasksAreHandedOverWithTheirPen) {
     List none;
     none.Construct();
     drawing._DoRender(0, 0, &none, nullptr, 1);
+}
+
+// --- pictures, whatever is left out on the way to them ---
+
+class Composition : public Render {
+protected:
+    // The plain way: every pixel is composed, then drawn over the boxes on a canvas of its own.
+    Image plainPicture(int width, int height, const uint32_t* background) {
+        const auto extent = [](int pixels) { return static_cast<uint32_t>(pixels); };
+        const GxBitmap layer(extent(width), extent(height), 4);
+        GxBitmap drawn(layer), result(layer);
+        EXPECT_TRUE(text.GetFont()->DrawTextEffect(&text, &drawn));
+        const GxView& view = *text.GetView();
+        const bool left = (view.gravity & 7) == 3, right = (view.gravity & 7) == 5;
+        const bool top = (view.gravity & 0x70) == 0x30, bottom = (view.gravity & 0x70) == 0x50;
+        SkCanvas canvas(wrap(result));
+        canvas.clipRect(rectOf(GxRect(left ? 0 : view.paddingLeft, top ? 0 : view.paddingTop,
+                                      width - (right ? 0 : view.paddingRight),
+                                      height - (bottom ? 0 : view.paddingBottom))),
+                        SkClipOp::kIntersect, false);
+        SkPaint paint;
+        if (background) paint.setColor(*background);
+        for (int i = 0; background && i < text.GetLineInfo()->GetCount(); ++i) {
+            canvas.drawRect(rectOf(line(i).rect), paint);
+        }
+        canvas.drawBitmap(wrap(drawn), 0, 0, nullptr);
+        GxBlender::convertBGRAToARGB(&result);
+        const auto* words = reinterpret_cast<const uint32_t*>(result.data);
+        return {width, height, {words, words + result.pixelCount()}};
+    }
+
+    static SkBitmap wrap(const GxBitmap& bitmap) {
+        SkBitmap wrapped;
+        wrapped.installPixels(
+            SkImageInfo::Make(static_cast<int>(bitmap.width), static_cast<int>(bitmap.height),
+                              kRGBA_8888_SkColorType, kUnpremul_SkAlphaType, nullptr),
+            bitmap.data, size_t{bitmap.width} * 4);
+        return wrapped;
+    }
+    static SkRect rectOf(const GxRect& rect) {
+        return SkRect::MakeLTRB(static_cast<float>(rect.left), static_cast<float>(rect.top),
+                                static_cast<float>(rect.right), static_cast<float>(rect.bottom));
+    }
+
+    void addSomeEffects() {
+        GxEffect& stack = *text.GetEffect();
+        stack.cleanAllEffect();
+        stack.setTextOpacity(random.oneIn(4) ? static_cast<float>(random.between(0, 9)) / 10 : 1);
+        const auto size = [this] {
+            return static_cast<float>(random.between(0, random.oneIn(5) ? 60 : 12)) / 2;
+        };
+        const auto share = [this] { return static_cast<float>(random.between(2, 10)) / 10; };
+        const auto angle = [this] { return static_cast<float>(random.between(0, 359)); };
+        const auto color = [this] { return random.word(); };
+        const GxGradient stops[] = {{color(), 1, 0}, {color(), share(), 1}};
+        GxBitmap pattern(3, 2, random.edgeBytes(24).data(), 4);
+        const std::function<void()> adders[] = {
+            [&] { stack.addOuterShadowText(angle(), 3 * size(), size(), color(), share()); },
+            [&] { stack.addInnerShadowText(angle(), 3 * size(), size(), color(), share()); },
+            [&] { stack.addOuterGlowText(size(), color(), share(), 0, nullptr); },
+            [&] { stack.addInnerGlowText(size(), color(), share(), 2, stops); },
+            [&] {
+                stack.addBevelText(random.between(0, 1), size(), share(), 0, 0, 3, 1, angle(), 30,
+                                   color(), share(), color(), share());
+            },
+            [&] {
+                stack.addEmbossText(random.between(0, 1), size(), share(), 1, 0, 0, 1, angle(), 30,
+                                    color(), share(), color(), share());
+            },
+            [&] { stack.addLinearGradientText(angle(), share(), share(), 2, stops); },
+            [&] { stack.addRadialGradientText(share(), share(), 2, stops); },
+            [&] { stack.addStrokeText(size(), color(), share(), 0, random.between(0, 2)); },
+            [&] { stack.addPatternText(&pattern, 5 * share(), share()); },
+        };
+        for (int count = random.between(0, 4); count > 0; --count) {
+            adders[static_cast<size_t>(random.between(0, 9))]();
+        }
+    }
+
+    gxtest::Random random{97};
+};
+
+TEST_F(Composition, EqualsThePlainOneForAnyStyleClipAndBackground) {
+    GX_TRACE_SEED(random);
+    GxView& view = *text.GetView();
+    const uint32_t gravities[] = {0xFFFFFFFFu, 0x11, 0x33, 0x35, 0x53, 0x55};
+    for (int round = 0; round < 150; ++round) {
+        SCOPED_TRACE(round);
+        setPaint(static_cast<float>(random.between(4, 40)));
+        setLines({L"Ag\n", L"x\x2588\n", L"j"});
+        for (int i = 0; i < 3; ++i) {
+            line(i).x = random.between(-40, 150);
+            line(i).y = random.between(-40, 150);
+            line(i).rect.top = random.between(-20, 140);
+            line(i).rect.bottom = random.between(-20, 140);
+        }
+        addSomeEffects();
+        text.SetTextColor(random.word() | (random.oneIn(2) ? 0xFF000000u : 0));
+        const uint32_t background = random.word();
+        const bool hasBackground = random.oneIn(2);
+        text.SetBackgroundColor(background, hasBackground);
+        view.gravity = gravities[random.between(0, 5)];
+        const int paddings = random.oneIn(3) ? 90 : 8;
+        const auto padding = [&] { return random.between(0, paddings); };
+        view.SetPadding(padding(), padding(), padding(), padding());
+
+        const GxRect boxes[] = {line(0).rect, line(1).rect, line(2).rect};
+        const Image actual = render(random.between(1, 160), random.between(1, 120));
+        for (int i = 0; i < 3; ++i) line(i).rect = boxes[i];
+        ASSERT_EQ(actual,
+                  plainPicture(actual.width, actual.height, hasBackground ? &background : nullptr));
+    }
+}
+
+// Pixels over nothing come out of the canvas as they are: the picture needs no canvas then.
+TEST_F(Composition, DrawingOverNothingKeepsEveryPixel) {
+    GxBitmap from(256, 256, 4);
+    for (uint32_t i = 0; i < 256 * 256; ++i) {
+        const auto value = static_cast<uint8_t>(i);
+        const auto alpha = static_cast<uint8_t>(i >> 8);
+        const uint8_t pixel[] = {value, static_cast<uint8_t>(255 - value), value, alpha};
+        if (alpha != 0) std::copy_n(pixel, 4, from.data + size_t{i} * 4);
+    }
+    const GxBitmap onto(256, 256, 4);
+    SkCanvas(wrap(onto)).drawBitmap(wrap(from), 0, 0, nullptr);
+    EXPECT_TRUE(std::equal(from.data, from.data + 256 * 256 * 4, onto.data));
 }
 
 // --- whole pictures ---

@@ -7,6 +7,7 @@
 #include "effect/filters/TextMask.h"
 #include "effect/filters/WorkPlane.h"
 #include "raster/BlendCut.h"
+#include "raster/GxMath.h"
 #include "raster/kernels/BlendRows.h"
 #include "raster/kernels/Growth.h"
 
@@ -109,6 +110,10 @@ void makeGlowTable(const GxOuterGlowProperty* record, uint32_t* table, float spr
         table[i] = (table[i] & 0x00FFFFFFu) | alpha << 24;
     }
     table[kLast] = 0;
+}
+
+int glowReach(float size) {
+    return saturateInt(std::max<int64_t>(2 * (int64_t{toInt(size)} + 1), 0));
 }
 
 void growWithOwnMemory(unsigned char* mask, int passes, int width, int height) {

@@ -31,11 +31,15 @@ enum class GlowSide { kOuter, kInner };
 void renderGlow(GxECore::ParamPostProcessing* param, const GxOuterGlowProperty* record,
                 GlowSide side);
 
+// Pixels around the text that a glow of `size` pixels works on.
+int glowReach(float size);
+
 // The operations that both glows offer.
 template <typename Property>
 class GxGlowCore : public GxStopsCore<Property> {
 public:
     int getOffset() override { return this->property ? toInt(this->property->size + 0.5f) : 0; }
+    int getReach() override { return this->property ? glowReach(this->property->size) : 0; }
 
     // Fills 257 straight colours; entry 256 - c is the glow's colour at coverage c. `spread` (0-1)
     // is the share of the table from which the alpha falls off linearly; `curve` is a GxRampCurve.

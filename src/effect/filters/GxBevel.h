@@ -35,6 +35,7 @@ public:
     GxBevel() : GxPropertyCore(GXE_STYLE_BEVEL) {}
 
     int getOffset() override;
+    int getReach() override { return getOffset(); }
     void doPostProcessing(GxECore::ParamPostProcessing* param) override;
 };
 

@@ -36,6 +36,7 @@ public:
     GxEmboss() : GxPropertyCore(GXE_STYLE_EMBOSS) {}
 
     int getOffset() override;
+    int getReach() override { return getOffset(); }
     void doPostProcessing(GxECore::ParamPostProcessing* param) override;
 };
 

@@ -32,6 +32,7 @@ public:
 
     // Reduces the angle as the record's constructor does.
     void setProperty(const GxProperty* source) override;
+    int getReach() override { return 0; }
     void doPostProcessing(GxECore::ParamPostProcessing* param) override;
 
     // As the outer shadow's, with the half of the rounding added in single precision.

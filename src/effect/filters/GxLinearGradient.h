@@ -27,6 +27,7 @@ class GXTEXT_API GxLinearGradient : public GxStopsCore<GxLinearGradientProperty>
 public:
     GxLinearGradient() : GxStopsCore(GXE_STYLE_LINEAR_GRADIENT) {}
 
+    int getReach() override { return 0; }
     void doPostProcessing(GxECore::ParamPostProcessing* param) override;
 };
 

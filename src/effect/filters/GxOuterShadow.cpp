@@ -1,6 +1,7 @@
 #include "effect/filters/GxOuterShadow.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 #include "effect/filters/TextMask.h"
 #include "effect/filters/WorkPlane.h"
@@ -64,6 +65,12 @@ int GxOuterShadow::getTopOffset() {
 }
 int GxOuterShadow::getBottomOffset() {
     return marginTowards(marginBlur(property.get()), shift.y);
+}
+
+int GxOuterShadow::getReach() {
+    if (!property) return 0;
+    const int64_t shifted = std::max(std::abs(int64_t{shift.x}), std::abs(int64_t{shift.y}));
+    return saturateInt(blurRadiusOf(property->size) + shifted);
 }
 
 void GxOuterShadow::doPostProcessing(GxECore::ParamPostProcessing* param) {

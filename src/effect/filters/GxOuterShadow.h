@@ -38,6 +38,7 @@ public:
     int getTopOffset() override;
     int getBottomOffset() override;
 
+    int getReach() override;
     void doPostProcessing(GxECore::ParamPostProcessing* param) override;
 
     // Weights of a blur over `radius` pixels, centre 100, and their total over both sides; rounded

@@ -33,6 +33,7 @@ public:
     GxPattern() : GxPropertyCore(GXE_STYLE_PATTERN) {}
 
     void setProperty(const GxProperty* source) override;
+    int getReach() override { return 0; }
     void doPostProcessing(GxECore::ParamPostProcessing* param) override;
 
 private:

@@ -28,6 +28,7 @@ class GXTEXT_API GxRadialGradient : public GxStopsCore<GxRadialGradientProperty>
 public:
     GxRadialGradient() : GxStopsCore(GXE_STYLE_RADIAL_GRADIENT) {}
 
+    int getReach() override { return 0; }
     void doPostProcessing(GxECore::ParamPostProcessing* param) override;
 };
 

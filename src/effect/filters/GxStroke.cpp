@@ -1,5 +1,6 @@
 #include "effect/filters/GxStroke.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "effect/filters/TextMask.h"
@@ -123,6 +124,11 @@ int GxStroke::getOffset() {
         default:
             return 0;
     }
+}
+
+int GxStroke::getReach() {
+    if (!property) return 0;
+    return saturateInt(std::max<int64_t>(toInt(effectiveRadius(*property) + 0.5f), 0) + kFrame);
 }
 
 void GxStroke::doPostProcessing(GxECore::ParamPostProcessing* param) {

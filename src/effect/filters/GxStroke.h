@@ -67,6 +67,7 @@ public:
     GxStroke() : GxPropertyCore(GXE_STYLE_STROKE) {}
 
     int getOffset() override;
+    int getReach() override;
     void doPostProcessing(GxECore::ParamPostProcessing* param) override;
 
     // Spread the band rows [rowBegin, rowEnd) of the mask into the output with the rule out =

@@ -19,6 +19,7 @@ class GXTEXT_API GxText : public GxPropertyCore<GxTextProperty> {
 public:
     GxText() : GxPropertyCore(GXE_STYLE_TEXT) {}
 
+    int getReach() override { return 0; }
     void doPostProcessing(GxECore::ParamPostProcessing* param) override;
 };
 

@@ -60,6 +60,8 @@ void swapRedBlueRow(Rgba* pixels, size_t count);
 void mixLayersRow(Rgba* out, const Rgba* back, const uint8_t* mask, size_t count);
 // alpha is 0 to 255.
 void fadeAndUnpremultiplyRow(Rgba* pixels, size_t count, uint32_t alpha);
+// The same, with red and blue swapped: the pixels become words 0xAARRGGBB.
+void fadeIntoWordsRow(Rgba* pixels, size_t count, uint32_t alpha);
 // Pixels become transparent black where the mask is 0.
 void clearUncoveredRow(Rgba* pixels, const uint8_t* mask, size_t count);
 
@@ -77,6 +79,7 @@ void dstOver32Rows(const BlendArea& area, SourceOrder order);
 void swapRedBlueRow(Rgba* pixels, size_t count);
 void mixLayersRow(Rgba* out, const Rgba* back, const uint8_t* mask, size_t count);
 void fadeAndUnpremultiplyRow(Rgba* pixels, size_t count, uint32_t alpha);
+void fadeIntoWordsRow(Rgba* pixels, size_t count, uint32_t alpha);
 void clearUncoveredRow(Rgba* pixels, const uint8_t* mask, size_t count);
 }  // namespace plain
 

@@ -16,6 +16,7 @@ namespace GxFontEffect::kernels::HWY_NAMESPACE {
 
 using plain::clearUncoveredRow;
 using plain::fadeAndUnpremultiplyRow;
+using plain::fadeIntoWordsRow;
 using plain::mixLayersRow;
 
 #else
@@ -30,6 +31,9 @@ struct MixLayers {
     HWY_INLINE V8 full(V8 back) const { return back; }
 };
 
+constexpr PixelShuffle kSwapRedBlue(2, 1, 0, 3);
+
+template <bool intoWords>
 struct FadeAndUnpremultiply {
     V16 factor;
     bool fades;
@@ -39,10 +43,19 @@ struct FadeAndUnpremultiply {
 
     HWY_INLINE bool isIdle(const Rgba* out) const {
         const bool isBlank = allBytesAre(anyBits(out), 0);
+        return isBlank | (!intoWords & isStraight(out));
+    }
+    HWY_INLINE bool isStraight(const Rgba* out) const {
         const bool isOpaque = allOpaque(commonBits(out));
-        return isBlank | (!fades & isOpaque);
+        return !fades & isOpaque;
     }
     HWY_INLINE void operator()(Rgba* out) const {
+        if (intoWords && isStraight(out)) {
+            for (size_t x = 0; x < kBlockPixels; x += kVectorPixels) {
+                storePixels(kSwapRedBlue(loadPixels(out + x)), out + x);
+            }
+            return;
+        }
         for (size_t x = 0; x < kBlockPixels; x += kVectorPixels) {
             Rgba* p = out + x;
             storePixels(straight(join(scale(split(loadPixels(p)), factor))), p);
@@ -60,8 +73,10 @@ struct FadeAndUnpremultiply {
         const V32 r = quotient(hn::And(p, low), ratio);
         const V32 g = quotient(hn::And(hn::ShiftRight<8>(p), low), ratio);
         const V32 b = quotient(hn::And(hn::ShiftRight<16>(p), low), ratio);
-        const V32 out = hn::Or(hn::Or(r, hn::ShiftLeft<8>(g)),
-                               hn::Or(hn::ShiftLeft<16>(b), hn::ShiftLeft<24>(alpha)));
+        const V32 first = intoWords ? b : r;
+        const V32 third = intoWords ? r : b;
+        const V32 out = hn::Or(hn::Or(first, hn::ShiftLeft<8>(g)),
+                               hn::Or(hn::ShiftLeft<16>(third), hn::ShiftLeft<24>(alpha)));
         return hn::BitCast(d8, hn::IfThenZeroElse(hn::Eq(alpha, hn::Zero(d32)), out));
     }
 
@@ -89,7 +104,11 @@ void mixLayersRow(Rgba* out, const Rgba* back, const uint8_t* mask, size_t count
 }
 
 void fadeAndUnpremultiplyRow(Rgba* pixels, size_t count, uint32_t alpha) {
-    forEachBlock(count, FadeAndUnpremultiply(alpha), pixels);
+    forEachBlock(count, FadeAndUnpremultiply<false>(alpha), pixels);
+}
+
+void fadeIntoWordsRow(Rgba* pixels, size_t count, uint32_t alpha) {
+    forEachBlock(count, FadeAndUnpremultiply<true>(alpha), pixels);
 }
 
 void clearUncoveredRow(Rgba* pixels, const uint8_t* mask, size_t count) {
@@ -106,6 +125,7 @@ namespace GxFontEffect::kernels {
 
 HWY_EXPORT(mixLayersRow);
 HWY_EXPORT(fadeAndUnpremultiplyRow);
+HWY_EXPORT(fadeIntoWordsRow);
 HWY_EXPORT(clearUncoveredRow);
 
 void mixLayersRow(Rgba* out, const Rgba* back, const uint8_t* mask, size_t count) {
@@ -113,6 +133,9 @@ void mixLayersRow(Rgba* out, const Rgba* back, const uint8_t* mask, size_t count
 }
 void fadeAndUnpremultiplyRow(Rgba* pixels, size_t count, uint32_t alpha) {
     HWY_DYNAMIC_DISPATCH(fadeAndUnpremultiplyRow)(pixels, count, alpha);
+}
+void fadeIntoWordsRow(Rgba* pixels, size_t count, uint32_t alpha) {
+    HWY_DYNAMIC_DISPATCH(fadeIntoWordsRow)(pixels, count, alpha);
 }
 void clearUncoveredRow(Rgba* pixels, const uint8_t* mask, size_t count) {
     HWY_DYNAMIC_DISPATCH(clearUncoveredRow)(pixels, mask, count);

@@ -95,6 +95,13 @@ void fadeAndUnpremultiplyRow(Rgba* pixels, size_t count, uint32_t alpha) {
     }
 }
 
+void fadeIntoWordsRow(Rgba* pixels, size_t count, uint32_t alpha) {
+    for (size_t i = 0; i < count; ++i) {
+        const Rgba p = kernels::fadeAndUnpremultiply(pixels[i], alpha);
+        pixels[i] = {p.b, p.g, p.r, p.a};
+    }
+}
+
 void clearUncoveredRow(Rgba* pixels, const uint8_t* mask, size_t count) {
     for (size_t i = 0; i < count; ++i) {
         if (mask[i] == 0) pixels[i] = {};
