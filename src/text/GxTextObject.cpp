@@ -77,8 +77,7 @@ void clearLineInfoList(List& lines) {
     lines.RemoveAll();
 }
 
-// --- scripts of a text
-// ----------------------------------------------------------------------------------------
+// --- scripts of a text ---
 
 // Code point at `position`, which moves past it. A lone surrogate is U+FFFD.
 uint32_t nextCodePoint(const uint16_t* text, int length, int& position) {
@@ -163,8 +162,7 @@ bool loadFamiliesOf(const GxString& text) {
     return true;
 }
 
-// --- composing
-// ------------------------------------------------------------------------------------------------
+// --- composing ---
 
 // Edges to whole pixels as the platform's canvas rounds them.
 int32_t roundEdge(int64_t edge) {
@@ -475,8 +473,7 @@ GxEffect* GxTextObject::GetEffect() const {
     return requireConstructed(382) ? impl->effect.get() : nullptr;
 }
 
-// --- text
-// -----------------------------------------------------------------------------------------------------
+// --- text ---
 
 bool GxTextObject::SetText(const GxString* text) {
     if (!requireConstructed(390)) return false;
@@ -528,8 +525,7 @@ GxString* GxTextObject::GetText() const {
     return requireConstructed(542) ? impl->text.get() : nullptr;
 }
 
-// --- fonts
-// ----------------------------------------------------------------------------------------------------
+// --- fonts ---
 
 GxFontDrawing& GxTextObject::fontDrawing() {
     if (!impl->fontDrawing) impl->fontDrawing = std::make_unique<GxFontDrawing>();
@@ -581,8 +577,7 @@ GxFontDrawing* GxTextObject::GetFont() const {
     return requireConstructed(628) ? impl->fontDrawing.get() : nullptr;
 }
 
-// --- lines
-// ----------------------------------------------------------------------------------------------------
+// --- lines ---
 
 bool GxTextObject::SetLineInfo(const List* lines) {
     if (!requireConstructed(636)) return false;
@@ -609,8 +604,7 @@ List* GxTextObject::GetLineInfo() const {
     return requireConstructed(664) ? impl->lineInfoList.get() : nullptr;
 }
 
-// --- style, view, paint, colours
-// --------------------------------------------------------------------------------
+// --- style, view, paint, colours ---
 
 bool GxTextObject::SetTextStyle(bool bold, bool italic) {
     if (!requireConstructed(678)) return false;
