@@ -200,6 +200,10 @@ void addStepRows() {
         [](Scene& s) { kernels::fadeAndUnpremultiplyRow(s.pixels(), kPixels, 128); },
         [](Scene& s) { kernels::plain::fadeAndUnpremultiplyRow(s.pixels(), kPixels, 128); });
     addStepRow(
+        "fade into words, alpha 255",
+        [](Scene& s) { kernels::fadeIntoWordsRow(s.pixels(), kPixels, 255); },
+        [](Scene& s) { kernels::plain::fadeIntoWordsRow(s.pixels(), kPixels, 255); });
+    addStepRow(
         "clear uncovered",
         [](Scene& s) { kernels::clearUncoveredRow(s.pixels(), s.mask.data(), kPixels); },
         [](Scene& s) { kernels::plain::clearUncoveredRow(s.pixels(), s.mask.data(), kPixels); });

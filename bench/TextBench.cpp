@@ -25,6 +25,7 @@ using namespace GxFontEffect;
 
 constexpr int kViewWidth = 900;
 constexpr int kViewHeight = 220;
+constexpr int kSparseScale = 4;  // 3.2 megapixels about the same letters
 constexpr int kLeft = 20;
 constexpr int kBaseline = 140;
 constexpr int kFontSize = 96;
@@ -38,7 +39,7 @@ constexpr int kGlowRadius = 16;
 // One line in bold, drawn again and again.
 class Title {
 public:
-    explicit Title(void (*addEffects)(GxEffect&)) {
+    Title(void (*addEffects)(GxEffect&), int scale) {
         text_.Construct();
         text_.SetFont(GXBENCH_FONT);
         android::Paint paint;
@@ -49,7 +50,7 @@ public:
         text_.SetTextColor(0xFFF0C040);
         text_.SetText(kText);
         addEffects(*text_.GetEffect());
-        text_.GetView()->SetSize(kViewWidth, kViewHeight);
+        text_.GetView()->SetSize(scale * kViewWidth, scale * kViewHeight);
         text_.FitBitmapToView();
         width_ = text_.GetView()->GetBitmapWidth();
         height_ = text_.GetView()->GetBitmapHeight();
@@ -118,8 +119,9 @@ std::function<void()> pillow() {
 
 #endif
 
-Contenders titleContenders(const std::string& operation, void (*addEffects)(GxEffect&)) {
-    const auto title = std::make_shared<Title>(addEffects);
+Contenders titleContenders(const std::string& operation, void (*addEffects)(GxEffect&),
+                           int scale = 1) {
+    const auto title = std::make_shared<Title>(addEffects, scale);
     if (!title->hasInk()) std::fprintf(stderr, "%s: drew nothing\n", operation.c_str());
     Contenders contenders;
     contenders.prepare = [=] { title->setLines(); };
@@ -135,6 +137,10 @@ void addTextRows() {
 #endif
     const std::string plain = "plain 96 px title in process";
     addRow({plain, "", {}, 0, [=] { return titleContenders(plain, addPlainEffects); }});
+    const std::string sparse = "plain 96 px title in 3.2 megapixels";
+    addRow({sparse, "", {}, 0, [=] {
+                return titleContenders(sparse, addPlainEffects, kSparseScale);
+            }});
     const std::string styled = "title with stroke, shadow and glow";
     addRow({styled, kPillow, {0, 8}, 0, [=] {
                 Contenders contenders = titleContenders(styled, addTitleEffects);
