@@ -246,11 +246,11 @@ public:
         const int height = std::min(all.fBottom - all.fTop, std::max(kTilePixels / width, 1));
         const GxBitmap tile(static_cast<uint32_t>(width), static_cast<uint32_t>(height), 4);
         if (!tile.data) throw std::bad_alloc();
-        for (int y = all.fTop; y < all.fBottom; y += height) {
-            for (int x = all.fLeft; x < all.fRight; x += width) {
-                drawTile(picture, tile,
-                         SkIRect::MakeLTRB(x, y, std::min(x + width, all.fRight),
-                                           std::min(y + height, all.fBottom)));
+        for (int y = all.fTop, rows = 0; y < all.fBottom; y += rows) {
+            rows = std::min(height, all.fBottom - y);
+            for (int x = all.fLeft, columns = 0; x < all.fRight; x += columns) {
+                columns = std::min(width, all.fRight - x);
+                drawTile(picture, tile, SkIRect::MakeLTRB(x, y, x + columns, y + rows));
             }
         }
     }
