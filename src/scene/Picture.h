@@ -11,6 +11,9 @@
 
 namespace gxtext {
 
+// How long a PNG is made smaller. What each costs and gains is a table in docs/gxtext.md.
+enum class PngCompression { kFast = 0, kDefault = 1, kSmall = 2 };
+
 // A value. Pixels are 0xAARRGGBB words, straight alpha, rows packed: width() x height() of them.
 class GXTEXT_API Picture {
 public:
@@ -29,12 +32,13 @@ public:
     const std::vector<char32_t>& missing() const { return arrangement_.missing; }
     const Arrangement& arrangement() const { return arrangement_; }
 
-    // A PNG file's bytes: RGBA, 8 bits each, the same for the same pixels. Throws PictureError for
-    // a picture without pixels.
-    std::string toPng() const;
+    // A PNG file's bytes: RGBA, 8 bits each, the same for the same pixels as long as the compressor
+    // (libdeflate) is the same. Throws PictureError for a picture without pixels.
+    std::string toPng(PngCompression compression = PngCompression::kDefault) const;
     // Writes them to a file, which is the old or the new one whole whatever happens in between.
     // Throws FileError when it cannot be written, PictureError without pixels.
-    void writePng(const std::filesystem::path& file) const;
+    void writePng(const std::filesystem::path& file,
+                  PngCompression compression = PngCompression::kDefault) const;
 
 private:
     Arrangement arrangement_;

@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "scene/Picture.h"
+
 namespace gxtext {
 
 // 0xAARRGGBB words, straight alpha, rows packed, width x height of them.
@@ -28,9 +30,11 @@ constexpr size_t kMaxImageBytes = size_t{64} << 20;
 // Throws PictureError for more than kMaxPixels. Sides are below 2^32.
 void checkPictureSize(const std::string& place, uint64_t width, uint64_t height);
 
-// The file's bytes: RGBA, no timestamp or text, the same for the same pixels. `pixels` holds width
-// x height words. Throws PictureError when the encoder runs out of memory and for an empty picture.
-std::string encodePng(const uint32_t* pixels, uint32_t width, uint32_t height);
+// The file's bytes: RGBA, no timestamp or text, the same for the same pixels and release of the
+// compressor. `pixels` holds width x height words. Throws PictureError when the encoder runs out of
+// memory and for an empty picture.
+std::string encodePng(const uint32_t* pixels, uint32_t width, uint32_t height,
+                      PngCompression compression = PngCompression::kDefault);
 
 // Any PNG, converted to 8-bit RGBA row by row: no more memory than the answer and a few rows.
 // `name` is for messages. Throws PictureError for bytes that are no PNG, truncated or damaged

@@ -24,12 +24,36 @@ TEST(Png, KeepsEveryPixel) {
     for (const auto& [width, height] :
          {std::pair(1u, 1u), std::pair(3u, 2u), std::pair(257u, 65u)}) {
         const Image image = randomImage(width, height);
-        const std::string bytes = encodePng(image.pixels.data(), width, height);
-        const Image back = decodePng(bytes, "test");
-        EXPECT_EQ(back.width, width);
-        EXPECT_EQ(back.height, height);
-        EXPECT_EQ(back.pixels, image.pixels);
-        EXPECT_EQ(encodePng(image.pixels.data(), width, height), bytes);
+        for (const auto how :
+             {PngCompression::kFast, PngCompression::kDefault, PngCompression::kSmall}) {
+            const std::string bytes = encodePng(image.pixels.data(), width, height, how);
+            const Image back = decodePng(bytes, "test");
+            EXPECT_EQ(back.width, width);
+            EXPECT_EQ(back.height, height);
+            EXPECT_EQ(back.pixels, image.pixels);
+            EXPECT_EQ(encodePng(image.pixels.data(), width, height, how), bytes);
+        }
+    }
+}
+
+// The two filters: rows that repeat, and rows that rise by one from row to row.
+TEST(Png, TakesLongerToWriteLess) {
+    for (const uint32_t step : {0u, 0x01010101u}) {
+        Image image = randomImage(256, 1);
+        const std::vector<uint32_t> row = image.pixels;
+        for (uint32_t y = 1; y < 64; y++) {
+            for (const uint32_t pixel : row) {
+                image.pixels.push_back((pixel & 0x7F7F7F7Fu) + y * step);
+            }
+        }
+        const auto sizeOf = [&](PngCompression how) {
+            const std::string bytes = encodePng(image.pixels.data(), 256, 64, how);
+            EXPECT_EQ(decodePng(bytes, "test").pixels, image.pixels);
+            return bytes.size();
+        };
+        const size_t normal = sizeOf(PngCompression::kDefault);
+        EXPECT_LE(normal, sizeOf(PngCompression::kFast));
+        EXPECT_LE(sizeOf(PngCompression::kSmall), step ? normal / 4 : normal);
     }
 }
 

@@ -58,7 +58,8 @@ json measured(std::vector<std::string> arguments) {
 TEST(Program, TellsAboutItself) {
     const Outcome version = runGxtext({"--version"});
     EXPECT_EQ(version.status, 0);
-    for (const char* name : {"gxtext ", "HarfBuzz ", "FreeType ", "ICU ", "libpng "}) {
+    for (const char* name :
+         {"gxtext ", "HarfBuzz ", "FreeType ", "ICU ", "libpng ", "libdeflate "}) {
         EXPECT_THAT(version.out, HasSubstr(name));
     }
     const Outcome help = runGxtext({"render", "--help"});
@@ -92,6 +93,7 @@ TEST(Program, WrongCommandLinesExitWith2AndSayWhatIsAllowed) {
         {{"render", "--text", "a", "--color", "red"}, "red is not a colour"},
         {{"render", "--text", "a", "--opacity", "1.5"}, "1.5 is out of range 0-1\n"},
         {{"render", "--text", "a", "--align", "middle"}, "{start,left,center,right}"},
+        {{"render", "--text", "a", "--compression", "best"}, "{fast,default,small}"},
         {{"render", "--text", "a", "--locale", "de_DE"}, "--locale: "},
         {{"render", "--text", "a", "--stroke", "4,7"}, "--stroke 4,7: "},
         {{"render", "--text", "a", "--set", "size"}, "--set size: "},
@@ -343,6 +345,21 @@ TEST(Program, RendersTheSameBytesEveryTimeAndEverywhere) {
     for (const uint32_t pixel : image.pixels) {
         ASSERT_LE(pixel >> 24, 0x80u) << "alpha beyond the colour's";
     }
+}
+
+TEST(Program, CompressionChangesTheFileAndNoPixel) {
+    const auto rendered = [](std::vector<std::string> options) {
+        options.insert(options.begin(),
+                       {"render", "--text", "Compress", "--shadow", "6,8,#000000"});
+        return runGxtext(withFont(options));
+    };
+    const Outcome normal = rendered({}), small = rendered({"--compression", "small"});
+    const Outcome fast = rendered({"--compression", "fast"});
+    EXPECT_EQ(rendered({"--compression", "default"}).out, normal.out);
+    EXPECT_LT(small.out.size(), normal.out.size());
+    EXPECT_LT(normal.out.size(), fast.out.size());
+    EXPECT_EQ(picture(small).pixels, picture(normal).pixels);
+    EXPECT_EQ(picture(fast).pixels, picture(normal).pixels);
 }
 
 TEST(Program, OpacityMultipliesTheColoursAlpha) {

@@ -3,6 +3,7 @@
 #include <fontconfig/fontconfig.h>
 #include <ft2build.h>
 #include <hb.h>
+#include <libdeflate.h>
 #include <png.h>
 #include <unicode/uversion.h>
 
@@ -11,6 +12,7 @@
 #include <csignal>
 #include <cstdio>
 #include <filesystem>
+#include <map>
 #include <new>
 #include <sstream>
 #include <utility>
@@ -277,11 +279,12 @@ std::string versionText() {
     u_versionToString(icuVersion, icu);
     const int fc = FcGetVersion();
     char text[256];
-    snprintf(
-        text, sizeof(text),
-        "gxtext %s\nHarfBuzz %u.%u.%u\nFreeType %d.%d.%d\nICU %s\nlibpng %s\nfontconfig %d.%d.%d",
-        GXTEXT_VERSION, hbMajor, hbMinor, hbMicro, ftMajor, ftMinor, ftPatch, icu,
-        png_get_libpng_ver(nullptr), fc / 10000, fc / 100 % 100, fc % 100);
+    snprintf(text, sizeof(text),
+             "gxtext %s\nHarfBuzz %u.%u.%u\nFreeType %d.%d.%d\nICU %s\nlibpng %s\nlibdeflate %s\n"
+             "fontconfig %d.%d.%d",
+             GXTEXT_VERSION, hbMajor, hbMinor, hbMicro, ftMajor, ftMinor, ftPatch, icu,
+             png_get_libpng_ver(nullptr), LIBDEFLATE_VERSION_STRING, fc / 10000, fc / 100 % 100,
+             fc % 100);
     return text;
 }
 
@@ -300,6 +303,24 @@ struct Subcommand {
     }
     void addJson(const char* help) { app->add_flag("--json", json, help)->group("Output"); }
 };
+
+void addCompression(Subcommand& render) {
+    using gxtext::PngCompression;
+    static const std::map<std::string, PngCompression> kCompressions = {
+        {"fast", PngCompression::kFast},
+        {"default", PngCompression::kDefault},
+        {"small", PngCompression::kSmall}};
+    render.app
+        ->add_option_function<std::string>(
+            "--compression",
+            [&render](const std::string& name) {
+                render.render.compression = kCompressions.at(name);
+            },
+            "fast, default or small: how long the PNG is made smaller")
+        ->type_name("HOW")
+        ->check(CLI::IsMember({"fast", "default", "small"}).description(""))
+        ->group("Output");
+}
 
 // Help and version are data; everything else is a mistake.
 void endParsing(const CLI::App& app, const CLI::ParseError& error) {
@@ -326,6 +347,7 @@ void parseAndRun(int argc, char** argv, const std::function<void(bool)>& showLib
         ->group("Output");
     render.app->add_flag("--strict", render.render.strict, "Fail when a character has no glyph")
         ->group("Output");
+    addCompression(render);
     Subcommand measure(app, "measure", "Print margins, picture size and the box of each line");
     measure.addJson("As JSON");
     Subcommand key(app, "key", "Print the effect key text as hexadecimal bytes");

@@ -8,6 +8,7 @@
 #include "Style.h"
 #include "scene/Arrangement.h"
 #include "scene/FontSource.h"
+#include "scene/Picture.h"
 
 namespace gxtool {
 
@@ -20,6 +21,7 @@ struct Request {
 struct RenderOptions {
     std::string output = "-";
     bool strict = false;  // missing glyphs are a failure
+    gxtext::PngCompression compression = gxtext::PngCompression::kDefault;
     // What the style and the text came from, as the command line names it.
     std::vector<std::string> inputs;
 };

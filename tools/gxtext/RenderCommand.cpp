@@ -26,7 +26,7 @@ void renderCommand(const Request& request, const RenderOptions& options) {
     const gxtext::Picture picture = renderer.render(request.style);
     reportMissing(picture.arrangement(), options.strict);
     refuseInputs(options.output, filesOf(request.style, picture));
-    writeOutput(options.output, picture.toPng());
+    writeOutput(options.output, picture.toPng(options.compression));
 }
 
 }  // namespace gxtool
