@@ -135,14 +135,6 @@ void addRow(Row row) {
     rows().push_back(std::move(row));
 }
 
-std::function<void()> withoutShortcuts(std::function<void()> run) {
-    return [run = std::move(run)] {
-        GxFontEffect::kernels::setLooksForShortcuts(false);
-        run();
-        GxFontEffect::kernels::setLooksForShortcuts(true);
-    };
-}
-
 void addMissingPeer(const std::string& name) {
     missingPeers().push_back(name);
 }

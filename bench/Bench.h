@@ -33,14 +33,6 @@ struct Row {
     std::function<Contenders()> make;
 };
 
-// What ours must reach against itself without a look for blank paper and the like, where there is
-// none: looking may cost 1.3 times the rest.
-inline constexpr Targets kShortcutBar = {0, 1 / 1.3};
-inline constexpr const char* kNoShortcuts = "ours without shortcuts";
-
-// `run` with no such look.
-std::function<void()> withoutShortcuts(std::function<void()> run);
-
 // Rows in the order of addition. Called by the add...Rows functions of the subjects.
 void addRow(Row row);
 

@@ -131,18 +131,6 @@ void addBlurRow(const std::string& operation, int radius, Mask (*mask)(), const 
             }});
 }
 
-// The cost of looking for what can be passed over, where nothing can.
-void addShortcutRow(const std::string& content, int radius, Mask (*mask)()) {
-    addRow({"blur " + std::to_string(radius) + ", " + content + ", shortcuts", kNoShortcuts,
-            kShortcutBar, kPixels, [=] {
-                const auto scene = std::make_shared<BlurScene>(mask(), radius);
-                Contenders contenders;
-                contenders.ours = [=] { scene->run(); };
-                contenders.peer = withoutShortcuts(contenders.ours);
-                return contenders;
-            }});
-}
-
 Mask text() {
     return textMask();
 }
@@ -172,11 +160,7 @@ void addBlurRows() {
         addBlurRow(name + ", empty", radius, emptyMask, "", noPeer, 0, true);
         addBlurRow(name + ", full", radius, fullMask, "", noPeer, 0, true);
         addBlurRow(name + ", noise", radius, noiseMask, "", noPeer, 0, true);
-    }
-    for (const int radius : {2, 5, 10, 25, 50, 100}) {
-        addShortcutRow("noise", radius, noiseMask);
-        addShortcutRow("patches", radius, patchyMask);
-        addShortcutRow("full", radius, fullMask);
+        addBlurRow(name + ", patches", radius, patchyMask, "", noPeer, 0, true);
     }
 }
 

@@ -108,19 +108,6 @@ void addDilationRow(const std::string& content, const Mask& (*mask)(), Dilate fa
             }});
 }
 
-// The cost of looking for what can be passed over, where nothing can.
-void addShortcutRow(const std::string& content, const Mask& (*mask)(), float size) {
-    const std::string radius = std::to_string(static_cast<int>(size));
-    addRow({"dilation r=" + radius + ", " + content + ", shortcuts", kNoShortcuts, kShortcutBar,
-            kPixels, [=] {
-                const auto scene = std::make_shared<Scene>(mask(), size);
-                Contenders contenders;
-                contenders.ours = [=] { scene->run(kernels::dilateOutside); };
-                contenders.peer = withoutShortcuts(contenders.ours);
-                return contenders;
-            }});
-}
-
 const Mask& emptyMask() {
     static const Mask mask = filledMask(0);
     return mask;
@@ -161,10 +148,6 @@ void addDilationRows() {
         for (const float radius : {2.0f, 5.0f, 10.0f, 25.0f, 50.0f}) {
             addDilationRow(c.name, c.mask, c.fast, c.plain, {radius, {}});
         }
-    }
-    for (const float radius : {2.0f, 5.0f, 10.0f, 25.0f, 50.0f}) {
-        addShortcutRow("noise", noise, radius);
-        addShortcutRow("full", fullMask, radius);
     }
 }
 

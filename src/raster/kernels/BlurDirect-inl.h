@@ -17,7 +17,6 @@
 
 #include "raster/kernels/BlurMeans-inl.h"
 #include "raster/kernels/BlurScratch.h"
-#include "raster/kernels/SimdTargets.h"
 
 #if !GX_SIMD_IS_PLAIN
 
@@ -129,7 +128,7 @@ public:
             const V8 first = hn::Set(d8, line[x]);
             const V8 differs = hn::Or(hn::Xor(hn::LoadU(d8, line + x), first),
                                       hn::Xor(hn::LoadU(d8, line + x + kReach), first));
-            if (looks && allBytesAre(differs, 0)) {
+            if (allBytesAre(differs, 0)) {
                 hn::StoreU(hn::Xor(first, hn::Set(d8, kZero)), d8, out + x);
             } else {
                 hn::StoreU(rowMeans(line + x), d8, out + x);
@@ -140,8 +139,6 @@ public:
     // kZero - cell of direct input, kZero - 255 + cell of inverse input, is `cell` with these bits
     // flipped.
     const V8 flip;
-
-    const bool looks = looksForShortcuts();
 
 private:
     static int32_t tap(const BlurWeights& weights, int k) {
@@ -232,8 +229,7 @@ public:
             const V8 before = hn::LoadU(d8, rows + x + (kReach - 1) * stride);
             const V8 here = hn::LoadU(d8, rows + x + kReach * stride);
             const V8 after = hn::LoadU(d8, rows + x + (kReach + 1) * stride);
-            if (!taps.looks ||
-                !allBytesAre(hn::Or(hn::Xor(before, here), hn::Xor(here, after)), 0)) {
+            if (!allBytesAre(hn::Or(hn::Xor(before, here), hn::Xor(here, after)), 0)) {
                 *last = static_cast<int32_t>(y + kReach + 1);
             }
             if (*last <= y) {

@@ -18,7 +18,6 @@
 
 #include "raster/kernels/SeparableBlur.h"
 #include "raster/kernels/Simd.h"
-#include "raster/kernels/SimdTargets.h"
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "raster/kernels/BlurStrips.cpp"
@@ -81,7 +80,6 @@ public:
     // The vectors y ... y + count - 1 and the window behind, y even. They may be overwritten
     // afterwards up to y + count.
     HWY_INLINE bool isEven(int64_t y, int64_t count) {
-        if (!looks) return false;
         const int64_t first = y / 2;
         const int64_t last = (y + count + reach) / 2;
         seen = std::max(seen, first);
@@ -112,7 +110,6 @@ private:
 
     const uint8_t* const strip;
     const int64_t reach;
-    const bool looks = looksForShortcuts();
     int64_t seen = 0;        // pairs up to here are compared with the ones before
     int64_t lastChange = 0;  // none behind it, up to `seen`, differs
 };
@@ -190,7 +187,7 @@ void blurStrips(const BlurPass& pass, const BlurWeights& weights, BlurInput inpu
         const bool isWhole = !alongRows && count == kLanes;
         const Outputs out = isWhole ? Outputs{to, pass.outStride} : Outputs{scratch.strip, kLanes};
         bool isSparse = false;
-        if (content == Content::kAny && looksForShortcuts()) {
+        if (content == Content::kAny) {
             const ChangeLines changes(weights, input, steps, scratch);
             isSparse = addChanges(in, pass.inStride, count, length, scratch, changes);
             if (isSparse) {
@@ -324,7 +321,7 @@ Box innerOf(int64_t width, int64_t height, int64_t radius) {
 struct Reach {
     Reach(const uint8_t* in, int64_t width, int64_t height, int64_t radius, bool isBlankKept)
         : ink(innerOf(width, height, radius)), area(ink) {
-        if (!isBlankKept || !looksForShortcuts()) return;
+        if (!isBlankKept) return;
         if (area.right - area.left < kLanes || area.top >= area.bottom) return;
         const Box all = inkOf(in, width, height);
         ink.left = std::max(ink.left, all.left);

@@ -5,7 +5,6 @@
 
 #include "raster/kernels/DiscShape.h"
 #include "raster/kernels/Simd.h"
-#include "raster/kernels/SimdTargets.h"
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "raster/kernels/DiscDilation.cpp"
@@ -53,7 +52,6 @@ public:
           side_(2 * radius_ + 1),
           width_(std::min(kMaxWidth, kRingBytes / side_ / kLanes * kLanes)),
           inversion_(inverted ? 255 : 0),
-          looks_(looksForShortcuts()),
           windowBlocks_((uint64_t{1} << ((2 * radius_ + kLanes - 1) / kLanes + 1)) - 1) {
         for (int64_t i = 0; i < 2 * side_; ++i) slots_[i] = ring_ + i % side_ * width_;
     }
@@ -126,7 +124,7 @@ private:
     // without a look: they may well have less.
     Ink inkOf() {
         constexpr uint64_t kAll = ~uint64_t{0};
-        if (!looks_ || unseenRows_ > 0) {
+        if (unseenRows_ > 0) {
             --unseenRows_;
             return {kAll, kAll, kAll};
         }
@@ -247,7 +245,6 @@ private:
     const int64_t side_;
     const int64_t width_;
     const uint8_t inversion_;
-    const bool looks_;
     const uint64_t windowBlocks_;
 
     int64_t x_ = 0;      // first output column of the tile
@@ -270,7 +267,7 @@ template <int kRadius>
 class SmallDisc {
 public:
     SmallDisc(const DilationBand& band, const DiscShape& shape, bool inverted)
-        : band_(band), inversion_(inverted ? 255 : 0), looks_(looksForShortcuts()) {
+        : band_(band), inversion_(inverted ? 255 : 0) {
         for (int y = 0; y <= kRadius; ++y) {
             for (int x = 0; x <= kRadius; ++x) losses_[y][x] = hn::Set(d8, shape.lossAt(x, y));
         }
@@ -321,7 +318,7 @@ private:
                                  hn::Xor(hn::LoadU(d8, mask + i), inversion));
             any = hn::Or(any, columns[i]);
         }
-        if (looks_ && allBytesAre(any, 0)) return;
+        if (allBytesAre(any, 0)) return;
         uint8_t* middle = out + kRadius * band_.outStride;
         for (int y = 0; y <= kRadius; ++y) {
             V8 reached = hn::Zero(d8);
@@ -335,7 +332,6 @@ private:
 
     const DilationBand& band_;
     const uint8_t inversion_;
-    const bool looks_;
     V8 losses_[kRadius + 1][kRadius + 1];
 };
 

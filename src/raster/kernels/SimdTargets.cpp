@@ -38,17 +38,7 @@ std::vector<int64_t> usableTargets() {
     return targets;
 }
 
-bool mayLookForShortcuts = true;
-
 }  // namespace
-
-bool looksForShortcuts() {
-    return mayLookForShortcuts;
-}
-
-void setLooksForShortcuts(bool looks) {
-    mayLookForShortcuts = looks;
-}
 
 std::vector<std::string> simdTargetNames() {
     std::vector<std::string> names;

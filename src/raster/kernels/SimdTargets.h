@@ -20,10 +20,4 @@ void forceSimdTarget(const std::string& name);
 // Whether a kernel has asked for its set since forceSimdTarget; always true when only one is built.
 bool hasDispatchedSimd();
 
-// Whether kernels may pass over what cannot change the result, as blank paper: always, but for
-// benchmarks that measure what looking for it costs. Not to be set while another thread runs a
-// kernel.
-bool looksForShortcuts();
-void setLooksForShortcuts(bool looks);
-
 }  // namespace GxFontEffect::kernels
