@@ -11,6 +11,7 @@
 #include "base/GxLog.h"
 #include "base/GxString.h"
 #include "base/List.h"
+#include "bridge/AndroidMethods.h"
 #include "bridge/FontBytes.h"
 #include "bridge/FontConfigRules.h"
 #include "bridge/FontManagerNatives.h"
@@ -24,28 +25,6 @@
 namespace GxFontEffect {
 
 namespace {
-
-constexpr JavaMethod kConfigMethods[] = {
-    {"getFamilies", "()[Landroid/text/FontConfig$Family;"},
-};
-enum ConfigMethod : size_t { kGetFamilies };
-
-constexpr JavaMethod kFamilyMethods[] = {
-    {"getName", "()Ljava/lang/String;"},
-    {"getFonts", "()[Landroid/text/FontConfig$Font;"},
-    {"getLanguages", "()Ljava/lang/String;"},
-    {"getVariant", "()I"},
-};
-enum FamilyMethod : size_t { kGetName, kGetFonts, kGetLanguages, kGetVariant };
-
-constexpr JavaMethod kFontMethods[] = {
-    {"getFontName", "()Ljava/lang/String;"},
-    {"getTtcIndex", "()I"},
-    {"getWeight", "()I"},
-    {"isItalic", "()Z"},
-    {"getFallbackFor", "()Ljava/lang/String;"},
-};
-enum FontMethod : size_t { kGetFontName, kGetTtcIndex, kGetWeight, kIsItalic, kGetFallbackFor };
 
 bool Fail(const char* message) {
     __android_log_print(ANDROID_LOG_ERROR, kFontManagerTag, "%s", message);
@@ -100,8 +79,8 @@ Entry NewEntry(const JavaCalls& font, const std::string& path) {
     Entry entry(new GxFontEntry);
     entry->path = new GxString;
     if (!entry->path->Construct(path.c_str())) throw std::bad_alloc();
-    entry->ttcIndex = font.Int(kGetTtcIndex);
-    entry->weight = font.Int(kGetWeight);
+    entry->ttcIndex = font.Int(kFontClass["getTtcIndex"]);
+    entry->weight = font.Int(kFontClass["getWeight"]);
     return entry;
 }
 
@@ -111,9 +90,9 @@ void Append(List& list, void* item) {
 
 // Appends the font if it takes part.
 bool ConvertFont(const JavaCalls& font, List& out) {
-    const std::optional<std::string> name = font.Utf8(kGetFontName);
-    const bool italic = font.Bool(kIsItalic);
-    const std::optional<std::string> fallbackFor = font.Utf8(kGetFallbackFor);
+    const std::optional<std::string> name = font.Utf8(kFontClass["getFontName"]);
+    const bool italic = font.Bool(kFontClass["isItalic"]);
+    const std::optional<std::string> fallbackFor = font.Utf8(kFontClass["getFallbackFor"]);
     if (font.Failed()) return false;
     if (!name) return true;
     const std::string path = FontConfigRules::CutPath(*name);
@@ -126,21 +105,22 @@ bool ConvertFont(const JavaCalls& font, List& out) {
 
 // Appends the family if it is considered and a font of it takes part.
 bool ConvertFamily(JNIEnv* env, const JavaCalls& javaFamily, FontConfigRules& rules, List& out) {
-    const LocalRef<jstring> name(env, javaFamily.Object<jstring>(kGetName));
+    const LocalRef<jstring> name(env, javaFamily.Object<jstring>(kFamilyClass["getName"]));
     if (javaFamily.Failed()) return false;
     if (!rules.Considers(static_cast<bool>(name))) return true;
 
     Family family = NewFamily();
-    const LocalRef<jobjectArray> fonts(env, javaFamily.Object<jobjectArray>(kGetFonts));
+    const LocalRef<jobjectArray> fonts(env,
+                                       javaFamily.Object<jobjectArray>(kFamilyClass["getFonts"]));
     if (javaFamily.Failed() ||
-        !ForEachElement(env, fonts.get(), kFontMethods,
+        !ForEachElement(env, fonts.get(), kFontClass.methods,
                         [&](const JavaCalls& font) { return ConvertFont(font, *family->fonts); })) {
         return false;
     }
     if (family->fonts->GetCount() < 1) return true;
 
-    const std::string languages = javaFamily.Utf8(kGetLanguages).value_or("");
-    family->variant = javaFamily.Int(kGetVariant);
+    const std::string languages = javaFamily.Utf8(kFamilyClass["getLanguages"]).value_or("");
+    family->variant = javaFamily.Int(kFamilyClass["getVariant"]);
     if (javaFamily.Failed()) return false;
     if (!languages.empty()) family->localeListId = minikin::registerLocaleList(languages);
     if (rules.BuildsNow(languages)) {
@@ -182,17 +162,18 @@ bool SetFamilies(FamilyList families) {
 
 bool ConvertToFontFamilies(JNIEnv* env, jobject config, List* out) {
     JavaMethods methods;
-    if (!methods.Resolve(env, config, kConfigMethods)) {
+    if (!methods.Resolve(env, config, kFontConfigClass.methods)) {
         __android_log_print(ANDROID_LOG_ERROR, kFontManagerTag, "Java Function %s not found",
                             methods.missing());
         return false;
     }
     const JavaCalls javaConfig(env, config, methods);
-    const LocalRef<jobjectArray> families(env, javaConfig.Object<jobjectArray>(kGetFamilies));
+    const LocalRef<jobjectArray> families(
+        env, javaConfig.Object<jobjectArray>(kFontConfigClass["getFamilies"]));
     FontConfigRules rules;
     const bool converted =
         !javaConfig.Failed() &&
-        ForEachElement(env, families.get(), kFamilyMethods, [&](const JavaCalls& family) {
+        ForEachElement(env, families.get(), kFamilyClass.methods, [&](const JavaCalls& family) {
             return ConvertFamily(env, family, rules, *out);
         });
     // A configuration is the system's, and a failure of it is not the caller's to handle.

@@ -12,6 +12,7 @@
 
 #include "base/GxString.h"
 #include "base/List.h"
+#include "bridge/AndroidMethods.h"
 #include "bridge/BoundText.h"
 #include "bridge/JavaMethods.h"
 #include "bridge/JniReferences.h"
@@ -33,123 +34,9 @@ enum Site : int {
     kSiteLayout = 4,
 };
 
-// All of a table's methods must exist, also those that are not called: a class without one of them
-// is not the platform's.
-constexpr JavaMethod kPaintMethods[] = {
-    {"getTextScaleX", "()F"},
-    {"getTextSkewX", "()F"},
-    {"getLetterSpacing", "()F"},
-    {"isElegantTextHeight", "()Z"},
-    {"getFlags", "()I"},
-    {"getFontFeatureSettings", "()Ljava/lang/String;"},
-    {"getTextLocales", "()Landroid/os/LocaleList;"},
-    {"getTextAlign", "()Landroid/graphics/Paint$Align;"},
-    {"getColor", "()I"},
-    {"getTextSize", "()F"},
-    {"isFakeBoldText", "()Z"},
-};
-enum PaintMethod : size_t {
-    kGetTextScaleX,
-    kGetTextSkewX,
-    kGetLetterSpacing,
-    kIsElegantTextHeight,
-    kGetFlags,
-    kGetFontFeatureSettings,
-    kGetTextLocales,
-    kGetTextAlign,
-    kGetColor,
-    kGetPaintTextSize,
-    kIsFakeBoldText,
-};
-
-constexpr JavaMethod kViewMethods[] = {
-    {"getTextSize", "()F"},
-    {"getCurrentTextColor", "()I"},
-    {"getTypeface", "()Landroid/graphics/Typeface;"},
-    {"getTextDirection", "()I"},
-    {"getLayoutDirection", "()I"},
-    {"getWidth", "()I"},
-    {"getHeight", "()I"},
-    {"getPaddingLeft", "()I"},
-    {"getPaddingRight", "()I"},
-    {"getPaddingTop", "()I"},
-    {"getPaddingBottom", "()I"},
-    {"getGravity", "()I"},
-    {"getMaxLines", "()I"},
-};
-enum ViewMethod : size_t {
-    kGetViewTextSize,
-    kGetCurrentTextColor,
-    kGetTypeface,
-    kGetTextDirection,
-    kGetLayoutDirection,
-    kGetViewWidth,
-    kGetViewHeight,
-    kGetPaddingLeft,
-    kGetPaddingRight,
-    kGetPaddingTop,
-    kGetPaddingBottom,
-    kGetGravity,
-    kGetMaxLines,
-};
-
-constexpr JavaMethod kLayoutMethods[] = {
-    {"getWidth", "()I"},
-    {"getHeight", "()I"},
-    {"getTopPadding", "()I"},
-    {"getBottomPadding", "()I"},
-    {"getLineCount", "()I"},
-    {"getParagraphDirection", "(I)I"},
-    {"getParagraphLeft", "(I)I"},
-    {"getParagraphRight", "(I)I"},
-    {"getLineBaseline", "(I)I"},
-    {"getLineTop", "(I)I"},
-    {"getLineBottom", "(I)I"},
-    {"getLineAscent", "(I)I"},
-    {"getLineDescent", "(I)I"},
-    {"getLineStart", "(I)I"},
-    {"getLineEnd", "(I)I"},
-    {"getLineVisibleEnd", "(I)I"},
-    {"getLineLeft", "(I)F"},
-    {"getLineRight", "(I)F"},
-    {"getLineMax", "(I)F"},
-    {"getLineWidth", "(I)F"},
-    {"getText", "()Ljava/lang/CharSequence;"},
-};
-enum LayoutMethod : size_t {
-    kGetLayoutWidth,
-    kGetLayoutHeight,
-    kGetTopPadding,
-    kGetBottomPadding,
-    kGetLineCount,
-    kGetParagraphDirection,
-    kGetParagraphLeft,
-    kGetParagraphRight,
-    kGetLineBaseline,
-    kGetLineTop,
-    kGetLineBottom,
-    kGetLineAscent,
-    kGetLineDescent,
-    kGetLineStart,
-    kGetLineEnd,
-    kGetLineVisibleEnd,
-    kGetLineLeft,
-    kGetLineRight,
-    kGetLineMax,
-    kGetLineWidth,
-    kGetText,
-};
-
-constexpr JavaMethod kLocaleListMethods[] = {{"toLanguageTags", "()Ljava/lang/String;"}};
-constexpr JavaMethod kAlignMethods[] = {{"name", "()Ljava/lang/String;"}};
-constexpr JavaMethod kToStringMethods[] = {{"toString", "()Ljava/lang/String;"}};
-constexpr JavaMethod kIsBoldMethods[] = {{"isBold", "()Z"}};
-constexpr JavaMethod kIsItalicMethods[] = {{"isItalic", "()Z"}};
-constexpr JavaMethod kGetSpansMethods[] = {
-    {"getSpans", "(IILjava/lang/Class;)[Ljava/lang/Object;"}};
-constexpr JavaMethod kSpanMethods[] = {{"getBackgroundColor", "()I"}};
-
-// Resolves a table that the native cannot do without; a missing method is logged after `prefix`.
+// Resolves a table that the native cannot do without: all of its methods must exist, also those
+// that are not called, since a class without one of them is not the platform's. A missing method is
+// logged after `prefix`.
 bool ResolveAll(JNIEnv* env, jobject object, std::span<const JavaMethod> table,
                 JavaMethods& methods, const char* prefix) {
     if (methods.Resolve(env, object, table)) return true;
@@ -181,31 +68,32 @@ std::optional<std::string> OptionalUtf8(JNIEnv* env, jobject object,
 
 void CopyFont(const JavaCalls& javaPaint, android::Paint& paint) {
     SkFont& font = paint.getSkFont();
-    font.setScaleX(javaPaint.Float(kGetTextScaleX));
-    font.setSkewX(javaPaint.Float(kGetTextSkewX));
-    font.setSize(javaPaint.Float(kGetPaintTextSize));
-    font.setEmbolden(javaPaint.Bool(kIsFakeBoldText));
-    paint.setLetterSpacing(javaPaint.Float(kGetLetterSpacing));
-    paint.setFamilyVariant(javaPaint.Bool(kIsElegantTextHeight) ? minikin::FamilyVariant::ELEGANT
-                                                                : minikin::FamilyVariant::DEFAULT);
+    font.setScaleX(javaPaint.Float(kPaintClass["getTextScaleX"]));
+    font.setSkewX(javaPaint.Float(kPaintClass["getTextSkewX"]));
+    font.setSize(javaPaint.Float(kPaintClass["getTextSize"]));
+    font.setEmbolden(javaPaint.Bool(kPaintClass["isFakeBoldText"]));
+    paint.setLetterSpacing(javaPaint.Float(kPaintClass["getLetterSpacing"]));
+    paint.setFamilyVariant(javaPaint.Bool(kPaintClass["isElegantTextHeight"])
+                               ? minikin::FamilyVariant::ELEGANT
+                               : minikin::FamilyVariant::DEFAULT);
     // Overwrites the embolden bit too: the flags of a real paint agree with its isFakeBoldText.
-    paint.setJavaFlags(static_cast<uint32_t>(javaPaint.Int(kGetFlags)));
-    if (const auto features = javaPaint.Utf8(kGetFontFeatureSettings)) {
+    paint.setJavaFlags(static_cast<uint32_t>(javaPaint.Int(kPaintClass["getFlags"])));
+    if (const auto features = javaPaint.Utf8(kPaintClass["getFontFeatureSettings"])) {
         paint.setFontFeatureSettings(*features);
     }
 }
 
 void CopyLocales(JNIEnv* env, const JavaCalls& javaPaint, android::Paint& paint) {
-    const LocalRef<> locales(env, javaPaint.Object(kGetTextLocales));
-    const auto tags = OptionalUtf8(env, locales.get(), kLocaleListMethods,
+    const LocalRef<> locales(env, javaPaint.Object(kPaintClass["getTextLocales"]));
+    const auto tags = OptionalUtf8(env, locales.get(), kLocaleListClass.methods,
                                    "LocaleList cannot find 'toLanguageTags' method id");
     if (tags) paint.setMinikinLocaleListId(minikin::registerLocaleList(*tags));
 }
 
 void CopyAlign(JNIEnv* env, const JavaCalls& javaPaint, android::Paint& paint) {
-    const LocalRef<> align(env, javaPaint.Object(kGetTextAlign));
-    const auto name =
-        OptionalUtf8(env, align.get(), kAlignMethods, "Paint.Align cannot find 'name' method id");
+    const LocalRef<> align(env, javaPaint.Object(kPaintClass["getTextAlign"]));
+    const auto name = OptionalUtf8(env, align.get(), kEnumClass.methods,
+                                   "Paint.Align cannot find 'name' method id");
     if (!name) return;
     paint.setTextAlign(*name == "LEFT"    ? android::Paint::kLeft_Align
                        : *name == "RIGHT" ? android::Paint::kRight_Align
@@ -222,12 +110,12 @@ bool OptionalBool(JNIEnv* env, jobject object, std::span<const JavaMethod> metho
 }
 
 void CopyTypefaceStyle(JNIEnv* env, const JavaCalls& javaView, GxTextObject& text) {
-    const LocalRef<> typeface(env, javaView.Object(kGetTypeface));
+    const LocalRef<> typeface(env, javaView.Object(kTextViewClass["getTypeface"]));
     if (!typeface) return;
-    const bool bold = OptionalBool(env, typeface.get(), kIsBoldMethods,
+    const bool bold = OptionalBool(env, typeface.get(), kTypefaceClass.Only("isBold"),
                                    "getTypeFace cannot find 'isBold' method id");
     if (env->ExceptionCheck()) return;
-    const bool italic = OptionalBool(env, typeface.get(), kIsItalicMethods,
+    const bool italic = OptionalBool(env, typeface.get(), kTypefaceClass.Only("isItalic"),
                                      "getTypeFace cannot find 'isItalic' method id");
     if (!env->ExceptionCheck()) text.SetTextStyle(bold, italic);
 }
@@ -237,7 +125,7 @@ void CopyTypefaceStyle(JNIEnv* env, const JavaCalls& javaView, GxTextObject& tex
 // False when the text object could not take the text.
 bool CopyText(JNIEnv* env, jobject javaText, GxTextObject& text) {
     JavaMethods methods;
-    if (!ResolveOptional(env, javaText, kToStringMethods, methods,
+    if (!ResolveOptional(env, javaText, kObjectClass.methods, methods,
                          "getText cannot find 'toString' method id")) {
         return true;
     }
@@ -261,10 +149,11 @@ jclass FindClass(JNIEnv* env, const char* name) {
 
 // android.text.SpannableString over the text: the copy has the spans whatever kind of text it was.
 jobject NewSpannable(JNIEnv* env, jobject javaText) {
-    const LocalRef<jclass> javaClass(env, FindClass(env, "android/text/SpannableString"));
+    const LocalRef<jclass> javaClass(env, FindClass(env, kSpannableStringClass.name));
     if (!javaClass) return nullptr;
+    const JavaMethod& fromText = kSpannableStringClass.Only("<init>").front();
     const jmethodID constructor =
-        env->GetMethodID(javaClass.get(), "<init>", "(Ljava/lang/CharSequence;)V");
+        env->GetMethodID(javaClass.get(), fromText.name, fromText.signature);
     if (!constructor) {
         env->ExceptionClear();
         return nullptr;
@@ -276,9 +165,10 @@ jobject NewSpannable(JNIEnv* env, jobject javaText) {
 jobjectArray BackgroundSpans(JNIEnv* env, jobject javaText, jint length) {
     const LocalRef<> spannable(env, NewSpannable(env, javaText));
     if (!spannable || env->ExceptionCheck()) return nullptr;
-    const LocalRef<jclass> kind(env, FindClass(env, "android/text/style/BackgroundColorSpan"));
+    const LocalRef<jclass> kind(env, FindClass(env, kBackgroundColorSpanClass.name));
     JavaMethods methods;
-    if (!kind || !methods.Resolve(env, spannable.get(), kGetSpansMethods)) return nullptr;
+    if (!kind || !methods.Resolve(env, spannable.get(), kSpannableStringClass.Only("getSpans")))
+        return nullptr;
     return JavaCalls(env, spannable.get(), methods)
         .Object<jobjectArray>(0, jint{0}, length, kind.get());
 }
@@ -291,7 +181,8 @@ std::optional<jint> BackgroundColor(JNIEnv* env, jobject javaText, jint length) 
         const LocalRef<> span(env, env->GetObjectArrayElement(spans.get(), i));
         if (!span) continue;
         JavaMethods methods;
-        if (!methods.Resolve(env, span.get(), kSpanMethods)) return std::nullopt;
+        if (!methods.Resolve(env, span.get(), kBackgroundColorSpanClass.methods))
+            return std::nullopt;
         return JavaCalls(env, span.get(), methods).Int(0);
     }
     return std::nullopt;
@@ -299,7 +190,7 @@ std::optional<jint> BackgroundColor(JNIEnv* env, jobject javaText, jint length) 
 
 // False when an object threw or the text could not be taken.
 bool CopyTextAndBackground(JNIEnv* env, const JavaCalls& layout, GxTextObject& text) {
-    const LocalRef<> javaText(env, layout.Object(kGetText));
+    const LocalRef<> javaText(env, layout.Object(kLayoutClass["getText"]));
     if (layout.Failed()) return false;
     std::optional<jint> background;
     if (javaText) {
@@ -317,14 +208,24 @@ class JavaLayoutLines : public LineMetrics {
 public:
     explicit JavaLayoutLines(const JavaCalls& layout) : layout_(layout) {}
 
-    int32_t Baseline(int32_t line) override { return layout_.Int(kGetLineBaseline, line); }
-    int32_t Bottom(int32_t line) override { return layout_.Int(kGetLineBottom, line); }
-    int32_t Ascent(int32_t line) override { return layout_.Int(kGetLineAscent, line); }
-    int32_t Descent(int32_t line) override { return layout_.Int(kGetLineDescent, line); }
-    int32_t Start(int32_t line) override { return layout_.Int(kGetLineStart, line); }
-    int32_t VisibleEnd(int32_t line) override { return layout_.Int(kGetLineVisibleEnd, line); }
-    float Left(int32_t line) override { return layout_.Float(kGetLineLeft, line); }
-    float Width(int32_t line) override { return layout_.Float(kGetLineWidth, line); }
+    int32_t Baseline(int32_t line) override {
+        return layout_.Int(kLayoutClass["getLineBaseline"], line);
+    }
+    int32_t Bottom(int32_t line) override {
+        return layout_.Int(kLayoutClass["getLineBottom"], line);
+    }
+    int32_t Ascent(int32_t line) override {
+        return layout_.Int(kLayoutClass["getLineAscent"], line);
+    }
+    int32_t Descent(int32_t line) override {
+        return layout_.Int(kLayoutClass["getLineDescent"], line);
+    }
+    int32_t Start(int32_t line) override { return layout_.Int(kLayoutClass["getLineStart"], line); }
+    int32_t VisibleEnd(int32_t line) override {
+        return layout_.Int(kLayoutClass["getLineVisibleEnd"], line);
+    }
+    float Left(int32_t line) override { return layout_.Float(kLayoutClass["getLineLeft"], line); }
+    float Width(int32_t line) override { return layout_.Float(kLayoutClass["getLineWidth"], line); }
     bool Failed() const override { return layout_.Failed(); }
 
 private:
@@ -352,7 +253,7 @@ jboolean GxText_SetPaint(JNIEnv* env, jobject self, jobject javaPaint) {
     const BoundText text = RequireBoundTextObject(env, self, kSitePaint);
     if (!text) return false;
     JavaMethods methods;
-    if (!ResolveAll(env, javaPaint, kPaintMethods, methods, "Java function ")) return false;
+    if (!ResolveAll(env, javaPaint, kPaintClass.methods, methods, "Java function ")) return false;
     const JavaCalls calls(env, javaPaint, methods);
     android::Paint paint;
     CopyFont(calls, paint);
@@ -367,19 +268,19 @@ jboolean GxText_SetView(JNIEnv* env, jobject self, jobject javaView) {
     GxView* const view = text ? text->GetView() : nullptr;
     if (!view) return false;
     JavaMethods methods;
-    if (!ResolveAll(env, javaView, kViewMethods, methods, "GxText_SetView - Function ")) {
+    if (!ResolveAll(env, javaView, kTextViewClass.methods, methods, "GxText_SetView - Function ")) {
         return false;
     }
     const JavaCalls calls(env, javaView, methods);
-    const auto gravity = static_cast<uint32_t>(calls.Int(kGetGravity));
-    const jint maxLines = calls.Int(kGetMaxLines);
-    const jint left = calls.Int(kGetPaddingLeft);
-    const jint top = calls.Int(kGetPaddingTop);
-    const jint right = calls.Int(kGetPaddingRight);
-    const jint bottom = calls.Int(kGetPaddingBottom);
-    const jint width = calls.Int(kGetViewWidth);
-    const jint height = calls.Int(kGetViewHeight);
-    const auto color = static_cast<uint32_t>(calls.Int(kGetCurrentTextColor));
+    const auto gravity = static_cast<uint32_t>(calls.Int(kTextViewClass["getGravity"]));
+    const jint maxLines = calls.Int(kTextViewClass["getMaxLines"]);
+    const jint left = calls.Int(kTextViewClass["getPaddingLeft"]);
+    const jint top = calls.Int(kTextViewClass["getPaddingTop"]);
+    const jint right = calls.Int(kTextViewClass["getPaddingRight"]);
+    const jint bottom = calls.Int(kTextViewClass["getPaddingBottom"]);
+    const jint width = calls.Int(kTextViewClass["getWidth"]);
+    const jint height = calls.Int(kTextViewClass["getHeight"]);
+    const auto color = static_cast<uint32_t>(calls.Int(kTextViewClass["getCurrentTextColor"]));
     if (calls.Failed()) return false;
     view->gravity = gravity;
     view->maxLines = maxLines;
@@ -410,12 +311,13 @@ jboolean GxText_SetLayout(JNIEnv* env, jobject self, jobject javaLayout) {
     __android_log_print(ANDROID_LOG_DEBUG, kTextTag, "GxText_SetLayout - RH(%d) (%p)", handle,
                         static_cast<void*>(javaLayout));
     JavaMethods methods;
-    if (!ResolveAll(env, javaLayout, kLayoutMethods, methods, "GxText_SetLayout - Function ")) {
+    if (!ResolveAll(env, javaLayout, kLayoutClass.methods, methods,
+                    "GxText_SetLayout - Function ")) {
         return false;
     }
     const JavaCalls layout(env, javaLayout, methods);
     if (!CopyTextAndBackground(env, layout, *text)) return false;
-    const jint lineCount = layout.Int(kGetLineCount);
+    const jint lineCount = layout.Int(kLayoutClass["getLineCount"]);
     JavaLayoutLines lines(layout);
     const std::vector<GxLineInfo> placed =
         layout.Failed() ? std::vector<GxLineInfo>() : PlaceLines(lines, lineCount, *view);

@@ -9,11 +9,7 @@ import java.util.List;
 
 /** What is taken from an android.text.Layout. */
 final class LayoutTest {
-    private static final String[] METHODS = {"getWidth", "getHeight", "getTopPadding",
-        "getBottomPadding", "getLineCount", "getParagraphDirection", "getParagraphLeft",
-        "getParagraphRight", "getLineBaseline", "getLineTop", "getLineBottom", "getLineAscent",
-        "getLineDescent", "getLineStart", "getLineEnd", "getLineVisibleEnd", "getLineLeft",
-        "getLineRight", "getLineMax", "getLineWidth", "getText"};
+    private static final String[] METHODS = AndroidMethods.of("android/text/Layout");
 
     private LayoutTest() {}
 

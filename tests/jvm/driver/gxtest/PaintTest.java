@@ -5,9 +5,7 @@ import android.os.LocaleList;
 
 /** What is taken from an android.graphics.Paint. */
 final class PaintTest {
-    private static final String[] METHODS = {"getTextScaleX", "getTextSkewX", "getLetterSpacing",
-        "isElegantTextHeight", "getFlags", "getFontFeatureSettings", "getTextLocales",
-        "getTextAlign", "getColor", "getTextSize", "isFakeBoldText"};
+    private static final String[] METHODS = AndroidMethods.of("android/graphics/Paint");
 
     private PaintTest() {}
 

@@ -5,9 +5,7 @@ import android.widget.TextView;
 
 /** What is taken from an android.widget.TextView. */
 final class ViewTest {
-    private static final String[] METHODS = {"getTextSize", "getCurrentTextColor", "getTypeface",
-        "getTextDirection", "getLayoutDirection", "getWidth", "getHeight", "getPaddingLeft",
-        "getPaddingRight", "getPaddingTop", "getPaddingBottom", "getGravity", "getMaxLines"};
+    private static final String[] METHODS = AndroidMethods.of("android/widget/TextView");
 
     private ViewTest() {}
 

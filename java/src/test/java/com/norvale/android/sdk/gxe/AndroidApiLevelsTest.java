@@ -6,6 +6,7 @@ import static org.junit.Assert.assertTrue;
 import java.io.File;
 import java.io.IOException;
 import java.io.InputStream;
+import java.io.UncheckedIOException;
 import java.nio.file.Files;
 import java.nio.file.Path;
 import java.nio.file.Paths;
@@ -16,6 +17,8 @@ import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
 import java.util.Set;
+import java.util.regex.Matcher;
+import java.util.regex.Pattern;
 import java.util.stream.Collectors;
 import java.util.zip.ZipEntry;
 import java.util.zip.ZipFile;
@@ -49,36 +52,31 @@ public class AndroidApiLevelsTest {
         {"36", "16-robolectric-13921718"},
     };
 
-    private static final String[][] LOOKUPS = {
-        {"android/graphics/Paint", "getTextScaleX()F", "getTextSkewX()F", "getLetterSpacing()F",
-            "isElegantTextHeight()Z", "getFlags()I", "getFontFeatureSettings()Ljava/lang/String;",
-            "getTextLocales()Landroid/os/LocaleList;",
-            "getTextAlign()Landroid/graphics/Paint$Align;", "getColor()I", "getTextSize()F",
-            "isFakeBoldText()Z"},
-        {"android/widget/TextView", "getTextSize()F", "getCurrentTextColor()I",
-            "getTypeface()Landroid/graphics/Typeface;", "getTextDirection()I",
-            "getLayoutDirection()I", "getWidth()I", "getHeight()I", "getPaddingLeft()I",
-            "getPaddingRight()I", "getPaddingTop()I", "getPaddingBottom()I", "getGravity()I",
-            "getMaxLines()I"},
-        {"android/text/Layout", "getWidth()I", "getHeight()I", "getTopPadding()I",
-            "getBottomPadding()I", "getLineCount()I", "getParagraphDirection(I)I",
-            "getParagraphLeft(I)I", "getParagraphRight(I)I", "getLineBaseline(I)I",
-            "getLineTop(I)I", "getLineBottom(I)I", "getLineAscent(I)I", "getLineDescent(I)I",
-            "getLineStart(I)I", "getLineEnd(I)I", "getLineVisibleEnd(I)I", "getLineLeft(I)F",
-            "getLineRight(I)F", "getLineMax(I)F", "getLineWidth(I)F",
-            "getText()Ljava/lang/CharSequence;"},
-        {"android/text/FontConfig", "getFamilies()[Landroid/text/FontConfig$Family;"},
-        {"android/text/FontConfig$Family", "getName()Ljava/lang/String;",
-            "getFonts()[Landroid/text/FontConfig$Font;", "getLanguages()Ljava/lang/String;",
-            "getVariant()I"},
-        {"android/text/FontConfig$Font", "getFontName()Ljava/lang/String;", "getTtcIndex()I",
-            "getWeight()I", "isItalic()Z", "getFallbackFor()Ljava/lang/String;"},
-        {"android/os/LocaleList", "toLanguageTags()Ljava/lang/String;"},
-        {"android/graphics/Typeface", "isBold()Z", "isItalic()Z"},
-        {"android/text/SpannableString", "<init>(Ljava/lang/CharSequence;)V",
-            "getSpans(IILjava/lang/Class;)[Ljava/lang/Object;"},
-        {"android/text/style/BackgroundColorSpan", "getBackgroundColor()I"},
-    };
+    /** Class, then its methods; the classes of Java itself are those of every release. */
+    private static final List<List<String>> LOOKUPS = lookups();
+
+    /** Reads the table that the library is compiled with. */
+    private static List<List<String>> lookups() {
+        Path table = Paths.get(
+                System.getProperty("gxtext.root.dir"), "src", "bridge", "AndroidMethods.h");
+        Pattern row = Pattern.compile(
+                "MakeJavaClass\\(\"([^\"]+)\"|\\{\"([^\"]+)\", \"([^\"]+)\"\\}");
+        List<List<String>> lookups = new ArrayList<>();
+        try {
+            Matcher matcher = row.matcher(Files.readString(table));
+            while (matcher.find()) {
+                if (matcher.group(1) != null) {
+                    lookups.add(new ArrayList<>(List.of(matcher.group(1))));
+                } else {
+                    lookups.get(lookups.size() - 1).add(matcher.group(2) + matcher.group(3));
+                }
+            }
+        } catch (IOException e) {
+            throw new UncheckedIOException(e);
+        }
+        lookups.removeIf(lookup -> !lookup.get(0).startsWith("android/"));
+        return lookups;
+    }
 
     /** The classes of one framework. */
     private static final class Framework implements AutoCloseable {
@@ -150,14 +148,14 @@ public class AndroidApiLevelsTest {
         }
         Map<String, List<String>> missing = new LinkedHashMap<>();
         try (Framework framework = new Framework(file)) {
-            for (String[] lookup : LOOKUPS) {
+            for (List<String> lookup : LOOKUPS) {
                 List<String> absent = new ArrayList<>();
-                for (int i = 1; i < lookup.length; i++) {
-                    if (!framework.resolves(lookup[0], lookup[i])) {
-                        absent.add(lookup[i]);
+                for (int i = 1; i < lookup.size(); i++) {
+                    if (!framework.resolves(lookup.get(0), lookup.get(i))) {
+                        absent.add(lookup.get(i));
                     }
                 }
-                missing.put(lookup[0], absent);
+                missing.put(lookup.get(0), absent);
             }
         }
         return missing;
@@ -170,9 +168,9 @@ public class AndroidApiLevelsTest {
     /** "| 29 | 11 of 11 | ... |": how many methods of each class resolve. */
     private static String row(String level, Map<String, List<String>> missing) {
         StringBuilder row = new StringBuilder("| " + level + " |");
-        for (String[] lookup : LOOKUPS) {
-            int count = lookup.length - 1;
-            int found = count - missing.get(lookup[0]).size();
+        for (List<String> lookup : LOOKUPS) {
+            int count = lookup.size() - 1;
+            int found = count - missing.get(lookup.get(0)).size();
             row.append(found == count ? " all " + count : " **" + found + " of " + count + "**")
                     .append(" |");
         }
@@ -202,8 +200,8 @@ public class AndroidApiLevelsTest {
                 ""));
         StringBuilder head = new StringBuilder("| API |");
         StringBuilder rule = new StringBuilder("|---|");
-        for (String[] lookup : LOOKUPS) {
-            head.append(" `").append(simpleName(lookup[0])).append("` |");
+        for (List<String> lookup : LOOKUPS) {
+            head.append(" `").append(simpleName(lookup.get(0))).append("` |");
             rule.append("---|");
         }
         lines.add(head.toString());
@@ -227,6 +225,7 @@ public class AndroidApiLevelsTest {
                 byLevel.put(release[0], missing);
             }
         }
+        assertTrue(LOOKUPS.toString(), LOOKUPS.size() >= 10);
         assertTrue("the framework that the SDK is compiled against", byLevel.containsKey("29"));
         assertEquals(List.of(), absences(byLevel.get("29")));
         if (byLevel.containsKey("30")) {
