@@ -10,6 +10,8 @@ function(gxtext_target name)
         CXX_VISIBILITY_PRESET hidden
         VISIBILITY_INLINES_HIDDEN ON
         POSITION_INDEPENDENT_CODE ON)
+    # Each function in a section of its own: libgxtext.so leaves out those that nothing calls.
+    target_compile_options(${name} PRIVATE -ffunction-sections -fdata-sections)
     # A fused multiply-add rounds once where the formulas round twice: the bytes would differ between
     # machines.
     target_compile_options(${name} PRIVATE
