@@ -4,69 +4,122 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cctype>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <iterator>
+#include <map>
 #include <memory>
 #include <set>
+#include <span>
+#include <sstream>
 #include <string>
 #include <vector>
 
 namespace {
 
-// Reads a 64-bit ELF file of this machine's byte order.
+struct Elf32 {
+    using Header = Elf32_Ehdr;
+    using Segment = Elf32_Phdr;
+    using Section = Elf32_Shdr;
+    using Dynamic = Elf32_Dyn;
+    using Symbol = Elf32_Sym;
+};
+struct Elf64 {
+    using Header = Elf64_Ehdr;
+    using Segment = Elf64_Phdr;
+    using Section = Elf64_Shdr;
+    using Dynamic = Elf64_Dyn;
+    using Symbol = Elf64_Sym;
+};
+
+// What an ELF file of either width, least significant byte first, says of itself.
 class ElfFile {
 public:
     explicit ElfFile(const char* path) {
         std::ifstream stream(path, std::ios::binary);
         bytes_.assign(std::istreambuf_iterator<char>(stream), {});
-        EXPECT_GE(bytes_.size(), sizeof(Elf64_Ehdr)) << path;
-        EXPECT_EQ(std::memcmp(bytes_.data(), ELFMAG, SELFMAG), 0) << path;
+        EXPECT_EQ(std::string(bytes_.data(), std::min<size_t>(bytes_.size(), SELFMAG)), ELFMAG)
+            << path;
+        EXPECT_EQ(at<uint8_t>(EI_DATA), ELFDATA2LSB);
+        if (at<uint8_t>(EI_CLASS) == ELFCLASS32) {
+            read<Elf32>();
+        } else {
+            read<Elf64>();
+        }
     }
 
-    std::vector<Elf64_Phdr> segments(uint32_t type) const {
-        const auto header = at<Elf64_Ehdr>(0);
-        std::vector<Elf64_Phdr> found;
-        for (int i = 0; i < header.e_phnum; i++) {
-            const auto segment = at<Elf64_Phdr>(header.e_phoff + i * sizeof(Elf64_Phdr));
-            if (segment.p_type == type) found.push_back(segment);
-        }
+    struct Segment {
+        uint32_t type;
+        uint32_t flags;
+        uint64_t offset;
+        uint64_t address;
+        uint64_t fileSize;
+        uint64_t align;
+    };
+    std::vector<Segment> segments(uint32_t type) const {
+        std::vector<Segment> found;
+        std::copy_if(segments_.begin(), segments_.end(), std::back_inserter(found),
+                     [=](const Segment& segment) { return segment.type == type; });
         return found;
     }
 
     // Value of a dynamic entry; 0 when there is none.
-    uint64_t dynamic(int64_t tag) const {
-        for (const Elf64_Phdr& segment : segments(PT_DYNAMIC)) {
-            for (uint64_t i = 0; i < segment.p_filesz; i += sizeof(Elf64_Dyn)) {
-                const auto entry = at<Elf64_Dyn>(segment.p_offset + i);
-                if (entry.d_tag == tag) return entry.d_un.d_val;
-            }
-        }
-        return 0;
+    uint64_t dynamic(uint64_t tag) const {
+        const auto found = dynamic_.find(tag);
+        return found == dynamic_.end() ? 0 : found->second;
     }
 
-    // Mangled names of all symbols that other libraries can bind to.
-    std::vector<std::string> exports() const {
-        std::vector<std::string> names;
-        const auto header = at<Elf64_Ehdr>(0);
-        for (int i = 0; i < header.e_shnum; i++) {
-            const auto section = at<Elf64_Shdr>(header.e_shoff + i * sizeof(Elf64_Shdr));
-            if (section.sh_type != SHT_DYNSYM) continue;
-            const auto strings =
-                at<Elf64_Shdr>(header.e_shoff + section.sh_link * sizeof(Elf64_Shdr));
-            for (uint64_t s = 0; s < section.sh_size; s += sizeof(Elf64_Sym)) {
-                const auto symbol = at<Elf64_Sym>(section.sh_offset + s);
-                if (symbol.st_shndx != SHN_UNDEF && symbol.st_name != 0) {
-                    names.emplace_back(bytes_.data() + strings.sh_offset + symbol.st_name);
-                }
-            }
-        }
-        return names;
-    }
+    uint16_t machine = 0;
+    std::vector<std::string> needed;   // names of libraries
+    std::vector<std::string> exports;  // mangled names of what other libraries can bind to
+    std::vector<std::string> imports;  // of what others must have
 
 private:
+    template <class Elf>
+    void read() {
+        const auto header = at<typename Elf::Header>(0);
+        machine = header.e_machine;
+        for (uint64_t i = 0; i < header.e_phnum; i++) {
+            using Entry = typename Elf::Segment;
+            const auto s = at<Entry>(header.e_phoff + i * sizeof(Entry));
+            segments_.push_back(
+                {s.p_type, s.p_flags, s.p_offset, s.p_vaddr, s.p_filesz, s.p_align});
+        }
+        for (uint64_t i = 0; i < header.e_shnum; i++) {
+            using Entry = typename Elf::Section;
+            const auto section = at<Entry>(header.e_shoff + i * sizeof(Entry));
+            if (section.sh_type != SHT_DYNSYM && section.sh_type != SHT_DYNAMIC) continue;
+            const auto strings = at<Entry>(header.e_shoff + section.sh_link * sizeof(Entry));
+            const char* names = bytes_.data() + strings.sh_offset;
+            const uint64_t end = section.sh_offset + section.sh_size;
+            if (section.sh_type == SHT_DYNSYM) {
+                readSymbols<typename Elf::Symbol>(section.sh_offset, end, names);
+            } else {
+                readDynamic<typename Elf::Dynamic>(section.sh_offset, end, names);
+            }
+        }
+    }
+    template <class Symbol>
+    void readSymbols(uint64_t begin, uint64_t end, const char* names) {
+        for (uint64_t i = begin; i < end; i += sizeof(Symbol)) {
+            const auto symbol = at<Symbol>(i);
+            if (symbol.st_name == 0) continue;
+            (symbol.st_shndx == SHN_UNDEF ? imports : exports).emplace_back(names + symbol.st_name);
+        }
+    }
+    template <class Dynamic>
+    void readDynamic(uint64_t begin, uint64_t end, const char* names) {
+        for (uint64_t i = begin; i < end; i += sizeof(Dynamic)) {
+            const auto entry = at<Dynamic>(i);
+            const auto tag = static_cast<uint64_t>(entry.d_tag);
+            dynamic_[tag] = entry.d_un.d_val;
+            if (tag == DT_NEEDED) needed.emplace_back(names + entry.d_un.d_val);
+        }
+    }
+
     template <typename T>
     T at(uint64_t offset) const {
         T value{};
@@ -78,6 +131,8 @@ private:
     }
 
     std::vector<char> bytes_;
+    std::vector<Segment> segments_;
+    std::map<uint64_t, uint64_t> dynamic_;
 };
 
 std::string demangled(const std::string& name) {
@@ -150,7 +205,7 @@ const std::set<std::string> kCores = {
 
 TEST(LibraryFileTest, ExportsTheEntryPointAndTheClassesForNativeCallers) {
     std::set<std::string> exported;
-    for (const std::string& symbol : ElfFile(GXTEXT_LIBRARY_FILE).exports()) {
+    for (const std::string& symbol : ElfFile(GXTEXT_LIBRARY_FILE).exports) {
         const std::string owner = ownerOf(symbol);
         const bool helper = owner != "fsqrt" && std::islower(static_cast<uint8_t>(owner[0]));
         if (!helper && !kCores.count(owner)) exported.insert(owner);
@@ -164,15 +219,73 @@ TEST(LibraryFileTest, IsLinkedHardened) {
     EXPECT_TRUE(library.dynamic(DT_FLAGS_1) & DF_1_NOW);
     EXPECT_TRUE(library.dynamic(DT_FLAGS_1) & DF_1_NODELETE);
     EXPECT_EQ(library.dynamic(DT_TEXTREL), 0u);
-    for (const Elf64_Phdr& stack : library.segments(PT_GNU_STACK)) {
-        EXPECT_FALSE(stack.p_flags & PF_X) << "executable stack";
+    for (const ElfFile::Segment& stack : library.segments(PT_GNU_STACK)) {
+        EXPECT_FALSE(stack.flags & PF_X) << "executable stack";
     }
     ASSERT_FALSE(library.segments(PT_LOAD).empty());
-    for (const Elf64_Phdr& load : library.segments(PT_LOAD)) {
-        EXPECT_GE(load.p_align, 16384u);
-        EXPECT_EQ(load.p_offset % 16384, load.p_vaddr % 16384);
-        EXPECT_FALSE((load.p_flags & PF_X) && (load.p_flags & PF_W));
+    for (const ElfFile::Segment& load : library.segments(PT_LOAD)) {
+        EXPECT_GE(load.align, 16384u);
+        EXPECT_EQ(load.offset % 16384, load.address % 16384);
+        EXPECT_FALSE((load.flags & PF_X) && (load.flags & PF_W));
     }
 }
+
+#ifdef GXTEXT_LIBRARY_IS_RELEASE
+
+std::set<std::string> words(const char* text) {
+    std::istringstream stream(text);
+    return {std::istream_iterator<std::string>(stream), {}};
+}
+
+// Of the C library. Adding a name here says that Android's has it at API level 24.
+const std::set<std::string> kCFunctions = words(
+    "abort access calloc close expf fclose feof ferror fflush fileno floor floorf fopen fread "
+    "free fseek fstat fstatvfs fsync ftell fwrite hypot ldexp log2 malloc memchr memcmp "
+    "memcpy memmove memset mmap munmap open pow pthread_mutex_destroy pthread_mutex_init "
+    "pthread_mutex_lock pthread_mutex_unlock pthread_once pthread_self read realloc rename "
+    "roundf sincosf snprintf sqrt sqrtf strcmp strcpy strlen strnlen strpbrk strrchr tanf "
+    "truncf unlink vsnprintf wcscmp wcslen wcsncmp wcsnlen wmemchr wmemcmp wmemcpy wmemmove");
+// What compilers call on Linux by themselves; those for Android bring their own.
+const std::set<std::string> kCompilerFunctions = words(
+    "_ITM_deregisterTMCloneTable _ITM_registerTMCloneTable _Unwind_Resume __dynamic_cast "
+    "__errno_location __getauxval __gmon_start__ __gxx_personality_v0 __libc_single_threaded "
+    "__once_proxy __tls_get_addr bcmp");
+// Begin the names of libraries that are linked in for Android, and of their functions.
+const char* const kLibraries[] = {"libfreetype.", "libharfbuzz.", "libhwy.",  "libicudata.",
+                                  "libicuuc.",    "libstdc++.",   "libgcc_s."};
+const char* const kFunctions[] = {"FT_",     "hb_",   "u_",   "ubidi_", "ublock_",
+                                  "_ZN3hwy", "_ZNKS", "_ZNS", "_ZS",    "_ZTI",
+                                  "_ZTV",    "_Zd",   "_Zn",  "__cxa_", "__aeabi_"};
+
+bool beginsWithOne(const std::string& name, std::span<const char* const> prefixes) {
+    return std::any_of(prefixes.begin(), prefixes.end(),
+                       [&](const char* prefix) { return name.rfind(prefix, 0) == 0; });
+}
+
+TEST(LibraryFileTest, NeedsNothingThatAndroidLacks) {
+    const ElfFile library(GXTEXT_LIBRARY_FILE);
+    for (const std::string& name : library.needed) {
+        constexpr const char* kOfTheSystem[] = {"libc.", "libm.", "liblog.", "ld-linux"};
+        EXPECT_TRUE(beginsWithOne(name, kOfTheSystem) || beginsWithOne(name, kLibraries)) << name;
+    }
+    for (const std::string& name : library.imports) {
+        EXPECT_TRUE(kCFunctions.count(name) || kCompilerFunctions.count(name) ||
+                    name == "__android_log_print" || beginsWithOne(name, kFunctions))
+            << demangled(name);
+    }
+}
+
+// Stripped, with the text libraries outside. A change that is worth its bytes raises the figure.
+TEST(LibraryFileTest, IsSmall) {
+    const ElfFile library(GXTEXT_LIBRARY_FILE);
+    const std::map<uint16_t, uint64_t> ceilings = {
+        {EM_X86_64, 1'100'000}, {EM_AARCH64, 750'000}, {EM_ARM, 680'000}};
+    uint64_t size = 0;
+    for (const ElfFile::Segment& load : library.segments(PT_LOAD)) size += load.fileSize;
+    ASSERT_TRUE(ceilings.count(library.machine));
+    EXPECT_LE(size, ceilings.at(library.machine));
+}
+
+#endif
 
 }  // namespace
