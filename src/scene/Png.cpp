@@ -103,7 +103,7 @@ Sized imageData(const uint32_t* pixels, uint32_t width, uint32_t height,
     const auto packed = [&](Filter filter, int level) {
         return compress(filteredRows(pixels, width, height, filter), level);
     };
-    if (compression == PngCompression::kFast) return packed(kNone, 1);
+    if (compression == PngCompression::kFast) return packed(kNone, 2);
     if (compression == PngCompression::kDefault) return packed(kNone, 5);
     Sized plain = packed(kNone, 10);
     Sized differences = packed(kUp, 10);
