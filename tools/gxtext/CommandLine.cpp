@@ -332,7 +332,7 @@ void endParsing(const CLI::App& app, const CLI::ParseError& error) {
 
 void parseAndRun(int argc, char** argv, const std::function<void(bool)>& showLibraryLog) {
     CLI::App app("Renders text with effects to PNG.", "gxtext");
-    app.set_version_flag("--version", versionText());
+    app.set_version_flag("--version", versionText);
     app.require_subcommand(1);
     app.fallthrough();
     app.footer("Exit status: 0 success, 1 failure, 2 wrong command line.");
