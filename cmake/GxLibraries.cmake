@@ -3,7 +3,6 @@ include(GxComponents)
 
 gxtext_component(effect
     DESCRIPTION "Text effects on 8-bit masks"
-    MODULES libhwy>=1.0.3
     HEADERS GxExport.h raster/GxBitmap.h raster/GxBlender.h raster/GxGlyph.h raster/GxMath.h
         effect/GxECore.h effect/GxEffect.h effect/GxProperty.h)
 

@@ -293,46 +293,46 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace GxFontEffect::kernels {
 
-HWY_EXPORT(srcOver8Rows);
-HWY_EXPORT(dstOver8Rows);
-HWY_EXPORT(dstOverNsa8Rows);
-HWY_EXPORT(dstOverSa8Rows);
-HWY_EXPORT(dstOverMapped8Rows);
-HWY_EXPORT(overwrite8Rows);
-HWY_EXPORT(max8Rows);
-HWY_EXPORT(srcOver32Rows);
-HWY_EXPORT(dstOver32Rows);
-HWY_EXPORT(swapRedBlueRow);
+GX_EXPORT(srcOver8Rows);
+GX_EXPORT(dstOver8Rows);
+GX_EXPORT(dstOverNsa8Rows);
+GX_EXPORT(dstOverSa8Rows);
+GX_EXPORT(dstOverMapped8Rows);
+GX_EXPORT(overwrite8Rows);
+GX_EXPORT(max8Rows);
+GX_EXPORT(srcOver32Rows);
+GX_EXPORT(dstOver32Rows);
+GX_EXPORT(swapRedBlueRow);
 
 void srcOver8Rows(const BlendArea& area, Rgba color) {
-    HWY_DYNAMIC_DISPATCH(srcOver8Rows)(area, color);
+    GX_DISPATCH(srcOver8Rows)(area, color);
 }
 void dstOver8Rows(const BlendArea& area, Rgba color) {
-    HWY_DYNAMIC_DISPATCH(dstOver8Rows)(area, color);
+    GX_DISPATCH(dstOver8Rows)(area, color);
 }
 void dstOverNsa8Rows(const BlendArea& area, Rgba color) {
-    HWY_DYNAMIC_DISPATCH(dstOverNsa8Rows)(area, color);
+    GX_DISPATCH(dstOverNsa8Rows)(area, color);
 }
 void dstOverSa8Rows(const BlendArea& area, Rgba color) {
-    HWY_DYNAMIC_DISPATCH(dstOverSa8Rows)(area, color);
+    GX_DISPATCH(dstOverSa8Rows)(area, color);
 }
 void dstOverMapped8Rows(const BlendArea& area, const uint32_t* table) {
-    HWY_DYNAMIC_DISPATCH(dstOverMapped8Rows)(area, table);
+    GX_DISPATCH(dstOverMapped8Rows)(area, table);
 }
 void overwrite8Rows(const BlendArea& area, Rgba color) {
-    HWY_DYNAMIC_DISPATCH(overwrite8Rows)(area, color);
+    GX_DISPATCH(overwrite8Rows)(area, color);
 }
 void max8Rows(const BlendArea& area) {
-    HWY_DYNAMIC_DISPATCH(max8Rows)(area);
+    GX_DISPATCH(max8Rows)(area);
 }
 void srcOver32Rows(const BlendArea& area, SourceOrder order) {
-    HWY_DYNAMIC_DISPATCH(srcOver32Rows)(area, order);
+    GX_DISPATCH(srcOver32Rows)(area, order);
 }
 void dstOver32Rows(const BlendArea& area, SourceOrder order) {
-    HWY_DYNAMIC_DISPATCH(dstOver32Rows)(area, order);
+    GX_DISPATCH(dstOver32Rows)(area, order);
 }
 void swapRedBlueRow(Rgba* pixels, size_t count) {
-    HWY_DYNAMIC_DISPATCH(swapRedBlueRow)(pixels, count);
+    GX_DISPATCH(swapRedBlueRow)(pixels, count);
 }
 
 }  // namespace GxFontEffect::kernels

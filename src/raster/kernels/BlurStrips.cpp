@@ -404,9 +404,9 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace GxFontEffect::kernels {
 
-HWY_EXPORT(blurAll);
-HWY_EXPORT(blurBoth);
-HWY_EXPORT(blurPadded);
+GX_EXPORT(blurAll);
+GX_EXPORT(blurBoth);
+GX_EXPORT(blurPadded);
 
 namespace {
 
@@ -441,7 +441,7 @@ void blurRows(const BlurPass& pass, const BlurWeights& weights, BlurInput input,
         plain::blurRows(pass, weights, input);
         return;
     }
-    HWY_DYNAMIC_DISPATCH(blurAll)(pass, weights, input, true, scratch);
+    GX_DISPATCH(blurAll)(pass, weights, input, true, scratch);
 }
 
 void blurColumns(const BlurPass& pass, const BlurWeights& weights, BlurInput input,
@@ -454,7 +454,7 @@ void blurColumns(const BlurPass& pass, const BlurWeights& weights, BlurInput inp
         plain::blurColumns(pass, weights, input);
         return;
     }
-    HWY_DYNAMIC_DISPATCH(blurAll)(pass, weights, input, false, scratch);
+    GX_DISPATCH(blurAll)(pass, weights, input, false, scratch);
 }
 
 void blurPlane(const uint8_t* in, uint8_t* out, int64_t width, int64_t height,
@@ -462,7 +462,7 @@ void blurPlane(const uint8_t* in, uint8_t* out, int64_t width, int64_t height,
     if (weights.radius == 0) {
         if (width > 0 && height > 0) std::memcpy(out, in, static_cast<size_t>(width * height));
     } else if (suitsDifferences(weights)) {
-        HWY_DYNAMIC_DISPATCH(blurBoth)(in, out, width, height, weights, input, scratch);
+        GX_DISPATCH(blurBoth)(in, out, width, height, weights, input, scratch);
     } else {
         plain::blurPlane(in, out, width, height, weights, input, scratch);
     }
@@ -472,7 +472,7 @@ void blurPaddedPlane(uint8_t* plane, int64_t width, int64_t height, const BlurWe
                      uint8_t* scratch) {
     if (width < 2 * int64_t{weights.radius} || height < 2 * int64_t{weights.radius}) return;
     if (suitsDifferences(weights)) {
-        HWY_DYNAMIC_DISPATCH(blurPadded)(plane, width, height, weights, scratch);
+        GX_DISPATCH(blurPadded)(plane, width, height, weights, scratch);
     } else {
         plain::blurPaddedPlane(plane, width, height, weights);
     }

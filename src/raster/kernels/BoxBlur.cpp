@@ -219,10 +219,10 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace GxFontEffect::kernels {
 
-HWY_EXPORT(blurBoxes);
+GX_EXPORT(blurBoxes);
 
 void boxBlur(uint16_t* plane, int64_t width, int64_t height, int64_t reach, uint8_t* scratch) {
-    HWY_DYNAMIC_DISPATCH(blurBoxes)(plane, width, height, reach, scratch);
+    GX_DISPATCH(blurBoxes)(plane, width, height, reach, scratch);
 }
 
 }  // namespace GxFontEffect::kernels

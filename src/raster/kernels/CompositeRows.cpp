@@ -123,22 +123,22 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace GxFontEffect::kernels {
 
-HWY_EXPORT(mixLayersRow);
-HWY_EXPORT(fadeAndUnpremultiplyRow);
-HWY_EXPORT(fadeIntoWordsRow);
-HWY_EXPORT(clearUncoveredRow);
+GX_EXPORT(mixLayersRow);
+GX_EXPORT(fadeAndUnpremultiplyRow);
+GX_EXPORT(fadeIntoWordsRow);
+GX_EXPORT(clearUncoveredRow);
 
 void mixLayersRow(Rgba* out, const Rgba* back, const uint8_t* mask, size_t count) {
-    HWY_DYNAMIC_DISPATCH(mixLayersRow)(out, back, mask, count);
+    GX_DISPATCH(mixLayersRow)(out, back, mask, count);
 }
 void fadeAndUnpremultiplyRow(Rgba* pixels, size_t count, uint32_t alpha) {
-    HWY_DYNAMIC_DISPATCH(fadeAndUnpremultiplyRow)(pixels, count, alpha);
+    GX_DISPATCH(fadeAndUnpremultiplyRow)(pixels, count, alpha);
 }
 void fadeIntoWordsRow(Rgba* pixels, size_t count, uint32_t alpha) {
-    HWY_DYNAMIC_DISPATCH(fadeIntoWordsRow)(pixels, count, alpha);
+    GX_DISPATCH(fadeIntoWordsRow)(pixels, count, alpha);
 }
 void clearUncoveredRow(Rgba* pixels, const uint8_t* mask, size_t count) {
-    HWY_DYNAMIC_DISPATCH(clearUncoveredRow)(pixels, mask, count);
+    GX_DISPATCH(clearUncoveredRow)(pixels, mask, count);
 }
 
 }  // namespace GxFontEffect::kernels

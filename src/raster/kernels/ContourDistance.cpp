@@ -175,10 +175,10 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace GxFontEffect::kernels {
 
-HWY_EXPORT(measureContour);
+GX_EXPORT(measureContour);
 
 void contourDistances(const ContourPlanes& planes) {
-    HWY_DYNAMIC_DISPATCH(measureContour)(planes);
+    GX_DISPATCH(measureContour)(planes);
 }
 
 }  // namespace GxFontEffect::kernels

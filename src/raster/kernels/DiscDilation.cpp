@@ -360,8 +360,8 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace GxFontEffect::kernels {
 
-HWY_EXPORT(dilateDisc);
-HWY_EXPORT(minimum);
+GX_EXPORT(dilateDisc);
+GX_EXPORT(minimum);
 
 bool DiscShape::readRow(const uint8_t* below, const uint8_t* above, int y, int64_t stride) {
     size_t columns = 0;
@@ -406,18 +406,18 @@ void dilateOutside(const DilationBand& band) {
     DiscShape shape;
     if (band.rows < 1 || band.columns < 1) return;
     if (!shape.read(band)) return plain::dilateOutside(band);
-    HWY_DYNAMIC_DISPATCH(dilateDisc)(band, shape, false);
+    GX_DISPATCH(dilateDisc)(band, shape, false);
 }
 
 void dilateInside(const DilationBand& band) {
     DiscShape shape;
     if (band.rows < 1 || band.columns < 1) return;
     if (!shape.read(band)) return plain::dilateInside(band);
-    HWY_DYNAMIC_DISPATCH(dilateDisc)(band, shape, true);
+    GX_DISPATCH(dilateDisc)(band, shape, true);
 }
 
 void minimum(uint8_t* a, const uint8_t* b, int64_t count) {
-    HWY_DYNAMIC_DISPATCH(minimum)(a, b, count);
+    GX_DISPATCH(minimum)(a, b, count);
 }
 
 }  // namespace GxFontEffect::kernels

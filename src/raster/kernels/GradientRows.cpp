@@ -216,8 +216,8 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace GxFontEffect::kernels {
 
-HWY_EXPORT(linearRows);
-HWY_EXPORT(radialRows);
+GX_EXPORT(linearRows);
+GX_EXPORT(radialRows);
 
 namespace {
 
@@ -234,7 +234,7 @@ bool isSmall(float step) {
 
 void linearGradientRows(const GradientFill& fill, float stepX, float stepY) {
     if (isSmall(stepX) && isSmall(stepY)) {
-        HWY_DYNAMIC_DISPATCH(linearRows)(fill, stepX, stepY);
+        GX_DISPATCH(linearRows)(fill, stepX, stepY);
     } else {
         plain::linearGradientRows(fill, stepX, stepY);
     }
@@ -242,7 +242,7 @@ void linearGradientRows(const GradientFill& fill, float stepX, float stepY) {
 
 void radialGradientRows(const GradientFill& fill, float step) {
     if (step >= 0 && isSmall(step)) {
-        HWY_DYNAMIC_DISPATCH(radialRows)(fill, step);
+        GX_DISPATCH(radialRows)(fill, step);
     } else {
         plain::radialGradientRows(fill, step);
     }

@@ -273,10 +273,10 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace GxFontEffect::kernels {
 
-HWY_EXPORT(growAll);
+GX_EXPORT(growAll);
 
 void growMask(uint8_t* mask, int64_t width, int64_t height, int64_t passes, uint8_t* scratch) {
-    HWY_DYNAMIC_DISPATCH(growAll)(mask, width, height, passes, scratch);
+    GX_DISPATCH(growAll)(mask, width, height, passes, scratch);
 }
 
 }  // namespace GxFontEffect::kernels

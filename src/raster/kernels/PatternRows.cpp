@@ -224,10 +224,10 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace GxFontEffect::kernels {
 
-HWY_EXPORT(drawPattern);
+GX_EXPORT(drawPattern);
 
 void patternRows(const PatternFill& fill) {
-    HWY_DYNAMIC_DISPATCH(drawPattern)(fill);
+    GX_DISPATCH(drawPattern)(fill);
 }
 
 }  // namespace GxFontEffect::kernels

@@ -422,11 +422,11 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace GxFontEffect::kernels {
 
-HWY_EXPORT(raiseHeights);
+GX_EXPORT(raiseHeights);
 
 void reliefHeights(const ContourPlanes& planes, const ReliefSlope& slope, uint16_t* heights,
                    uint8_t* scratch) {
-    HWY_DYNAMIC_DISPATCH(raiseHeights)(planes, slope, heights, scratch);
+    GX_DISPATCH(raiseHeights)(planes, slope, heights, scratch);
 }
 
 }  // namespace GxFontEffect::kernels

@@ -189,17 +189,17 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace GxFontEffect::kernels {
 
-HWY_EXPORT(lightRelief);
-HWY_EXPORT(splitLight);
+GX_EXPORT(lightRelief);
+GX_EXPORT(splitLight);
 
 void reliefLight(uint16_t* heights, int64_t width, int64_t height, const ReliefLighting& light,
                  uint8_t* scratch) {
-    HWY_DYNAMIC_DISPATCH(lightRelief)(heights, width, height, light, scratch);
+    GX_DISPATCH(lightRelief)(heights, width, height, light, scratch);
 }
 
 void reliefMasks(const uint16_t* light, const uint8_t* coverage, int64_t count, ReliefPart part,
                  uint8_t* highlight, uint8_t* shadow) {
-    HWY_DYNAMIC_DISPATCH(splitLight)(light, coverage, count, part, highlight, shadow);
+    GX_DISPATCH(splitLight)(light, coverage, count, part, highlight, shadow);
 }
 
 }  // namespace GxFontEffect::kernels

@@ -1,5 +1,6 @@
 // Highway, with the instruction sets that the kernels are built for. Kernel sources include this
-// before hwy/foreach_target.h.
+// before hwy/foreach_target.h. Only its headers are used: its library measures the clock for some
+// milliseconds when a process starts, and the choice of a set is small.
 #pragma once
 
 // SSE4 and AVX2 on x86, NEON on 64-bit ARM, and the plain form for everything else. Wider sets
@@ -8,6 +9,20 @@
     (HWY_SSSE3 | HWY_AVX3 | HWY_AVX3_DL | HWY_SVE | HWY_SVE2 | HWY_SVE_256 | HWY_SVE2_128)
 
 #include <hwy/detect_targets.h>
+
+namespace GxFontEffect::kernels {
+
+// Which of the forms in a table of GX_EXPORT this machine runs.
+int simdForm();
+
+}  // namespace GxFontEffect::kernels
+
+// The forms of a function of HWY_NAMESPACE, best first: what is chosen at run time, which only x86
+// has, and last what the compiler may use anywhere. Null where a set is not built.
+#define GX_EXPORT(function)                                                     \
+    static decltype(&HWY_STATIC_DISPATCH(function)) const function##Forms[] = { \
+        HWY_CHOOSE_AVX2(function), HWY_CHOOSE_SSE4(function), &HWY_STATIC_DISPATCH(function)}
+#define GX_DISPATCH(function) (*function##Forms[simdForm()])
 
 // The fallback target, on which vectors have no use: its kernels are the plain loops.
 #define GX_SIMD_IS_PLAIN (HWY_TARGET == HWY_SCALAR || HWY_TARGET == HWY_EMU128)

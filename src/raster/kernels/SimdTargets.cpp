@@ -1,5 +1,8 @@
 #include "raster/kernels/SimdTargets.h"
 
+#include <array>
+#include <atomic>
+
 #include "raster/kernels/Simd.h"
 
 #undef HWY_TARGET_INCLUDE
@@ -20,7 +23,7 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace GxFontEffect::kernels {
 
-HWY_EXPORT(ownTarget);
+GX_EXPORT(ownTarget);
 
 namespace {
 
@@ -29,38 +32,75 @@ std::string nameOf(int64_t target) {
     return plain ? "plain" : hwy::TargetName(target);
 }
 
-// Best first. What the compiler may use anywhere is there, whatever Highway finds: Debian's for
-// 32-bit ARM never finds NEON.
-std::vector<int64_t> usableTargets() {
-    std::vector<int64_t> targets;
-    int64_t rest = (hwy::SupportedTargets() & HWY_TARGETS) | HWY_STATIC_TARGET;
-    for (; rest != 0; rest &= rest - 1) targets.push_back(rest & -rest);
-    return targets;
+// As the tables of GX_EXPORT.
+constexpr std::array<int64_t, 3> kForms = {HWY_AVX2, HWY_SSE4, HWY_STATIC_TARGET};
+constexpr int kStaticForm = kForms.size() - 1;
+
+// What Highway compiles these sets with. Half floats came before AVX2 to every processor.
+bool hasMachine([[maybe_unused]] int64_t target) {
+#if HWY_ARCH_X86
+    __builtin_cpu_init();
+    const bool sse4 = __builtin_cpu_supports("ssse3") && __builtin_cpu_supports("sse4.1") &&
+                      __builtin_cpu_supports("sse4.2") && __builtin_cpu_supports("pclmul") &&
+                      __builtin_cpu_supports("aes");
+    if (target == HWY_SSE4) return sse4;
+    return sse4 && __builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma") &&
+           __builtin_cpu_supports("bmi") && __builtin_cpu_supports("bmi2");
+#else
+    return false;
+#endif
+}
+
+bool isUsable(int form) {
+    const int64_t target = kForms[form];
+    if (form == kStaticForm) return true;
+    return target != HWY_STATIC_TARGET && (target & HWY_TARGETS) != 0 && hasMachine(target);
+}
+
+constexpr int kNone = -1;
+std::atomic<int> forcedForm = kNone;
+std::atomic<int> chosenForm = kNone;
+
+int bestForm() {
+    int form = 0;
+    while (!isUsable(form)) ++form;
+    return form;
 }
 
 }  // namespace
 
+int simdForm() {
+    int form = chosenForm.load(std::memory_order_relaxed);
+    if (form != kNone) return form;
+    // Threads that come here together find the same.
+    form = forcedForm != kNone ? forcedForm.load() : bestForm();
+    chosenForm.store(form, std::memory_order_relaxed);
+    return form;
+}
+
 std::vector<std::string> simdTargetNames() {
     std::vector<std::string> names;
-    for (const int64_t target : usableTargets()) names.push_back(nameOf(target));
+    for (int form = 0; form <= kStaticForm; ++form) {
+        if (isUsable(form)) names.push_back(nameOf(kForms[form]));
+    }
     return names;
 }
 
 std::string simdTargetName() {
-    return nameOf(HWY_DYNAMIC_DISPATCH(ownTarget)());
+    return nameOf(GX_DISPATCH(ownTarget)());
 }
 
 void forceSimdTarget(const std::string& name) {
-    hwy::SetSupportedTargetsForTest(0);
-    for (const int64_t target : usableTargets()) {
-        if (nameOf(target) == name) hwy::SetSupportedTargetsForTest(target);
+    forcedForm = kNone;
+    for (int form = 0; form <= kStaticForm; ++form) {
+        if (isUsable(form) && nameOf(kForms[form]) == name) forcedForm = form;
     }
-    hwy::GetChosenTarget().DeInit();
+    chosenForm = kNone;
 }
 
 bool hasDispatchedSimd() {
     constexpr bool hasChoice = (HWY_TARGETS & (HWY_TARGETS - 1)) != 0;
-    return !hasChoice || hwy::GetChosenTarget().IsInitialized();
+    return !hasChoice || chosenForm != kNone;
 }
 
 }  // namespace GxFontEffect::kernels
