@@ -3,8 +3,9 @@
 
 BUILD := build
 PRESET ?= release
-# Of test-aarch64; all when empty.
+# Of test-aarch64 on 64-bit ARM; all when empty.
 SUITES ?=
+ARMHF_SUITES := raster effect library
 space := $(subst ,, )
 FUZZ_SECONDS ?= 60
 
@@ -25,7 +26,7 @@ help:
 	@echo "make format        reformat the sources in place"
 	@echo "make sanitize      the tests under the address, undefined and thread sanitizers"
 	@echo "make fuzz          each fuzz target for 60 s (FUZZ_SECONDS=n) over the kept inputs"
-	@echo "make test-aarch64  the C++ tests on 64-bit ARM (qemu)"
+	@echo "make test-aarch64  the C++ tests on 64-bit ARM, kernels and library on 32-bit ARM, too (qemu)"
 	@echo "make setup         install what building and testing needs; nothing if all is there"
 	@echo "make clean         remove build/ and out/"
 
@@ -99,10 +100,14 @@ fuzz: setup
 
 test-aarch64: setup
 	@scripts/setup demo aarch64
-	scripts/arm64-sysroot $(BUILD)/arm64-sysroot
+	scripts/arm-sysroot arm64 $(BUILD)/aarch64-sysroot
 	cmake --preset aarch64
 	cmake --build --preset aarch64 $(if $(SUITES),--target $(SUITES:%=gxtext_%_test))
 	ctest --preset aarch64 $(if $(SUITES),-R '^($(subst $(space),|,$(SUITES)))[.]')
+	scripts/arm-sysroot armhf $(BUILD)/armhf-sysroot
+	cmake --preset armhf
+	cmake --build --preset armhf --target $(ARMHF_SUITES:%=gxtext_%_test)
+	ctest --preset armhf -R '^($(subst $(space),|,$(ARMHF_SUITES)))[.]'
 
 clean:
 	rm -rf $(BUILD) out

@@ -29,7 +29,7 @@ TEST(Error, KeepsTheLastCodeInItsLow32Bits) {
     Error::SetError(3);
     Error::SetError(9);
     EXPECT_EQ(Error::GetError(), 9);
-    Error::SetError(0x100000008ul);
+    Error::SetError(static_cast<unsigned long>(0x100000008));  // 8 alone on 32-bit machines
     EXPECT_EQ(Error::GetError(), 8);
     Error::SetError(0xFFFFFFFFul);
     EXPECT_EQ(Error::GetError(), -1);
