@@ -8,6 +8,9 @@
 #define HWY_DISABLED_TARGETS \
     (HWY_SSSE3 | HWY_AVX3 | HWY_AVX3_DL | HWY_SVE | HWY_SVE2 | HWY_SVE_256 | HWY_SVE2_128)
 
+// Its checks would call the library.
+#define HWY_IS_DEBUG_BUILD 0
+
 #include <hwy/detect_targets.h>
 
 namespace GxFontEffect::kernels {
