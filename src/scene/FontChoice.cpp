@@ -202,7 +202,7 @@ FaceInfoPtr findFirst(const FontCatalog& catalog, const FontRequest& request) {
             "needs a font file; " +
                 (request.font.empty() ? "none is named" : "\"" + request.font + "\" is a family"));
     }
-    const FaceInfoPtr match =
+    FaceInfoPtr match =
         catalog.nearest({.family = request.font.empty() ? "sans-serif" : request.font,
                          .bold = request.bold,
                          .italic = request.italic,

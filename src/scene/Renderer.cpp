@@ -141,6 +141,7 @@ Arrangement Renderer::Impl::arrange(const Style& style, std::string_view utf8) {
     const std::vector<TextLine> ranges =
         wrapText(text, wrapWidth(style), style.locale, measurer.measures());
     std::vector<LineMetrics> metrics;
+    metrics.reserve(ranges.size());
     for (const TextLine& range : ranges) metrics.push_back(measurer.measure(range));
     Placement placement = placeLines(style, text, ranges, metrics);
     setView(style, placement);

@@ -1,6 +1,8 @@
 // A font of a family: a face and the style it stands for.
 #pragma once
 
+#include <cutils/compiler.h>
+
 #include <cstdint>
 #include <memory>
 
@@ -35,7 +37,7 @@ private:
 // Built by Font::Builder only. Copies share the face.
 class Font {
 public:
-    class Builder {
+    class ANDROID_API Builder {
     public:
         explicit Builder(const std::shared_ptr<MinikinFont>& typeface) : mTypeface(typeface) {}
 

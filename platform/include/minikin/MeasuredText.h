@@ -1,6 +1,8 @@
 // A text of which many ranges are laid out.
 #pragma once
 
+#include <cutils/compiler.h>
+
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -20,7 +22,7 @@ struct ShortContext {
 
 // Remembers what the text before a line decides about it, so that the time for a line does not grow
 // with what is before it. Not to be used from two threads at once.
-class MeasuredText {
+class ANDROID_API MeasuredText {
 public:
     // Copies the text.
     explicit MeasuredText(const U16StringPiece& text);
