@@ -8,6 +8,7 @@
 #include <iterator>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <utility>
 #include <vector>
@@ -36,9 +37,11 @@ inline std::string fontPath(const std::string& name) {
     return (std::filesystem::path(GXTEXT_TEST_FONT_DIR) / name).string();
 }
 
-// Bytes of a font file, read once and kept to the end of the program.
+// Bytes of a font file, read once and kept to the end of the program. Safe from any thread.
 inline const std::vector<char>& fontBytes(const std::string& name) {
+    static std::mutex lock;
     static std::map<std::string, std::vector<char>> files;
+    const std::lock_guard<std::mutex> guard(lock);
     const auto known = files.find(name);
     if (known != files.end()) return known->second;
     std::ifstream stream(fontPath(name), std::ios::binary);
