@@ -83,6 +83,8 @@ std::nullptr_t outOfMemory(JNIEnv* env) {
     return nullptr;
 }
 
+char hiddenName[] = "hidden";  // no class has it
+
 std::string utf8Of(JNIEnv* env, jstring string) {
     const char* chars = real->GetStringUTFChars(env, string, nullptr);
     std::string text = chars ? chars : "";
@@ -96,7 +98,11 @@ jint JNICALL registerNatives(JNIEnv* env, jclass type, const JNINativeMethod* me
     auto name = static_cast<jstring>(env->CallObjectMethod(type, getName));
     if (env->ExceptionCheck()) return JNI_ERR;
     registrations.push_back(utf8Of(env, name));
-    return real->RegisterNatives(env, type, methods, count);
+    std::vector<JNINativeMethod> table(methods, methods + count);
+    for (JNINativeMethod& method : table) {
+        if (hidden.count(method.name)) method.name = hiddenName;
+    }
+    return real->RegisterNatives(env, type, table.data(), count);
 }
 
 // What runs in the place of the application's code when a native reaches Java.

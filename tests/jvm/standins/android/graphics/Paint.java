@@ -25,6 +25,7 @@ public class Paint {
     public String getFontFeatureSettings() { return fontFeatureSettings; }
     public LocaleList getTextLocales() { return textLocales; }
     public Align getTextAlign() { return textAlign; }
+    public void setTextSkewX(float textSkewX) { this.textSkewX = textSkewX; }
     public int getColor() { throw new AssertionError("getColor is not to be called"); }
     public float getTextSize() { return textSize; }
     public boolean isFakeBoldText() { return fakeBoldText; }

@@ -1,6 +1,12 @@
 package android.graphics;
 
+import android.content.res.AssetManager;
+
 public class Typeface {
+    public static final int NORMAL = 0;
+    public static final int BOLD = 1;
+    public static final int ITALIC = 2;
+
     public boolean bold;
     public boolean italic;
 
@@ -9,6 +15,13 @@ public class Typeface {
         this.italic = italic;
     }
 
+    public static Typeface create(String family, int style) { return new Typeface(false, false); }
+    public static Typeface createFromFile(String path) { return create(path, NORMAL); }
+    public static Typeface createFromAsset(AssetManager assets, String path) {
+        return create(path, NORMAL);
+    }
+
+    public int getStyle() { return (bold ? BOLD : NORMAL) | (italic ? ITALIC : NORMAL); }
     public boolean isBold() { return bold; }
     public boolean isItalic() { return italic; }
 }

@@ -5,5 +5,7 @@ public class LocaleList {
 
     public LocaleList(String tags) { this.tags = tags; }
 
+    public static LocaleList forLanguageTags(String tags) { return new LocaleList(tags); }
+
     public String toLanguageTags() { return tags; }
 }

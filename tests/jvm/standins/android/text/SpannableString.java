@@ -5,7 +5,7 @@ import java.util.ArrayList;
 import java.util.List;
 
 /** Stand-in: a text with spans; a copy of one takes its spans over. */
-public class SpannableString implements CharSequence {
+public class SpannableString implements Spanned {
     private static final class Placed {
         final Object span;
         final int start;
@@ -33,7 +33,12 @@ public class SpannableString implements CharSequence {
         return this;
     }
 
-    public Object[] getSpans(int start, int end, Class<?> kind) {
+    public void setSpan(Object span, int start, int end, int flags) { with(span, start, end); }
+
+    public void removeSpan(Object span) { spans.removeIf(placed -> placed.span == span); }
+
+    @SuppressWarnings("unchecked")
+    public <T> T[] getSpans(int start, int end, Class<T> kind) {
         List<Object> found = new ArrayList<>();
         for (Placed placed : spans) {
             boolean touches = placed.start <= end && placed.end >= start;
@@ -41,7 +46,7 @@ public class SpannableString implements CharSequence {
                 found.add(placed.span);
             }
         }
-        return found.toArray((Object[]) Array.newInstance(kind, 0));
+        return found.toArray((T[]) Array.newInstance(kind, 0));
     }
 
     @Override

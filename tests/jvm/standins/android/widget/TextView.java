@@ -1,6 +1,10 @@
 package android.widget;
 
+import android.content.Context;
+import android.graphics.Paint;
 import android.graphics.Typeface;
+import android.os.LocaleList;
+import android.text.Layout;
 
 /** Settable stand-in: every value is a field. */
 public class TextView {
@@ -15,13 +19,11 @@ public class TextView {
     public int gravity = 0x33;
     public int maxLines = Integer.MAX_VALUE;
 
-    public float getTextSize() { throw new AssertionError("getTextSize is not to be called"); }
+    public float getTextSize() { throw unwanted(); }
     public int getCurrentTextColor() { return currentTextColor; }
     public Typeface getTypeface() { return typeface; }
-    public int getTextDirection() { throw new AssertionError("getTextDirection is not to be called"); }
-    public int getLayoutDirection() {
-        throw new AssertionError("getLayoutDirection is not to be called");
-    }
+    public int getTextDirection() { throw unwanted(); }
+    public int getLayoutDirection() { throw unwanted(); }
     public int getWidth() { return width; }
     public int getHeight() { return height; }
     public int getPaddingLeft() { return paddingLeft; }
@@ -30,4 +32,27 @@ public class TextView {
     public int getPaddingBottom() { return paddingBottom; }
     public int getGravity() { return gravity; }
     public int getMaxLines() { return maxLines; }
+
+    public Context getContext() { throw unwanted(); }
+    public Layout getLayout() { throw unwanted(); }
+    public float getLineSpacingExtra() { throw unwanted(); }
+    public Paint getPaint() { throw unwanted(); }
+    public CharSequence getText() { throw unwanted(); }
+    public void invalidate() { throw unwanted(); }
+    public void setFontFeatureSettings(String settings) { throw unwanted(); }
+    public void setGravity(int gravity) { throw unwanted(); }
+    public void setLetterSpacing(float spacing) { throw unwanted(); }
+    public void setLineSpacing(float extra, float factor) { throw unwanted(); }
+    public void setPadding(int left, int top, int right, int bottom) { throw unwanted(); }
+    public void setText(CharSequence text) { throw unwanted(); }
+    public void setTextColor(int color) { throw unwanted(); }
+    public void setTextLocales(LocaleList locales) { throw unwanted(); }
+    public void setTextScaleX(float scale) { throw unwanted(); }
+    public void setTextSize(int unit, float size) { throw unwanted(); }
+    public void setTypeface(Typeface typeface, int style) { throw unwanted(); }
+    public void setWidth(int width) { throw unwanted(); }
+
+    private static AssertionError unwanted() {
+        return new AssertionError("this method is not to be called");
+    }
 }

@@ -1,0 +1,5 @@
+package android.util;
+
+public class TypedValue {
+    public static final int COMPLEX_UNIT_PX = 0;
+}
