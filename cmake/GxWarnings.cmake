@@ -15,6 +15,6 @@ function(gxtext_target name)
     # A fused multiply-add rounds once where the formulas round twice: the bytes would differ between
     # machines.
     target_compile_options(${name} PRIVATE
-        -ffp-contract=off -fno-fast-math -Wall -Wextra
+        -ffp-contract=off -fno-fast-math -Wall -Wextra -Wzero-as-null-pointer-constant -Wsuggest-override
         $<$<BOOL:${GXTEXT_WERROR}>:-Werror>)
 endfunction()
