@@ -29,7 +29,7 @@ else()
     run(${CMAKE_COMMAND} -S "${CMAKE_CURRENT_LIST_DIR}/project" -B "${BUILD}" -G Ninja "-DCOMPONENT=${COMPONENT}"
         "-DGXTEXT_SOURCE_DIR=${GXTEXT_SOURCE_DIR}" "-DCMAKE_PREFIX_PATH=${PREFIX}" "-DVERSION=${VERSION}"
         "-DCMAKE_CXX_COMPILER=${COMPILER}" ${EXTRA})
-    run(${CMAKE_COMMAND} --build "${BUILD}")
+    run(${CMAKE_COMMAND} --build "${BUILD}" --target consumer)
 endif()
 run(${CMAKE_COMMAND} -E env "LD_LIBRARY_PATH=${PREFIX}/${PKG_CONFIG_FOLDER}/.." "${BUILD}/consumer")
 run(readelf -d "${BUILD}/consumer")
