@@ -2,6 +2,7 @@
 
 #include <bit>
 
+#define GX_WITHOUT_AVX3
 #include "raster/kernels/Simd.h"
 
 #undef HWY_TARGET_INCLUDE
@@ -73,12 +74,12 @@ public:
             words[m] = std::bit_cast<uint32_t>(fromWord(premultiplied(table[256 - m])));
         }
     }
-    HWY_INLINE uint32_t operator[](MaskLane coverage) const { return words[coverage & 255]; }
+    HWY_INLINE uint32_t operator[](uint8_t coverage) const { return words[coverage]; }
 
     // Of a vector of pixels. One by one: gathers take twice as long.
     template <size_t kCount = kVectorPixels>
-    HWY_INLINE V8 of(MaskLane coverage) const {
-        const auto at = [&](int i) HWY_ATTR { return (*this)[coverage >> 8 * i]; };
+    HWY_INLINE V8 of(const MaskBytes& coverage) const {
+        const auto at = [&](size_t i) HWY_ATTR { return (*this)[coverage[i]]; };
         if constexpr (kCount == 8) {
             return fromWords(Words{at(0), at(1), at(2), at(3), at(4), at(5), at(6), at(7)});
         } else {
@@ -104,10 +105,10 @@ struct DstOverMapped8 {
         : colors(colorsByCoverage), fullColor(hn::BitCast(d8, hn::Set(d32, colors[255]))) {}
 
     HWY_INLINE V8 weights(V8 mask) const { return mask; }
-    HWY_INLINE V8 operator()(V8 d, V16 /*factor*/, MaskLane coverage) const {
+    HWY_INLINE V8 operator()(V8 d, V16 /*factor*/, const MaskBytes& coverage) const {
         return dstOver(d, colors.of(coverage));
     }
-    HWY_INLINE V8 onto(V8 d, MaskLane /*coverage*/) const { return dstOver(d, fullColor); }
+    HWY_INLINE V8 onto(V8 d, const MaskBytes& /*coverage*/) const { return dstOver(d, fullColor); }
 };
 
 // Onto what is there, weakened by the mask: (d + under + 1) x m >> 8, at most 255. The formula's

@@ -17,6 +17,7 @@
 #include <limits>
 
 #include "raster/kernels/SeparableBlur.h"
+#define GX_WITHOUT_AVX3
 #include "raster/kernels/Simd.h"
 
 #undef HWY_TARGET_INCLUDE

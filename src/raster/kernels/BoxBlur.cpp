@@ -8,6 +8,7 @@
 
 #include <algorithm>
 
+#define GX_WITHOUT_AVX3
 #include "raster/kernels/Simd.h"
 
 #undef HWY_TARGET_INCLUDE

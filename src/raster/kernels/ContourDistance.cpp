@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <bit>
 
+#define GX_WITHOUT_AVX3
 #include "raster/kernels/Simd.h"
 
 #undef HWY_TARGET_INCLUDE

@@ -11,6 +11,7 @@
 #include <bit>
 #include <cmath>
 
+#define GX_WITHOUT_AVX3
 #include "raster/kernels/Simd.h"
 
 #undef HWY_TARGET_INCLUDE

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cstring>
 
+#define GX_WITHOUT_AVX3
 #include "raster/kernels/Simd.h"
 
 #undef HWY_TARGET_INCLUDE

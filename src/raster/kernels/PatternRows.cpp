@@ -13,6 +13,7 @@
 #include <cstring>
 
 #include "raster/GxMath.h"
+#define GX_WITHOUT_AVX3
 #include "raster/kernels/Simd.h"
 
 #undef HWY_TARGET_INCLUDE

@@ -36,7 +36,7 @@ using Wholes = hn::Vec<decltype(dWhole)>;
 
 inline constexpr size_t kBlockPixels = hn::MaxLanes(d8);
 inline constexpr size_t kVectorPixels = kBlockPixels / 4;
-static_assert(kVectorPixels == 4 || kVectorPixels == 8);
+static_assert(kVectorPixels == 4 || kVectorPixels == 8 || kVectorPixels == 16);
 
 // --- pixels ---
 
@@ -49,12 +49,15 @@ HWY_INLINE Numbers loadPixels(const float* p) {
     return hn::LoadU(dNumber, p);
 }
 
-// The mask bytes of a vector of pixels, the first one lowest.
-using MaskLane = hwy::UnsignedFromSize<kVectorPixels>;
-HWY_INLINE MaskLane loadPixels(const uint8_t* p) {
-    MaskLane lane;
-    std::memcpy(&lane, p, sizeof(lane));
-    return lane;
+// The mask bytes of a vector of pixels.
+struct MaskBytes {
+    uint8_t bytes[kVectorPixels];
+    HWY_INLINE uint8_t operator[](size_t i) const { return bytes[i]; }
+};
+HWY_INLINE MaskBytes loadPixels(const uint8_t* p) {
+    MaskBytes mask;
+    std::memcpy(mask.bytes, p, sizeof(mask.bytes));
+    return mask;
 }
 
 HWY_INLINE void storePixels(V8 v, Rgba* p) {
@@ -66,8 +69,10 @@ HWY_INLINE void storePixels(V8 v, Rgba* p) {
 template <class V>
 HWY_INLINE auto truncated(V v) {
     const hn::RebindToSigned<hn::DFromV<V>> d;
-#if HWY_TARGET == HWY_AVX2 || HWY_TARGET == HWY_SSE4
-    if constexpr (sizeof(v.raw) == 32) {
+#if HWY_ARCH_X86
+    if constexpr (sizeof(v.raw) == 64) {
+        return hn::Vec<decltype(d)>{_mm512_cvttps_epi32(v.raw)};
+    } else if constexpr (sizeof(v.raw) == 32) {
         return hn::Vec<decltype(d)>{_mm256_cvttps_epi32(v.raw)};
     } else {
         return hn::Vec<decltype(d)>{_mm_cvttps_epi32(v.raw)};
@@ -282,18 +287,24 @@ struct SortedVectors {
     // Takes in the four vectors whose weights are `w`, as numbers `first` to `first` + 3.
     HWY_INLINE void add(V8 w, size_t first) {
         const auto lanes = hn::BitCast(dLane, w);
-        full |= bits(hn::Eq(lanes, hn::Set(dLane, static_cast<MaskLane>(~MaskLane{0})))) << first;
+        full |= bits(hn::Eq(lanes, hn::Set(dLane, static_cast<Lane>(~Lane{0})))) << first;
         empty |= bits(hn::Eq(lanes, hn::Zero(dLane))) << first;
     }
 
 private:
-    static constexpr hn::Repartition<MaskLane, decltype(d8)> dLane{};
+    // The weights of a vector of pixels, or half of them where lanes are not that wide.
+    using Lane = hwy::UnsignedFromSize<HWY_MIN(kVectorPixels, 8)>;
+    static constexpr hn::Repartition<Lane, decltype(d8)> dLane{};
 
     template <class M>
     static HWY_INLINE uint64_t bits(M mask) {
         uint8_t stored[8];
         hn::StoreMaskBits(dLane, mask, stored);
-        return stored[0];
+        const uint32_t lanes = stored[0];
+        if constexpr (kVectorPixels == sizeof(Lane)) return lanes;
+        const uint32_t both = lanes & lanes >> 1 & 0x55;
+        const uint32_t pairs = (both | both >> 1) & 0x33;
+        return (pairs | pairs >> 2) & 0xF;
     }
 };
 

@@ -11,6 +11,7 @@
 #include <cmath>
 #include <cstdlib>
 
+#define GX_WITHOUT_AVX3
 #include "raster/kernels/Simd.h"
 
 #undef HWY_TARGET_INCLUDE

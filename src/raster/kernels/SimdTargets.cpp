@@ -33,7 +33,7 @@ std::string nameOf(int64_t target) {
 }
 
 // As the tables of GX_EXPORT.
-constexpr std::array<int64_t, 3> kForms = {HWY_AVX2, HWY_SSE4, HWY_STATIC_TARGET};
+constexpr std::array<int64_t, 4> kForms = {HWY_AVX3, HWY_AVX2, HWY_SSE4, HWY_STATIC_TARGET};
 constexpr int kStaticForm = kForms.size() - 1;
 
 // What Highway compiles these sets with. Half floats came before AVX2 to every processor.
@@ -44,8 +44,11 @@ bool hasMachine([[maybe_unused]] int64_t target) {
                       __builtin_cpu_supports("sse4.2") && __builtin_cpu_supports("pclmul") &&
                       __builtin_cpu_supports("aes");
     if (target == HWY_SSE4) return sse4;
-    return sse4 && __builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma") &&
-           __builtin_cpu_supports("bmi") && __builtin_cpu_supports("bmi2");
+    const bool avx2 = sse4 && __builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma") &&
+                      __builtin_cpu_supports("bmi") && __builtin_cpu_supports("bmi2");
+    if (target == HWY_AVX2) return avx2;
+    return avx2 && __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512vl") &&
+           __builtin_cpu_supports("avx512dq") && __builtin_cpu_supports("avx512bw");
 #else
     return false;
 #endif

@@ -7,7 +7,8 @@
 
 namespace GxFontEffect::kernels {
 
-// Sets that are built in and that this machine has, best first: "AVX2", "SSE4", "NEON", "plain".
+// Sets that are built in and that this machine has, best first: "AVX3" (AVX-512), "AVX2", "SSE4",
+// "NEON", "plain".
 std::vector<std::string> simdTargetNames();
 
 // The one that kernels run on now.
