@@ -1,6 +1,8 @@
 #include "raster/kernels/DiscDilation.h"
 
 #include <algorithm>
+#include <cstdlib>
+#include <cstring>
 #include <utility>
 
 #include "raster/kernels/DiscShape.h"
@@ -262,7 +264,8 @@ private:
 };
 
 // Discs of a few pixels have so few cells that they go cell by cell, straight from the mask into
-// the output.
+// the output. The output goes in columns a vector wide, downwards: the rows that a mask row reaches
+// stay in registers until no further row reaches them.
 template <int kRadius>
 class SmallDisc {
 public:
@@ -275,42 +278,72 @@ public:
 
     // Bands narrower than a vector of output are left to the tiles.
     static bool takes(const DilationBand& band, const DiscShape& shape) {
-        return shape.radius == kRadius && band.columns + 2 * kRadius >= kLanes;
+        return shape.radius == kRadius && band.columns + kReach >= kLanes;
     }
 
     void dilate() const {
-        const int64_t last = band_.columns + 2 * kRadius - kLanes;
-        for (int64_t y = 0; y < band_.rows; ++y) {
-            const uint8_t* mask = band_.mask + y * band_.maskStride;
-            uint8_t* out = band_.out + y * band_.outStride;
-            spreadEdge(mask, 0, out);
-            int64_t x = kLanes;
-            for (; x + kLanes <= band_.columns; x += kLanes) {
-                spread(mask + x - kRadius, out + x);
-            }
-            // The last vector may overlap the one before: a maximum taken twice is the same.
-            for (; x < last; x += kLanes) spreadEdge(mask, x, out);
-            if (last > 0) spreadEdge(mask, last, out);
+        for (int64_t y = 0; y < band_.rows; y += kStripRows) {
+            dilateStrip(y, std::min(kStripRows, band_.rows - y));
         }
     }
 
 private:
+    static constexpr int kReach = 2 * kRadius;
+    static constexpr int64_t kStripRows = 64;
+
+    void dilateStrip(int64_t y, int64_t rows) const {
+        const int64_t last = band_.columns + kReach - kLanes;
+        spreadEdge(y, rows, 0);
+        int64_t x = kLanes;
+        for (; x + kLanes <= band_.columns; x += kLanes) {
+            spread(band_.mask + y * band_.maskStride + x - kRadius, band_.maskStride, rows,
+                   band_.out + y * band_.outStride + x);
+        }
+        // The last column may overlap the one before: a maximum taken twice is the same.
+        for (; x < last; x += kLanes) spreadEdge(y, rows, x);
+        if (last > 0) spreadEdge(y, rows, last);
+    }
+
     // As spread, with nothing around the band.
-    HWY_INLINE void spreadEdge(const uint8_t* mask, int64_t x, uint8_t* out) const {
-        constexpr int64_t kWindow = kLanes + 2 * kRadius;
-        uint8_t window[kWindow];
-        std::memset(window, inversion_, kWindow);
-        const int64_t first = x - 2 * kRadius;
+    void spreadEdge(int64_t y, int64_t rows, int64_t x) const {
+        constexpr int64_t kWindow = kLanes + kReach;
+        uint8_t windows[kStripRows * kWindow];
+        std::memset(windows, inversion_, static_cast<size_t>(rows * kWindow));
+        const int64_t first = x - kReach;
         const int64_t begin = std::max<int64_t>(0, first);
         const int64_t end = std::min(band_.columns, x + kLanes);
-        std::memcpy(window + (begin - first), mask + begin, static_cast<size_t>(end - begin));
-        spread(window + kRadius, out + x);
+        for (int64_t i = 0; i < rows; ++i) {
+            std::memcpy(windows + i * kWindow + (begin - first),
+                        band_.mask + (y + i) * band_.maskStride + begin,
+                        static_cast<size_t>(end - begin));
+        }
+        spread(windows + kRadius, kWindow, rows, band_.out + y * band_.outStride + x);
     }
 
     // `mask` is the pixel over the first cell of the output's middle row.
-    HWY_INLINE void spread(const uint8_t* mask, uint8_t* out) const {
+    HWY_INLINE void spread(const uint8_t* mask, int64_t stride, int64_t rows, uint8_t* out) const {
+        V8 reached[kReach];  // of the rows from `out` on, so far
+        for (V8& row : reached) row = hn::Zero(d8);
+        int64_t blankRows = kReach;
+        for (int64_t y = 0; y < rows; ++y, mask += stride, out += band_.outStride) {
+            V8 columns[kRadius + 1];
+            const V8 any = readColumns(mask, columns);
+            blankRows = allBytesAre(any, 0) ? blankRows + 1 : 0;
+            if (blankRows > kReach) continue;
+            V8 row = reachOf(columns, kRadius);
+            raise(out, hn::Max(reached[0], row));
+            for (int i = 1; i < kReach; ++i) {
+                const V8 nearer = reachOf(columns, std::abs(i - kRadius));
+                reached[i - 1] = hn::Max(reached[i], nearer);
+            }
+            reached[kReach - 1] = row;
+        }
+        for (int i = 0; i < kReach; ++i) raise(out + i * band_.outStride, reached[i]);
+    }
+
+    // The larger of the mask's pixels on either side of each place in a row; any of their bits.
+    HWY_INLINE V8 readColumns(const uint8_t* mask, V8 (&columns)[kRadius + 1]) const {
         const V8 inversion = hn::Set(d8, inversion_);
-        V8 columns[kRadius + 1];
         columns[0] = hn::Xor(hn::LoadU(d8, mask), inversion);
         V8 any = columns[0];
         for (int i = 1; i <= kRadius; ++i) {
@@ -318,16 +351,16 @@ private:
                                  hn::Xor(hn::LoadU(d8, mask + i), inversion));
             any = hn::Or(any, columns[i]);
         }
-        if (allBytesAre(any, 0)) return;
-        uint8_t* middle = out + kRadius * band_.outStride;
-        for (int y = 0; y <= kRadius; ++y) {
-            V8 reached = hn::Zero(d8);
-            for (int x = 0; x <= kRadius; ++x) {
-                reached = hn::Max(reached, hn::SaturatedSub(columns[x], losses_[y][x]));
-            }
-            raise(middle + y * band_.outStride, reached);
-            if (y != 0) raise(middle - y * band_.outStride, reached);
+        return any;
+    }
+
+    // What they reach in the rows that lie `y` away.
+    HWY_INLINE V8 reachOf(const V8 (&columns)[kRadius + 1], int y) const {
+        V8 reached = hn::SaturatedSub(columns[0], losses_[y][0]);
+        for (int x = 1; x <= kRadius; ++x) {
+            reached = hn::Max(reached, hn::SaturatedSub(columns[x], losses_[y][x]));
         }
+        return reached;
     }
 
     const DilationBand& band_;
