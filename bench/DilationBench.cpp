@@ -127,8 +127,8 @@ void addDilationRows() {
 #ifndef GXBENCH_OPENCV
     addMissingPeer(kOpenCv);
 #endif
-    constexpr Step kSteps[] = {{1, {}},        {2, {0, 1}},   {3, {}},      {5, {0, 2}},
-                               {10, {150, 5}}, {25, {0, 20}}, {50, {0, 40}}};
+    constexpr Step kSteps[] = {{1, {}},   {2, {0, 1}},    {3, {}},       {5, {0, 2}},  {35, {}},
+                               {100, {}}, {10, {150, 5}}, {25, {0, 20}}, {50, {0, 40}}};
     for (const Step& step : kSteps) {
         addDilationRow("text", textMask, kernels::dilateOutside, kernels::plain::dilateOutside,
                        step);
@@ -145,7 +145,7 @@ void addDilationRows() {
         {"full", fullMask, kernels::dilateOutside, kernels::plain::dilateOutside},
         {"noise", noise, kernels::dilateOutside, kernels::plain::dilateOutside}};
     for (const Content& c : kOthers) {
-        for (const float radius : {2.0f, 5.0f, 10.0f, 25.0f, 50.0f}) {
+        for (const float radius : {2.0f, 5.0f, 10.0f, 25.0f, 35.0f, 50.0f, 100.0f}) {
             addDilationRow(c.name, c.mask, c.fast, c.plain, {radius, {}});
         }
     }

@@ -11,6 +11,7 @@
 
 #include "effect/filters/GxStroke.h"
 #include "raster/SimdTest.h"
+#include "support/AllocationFailure.h"
 #include "support/Random.h"
 
 namespace GxFontEffect::kernels {
@@ -19,7 +20,7 @@ namespace {
 using gxtest::Random;
 using Bytes = std::vector<uint8_t>;
 
-enum Content { kEmpty, kFull, kNoise, kPoint, kBars, kContents };
+enum Content { kEmpty, kFull, kNoise, kPoint, kBars, kDots, kContents };
 
 struct Plane {
     int64_t columns;
@@ -51,6 +52,12 @@ void draw(Random& random, Content content, Plane& plane) {
             return;
         case kBars:
             gxtest::drawBars(random, plane.bytes.data(), plane.columns, plane.rows, plane.stride);
+            return;
+        case kDots:
+            for (int dots = static_cast<int>(plane.bytes.size()) / 8; dots > 0; --dots) {
+                plane.bytes[random.between(0, static_cast<int>(plane.bytes.size()) - 1)] =
+                    random.byte();
+            }
             return;
         default:
             return;
@@ -137,10 +144,40 @@ TEST_P(DiscDilationTest, SeveralTiles) {
         expectPlainBytes(random, kNoise, random.between(509, 515), 4, disc(radius));
         expectPlainBytes(random, kBars, random.between(1000, 1100), 30, disc(radius));
     }
-    for (const float radius : {50.0f, 63.6f, 127.4f, 128.0f}) {
-        expectPlainBytes(random, kPoint, random.between(100, 200), 5, disc(radius));
-        expectPlainBytes(random, kBars, random.between(30, 80), 4, disc(radius));
+}
+
+// Beyond 127 the tiles give up, beyond 254 reaches take 16 bits.
+TEST_P(DiscDilationTest, WideDiscs) {
+    Random random(16);
+    GX_TRACE_SEED(random);
+    for (const float radius : {35.0f, 36.0f, 50.7f, 63.6f, 127.4f, 128.0f, 254.3f, 255.0f}) {
+        for (const Content content : {kPoint, kBars, kDots, kNoise}) {
+            expectPlainBytes(random, content, random.between(1, 90), random.between(1, 9),
+                             disc(radius));
+        }
     }
+    expectPlainBytes(random, kBars, 200, 120, disc(40.5f));
+    expectPlainBytes(random, kBars, random.between(1000, 1100), 10, disc(38));
+    expectPlainBytes(random, kBars, 4, random.between(1030, 1100), disc(41.2f));
+    Kernel lopsided = disc(40);
+    lopsided.cells[5] ^= 1;
+    expectPlainBytes(random, kBars, 30, 5, lopsided);
+}
+
+TEST_P(DiscDilationTest, WideDiscsNeedNoMemory) {
+    const Kernel kernel = disc(40);
+    const Bytes mask(size_t{60} * 9, uint8_t{255});
+    Bytes expected(size_t(60 + kernel.side - 1) * size_t(9 + kernel.side - 1));
+    Bytes out = expected;
+    DilationBand band = {mask.data(),         60,          60,         9,
+                         kernel.cells.data(), kernel.side, out.data(), 60 + kernel.side - 1};
+    {
+        const gxtest::AllocationFailure failure(1);
+        dilateOutside(band);
+    }
+    band.out = expected.data();
+    plain::dilateOutside(band);
+    EXPECT_TRUE(out == expected);
 }
 
 // Kernels that are no disc: anything; symmetric but stronger outside than inside; no middle.

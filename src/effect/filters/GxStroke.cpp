@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 
 #include "effect/filters/TextMask.h"
 #include "effect/filters/WorkPlane.h"
@@ -82,12 +83,14 @@ int makeCircleKernel(unsigned char** out, float radius) {
     CArray<uint8_t> cells = out ? allocateCells<uint8_t>(side, side) : nullptr;
     if (!cells) return k;
 
-    uint8_t* cell = cells.get();
-    for (int64_t y = -r; y <= r; ++y) {
-        for (int64_t x = -r; x <= r; ++x) {
+    for (int64_t y = 0; y <= r; ++y) {
+        uint8_t* middle = cells.get() + (r + y) * side + r;
+        for (int64_t x = 0; x <= r; ++x) {
             const float distance = std::sqrt(static_cast<float>(x * x + y * y));
-            *cell++ = coverageByte(radius - distance + 1.0f);
+            middle[x] = middle[-x] = coverageByte(radius - distance + 1.0f);
         }
+        if (y != 0)
+            std::memcpy(cells.get() + (r - y) * side, middle - r, static_cast<size_t>(side));
     }
     cells[static_cast<size_t>(r * side + r)] = coverageByte(radius);
     *out = cells.release();

@@ -127,8 +127,8 @@ public:
             any = hn::Or(any, hn::Or(lower[i], upper[i]));
         }
         if (allBytesAre(bytes(any), 0)) return false;
-        transpose(lower);
-        transpose(upper);
+        transpose(d16, lower);
+        transpose(d16, upper);
         for (int64_t i = 0; i < 8; ++i) {
             d[i] = {hn::BitCast(dSigned16, lower[i]), hn::BitCast(dSigned16, upper[i])};
         }

@@ -12,6 +12,7 @@
 #include <cstring>
 
 #include "raster/kernels/BlurMeans-inl.h"
+#include "raster/kernels/Transpose-inl.h"
 
 #if !GX_SIMD_IS_PLAIN
 
@@ -20,30 +21,6 @@ namespace GxFontEffect::kernels::HWY_NAMESPACE {
 
 constexpr int64_t kBlock = 16;
 inline constexpr hn::CappedTag<uint8_t, kBlock> dBlock;
-
-// Blocks of 16 rows of 16 bytes, turned.
-HWY_INLINE void transpose(V8 (&v)[16]) {
-    for (int stage = 0; stage < 4; ++stage) {
-        V8 turned[16];
-        for (int i = 0; i < 8; ++i) {
-            turned[2 * i] = hn::InterleaveLower(d8, v[i], v[i + 8]);
-            turned[2 * i + 1] = hn::InterleaveUpper(d8, v[i], v[i + 8]);
-        }
-        std::memcpy(v, turned, sizeof(turned));
-    }
-}
-
-// Blocks of 8 rows of 8 16-bit lanes, turned.
-HWY_INLINE void transpose(V16 (&v)[8]) {
-    for (int stage = 0; stage < 3; ++stage) {
-        V16 turned[8];
-        for (int i = 0; i < 4; ++i) {
-            turned[2 * i] = hn::InterleaveLower(d16, v[i], v[i + 4]);
-            turned[2 * i + 1] = hn::InterleaveUpper(d16, v[i], v[i + 4]);
-        }
-        std::memcpy(v, turned, sizeof(turned));
-    }
-}
 
 // Blocks of 16 bytes from each of kLanes rows: first and second eight of 16, on two sides where
 // vectors have two.
@@ -65,7 +42,7 @@ HWY_INLINE void loadPairs(const uint8_t* const* rows, int64_t offset, uint8_t* s
             const uint8_t* const* row = rows + 8 * half + i;
             v[i] = lanes16(loadBlocks(row[0] + offset, row[kLanes - kBlock] + offset));
         }
-        transpose(v);
+        transpose(d16, v);
         for (int64_t i = 0; i < 8; ++i)
             hn::StoreU(bytes(v[i]), d8, strip + (2 * i + half) * kLanes);
     }
@@ -125,7 +102,7 @@ inline void storeRows(const uint8_t* vectors, uint8_t* rows, int64_t stride, int
         const int64_t start = blockStart(x, length);
         V8 v[16];
         for (int64_t i = 0; i < kBlock; ++i) v[i] = hn::LoadU(d8, vectors + (start + i) * kLanes);
-        transpose(v);
+        transpose(d8, v);
         for (int64_t i = 0; i < kBlock; ++i) {
             uint8_t* to = rows + start + i * stride;
 #if HWY_TARGET == HWY_AVX2

@@ -16,8 +16,8 @@
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
-#include "raster/kernels/BlurTranspose-inl.h"
 #include "raster/kernels/PixelVector-inl.h"
+#include "raster/kernels/Transpose-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace GxFontEffect::kernels::HWY_NAMESPACE {
@@ -185,7 +185,7 @@ void blurRows(uint16_t* plane, int64_t width, int64_t height, int64_t reach, int
             for (int64_t x = 0; x < width; x += 8) {
                 V16 v[8];
                 loadEights(rows + i, x, v);
-                transpose(v);
+                transpose(d16, v);
                 for (int64_t j = 0; j < 8; ++j) {
                     hn::StoreU(toStrip(v[j]), dShort, strip + (x + j) * kStripRows + i);
                 }
@@ -198,7 +198,7 @@ void blurRows(uint16_t* plane, int64_t width, int64_t height, int64_t reach, int
                 for (int64_t j = 0; j < 8; ++j) {
                     v[j] = fromStrip(loadShorts(strip + (x + j) * kStripRows + i));
                 }
-                transpose(v);
+                transpose(d16, v);
                 storeTurned(v, rows + i, x);
             }
         }

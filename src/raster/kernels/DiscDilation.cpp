@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 #include <utility>
 
 #include "raster/kernels/DiscShape.h"
 #include "raster/kernels/Simd.h"
+#include "raster/kernels/WideDisc.h"
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "raster/kernels/DiscDilation.cpp"
@@ -14,6 +16,7 @@
 #include <hwy/highway.h>
 
 #include "raster/kernels/PixelVector-inl.h"
+#include "raster/kernels/WideDisc-inl.h"
 
 // A mask row reaches the output rows y below and above it through the same chord of the disc. The
 // chord only widens towards the middle row, so one running maximum serves all of them; each row
@@ -30,6 +33,11 @@ namespace GxFontEffect::kernels::HWY_NAMESPACE {
 
 void dilateDisc(const DilationBand& band, const DiscShape& /*shape*/, bool inverted) {
     inverted ? plain::dilateInside(band) : plain::dilateOutside(band);
+}
+
+bool dilateWide(const DilationBand& band, const WideDiscMemory& /*memory*/, bool inverted) {
+    inverted ? plain::dilateInside(band) : plain::dilateOutside(band);
+    return true;
 }
 
 void minimum(uint8_t* a, const uint8_t* b, int64_t count) {
@@ -375,6 +383,37 @@ void dilateDisc(const DilationBand& band, const DiscShape& shape, bool inverted)
     DiscTile(band, shape, inverted).dilate();
 }
 
+// Whether little of a band lies between blank and full, as in noise it does: each such pixel may
+// have a rim of its own.
+bool isMostlySolid(const DilationBand& band) {
+    int64_t between = 0;
+    for (int64_t y = 0; y < band.rows; ++y) {
+        const uint8_t* mask = band.mask + y * band.maskStride;
+        int64_t x = 0;
+        for (; x + kLanes <= band.columns; x += kLanes) {
+            // 1 to 254 less one is 0 to 253.
+            const V8 less = hn::Sub(hn::LoadU(d8, mask + x), hn::Set(d8, 1));
+            const auto isBetween = hn::Ne(hn::Max(less, hn::Set(d8, 254)), less);
+            between += static_cast<int64_t>(hn::CountTrue(d8, isBetween));
+        }
+        for (; x < band.columns; ++x) between += mask[x] != 0 && mask[x] != 255;
+    }
+    return between <= band.rows * band.columns / 4;
+}
+
+// False when the tiles had better do it; wider discs than they take are not refused.
+bool dilateWide(const DilationBand& band, const WideDiscMemory& memory, bool inverted) {
+    const int64_t radius = band.kernelSize / 2;
+    int64_t mostLooks = std::numeric_limits<int64_t>::max();
+    if (radius <= DiscShape::kMaxRadius) {
+        if (!isMostlySolid(band)) return false;
+        const int64_t vectors = (band.columns + 2 * radius) / kLanes * (band.rows + 2 * radius);
+        mostLooks = vectors * radius / 2;
+    }
+    return radius < 255 ? WideDisc<uint8_t>(band, memory, inverted).dilate(mostLooks)
+                        : WideDisc<uint16_t>(band, memory, inverted).dilate(mostLooks);
+}
+
 struct Minimum {
     HWY_INLINE void operator()(uint8_t* a, const uint8_t* b) const {
         hn::StoreU(hn::Min(hn::LoadU(d8, a), hn::LoadU(d8, b)), d8, a);
@@ -394,6 +433,7 @@ HWY_AFTER_NAMESPACE();
 namespace GxFontEffect::kernels {
 
 GX_EXPORT(dilateDisc);
+GX_EXPORT(dilateWide);
 GX_EXPORT(minimum);
 
 bool DiscShape::readRow(const uint8_t* below, const uint8_t* above, int y, int64_t stride) {
@@ -435,18 +475,30 @@ bool DiscShape::read(const DilationBand& band) {
     return true;
 }
 
-void dilateOutside(const DilationBand& band) {
-    DiscShape shape;
+namespace {
+
+bool dilateWideDisc(const DilationBand& band, bool inverted) {
+    if (!isWideDisc(band)) return false;
+    const WideDiscMemory memory(band);
+    return memory && GX_DISPATCH(dilateWide)(band, memory, inverted);
+}
+
+void dilate(const DilationBand& band, bool inverted) {
     if (band.rows < 1 || band.columns < 1) return;
-    if (!shape.read(band)) return plain::dilateOutside(band);
-    GX_DISPATCH(dilateDisc)(band, shape, false);
+    DiscShape shape;
+    if (dilateWideDisc(band, inverted)) return;
+    if (shape.read(band)) return GX_DISPATCH(dilateDisc)(band, shape, inverted);
+    inverted ? plain::dilateInside(band) : plain::dilateOutside(band);
+}
+
+}  // namespace
+
+void dilateOutside(const DilationBand& band) {
+    dilate(band, false);
 }
 
 void dilateInside(const DilationBand& band) {
-    DiscShape shape;
-    if (band.rows < 1 || band.columns < 1) return;
-    if (!shape.read(band)) return plain::dilateInside(band);
-    GX_DISPATCH(dilateDisc)(band, shape, true);
+    dilate(band, true);
 }
 
 void minimum(uint8_t* a, const uint8_t* b, int64_t count) {

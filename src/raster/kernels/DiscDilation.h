@@ -24,8 +24,9 @@ struct DilationBand {
 };
 
 // For every pixel m and kernel cell k: out = max(out, max(0, m + k - 255)). What `out` holds
-// counts. Fast for discs up to radius 127: kernels with four equal quadrants that grow weaker away
-// from the middle row. Others go cell by cell.
+// counts. Fast for discs: kernels with four equal quadrants that grow weaker away from the middle
+// row and, beyond radius 127, column. Others go cell by cell. Wide discs take work memory for a
+// part of the band; where there is none, the result is the same.
 void dilateOutside(const DilationBand& band);
 // The same of the inverted coverage 255 - m: out = max(out, max(0, k - m)).
 void dilateInside(const DilationBand& band);
