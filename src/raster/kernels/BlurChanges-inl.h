@@ -15,6 +15,7 @@
 #include <hwy/highway.h>
 
 #include <bit>
+#include <type_traits>
 
 #include "raster/kernels/BlurScratch.h"
 #include "raster/kernels/BlurTranspose-inl.h"
@@ -25,13 +26,13 @@ HWY_BEFORE_NAMESPACE();
 namespace GxFontEffect::kernels::HWY_NAMESPACE {
 
 // Bit i: whether byte i of the vectors differs.
-HWY_INLINE uint32_t differingBytes(V8 a, V8 b) {
+using LaneBits = std::conditional_t<(kLanes > 32), uint64_t, uint32_t>;
+HWY_INLINE LaneBits differingBytes(V8 a, V8 b) {
     uint8_t bits[8] = {};
-    hn::StoreMaskBits(d8, hn::Eq(a, b), bits);
-    uint32_t same = 0;
-    std::memcpy(&same, bits, sizeof(same));
-    constexpr uint32_t kAll = kLanes == 32 ? ~uint32_t{0} : (uint32_t{1} << (kLanes % 32)) - 1;
-    return same ^ kAll;
+    hn::StoreMaskBits(d8, hn::Ne(a, b), bits);
+    LaneBits differing = 0;
+    std::memcpy(&differing, bits, sizeof(differing));
+    return differing;
 }
 
 // Where neighbouring vectors of cells differ: up to a limit.
@@ -40,7 +41,7 @@ public:
     struct Entry {
         int32_t line;
         int32_t step;
-        uint32_t differing;  // bit i: the cell of line + i, or of step + i
+        LaneBits differing;  // bit i: the cell of line + i, or of step + i
     };
 
     ChangeList(const BlurScratch& scratch, int64_t limit)
@@ -48,7 +49,7 @@ public:
 
     // False when they are too many.
     HWY_INLINE bool add(int64_t line, int64_t step, V8 before, V8 here) {
-        const uint32_t differing = differingBytes(before, here);
+        const LaneBits differing = differingBytes(before, here);
         if (differing == 0) return true;
         left -= std::popcount(differing);
         entries[count++] = {static_cast<int32_t>(line), static_cast<int32_t>(step), differing};
@@ -139,10 +140,10 @@ private:
     static constexpr int64_t kLanes16 = kLanes / 2;
 
     // Whole cache lines, an odd number of them: the lines would share few places in the cache else.
-    static int64_t strideFor(int64_t count) { return ((count + 31 + 31) / 32 | 1) * 32; }
+    static int64_t strideFor(int64_t count) { return ((count + 2 * kLanes16 + 30) / 32 | 1) * 32; }
     HWY_INLINE V16 load(const uint8_t* at, int64_t line) const {
-        return lanes16(
-            loadBlocks(at + 2 * line * stride, at + 2 * (line + kLanes - kBlock) * stride));
+        return lanes16(loadBlocks(
+            [&](int64_t block) HWY_ATTR { return at + 2 * (line + block * kBlock) * stride; }));
     }
 
     const int64_t reach;
@@ -170,7 +171,7 @@ inline bool addColumnChanges(const uint8_t* in, int64_t stride, int64_t columns,
     const ChangeLines lines = changes;  // a copy stays in registers
     for (const ChangeList::Entry& entry : list) {
         const uint8_t* cells = in + entry.step * stride;
-        for (uint32_t differing = entry.differing; differing != 0; differing &= differing - 1) {
+        for (LaneBits differing = entry.differing; differing != 0; differing &= differing - 1) {
             const int i = std::countr_zero(differing);
             lines.add(i, entry.step, cells[i] - cells[i - stride]);
         }
@@ -200,7 +201,7 @@ inline bool addRowChanges(const uint8_t* in, int64_t stride, int64_t rows, int64
     const ChangeLines lines = changes;
     for (const ChangeList::Entry& entry : list) {
         const uint8_t* cells = in + entry.line * stride + entry.step;
-        for (uint32_t differing = entry.differing; differing != 0; differing &= differing - 1) {
+        for (LaneBits differing = entry.differing; differing != 0; differing &= differing - 1) {
             const int i = std::countr_zero(differing);
             lines.add(entry.line, entry.step + i, cells[i] - cells[i - 1]);
         }

@@ -180,6 +180,8 @@ private:
 #if HWY_TARGET == HWY_NEON
         return sumsOfPairs(V16(vmull_u8(vget_low_u8(cells.raw), vget_low_u8(weights.raw))),
                            V16(vmull_u8(vget_high_u8(cells.raw), vget_high_u8(weights.raw))));
+#elif HWY_TARGET == HWY_AVX3
+        return V16{_mm512_maddubs_epi16(weights.raw, cells.raw)};
 #elif HWY_TARGET == HWY_AVX2
         return V16{_mm256_maddubs_epi16(weights.raw, cells.raw)};
 #else

@@ -43,7 +43,9 @@ HWY_INLINE Wide widen(V8 v) {
 }
 
 HWY_INLINE V8 narrow(V16 lower, V16 upper) {
-#if HWY_TARGET == HWY_AVX2
+#if HWY_TARGET == HWY_AVX3
+    return V8{_mm512_packus_epi16(lower.raw, upper.raw)};
+#elif HWY_TARGET == HWY_AVX2
     return V8{_mm256_packus_epi16(lower.raw, upper.raw)};
 #elif HWY_TARGET == HWY_NEON
     return V8(vcombine_u8(vmovn_u16(lower.raw), vmovn_u16(upper.raw)));

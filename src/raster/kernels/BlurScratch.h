@@ -16,11 +16,11 @@ struct BlurScratch {
     BlurScratch(uint8_t* memory, int64_t length, int64_t radius)
         : strip(memory + (64 - reinterpret_cast<uintptr_t>(memory) % 64) % 64),
           wide(strip + (length + kBlurReadAhead + 4) * kBlurStripWidth / 64 * 64),
-          taps(reinterpret_cast<uint32_t*>(wide + (length + 160) * kBlurStripWidth *
+          taps(reinterpret_cast<uint32_t*>(wide + (length + 224) * kBlurStripWidth *
                                                       (radius < kBlurRunRadius ? 2 : 4))) {}
 
     uint8_t* strip;  // kBlurStripWidth bytes for each of length + kBlurReadAhead + 2 steps
-    uint8_t* wide;   // two, from kBlurRunRadius on four times as much for length + 160 steps
+    uint8_t* wide;   // two, from kBlurRunRadius on four times as much for length + 224 steps
     uint32_t* taps;  // 3 (radius + 64) words
 };
 

@@ -17,7 +17,6 @@
 #include <limits>
 
 #include "raster/kernels/SeparableBlur.h"
-#define GX_WITHOUT_AVX3
 #include "raster/kernels/Simd.h"
 
 #undef HWY_TARGET_INCLUDE

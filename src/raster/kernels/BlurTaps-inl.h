@@ -42,6 +42,12 @@ HWY_INLINE S16 addProducts(S16 total, V8 cells, V32 taps) {
     return hn::Add(total, hn::BitCast(dSigned16, sums));
 }
 
+#elif HWY_TARGET == HWY_AVX3
+
+HWY_INLINE S16 addProducts(S16 total, V8 cells, V32 taps) {
+    return hn::Add(total, S16{_mm512_maddubs_epi16(cells.raw, taps.raw)});
+}
+
 #elif HWY_TARGET == HWY_AVX2
 
 HWY_INLINE S16 addProducts(S16 total, V8 cells, V32 taps) {

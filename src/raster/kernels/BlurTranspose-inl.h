@@ -22,15 +22,33 @@ namespace GxFontEffect::kernels::HWY_NAMESPACE {
 constexpr int64_t kBlock = 16;
 inline constexpr hn::CappedTag<uint8_t, kBlock> dBlock;
 
-// Blocks of 16 bytes from each of kLanes rows: first and second eight of 16, on two sides where
-// vectors have two.
-HWY_INLINE V8 loadBlocks(const uint8_t* a, const uint8_t* b) {
-#if HWY_TARGET == HWY_AVX2
-    return hn::Combine(d8, hn::LoadU(dBlock, b), hn::LoadU(dBlock, a));
-#else
-    (void)b;
-    return hn::LoadU(dBlock, a);
-#endif
+// A block of 16 bytes for each 16 lanes, at(0), at(1), ...
+template <class At>
+HWY_INLINE V8 loadBlocks(const At& at) {
+    const auto load = [&](int64_t block) HWY_ATTR { return hn::LoadU(dBlock, at(block)); };
+    if constexpr (kLanes == kBlock) {
+        return load(0);
+    } else if constexpr (kLanes == 2 * kBlock) {
+        return hn::Combine(d8, load(1), load(0));
+    } else {
+        constexpr hn::Half<decltype(d8)> dHalf;
+        return hn::Combine(d8, hn::Combine(dHalf, load(3), load(2)),
+                           hn::Combine(dHalf, load(1), load(0)));
+    }
+}
+
+// Calls store(block, bytes) for each 16 lanes.
+template <class V, class Store>
+HWY_INLINE void forEachBlockOf(V v, const Store& store, int64_t first = 0) {
+    constexpr hn::DFromV<V> d;
+    if constexpr (hn::MaxLanes(d) == kBlock) {
+        store(first, v);
+    } else {
+        constexpr hn::Half<decltype(d)> dHalf;
+        forEachBlockOf(hn::LowerHalf(dHalf, v), store, first);
+        forEachBlockOf(hn::UpperHalf(dHalf, v), store,
+                       first + static_cast<int64_t>(hn::MaxLanes(dHalf)) / kBlock);
+    }
 }
 
 // 16 bytes of row i at rows + i x stride, for i below kLanes: turned into the eight pairs of a
@@ -40,7 +58,8 @@ HWY_INLINE void loadPairs(const uint8_t* const* rows, int64_t offset, uint8_t* s
         V16 v[8];
         for (int64_t i = 0; i < 8; ++i) {
             const uint8_t* const* row = rows + 8 * half + i;
-            v[i] = lanes16(loadBlocks(row[0] + offset, row[kLanes - kBlock] + offset));
+            v[i] = lanes16(
+                loadBlocks([&](int64_t block) HWY_ATTR { return row[block * kBlock] + offset; }));
         }
         transpose(d16, v);
         for (int64_t i = 0; i < 8; ++i)
@@ -105,14 +124,11 @@ inline void storeRows(const uint8_t* vectors, uint8_t* rows, int64_t stride, int
         transpose(d8, v);
         for (int64_t i = 0; i < kBlock; ++i) {
             uint8_t* to = rows + start + i * stride;
-#if HWY_TARGET == HWY_AVX2
-            if (i < count) hn::StoreU(hn::LowerHalf(dBlock, v[i]), dBlock, to);
-            if (i + kBlock < count) {
-                hn::StoreU(hn::UpperHalf(dBlock, v[i]), dBlock, to + kBlock * stride);
-            }
-#else
-            if (i < count) hn::StoreU(v[i], dBlock, to);
-#endif
+            forEachBlockOf(v[i], [&](int64_t block, hn::Vec<decltype(dBlock)> part) HWY_ATTR {
+                if (i + block * kBlock < count) {
+                    hn::StoreU(part, dBlock, to + block * kBlock * stride);
+                }
+            });
         }
     }
 }

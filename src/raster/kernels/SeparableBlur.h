@@ -32,7 +32,7 @@ struct BlurPass {
 };
 
 // Rows of a pass that are blurred side by side: passes over rows are best given in multiples of it.
-inline constexpr int64_t kBlurStripWidth = 32;
+inline constexpr int64_t kBlurStripWidth = 64;
 
 // From this radius on, blurs may keep sums of neighbouring cells.
 inline constexpr int64_t kBlurRunRadius = 32;
@@ -42,7 +42,7 @@ inline constexpr int64_t kBlurRunRadius = 32;
 constexpr int64_t blurScratchBytes(int64_t width, int64_t height, int64_t radius) {
     const int64_t length = width > height ? width : height;
     const int64_t perCell = kBlurStripWidth * (radius < kBlurRunRadius ? 3 : 5);
-    return (length + 160) * perCell + radius * 12;
+    return (length + 224) * perCell + radius * 12;
 }
 
 // `scratch` holds blurScratchBytes() of the cells that are read; its contents do not matter.
