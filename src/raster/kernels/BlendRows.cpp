@@ -1,8 +1,5 @@
 #include "raster/kernels/BlendRows.h"
 
-#include <bit>
-
-#define GX_WITHOUT_AVX3
 #include "raster/kernels/Simd.h"
 
 #undef HWY_TARGET_INCLUDE
@@ -22,7 +19,6 @@ namespace GxFontEffect::kernels::HWY_NAMESPACE {
 
 using plain::dstOver32Rows;
 using plain::dstOver8Rows;
-using plain::dstOverMapped8Rows;
 using plain::dstOverNsa8Rows;
 using plain::dstOverSa8Rows;
 using plain::max8Rows;
@@ -64,51 +60,6 @@ struct DstOver8 {
     HWY_INLINE V8 operator()(V8 d, V16 factor) const {
         return dstOver(d, tint.scaled(factor), isZero(factor));
     }
-};
-
-// Pixels by coverage. Those without coverage are transparent.
-class ColorsByCoverage {
-public:
-    explicit ColorsByCoverage(const uint32_t* table) {
-        for (uint32_t m = 1; m < 256; ++m) {
-            words[m] = std::bit_cast<uint32_t>(fromWord(premultiplied(table[256 - m])));
-        }
-    }
-    HWY_INLINE uint32_t operator[](uint8_t coverage) const { return words[coverage]; }
-
-    // Of a vector of pixels. One by one: gathers take twice as long.
-    template <size_t kCount = kVectorPixels>
-    HWY_INLINE V8 of(const MaskBytes& coverage) const {
-        const auto at = [&](size_t i) HWY_ATTR { return (*this)[coverage[i]]; };
-        if constexpr (kCount == 8) {
-            return fromWords(Words{at(0), at(1), at(2), at(3), at(4), at(5), at(6), at(7)});
-        } else {
-            return fromWords(Words{at(0), at(1), at(2), at(3)});
-        }
-    }
-
-private:
-    typedef uint32_t Words __attribute__((vector_size(kBlockPixels)));
-
-    static HWY_INLINE V8 fromWords(const Words& w) {
-        return hn::LoadU(d8, reinterpret_cast<const uint8_t*>(&w));
-    }
-
-    alignas(64) uint32_t words[256] = {};
-};
-
-struct DstOverMapped8 {
-    const ColorsByCoverage& colors;
-    V8 fullColor;
-
-    explicit HWY_INLINE DstOverMapped8(const ColorsByCoverage& colorsByCoverage)
-        : colors(colorsByCoverage), fullColor(hn::BitCast(d8, hn::Set(d32, colors[255]))) {}
-
-    HWY_INLINE V8 weights(V8 mask) const { return mask; }
-    HWY_INLINE V8 operator()(V8 d, V16 /*factor*/, const MaskBytes& coverage) const {
-        return dstOver(d, colors.of(coverage));
-    }
-    HWY_INLINE V8 onto(V8 d, const MaskBytes& /*coverage*/) const { return dstOver(d, fullColor); }
 };
 
 // Onto what is there, weakened by the mask: (d + under + 1) x m >> 8, at most 255. The formula's
@@ -242,16 +193,6 @@ void dstOverSa8Rows(const BlendArea& area, Rgba color) {
     blendRows(area, DstOverSa8{Tint(color)});
 }
 
-void dstOverMapped8Rows(const BlendArea& area, const uint32_t* table) {
-    const ColorsByCoverage colors(table);
-    for (ptrdiff_t y = 0; y < static_cast<ptrdiff_t>(area.height); ++y) {
-        const uint8_t* mask = area.source + y * area.sourceStride;
-        blendRow(area.width, DstOverMapped8(colors),
-                 reinterpret_cast<Rgba*>(area.destination + y * area.destinationStride), mask,
-                 mask);
-    }
-}
-
 void overwrite8Rows(const BlendArea& area, Rgba color) {
     const V16 alphaPlusOne = hn::Set(d16, static_cast<uint16_t>(color.a + 1));
     color.a = 0;
@@ -298,7 +239,6 @@ GX_EXPORT(srcOver8Rows);
 GX_EXPORT(dstOver8Rows);
 GX_EXPORT(dstOverNsa8Rows);
 GX_EXPORT(dstOverSa8Rows);
-GX_EXPORT(dstOverMapped8Rows);
 GX_EXPORT(overwrite8Rows);
 GX_EXPORT(max8Rows);
 GX_EXPORT(srcOver32Rows);
@@ -316,9 +256,6 @@ void dstOverNsa8Rows(const BlendArea& area, Rgba color) {
 }
 void dstOverSa8Rows(const BlendArea& area, Rgba color) {
     GX_DISPATCH(dstOverSa8Rows)(area, color);
-}
-void dstOverMapped8Rows(const BlendArea& area, const uint32_t* table) {
-    GX_DISPATCH(dstOverMapped8Rows)(area, table);
 }
 void overwrite8Rows(const BlendArea& area, Rgba color) {
     GX_DISPATCH(overwrite8Rows)(area, color);

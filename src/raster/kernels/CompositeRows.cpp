@@ -1,6 +1,5 @@
 // The whole-image steps of raster/kernels/BlendRows.h.
 #include "raster/kernels/BlendRows.h"
-#define GX_WITHOUT_AVX3
 #include "raster/kernels/Simd.h"
 
 #undef HWY_TARGET_INCLUDE

@@ -11,7 +11,6 @@
 #include <bit>
 #include <cmath>
 
-#define GX_WITHOUT_AVX3
 #include "raster/kernels/Simd.h"
 
 #undef HWY_TARGET_INCLUDE

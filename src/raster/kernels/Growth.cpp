@@ -10,7 +10,6 @@
 #include <algorithm>
 #include <cstring>
 
-#define GX_WITHOUT_AVX3
 #include "raster/kernels/Simd.h"
 
 #undef HWY_TARGET_INCLUDE
@@ -32,7 +31,7 @@ void growAll(uint8_t* mask, int64_t width, int64_t height, int64_t passes, uint8
 #else
 
 constexpr int64_t kLanes = hn::MaxLanes(d8);
-static_assert(kLanes <= 32);
+static_assert(kLanes <= kGrowthRoom);
 
 // --- sums ---
 
@@ -156,7 +155,7 @@ private:
     // behind.
     struct Around {
         const uint8_t* cells;
-        alignas(32) uint8_t copy[kLanes + 2];
+        alignas(kLanes) uint8_t copy[kLanes + 2];
 
         HWY_INLINE Around(const uint8_t* from, int64_t count) : cells(from) {
             if (count == kLanes) return;
@@ -173,14 +172,14 @@ private:
             hn::StoreU(v, d8, to);
             return;
         }
-        alignas(32) uint8_t cells[kLanes];
+        alignas(kLanes) uint8_t cells[kLanes];
         hn::Store(v, d8, cells);
         std::memcpy(to, cells, static_cast<size_t>(count));
     }
 
     static HWY_INLINE V8 difference(V8 v, const uint8_t* old, int64_t count) {
         if (count == kLanes) return hn::Xor(v, hn::LoadU(d8, old));
-        alignas(32) uint8_t cells[kLanes];
+        alignas(kLanes) uint8_t cells[kLanes];
         hn::Store(v, d8, cells);
         std::memcpy(cells, old, static_cast<size_t>(count));
         return hn::Xor(v, hn::Load(d8, cells));
@@ -202,7 +201,7 @@ private:
 // `watches`, false when the first pass changed nothing; else true.
 bool growGroup(const Plane& plane, const Region& region, int64_t passes, bool watches,
                uint8_t* scratch) {
-    const int64_t rowBytes = plane.width + 32;
+    const int64_t rowBytes = plane.width + kGrowthRoom;
     uint8_t* spare = scratch + 4 * kGrowthGroup * rowBytes;
     bool changed = !watches;
     for (int64_t y = region.top; y < region.bottom + 2 * (passes - 1); y += 2) {

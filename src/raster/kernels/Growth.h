@@ -8,10 +8,13 @@ namespace GxFontEffect::kernels {
 // Passes that run over a mask together.
 inline constexpr int64_t kGrowthGroup = 4;
 
+// Cells of room for the last vector of a row.
+inline constexpr int64_t kGrowthRoom = 64;
+
 // Bytes of the work memory for rows of `width` cells: of each pass of a group two sums per cell,
-// and a row that is thrown away, each with room for a last vector.
+// and a row that is thrown away.
 constexpr int64_t growthScratchBytes(int64_t width) {
-    return (4 * kGrowthGroup + 1) * (width + 32);
+    return (4 * kGrowthGroup + 1) * (width + kGrowthRoom);
 }
 
 // In place on a packed mask of width x height bytes, `passes` times: every cell that is not on the

@@ -301,10 +301,11 @@ private:
         uint8_t stored[8];
         hn::StoreMaskBits(dLane, mask, stored);
         const uint32_t lanes = stored[0];
-        if constexpr (kVectorPixels == sizeof(Lane)) return lanes;
-        const uint32_t both = lanes & lanes >> 1 & 0x55;
-        const uint32_t pairs = (both | both >> 1) & 0x33;
-        return (pairs | pairs >> 2) & 0xF;
+#if HWY_TARGET == HWY_AVX3
+        return _pext_u32(lanes & lanes >> 1, 0x55);
+#else
+        return lanes;
+#endif
     }
 };
 

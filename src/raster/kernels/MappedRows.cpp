@@ -1,0 +1,95 @@
+// The blend of raster/kernels/BlendRows.h that maps coverage to colours. Looking up takes its time,
+// pixel by pixel, so that longer vectors only have more pixels to look up beside the edges.
+#include <bit>
+
+#include "raster/kernels/BlendRows.h"
+#define GX_WITHOUT_AVX3
+#include "raster/kernels/Simd.h"
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "raster/kernels/MappedRows.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+#include "raster/kernels/PixelVector-inl.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace GxFontEffect::kernels::HWY_NAMESPACE {
+
+#if GX_SIMD_IS_PLAIN
+
+using plain::dstOverMapped8Rows;
+
+#else
+
+// Pixels by coverage. Those without coverage are transparent.
+class ColorsByCoverage {
+public:
+    explicit ColorsByCoverage(const uint32_t* table) {
+        for (uint32_t m = 1; m < 256; ++m) {
+            words[m] = std::bit_cast<uint32_t>(fromWord(premultiplied(table[256 - m])));
+        }
+    }
+    HWY_INLINE uint32_t operator[](uint8_t coverage) const { return words[coverage]; }
+
+    // Of a vector of pixels. One by one: gathers take twice as long.
+    template <size_t kCount = kVectorPixels>
+    HWY_INLINE V8 of(const MaskBytes& coverage) const {
+        const auto at = [&](size_t i) HWY_ATTR { return (*this)[coverage[i]]; };
+        if constexpr (kCount == 8) {
+            return fromWords(Words{at(0), at(1), at(2), at(3), at(4), at(5), at(6), at(7)});
+        } else {
+            return fromWords(Words{at(0), at(1), at(2), at(3)});
+        }
+    }
+
+private:
+    typedef uint32_t Words __attribute__((vector_size(kBlockPixels)));
+
+    static HWY_INLINE V8 fromWords(const Words& w) {
+        return hn::LoadU(d8, reinterpret_cast<const uint8_t*>(&w));
+    }
+
+    alignas(64) uint32_t words[256] = {};
+};
+
+struct DstOverMapped8 {
+    const ColorsByCoverage& colors;
+    V8 fullColor;
+
+    explicit HWY_INLINE DstOverMapped8(const ColorsByCoverage& colorsByCoverage)
+        : colors(colorsByCoverage), fullColor(hn::BitCast(d8, hn::Set(d32, colors[255]))) {}
+
+    HWY_INLINE V8 weights(V8 mask) const { return mask; }
+    HWY_INLINE V8 operator()(V8 d, V16 /*factor*/, const MaskBytes& coverage) const {
+        return dstOver(d, colors.of(coverage));
+    }
+    HWY_INLINE V8 onto(V8 d, const MaskBytes& /*coverage*/) const { return dstOver(d, fullColor); }
+};
+
+void dstOverMapped8Rows(const BlendArea& area, const uint32_t* table) {
+    const ColorsByCoverage colors(table);
+    for (ptrdiff_t y = 0; y < static_cast<ptrdiff_t>(area.height); ++y) {
+        const uint8_t* mask = area.source + y * area.sourceStride;
+        blendRow(area.width, DstOverMapped8(colors),
+                 reinterpret_cast<Rgba*>(area.destination + y * area.destinationStride), mask,
+                 mask);
+    }
+}
+
+#endif  // GX_SIMD_IS_PLAIN
+
+}  // namespace GxFontEffect::kernels::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace GxFontEffect::kernels {
+
+GX_EXPORT(dstOverMapped8Rows);
+
+void dstOverMapped8Rows(const BlendArea& area, const uint32_t* table) {
+    GX_DISPATCH(dstOverMapped8Rows)(area, table);
+}
+
+}  // namespace GxFontEffect::kernels
+#endif  // HWY_ONCE
