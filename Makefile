@@ -69,7 +69,7 @@ package: setup
 	scripts/package $(BUILD)/package out/package
 
 bench bench-instructions bench-scaling bench-memory: setup
-	@scripts/setup bench
+	@scripts/setup bench node
 	cmake --preset release -DGXTEXT_BUILD_BENCH=ON
 	cmake --build --preset release --target gxtext_bench
 	scripts/bench $(patsubst bench-%,--%,$(filter bench-%,$@)) $(BUILD)/release

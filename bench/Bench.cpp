@@ -1,13 +1,17 @@
 #include "Bench.h"
 
+#include <algorithm>
 #include <cstdio>
-#include <cstring>
+#include <iterator>
 #include <utility>
 
 #include "Measure.h"
 #include "MemoryBench.h"
 #include "Planes.h"
 #include "Scaling.h"
+#ifdef GXBENCH_TITLES
+#include "TitleBench.h"
+#endif
 #include "raster/kernels/SimdTargets.h"
 
 #ifdef GXBENCH_CALLGRIND
@@ -28,16 +32,6 @@ std::vector<std::string>& missingPeers() {
     return instance;
 }
 
-struct Result {
-    Times ours, plain, peer;
-};
-
-Result measure(const Contenders& contenders) {
-    std::vector<Times> times =
-        measureInTurns(contenders.prepare, {contenders.ours, contenders.plain, contenders.peer});
-    return {std::move(times[0]), std::move(times[1]), std::move(times[2])};
-}
-
 // --- table of times ---
 
 // Right-aligned in `width`; a dash where there is nothing.
@@ -49,42 +43,125 @@ std::string cell(double value, int width, const char* format) {
     return padded;
 }
 
-std::string targetText(const Row& row, bool hasPeer) {
+// Whether targets are reached, and where not.
+class Verdict {
+public:
+    // Returns whether `ratio` holds; a target of 0 always does.
+    bool holds(const std::string& operation, const std::string& against, double ratio,
+               double target) {
+        if (target <= 0) return true;
+        ++asked_;
+        if (ratio >= target) return true;
+        char figures[64];
+        std::snprintf(figures, sizeof(figures), "%.2fx of %.4gx", ratio, target);
+        missed_.push_back(operation + " / " + against + ": " + figures);
+        return false;
+    }
+
+    void print() const {
+        std::printf("\n%zu of %zu targets met\n", asked_ - missed_.size(), asked_);
+        for (const std::string& line : missed_) std::printf("missed: %s\n", line.c_str());
+    }
+
+private:
+    size_t asked_ = 0;
+    std::vector<std::string> missed_;
+};
+
+std::string targetText(const Targets& targets, bool hasPeer) {
     std::string text;
     char part[48];
-    if (row.targets.plain > 0) {
-        std::snprintf(part, sizeof(part), "plain %.4gx ", row.targets.plain);
+    if (targets.plain > 0) {
+        std::snprintf(part, sizeof(part), "plain %.4gx ", targets.plain);
         text += part;
     }
-    if (row.targets.peer > 0 && hasPeer) {
-        std::snprintf(part, sizeof(part), "peer %.4gx", row.targets.peer);
+    if (targets.peer > 0 && hasPeer) {
+        std::snprintf(part, sizeof(part), "peer %.4gx", targets.peer);
         text += part;
     }
     return text;
 }
 
-// Returns whether the row holds its targets.
-bool printRow(const Row& row, const Result& result) {
-    const bool perPixel = row.pixels > 0;
-    const double unit = perPixel ? 1e9 / static_cast<double>(row.pixels) : 1e3;
-    const double overPlain = result.plain.ratioTo(result.ours);
-    const double overPeer = result.peer.ratioTo(result.ours);
-    const bool hasPeer = !result.peer.seconds.empty();
-    const bool holds = overPlain >= row.targets.plain && (!hasPeer || overPeer >= row.targets.peer);
-    std::printf("%-36s%s%s%s%s%s  %-22s%-9s %s\n", row.operation.c_str(),
-                cell(result.ours.median() * unit, 9, "%.3f").c_str(),
-                cell(result.plain.median() * unit, 9, "%.3f").c_str(),
-                cell(result.peer.median() * unit, 9, "%.3f").c_str(),
-                cell(overPlain, 9, "%.2fx").c_str(), cell(overPeer, 9, "%.2fx").c_str(),
-                targetText(row, hasPeer).c_str(), hasPeer ? row.peerName.c_str() : "",
-                !holds     ? "SHORT"
-                : perPixel ? ""
-                           : "ms");
-    std::fflush(stdout);
-    return holds;
+// Prints rows as they are measured, and keeps them for other programs in a file: a line for each
+// contender, tabs between operation, contender, median, unit, its ratio to ours, target and note.
+class Table {
+public:
+    explicit Table(const std::string& file) {
+        if (!file.empty()) file_ = std::fopen(file.c_str(), "w");
+    }
+    ~Table() {
+        if (file_) std::fclose(file_);
+    }
+    Table(const Table&) = delete;
+    Table& operator=(const Table&) = delete;
+
+    void add(const Row& row);
+    void finish() const { verdict_.print(); }
+
+private:
+    void addPeer(const Row& row, const Peer& peer, const Times& times, const Times& ours);
+    void record(const Row& row, const std::string& who, const Times& times, const Times& ours,
+                double target, const std::string& note);
+
+    Verdict verdict_;
+    FILE* file_ = nullptr;
+};
+
+double unitOf(const Row& row) {
+    return row.pixels > 0 ? 1e9 / static_cast<double>(row.pixels) : 1e3;
 }
 
-void printTable(const std::string& filter) {
+void Table::record(const Row& row, const std::string& who, const Times& times, const Times& ours,
+                   double target, const std::string& note) {
+    if (!file_) return;
+    std::fprintf(file_, "%s\t%s\t%.6g\t%s\t%.4g\t%.4g\t%s\n", row.operation.c_str(), who.c_str(),
+                 times.median() * unitOf(row), row.pixels > 0 ? "ns/px" : "ms", times.ratioTo(ours),
+                 target, note.c_str());
+}
+
+void Table::add(const Row& row) {
+    const Contenders contenders = row.make();
+    std::vector<Run> runs = {contenders.ours, contenders.plain, contenders.peer};
+    for (const Peer& peer : contenders.peers) runs.push_back(peer.run);
+    const std::vector<Times> times = measureInTurns(contenders.prepare, runs);
+    const Times &ours = times[0], &plain = times[1], &peer = times[2];
+    const double unit = unitOf(row);
+    const double overPlain = plain.ratioTo(ours), overPeer = peer.ratioTo(ours);
+    const bool hasPeer = !peer.seconds.empty();
+    bool holds = verdict_.holds(row.operation, "plain", overPlain, row.targets.plain);
+    if (hasPeer) {
+        holds &= verdict_.holds(row.operation, row.peerName, overPeer, row.targets.peer);
+    }
+    std::printf("%-36s%s%s%s%s%s  %-22s%-9s %s\n", row.operation.c_str(),
+                cell(ours.median() * unit, 9, "%.3f").c_str(),
+                cell(plain.median() * unit, 9, "%.3f").c_str(),
+                cell(peer.median() * unit, 9, "%.3f").c_str(), cell(overPlain, 9, "%.2fx").c_str(),
+                cell(overPeer, 9, "%.2fx").c_str(), targetText(row.targets, hasPeer).c_str(),
+                hasPeer ? row.peerName.c_str() : "",
+                !holds           ? "SHORT"
+                : row.pixels > 0 ? ""
+                                 : "ms");
+    record(row, "ours", ours, ours, 0, "");
+    if (contenders.plain) record(row, "plain", plain, ours, row.targets.plain, "");
+    if (hasPeer) record(row, row.peerName, peer, ours, row.targets.peer, "");
+    for (size_t i = 0; i < contenders.peers.size(); ++i) {
+        addPeer(row, contenders.peers[i], times[3 + i], ours);
+    }
+    std::fflush(stdout);
+}
+
+void Table::addPeer(const Row& row, const Peer& peer, const Times& times, const Times& ours) {
+    const double ratio = times.ratioTo(ours);
+    const bool holds = !peer.run || verdict_.holds(row.operation, peer.name, ratio, peer.target);
+    std::printf("  %-52s%s%18s  %-22s%s%s\n", peer.name.c_str(),
+                cell(times.median() * unitOf(row), 9, "%.3f").c_str(),
+                cell(ratio, 18, "%.2fx").c_str(),
+                peer.run ? targetText({0, peer.target}, true).c_str() : "not on this machine",
+                holds ? "" : "SHORT ", peer.note.c_str());
+    record(row, peer.name, times, ours, peer.target, peer.note);
+}
+
+void printTable(const std::string& filter, const std::string& results) {
     std::printf("%d x %d, %s; kernels on %s; one thread\n", kWidth, kHeight,
                 textMaskSource().c_str(), GxFontEffect::kernels::simdTargetName().c_str());
     for (const std::string& peer : missingPeers()) {
@@ -92,12 +169,11 @@ void printTable(const std::string& filter) {
     }
     std::printf("\n%-36s%9s%9s%9s%9s%9s  %-22s%s\n", "ns per pixel, median", "ours", "plain",
                 "peer", "/plain", "/peer", "target", "peer");
-    int shortfalls = 0;
+    Table table(results);
     for (const Row& row : rows()) {
-        if (row.operation.find(filter) == std::string::npos) continue;
-        shortfalls += !printRow(row, measure(row.make()));
+        if (row.operation.find(filter) != std::string::npos) table.add(row);
     }
-    std::printf("\n%d short of the target\n", shortfalls);
+    table.finish();
 }
 
 // --- instruction counts ---
@@ -109,15 +185,15 @@ void countInstructions(const std::string& filter) {
     for (const Row& row : rows()) {
         if (row.operation.find(filter) == std::string::npos) continue;
         const Contenders contenders = row.make();
-        const std::pair<const char*, const std::function<void()>*> runs[] = {
+        const std::pair<const char*, const Run*> runs[] = {
             {"ours", &contenders.ours}, {"plain", &contenders.plain}, {"peer", &contenders.peer}};
         for (const auto& [who, run] : runs) {
-            if (!*run) continue;
-            (*run)();
+            if (!run->isCall()) continue;
+            run->call();
             if (contenders.prepare) contenders.prepare();
             CALLGRIND_ZERO_STATS;
             CALLGRIND_TOGGLE_COLLECT;
-            (*run)();
+            run->call();
             CALLGRIND_TOGGLE_COLLECT;
             const std::string name = row.operation + "|" + who + "|" + std::to_string(row.pixels);
             CALLGRIND_DUMP_STATS_AT(name.c_str());
@@ -139,41 +215,66 @@ void addMissingPeer(const std::string& name) {
     missingPeers().push_back(name);
 }
 
+namespace {
+
+void addAllRows() {
+    addBlendRows();
+    addBlurRows();
+    addDilationRows();
+    addFillRows();
+    addGlowRows();
+    addReliefRows();
+    addShadowRows();
+#ifdef GXBENCH_LINES
+    addFontRows();
+    addLineRows();
+#endif
+#ifdef GXBENCH_TITLES
+    addTitleRows();
+#endif
+}
+
+}  // namespace
+
 }  // namespace gxbench
 
-// gxtext_bench [--instructions | --scaling | --memory] [--target NAME] [FILTER]
+// gxtext_bench [--instructions | --scaling | --memory | --pictures | --png] [--target NAME]
+//              [--results FILE] [FILTER]
 int main(int argc, char** argv) {
-    void (*measureAll)(const std::string&) = gxbench::printTable;
-    std::string filter;
-    for (int i = 1; i < argc; ++i) {
-        if (std::strcmp(argv[i], "--instructions") == 0) {
-            measureAll = gxbench::countInstructions;
-        } else if (std::strcmp(argv[i], "--scaling") == 0) {
-            measureAll = gxbench::printScaling;
+    struct Mode {
+        std::string option;
+        std::function<void(const std::string& filter)> run;
+    };
+    const Mode modes[] = {
+        {"--instructions", gxbench::countInstructions},
+        {"--scaling", gxbench::printScaling},
 #ifdef GXBENCH_TEXT
-        } else if (std::strcmp(argv[i], "--memory") == 0) {
-            measureAll = gxbench::printMemory;
+        {"--memory", gxbench::printMemory},
 #endif
-        } else if (std::strcmp(argv[i], "--target") == 0 && i + 1 < argc) {
+#ifdef GXBENCH_TITLES
+        {"--pictures", gxbench::savePictures},
+#endif
+    };
+    std::string filter;
+    std::string results;
+    std::function<void(const std::string&)> measure = [&](const std::string& wanted) {
+        gxbench::printTable(wanted, results);
+    };
+    for (int i = 1; i < argc; ++i) {
+        const std::string word = argv[i];
+        const auto* mode = std::find_if(std::begin(modes), std::end(modes),
+                                        [&](const Mode& m) { return m.option == word; });
+        if (mode != std::end(modes)) {
+            measure = mode->run;
+        } else if (word == "--target" && i + 1 < argc) {
             GxFontEffect::kernels::forceSimdTarget(argv[++i]);
+        } else if (word == "--results" && i + 1 < argc) {
+            results = argv[++i];
         } else {
-            filter = argv[i];
+            filter = word;
         }
     }
-    gxbench::addBlendRows();
-    gxbench::addBlurRows();
-    gxbench::addDilationRows();
-    gxbench::addFillRows();
-    gxbench::addGlowRows();
-    gxbench::addReliefRows();
-    gxbench::addShadowRows();
-#ifdef GXBENCH_TEXT
-    gxbench::addTextRows();
-#endif
-#ifdef GXBENCH_LINES
-    gxbench::addFontRows();
-    gxbench::addLineRows();
-#endif
-    measureAll(filter);
+    gxbench::addAllRows();
+    measure(filter);
     return 0;
 }

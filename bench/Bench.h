@@ -9,14 +9,25 @@
 #include <string>
 #include <vector>
 
+#include "Measure.h"
+
 namespace gxbench {
+
+// One of several that do the work of a row.
+struct Peer {
+    std::string name;  // "resvg"
+    Run run;           // empty: not on this machine
+    std::string note;  // what it does otherwise, or why it is missing
+    double target = 0;
+};
 
 // What is timed in a row. Everything a contender needs lives in the functions' captures.
 struct Contenders {
     std::function<void()> prepare;  // before each run, not timed; may be empty
-    std::function<void()> ours;
-    std::function<void()> plain;  // may be empty
-    std::function<void()> peer;   // empty where the peer is not built in
+    Run ours;
+    Run plain{};                // may be empty
+    Run peer{};                 // empty where the peer is not built in
+    std::vector<Peer> peers{};  // more of them, a line each
 };
 
 // What ours must reach against the others, as their time divided by ours; 0 asks for nothing.
@@ -43,12 +54,15 @@ void addFillRows();
 void addGlowRows();
 void addReliefRows();
 void addShadowRows();
-#ifdef GXBENCH_TEXT
-void addTextRows();  // need the text libraries
-#endif
+void addLimitRows();
 #ifdef GXBENCH_LINES
 void addFontRows();  // need the portable text stack
 void addLineRows();
+#endif
+#ifdef GXBENCH_TITLES
+void addTitleRows();  // need the scene library
+void addThreadRows();
+void addCommandRows();
 #endif
 
 // The names of peers that this build lacks are said above the table.

@@ -12,9 +12,9 @@
 
 #ifdef GXBENCH_PANGO
 #include <cairo.h>
-#include <fontconfig/fontconfig.h>
 #include <pango/pangocairo.h>
-#include <pango/pangofc-fontmap.h>
+
+#include "PangoFonts.h"
 #endif
 
 namespace gxbench {
@@ -127,50 +127,16 @@ void appendUtf8(std::string& out, char16_t unit) {
     }
 }
 
-// The family name of the face, as fontconfig reads it from the file.
-std::string familyName(const LineSetting& setting) {
-    int count = 0;
-    FcPattern* pattern = FcFreeTypeQuery(reinterpret_cast<const FcChar8*>(setting.fontFile.c_str()),
-                                         static_cast<unsigned>(setting.faceIndex), nullptr, &count);
-    FcChar8* family = nullptr;
-    std::string name;
-    if (pattern && FcPatternGetString(pattern, FC_FAMILY, 0, &family) == FcResultMatch) {
-        name = reinterpret_cast<const char*>(family);
-    }
-    if (pattern) FcPatternDestroy(pattern);
-    return name;
-}
-
 class PangoLine {
 public:
     PangoLine(const LineSetting& setting, const LineCanvas& canvas)
-        : canvas_(canvas), family_(familyName(setting)) {
-        FcConfig* config = FcConfigCreate();
-        const auto* file = reinterpret_cast<const FcChar8*>(setting.fontFile.c_str());
-        if (family_.empty() || !FcConfigAppFontAddFile(config, file)) family_.clear();
-        fonts_ = pango_cairo_font_map_new_for_font_type(CAIRO_FONT_TYPE_FT);
-        pango_fc_font_map_set_config(PANGO_FC_FONT_MAP(fonts_), config);
-        FcConfigDestroy(config);  // the map has a reference of its own
-
+        : canvas_(canvas), fonts_(setting.fontFile, setting.faceIndex, setting.size) {
         surface_ = cairo_image_surface_create(CAIRO_FORMAT_A8, canvas.width, canvas.height);
         cairo_ = cairo_create(surface_);
-        context_ = pango_font_map_create_context(fonts_);
-        cairo_font_options_t* options = cairo_font_options_create();
-        cairo_font_options_set_antialias(options, CAIRO_ANTIALIAS_GRAY);
-        cairo_font_options_set_hint_style(options, CAIRO_HINT_STYLE_MEDIUM);
-        cairo_font_options_set_hint_metrics(options, CAIRO_HINT_METRICS_ON);
-        pango_cairo_context_set_font_options(context_, options);
-        cairo_font_options_destroy(options);
-        pango_context_set_base_dir(context_,
+        pango_context_set_base_dir(fonts_.context(),
                                    setting.rightToLeft ? PANGO_DIRECTION_RTL : PANGO_DIRECTION_LTR);
-        description_ = pango_font_description_new();
-        pango_font_description_set_family(description_, family_.c_str());
-        pango_font_description_set_absolute_size(description_, setting.size * double{PANGO_SCALE});
     }
     ~PangoLine() {
-        pango_font_description_free(description_);
-        g_object_unref(context_);
-        g_object_unref(fonts_);
         cairo_destroy(cairo_);
         cairo_surface_destroy(surface_);
     }
@@ -178,7 +144,7 @@ public:
     PangoLine& operator=(const PangoLine&) = delete;
 
     bool ready() const {
-        return !family_.empty() && cairo_surface_status(surface_) == CAIRO_STATUS_SUCCESS;
+        return fonts_.ready() && cairo_surface_status(surface_) == CAIRO_STATUS_SUCCESS;
     }
 
     void draw(std::u16string_view text) {
@@ -187,9 +153,7 @@ public:
         cairo_set_operator(cairo_, CAIRO_OPERATOR_CLEAR);
         cairo_paint(cairo_);
         cairo_set_operator(cairo_, CAIRO_OPERATOR_OVER);
-        PangoLayout* layout = pango_layout_new(context_);
-        pango_layout_set_font_description(layout, description_);
-        pango_layout_set_text(layout, utf8_.data(), static_cast<int>(utf8_.size()));
+        PangoLayout* layout = fonts_.newLayout(utf8_);
         cairo_move_to(cairo_, 0, canvas_.baseline);
         pango_cairo_show_layout_line(cairo_, pango_layout_get_line_readonly(layout, 0));
         g_object_unref(layout);
@@ -198,11 +162,8 @@ public:
 
 private:
     const LineCanvas canvas_;
-    std::string family_;
+    PangoFonts fonts_;
     std::string utf8_;
-    PangoFontMap* fonts_ = nullptr;
-    PangoContext* context_ = nullptr;
-    PangoFontDescription* description_ = nullptr;
     cairo_surface_t* surface_ = nullptr;
     cairo_t* cairo_ = nullptr;
 };

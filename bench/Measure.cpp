@@ -17,13 +17,6 @@ double medianOf(std::vector<double> values) {
     return *middle;
 }
 
-double secondsOf(const std::function<void()>& prepare, const std::function<void()>& run) {
-    if (prepare) prepare();
-    const auto start = std::chrono::steady_clock::now();
-    run();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
 // Sorts the library's reports by contender and repetition.
 class Collector : public benchmark::BenchmarkReporter {
 public:
@@ -56,6 +49,14 @@ void takeTurns() {
 
 }  // namespace
 
+double Run::seconds(const std::function<void()>& prepare) const {
+    if (prepare) prepare();
+    if (seconds_) return seconds_();
+    const auto start = std::chrono::steady_clock::now();
+    run_();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
 double Times::median() const {
     return medianOf(seconds);
 }
@@ -69,27 +70,29 @@ double Times::ratioTo(const Times& ours) const {
 }
 
 std::vector<Times> measureInTurns(const std::function<void()>& prepare,
-                                  const std::vector<std::function<void()>>& runs) {
+                                  const std::vector<Run>& runs) {
     takeTurns();
     double once = 0;
-    for (const auto& run : runs) {
+    for (const Run& run : runs) {
         if (!run) continue;
-        secondsOf(prepare, run);  // warm-up
-        once += secondsOf(prepare, run);
+        run.seconds(prepare);  // warm-up
+        once += run.seconds(prepare);
     }
     const int repetitions = std::clamp(static_cast<int>(1.0 / std::max(once, 1e-6)), 7, 41);
     constexpr double kSecondsPerRepetition = 0.002;
     for (size_t i = 0; i < runs.size(); ++i) {
         if (!runs[i]) continue;
-        benchmark::RegisterBenchmark(std::to_string(i).c_str(),
-                                     [&prepare, &run = runs[i]](benchmark::State& state) {
-                                         for (auto _ : state) {
-                                             state.SetIterationTime(secondsOf(prepare, run));
-                                         }
-                                     })
-            ->UseManualTime()
-            ->MinTime(kSecondsPerRepetition)
-            ->Repetitions(repetitions);
+        benchmark::internal::Benchmark* entry = benchmark::RegisterBenchmark(
+            std::to_string(i).c_str(), [&prepare, &run = runs[i]](benchmark::State& state) {
+                for (auto _ : state) state.SetIterationTime(run.seconds(prepare));
+            });
+        entry->UseManualTime()->Repetitions(repetitions);
+        // What times itself settles in its own way.
+        if (runs[i].isCall()) {
+            entry->MinTime(kSecondsPerRepetition);
+        } else {
+            entry->Iterations(1);
+        }
     }
     Collector collector(runs.size());
     benchmark::RunSpecifiedBenchmarks(&collector);
