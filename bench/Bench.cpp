@@ -225,12 +225,17 @@ void addAllRows() {
     addGlowRows();
     addReliefRows();
     addShadowRows();
+    addLimitRows();
 #ifdef GXBENCH_LINES
     addFontRows();
     addLineRows();
 #endif
 #ifdef GXBENCH_TITLES
     addTitleRows();
+    addThreadRows();
+#ifdef GXBENCH_TOOL
+    addCommandRows();
+#endif
 #endif
 }
 

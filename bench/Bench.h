@@ -24,7 +24,7 @@ struct Peer {
 // What is timed in a row. Everything a contender needs lives in the functions' captures.
 struct Contenders {
     std::function<void()> prepare;  // before each run, not timed; may be empty
-    Run ours;
+    Run ours{};
     Run plain{};                // may be empty
     Run peer{};                 // empty where the peer is not built in
     std::vector<Peer> peers{};  // more of them, a line each
@@ -62,7 +62,7 @@ void addLineRows();
 #ifdef GXBENCH_TITLES
 void addTitleRows();  // need the scene library
 void addThreadRows();
-void addCommandRows();
+void addCommandRows();  // need the program
 #endif
 
 // The names of peers that this build lacks are said above the table.
