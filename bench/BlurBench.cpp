@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "Bench.h"
+#include "OpenCvPeer.h"
 #include "Planes.h"
 #include "raster/kernels/SeparableBlur.h"
 
@@ -127,6 +128,9 @@ void addBlurRow(const std::string& operation, int radius, Mask (*mask)(), const 
                 contenders.ours = [=] { scene->run(); };
                 if (withPlain) contenders.plain = [=] { scene->runPlain(); };
                 contenders.peer = peer(scene);
+                if (peer == sepFilter || mask == noiseMask) {
+                    contenders.peers = ippBlurs(scene->mask, radius, scene->taps, 1);
+                }
                 return contenders;
             }});
 }

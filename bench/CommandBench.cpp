@@ -1,7 +1,5 @@
 // Rows of one command that writes a picture of a text as a PNG: processor time from its start to
 // its end, which is mostly starting, opening a font and packing the file.
-#include <stdlib.h>  // mkdtemp
-
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -13,32 +11,13 @@
 #include "PeerProcess.h"
 #include "TitlePicture.h"
 #include "TitleSvg.h"
+#include "Workplace.h"
 
 namespace gxbench {
 
 namespace {
 
 using Command = std::vector<std::string>;
-
-// A folder that goes with the last copy.
-class Workplace {
-public:
-    Workplace() {
-        std::string name = std::filesystem::temp_directory_path() / "gxtext-bench-XXXXXX";
-        if (mkdtemp(name.data())) folder_ = name;
-    }
-    ~Workplace() {
-        std::error_code ignored;
-        if (!folder_.empty()) std::filesystem::remove_all(folder_, ignored);
-    }
-    Workplace(const Workplace&) = delete;
-    Workplace& operator=(const Workplace&) = delete;
-
-    std::string file(const std::string& name) const { return folder_ / name; }
-
-private:
-    std::filesystem::path folder_;
-};
 
 // The mean of some, as one is over within the clock's grain.
 Run commandRun(const Command& command, const std::shared_ptr<Workplace>& workplace) {

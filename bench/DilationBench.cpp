@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "Bench.h"
+#include "OpenCvPeer.h"
 #include "Planes.h"
 #include "effect/filters/GxStroke.h"
 #include "raster/kernels/DiscDilation.h"
@@ -104,6 +105,9 @@ void addDilationRow(const std::string& content, const Mask& (*mask)(), Dilate fa
                 // The formula takes seconds for wide discs.
                 if (step.radius <= 10) contenders.plain = [=] { scene->run(plain); };
                 contenders.peer = openCv(scene);
+                if (content == "text" || content == "noise") {
+                    contenders.peers = {ippDilation(scene->mask, scene->side / 2, 1)};
+                }
                 return contenders;
             }});
 }

@@ -29,7 +29,7 @@ public:
     // What the prepared job is made with, "Pillow 13.0.0", and what it does otherwise than asked.
     const std::string& version() const { return version_; }
     const std::string& note() const { return note_; }
-    // Seconds of one run: the mean over runs that took this long, after one that is not counted.
+    // Seconds of one run: the median of runs that took this long, after one that is not counted.
     double seconds(double atLeast);
     // Writes the picture of the job to a file; false where it cannot.
     bool save(const std::string& file);

@@ -50,19 +50,14 @@ gxtext::Renderer rendererOf(const TitlePicture& picture) {
     return gxtext::Renderer(gxtext::FontSource::files({picture.fontFile}));
 }
 
-// Every peer that makes such a picture is to be behind; where there are no effects, but for the
-// Skia that keeps the masks of glyphs that were shaped beforehand.
-double targetFor(const TitlePicture& picture, const Peer& peer) {
-    const bool shaped = peer.note.find("shaped beforehand") != std::string::npos;
-    return picture.layers.empty() && shaped ? 0 : 1;
-}
-
 Contenders contendersOf(const Subject& subject) {
     const TitlePicture picture = pictureOf(subject);
     Contenders contenders;
     contenders.ours = ownTitleRun(picture);
     for (TitlePeer& other : titlePeers(picture)) {
-        other.peer.target = targetFor(picture, other.peer);
+        const bool demanded = other.demand == Demand::kAlways ||
+                              (other.demand == Demand::kWithEffects && !picture.layers.empty());
+        other.peer.target = demanded ? 1 : 0;
         contenders.peers.push_back(std::move(other.peer));
     }
     return contenders;

@@ -35,11 +35,11 @@ double secondsApart(const LinkedPainter& painter) {
 }
 
 TitlePeer linkedPeer(LinkedPainter painter, const TitlePicture& picture) {
-    if (!painter.draw) return {{painter.name, {}, "not built in"}, {}};
+    if (!painter.draw) return {{painter.name, {}, "not built in"}};
     const bool hasInk = [pixels = painter.draw()] {
         return std::any_of(pixels.begin(), pixels.end(), [](uint32_t p) { return p != 0; });
     }();
-    if (!hasInk) return {{painter.name, {}, "drew nothing"}, {}};
+    if (!hasInk) return {{painter.name, {}, "drew nothing"}};
     Run run = painter.draw;
     if (painter.forget) run = [painter] { return secondsApart(painter); };
     const auto save = [painter, width = picture.width,
@@ -54,12 +54,12 @@ TitlePeer linkedPeer(LinkedPainter painter, const TitlePicture& picture) {
         }
         return true;
     };
-    return {{painter.name, std::move(run), painter.note}, save};
+    return {{painter.name, std::move(run), painter.note}, Demand::kAlways, save};
 }
 
 TitlePeer processTitle(const std::string& name, const std::vector<std::string>& command,
-                       const std::string& job) {
-    return {processPeer(name, command, job),
+                       const std::string& job, Demand demand = Demand::kAlways) {
+    return {processPeer(name, command, job), demand,
             [command](const std::string& file) { return PeerProcess::of(command)->save(file); }};
 }
 
@@ -68,16 +68,19 @@ TitlePeer processTitle(const std::string& name, const std::vector<std::string>& 
 std::vector<TitlePeer> titlePeers(const TitlePicture& picture) {
     const std::string job = picture.job();
     const std::string python = peerFolder() + "/python/bin/python";
-    return {processTitle("Skia by Clang",
-                         {GXBENCH_NODE, peerProgram("canvas_titles.js"),
-                          peerFolder() + "/node/node_modules"},
-                         job),
-            processTitle("Skia", {python, peerProgram("skia_titles.py")}, job),
-            processTitle("resvg", {peerFolder() + "/cargo/bin/resvg-titles"}, job),
-            processTitle("Pillow", {python, peerProgram("pillow_titles.py")}, job),
-            linkedPeer(assPainter(picture), picture),
-            linkedPeer(svgPainter(picture), picture),
-            linkedPeer(cairoPainter(picture), picture)};
+    const std::vector<std::string> canvas = {GXBENCH_NODE, peerProgram("canvas_titles.js"),
+                                             peerFolder() + "/node/node_modules"};
+    std::vector<std::string> keptCanvas = canvas;
+    keptCanvas.emplace_back("kept");
+    return {
+        processTitle("Skia by Clang", canvas, job),
+        processTitle("Skia by Clang, kept", keptCanvas, job, Demand::kNever),
+        processTitle("Skia", {python, peerProgram("skia_titles.py")}, job, Demand::kWithEffects),
+        processTitle("resvg", {peerFolder() + "/cargo/bin/resvg-titles"}, job),
+        processTitle("Pillow", {python, peerProgram("pillow_titles.py")}, job),
+        linkedPeer(assPainter(picture), picture),
+        linkedPeer(svgPainter(picture), picture),
+        linkedPeer(cairoPainter(picture), picture)};
 }
 
 }  // namespace gxbench

@@ -18,10 +18,18 @@ using Pixels = std::vector<uint32_t>;
 // that paint premultiplied, in its best form.
 void straighten(Pixels& pixels);
 
+// Where ours is to be ahead of a painter.
+enum class Demand {
+    kAlways,
+    kWithEffects,  // of one that keeps the masks of glyphs which were shaped beforehand
+    kNever,        // of one that paints onto a kept surface
+};
+
 struct TitlePeer {
     Peer peer;
+    Demand demand = Demand::kAlways;
     // Writes its picture as a PNG; false where it cannot.
-    std::function<bool(const std::string& file)> save;
+    std::function<bool(const std::string& file)> save{};
 };
 
 // All of them with their fonts open, those that are missing included.

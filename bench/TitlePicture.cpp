@@ -129,9 +129,10 @@ TitleLayer layerOf(const Effect& effect, const gxtext::Box& ink) {
         case EffectType::kOuterGlow:
         case EffectType::kInnerGlow:
             layer.kind = effect.type == EffectType::kOuterGlow ? Kind::kGlow : Kind::kInnerGlow;
-            // A tenth of the size grows, the rest blurs.
-            layer.width = 0.1 * double{effect.size};
-            layer.deviation = deviationOf(0.9 * double{effect.size});
+            // What looks alike: our glow is full some way out, as the growth before its blur has
+            // it.
+            layer.width = 0.4 * double{effect.size};
+            layer.deviation = deviationOf(0.6 * double{effect.size});
             break;
         case EffectType::kLinearGradient: {
             const Point way = direction(effect.angle);

@@ -9,26 +9,27 @@ from protocol import serve
 def prepare(job):
     cv2.setNumThreads(1)
     radius = job["radius"]
+    operation = job["operation"]
     mask = numpy.fromfile(job["mask"], numpy.uint8).reshape(job["height"], job["width"])
-
-    def padded():
-        return cv2.copyMakeBorder(mask, radius, radius, radius, radius, cv2.BORDER_CONSTANT, value=0)
-
     side = 2 * radius + 1
-    if job["operation"] == "dilate":
-        ellipse = cv2.getStructuringElement(cv2.MORPH_ELLIPSE, (side, side))
-        return (lambda: cv2.dilate(padded(), ellipse)), ""
-    if job["operation"] == "sepFilter2D":
-        taps = numpy.array(job["taps"], numpy.float32)
-        return (
-            lambda: cv2.sepFilter2D(padded(), cv2.CV_8U, taps, taps, borderType=cv2.BORDER_CONSTANT)
-        ), ""
-    deviation = job["deviation"]
-    return (
-        lambda: cv2.GaussianBlur(
-            padded(), (side, side), deviation, sigmaY=deviation, borderType=cv2.BORDER_CONSTANT
-        )
-    ), ""
+    # Written again and again: new ones would be new pages each time.
+    padded = numpy.empty((job["height"] + 2 * radius, job["width"] + 2 * radius), numpy.uint8)
+    out = numpy.empty_like(padded)
+    border = cv2.BORDER_CONSTANT
+    ellipse = cv2.getStructuringElement(cv2.MORPH_ELLIPSE, (side, side))
+    taps = numpy.array(job.get("taps", []), numpy.float32)
+    deviation = job.get("deviation", 0)
+
+    def run():
+        cv2.copyMakeBorder(mask, radius, radius, radius, radius, border, padded, 0)
+        if operation == "dilate":
+            cv2.dilate(padded, ellipse, out)
+        elif operation == "sepFilter2D":
+            cv2.sepFilter2D(padded, cv2.CV_8U, taps, taps, out, borderType=border)
+        else:
+            cv2.GaussianBlur(padded, (side, side), deviation, out, deviation, border)
+
+    return run, operation
 
 
 has_ipp = "Intel IPP" in cv2.getBuildInformation()

@@ -33,16 +33,18 @@ class Title:
                 [skia.Point(glyph[1], glyph[2]) for glyph in line["glyphs"]],
             )
             self.blobs.append((builder.make(), line["x"], line["baseline"]))
-        # From the bottom, each what it is drawn with, where, and whether only inside the text.
+        # From the bottom: what is drawn with, where, the blur's deviation, and for what is drawn
+        # inside the text the filter before the blur.
+        self.runs = 0
         self.steps = []
         filled = False
         for layer in job["layers"]:
             if layer["kind"] not in ("shadow", "glow", "stroke") and not filled:
-                self.steps.append((self.paint(color(job["paint"])), (0, 0), False))
+                self.steps.append((self.paint(color(job["paint"])), (0, 0), 0, None))
                 filled = True
             self.steps += self.layer_steps(layer)
         if not filled:
-            self.steps.append((self.paint(color(job["paint"])), (0, 0), False))
+            self.steps.append((self.paint(color(job["paint"])), (0, 0), 0, None))
 
     def paint(self, fill):
         return skia.Paint(Color4f=fill, AntiAlias=True)
@@ -55,12 +57,9 @@ class Title:
             paint.setStrokeWidth(2 * layer["width"])
             paint.setStrokeJoin(skia.Paint.kRound_Join)
         if kind in ("shadow", "glow"):
-            paint.setMaskFilter(
-                skia.MaskFilter.MakeBlur(skia.kNormal_BlurStyle, layer["deviation"])
-            )
-            return [(paint, layer["shift"], False)]
+            return [(paint, layer["shift"], layer["deviation"], None)]
         if kind == "stroke":
-            return [(paint, (0, 0), False)]
+            return [(paint, (0, 0), 0, None)]
         if kind in ("linear", "radial"):
             colors = [color(stop[1]).toColor() for stop in layer["stops"]]
             positions = [stop[0] for stop in layer["stops"]]
@@ -71,34 +70,39 @@ class Title:
                 else skia.GradientShader.MakeRadial(start, layer["width"], colors, positions)
             )
             paint.setColor4f(skia.Color4f(1, 1, 1, 1))
-            return [(paint, (0, 0), False)]
+            return [(paint, (0, 0), 0, None)]
         if kind == "pattern":
             tile = skia.Image.open(layer["pattern"])
             repeat = skia.TileMode.kRepeat
             paint.setShader(tile.makeShader(repeat, repeat, skia.SamplingOptions()))
             paint.setAlphaf(layer["opacity"])
-            return [(paint, (0, 0), False)]
+            return [(paint, (0, 0), 0, None)]
         # Around the text, blurred and moved, drawn where the text is.
         inverse = skia.ImageFilters.ColorFilter(
             skia.ColorFilters.Blend(color(layer["paint"]), None, skia.BlendMode.kSrcOut), None
         )
-        blur = skia.ImageFilters.Blur(layer["deviation"], layer["deviation"], input=inverse)
-        return [(paint, layer["shift"], blur)]
+        return [(paint, layer["shift"], layer["deviation"], inverse)]
 
     def text(self, canvas, paint, shift=(0, 0)):
         for blob, x, y in self.blobs:
             canvas.drawTextBlob(blob, x + shift[0], y + shift[1], paint)
 
     def draw(self):
+        self.runs += 1
         surface = skia.Surface.MakeRaster(self.info)
         canvas = surface.getCanvas()
-        for paint, shift, inside in self.steps:
+        for paint, shift, deviation, inside in self.steps:
+            # A trifle different each time, so that no blur of a run before is found in a cache.
+            deviation *= 1 + 1e-6 * self.runs
             if not inside:
+                if deviation:
+                    paint.setMaskFilter(skia.MaskFilter.MakeBlur(skia.kNormal_BlurStyle, deviation))
                 self.text(canvas, paint, shift)
                 continue
+            blur = skia.ImageFilters.Blur(deviation, deviation, input=inside)
             canvas.saveLayer()
             self.text(canvas, skia.Paint(AntiAlias=True))
-            within = skia.Paint(BlendMode=skia.BlendMode.kSrcIn, ImageFilter=inside)
+            within = skia.Paint(BlendMode=skia.BlendMode.kSrcIn, ImageFilter=blur)
             canvas.saveLayer(paint=within)
             self.text(canvas, skia.Paint(AntiAlias=True), shift)
             canvas.restore()
