@@ -58,9 +58,11 @@ struct ParamRender {
 struct ParamPostProcessing {
     GxBitmap* dst = nullptr;     // the 32-bit layer to paint into
     GxBitmap* src = nullptr;     // 8-bit mask of the whole text
-    GxRect* textRect = nullptr;  // box of all glyph masks, inside the mask
+    GxRect* textRect = nullptr;  // box of all glyph masks, inside the mask; in the layers' pixels
     uint32_t mode = GXE_MODE_SINGLE_LAYER;
     GxBitmap* other = nullptr;  // the other layer, for cores that paint both; else null
+    int32_t srcLeft = 0;        // where the mask's first pixel lies in the layers, 0 or more
+    int32_t srcTop = 0;
     // Set by a core that painted nothing because its work memory was not to be had or would pass
     // its limit. The stack clears it before each core.
     bool outOfMemory = false;

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <limits>
 #include <new>
+#include <optional>
 
 #include "effect/GxCoreFactory.h"
 #include "raster/BlendCut.h"
@@ -95,6 +96,30 @@ std::unique_ptr<GxBitmap> newBitmap(uint32_t width, uint32_t height, uint32_t by
 
 kernels::Rgba* pixelsOf(const GxBitmap* layer) {
     return reinterpret_cast<kernels::Rgba*>(layer->data);
+}
+
+// Some rows of a layer as a layer of their own, without its pixels' ownership.
+class LayerRows : public GxBitmap {
+public:
+    LayerRows(const GxBitmap& layer, int32_t top, uint32_t rows) {
+        width = layer.width;
+        height = rows;
+        format = layer.format;
+        bytesPerPixel = layer.bytesPerPixel;
+        data = layer.data + size_t{layer.width} * 4 * static_cast<size_t>(top);
+    }
+    LayerRows(const LayerRows&) = delete;
+    LayerRows& operator=(const LayerRows&) = delete;
+    ~LayerRows() override { data = nullptr; }
+};
+
+// What `width` x `height` pixels hold of `box`; no pixels where it has none.
+GxRect cutTo(uint32_t width, uint32_t height, const GxRect& box) {
+    GxRect cut(std::clamp(box.left, 0, saturateInt(width)),
+               std::clamp(box.top, 0, saturateInt(height)),
+               std::clamp(box.right, 0, saturateInt(width)),
+               std::clamp(box.bottom, 0, saturateInt(height)));
+    return cut.isEmpty() ? GxRect() : cut;
 }
 
 // Takes `box` into `all`, which may be nothing yet.
@@ -395,6 +420,9 @@ void GxEffect::initEffect(uint32_t width, uint32_t height) {
     paintedRect = GxRect();
     renderFailed = false;
     releaseBitmap();
+    outputWidth = width;
+    outputHeight = height;
+    maskLeft = maskTop = backTop = 0;
     layers.clear();
     try {
         layers.reserve(effects.size());
@@ -405,18 +433,33 @@ void GxEffect::initEffect(uint32_t width, uint32_t height) {
     for (const auto& core : effects) layers.push_back(core.get());
 
     mode = needsTwoLayers() ? GXE_MODE_TWO_LAYERS : GXE_MODE_SINGLE_LAYER;
-    ownSrcBitmap = newBitmap(width, height, 1);
-    srcBitmap = ownSrcBitmap.get();
     if (mode == GXE_MODE_TWO_LAYERS) {
-        backBitmap = newBitmap(width, height, 4);
         orderTwoLayers();
     } else {
         orderSingleLayer();
     }
-    renderFailed = !srcBitmap || (mode == GXE_MODE_TWO_LAYERS && !backBitmap);
+    if (output == Output::kAny) allocateLayers(width, height, height);
 
     GxECore::ParamInit param{width, height, mode};
     for (GxECoreBase* core : layers) core->initEffect(&param);
+}
+
+void GxEffect::setTextBox(const GxRect& box) {
+    if (output != Output::kFreshWords) return;
+    const GxRect mask = cutTo(outputWidth, outputHeight, box);
+    const GxRect back = cutTo(outputWidth, outputHeight, grownByReach(mask));
+    maskLeft = mask.left;
+    maskTop = mask.top;
+    backTop = mode == GXE_MODE_TWO_LAYERS ? back.top : 0;
+    allocateLayers(mask.width(), mask.height(), back.height());
+}
+
+void GxEffect::allocateLayers(uint32_t maskWidth, uint32_t maskHeight, uint32_t backHeight) {
+    const bool hasTwo = mode == GXE_MODE_TWO_LAYERS;
+    ownSrcBitmap = newBitmap(maskWidth, maskHeight, 1);
+    srcBitmap = ownSrcBitmap.get();
+    backBitmap = hasTwo ? newBitmap(outputWidth, backHeight, 4) : nullptr;
+    renderFailed = renderFailed || !srcBitmap || (hasTwo && !backBitmap);
 }
 
 bool GxEffect::needsTwoLayers() const {
@@ -454,121 +497,163 @@ void GxEffect::renderEffectLayer(int x, int y, const GxGlyph* glyph) {
                          saturateInt(int64_t{y} + glyph->height));
         unite(textRect, box, textRectEmpty);
         textRectEmpty = false;
-        GxBlender().drawBitmap(x, y, srcBitmap, glyph->pixels, glyph->width, glyph->height,
-                               0xFF000000u);
+        GxBlender().drawBitmap(saturateInt(int64_t{x} - maskLeft),
+                               saturateInt(int64_t{y} - maskTop), srcBitmap, glyph->pixels,
+                               glyph->width, glyph->height, 0xFF000000u);
     }
     GxECore::ParamRender param{x, y, glyph, dstBitmap};
     for (GxECoreBase* core : layers) core->render(&param);
 }
 
 void GxEffect::clampTextRect() {
-    const int32_t width = saturateInt(srcBitmap->width);
-    const int32_t height = saturateInt(srcBitmap->height);
-    textRect.left = std::clamp(textRect.left, 0, width);
-    textRect.top = std::clamp(textRect.top, 0, height);
-    textRect.right = std::clamp(textRect.right, 0, width);
-    textRect.bottom = std::clamp(textRect.bottom, 0, height);
+    const int32_t right = saturateInt(int64_t{maskLeft} + srcBitmap->width);
+    const int32_t bottom = saturateInt(int64_t{maskTop} + srcBitmap->height);
+    textRect.left = std::clamp(textRect.left, maskLeft, right);
+    textRect.top = std::clamp(textRect.top, maskTop, bottom);
+    textRect.right = std::clamp(textRect.right, maskLeft, right);
+    textRect.bottom = std::clamp(textRect.bottom, maskTop, bottom);
 }
 
-void GxEffect::chooseLayers(EffectTarget target, GxECore::ParamPostProcessing& param) const {
-    const bool hasTwo = mode == GXE_MODE_TWO_LAYERS;
-    param.dst = hasTwo && target != EffectTarget::kOutput ? backBitmap.get() : dstBitmap;
-    param.other = hasTwo && target == EffectTarget::kBoth ? dstBitmap : nullptr;
-}
-
-void GxEffect::growPaintedRect() {
+GxRect GxEffect::grownByReach(const GxRect& box) const {
     int reach = 0;
     for (GxECoreBase* core : layers) reach = std::max(reach, core->getReach());
-    const GxRect box(saturateInt(int64_t{textRect.left} - reach),
-                     saturateInt(int64_t{textRect.top} - reach),
-                     saturateInt(int64_t{textRect.right} + reach),
-                     saturateInt(int64_t{textRect.bottom} + reach));
-    unite(paintedRect, box, paintedRect.isEmpty());
+    return GxRect(saturateInt(int64_t{box.left} - reach), saturateInt(int64_t{box.top} - reach),
+                  saturateInt(int64_t{box.right} + reach),
+                  saturateInt(int64_t{box.bottom} + reach));
 }
 
 // A mask of the caller's may have coverage outside the text's box.
 bool GxEffect::startedEmpty(const GxBitmap* layer) const {
     return output == Output::kFreshWords && isMask(srcBitmap) && srcBitmap == ownSrcBitmap.get() &&
-           layer->width == srcBitmap->width && layer->height == srcBitmap->height;
+           layer->width == outputWidth && layer->height == outputHeight;
 }
 
-// Calls step(first, count) for stretches of the layer's first `count` pixels that all steps
-// together can keep in the nearest caches; where the layer started empty, only for those that can
-// have been painted.
+// Calls step(first, count, coverage) for stretches of the layer's pixels that all steps together
+// can keep in the nearest caches, with their cells of the mask; where the layer started empty, only
+// for those that can have been painted. Null coverage: the mask ends before them.
 template <typename Step>
-void GxEffect::forEachSpan(const GxBitmap& layer, uint64_t count, Step step) const {
-    const auto cut = [&](uint64_t first, uint64_t end) {
-        for (; first < end; first += kSpanPixels) step(first, std::min(end - first, kSpanPixels));
-    };
-    if (!startedEmpty(&layer)) {
-        cut(0, count);
+void GxEffect::forEachSpan(const GxBitmap& layer, Step step) const {
+    if (startedEmpty(&layer)) {
+        forEachPaintedSpan(layer.width, layer.height, step);
         return;
     }
-    const uint64_t width = layer.width;
-    const auto left = static_cast<uint64_t>(std::max(paintedRect.left, 0));
-    const auto right = std::min(static_cast<uint64_t>(std::max(paintedRect.right, 0)), width);
-    const auto top = static_cast<uint64_t>(std::max(paintedRect.top, 0));
-    const uint64_t bottom =
-        std::min<uint64_t>(static_cast<uint64_t>(std::max(paintedRect.bottom, 0)), layer.height);
-    for (uint64_t y = top; y < bottom; ++y) cut(y * width + left, y * width + right);
+    const uint64_t masked = isMask(srcBitmap) ? srcBitmap->pixelCount() : 0;
+    const uint64_t count = layer.pixelCount();
+    for (uint64_t first = 0, end = 0; first < count; first = end) {
+        end = std::min(first + kSpanPixels, first < masked ? std::min(masked, count) : count);
+        step(first, end - first, first < masked ? srcBitmap->data + first : nullptr);
+    }
+}
+
+template <typename Step>
+void GxEffect::forEachPaintedSpan(uint64_t width, uint64_t height, Step step) const {
+    const GxRect painted = cutTo(saturateInt(width), saturateInt(height), paintedRect);
+    const int32_t maskRight = maskLeft + static_cast<int32_t>(srcBitmap->width);
+    const int32_t begin = std::clamp(maskLeft, painted.left, painted.right);
+    const int32_t end = std::clamp(maskRight, begin, painted.right);
+    for (int32_t y = painted.top; y < painted.bottom; ++y) {
+        const int64_t maskRow = int64_t{y} - maskTop;
+        const bool hasMask = maskRow >= 0 && maskRow < srcBitmap->height && begin < end;
+        const auto part = [&](int32_t left, int32_t right, const uint8_t* coverage) {
+            if (left >= right) return;
+            step(static_cast<uint64_t>(y) * width + static_cast<uint64_t>(left),
+                 static_cast<uint64_t>(right - left), coverage);
+        };
+        if (!hasMask) {
+            part(painted.left, painted.right, nullptr);
+            continue;
+        }
+        part(painted.left, begin, nullptr);
+        part(begin, end, srcBitmap->data + maskRow * srcBitmap->width + (begin - maskLeft));
+        part(end, painted.right, nullptr);
+    }
 }
 
 void GxEffect::clearUncovered() const {
     if (!isMask(srcBitmap) || !isLayer(dstBitmap)) return;
-    const uint64_t count = std::min(srcBitmap->pixelCount(), dstBitmap->pixelCount());
-    forEachSpan(*dstBitmap, count, [&](uint64_t first, uint64_t pixels) {
-        kernels::clearUncoveredRow(pixelsOf(dstBitmap) + first, srcBitmap->data + first, pixels);
+    forEachSpan(*dstBitmap, [&](uint64_t first, uint64_t count, const uint8_t* coverage) {
+        kernels::Rgba* pixels = pixelsOf(dstBitmap) + first;
+        if (coverage) {
+            kernels::clearUncoveredRow(pixels, coverage, count);
+        } else if (output == Output::kFreshWords) {
+            std::fill_n(pixels, count, kernels::Rgba{});
+        }
     });
 }
 
 void GxEffect::doEffectPostProcessing() {
     __android_log_print(ANDROID_LOG_DEBUG, kTag, "DoEffectPostProcessing(%p) - start", this);
-    if (isMask(srcBitmap) && !textRectEmpty) {
+    const bool hasOutput =
+        output == Output::kAny || (isLayer(dstBitmap) && startedEmpty(dstBitmap));
+    if (hasOutput && isMask(srcBitmap) && !textRectEmpty) {
         clampTextRect();
         if (!textRect.isEmpty()) {
-            growPaintedRect();
-            GxECore::ParamPostProcessing param;
-            param.src = srcBitmap;
-            param.textRect = &textRect;
-            param.mode = mode;
-            bool confine = false;  // something over the text has painted, and the text has not
-            for (GxECoreBase* core : layers) {
-                const EffectPlace place = placeOf(*core);
-                const bool over = mode != GXE_MODE_TWO_LAYERS && place.rank == EffectRank::kOver;
-                if (confine && !over) {
-                    clearUncovered();
-                    confine = false;
-                }
-                chooseLayers(place.target, param);
-                param.outOfMemory = false;
-                core->doPostProcessing(&param);
-                renderFailed = renderFailed || param.outOfMemory;
-                if (over) confine = confineInside;
-            }
-            if (confine) clearUncovered();
+            unite(paintedRect, grownByReach(textRect), paintedRect.isEmpty());
+            renderCores();
         }
     }
     textRectEmpty = true;
     __android_log_print(ANDROID_LOG_DEBUG, kTag, "DoEffectPostProcessing(%p) - end", this);
 }
 
+void GxEffect::renderCores() {
+    const bool hasTwo = mode == GXE_MODE_TWO_LAYERS;
+    GxRect box = textRect;
+    GxECore::ParamPostProcessing param;
+    param.src = srcBitmap;
+    param.textRect = &box;
+    param.mode = mode;
+    param.srcLeft = maskLeft;
+    param.srcTop = maskTop - backTop;
+
+    // Both layers have the same rows.
+    GxBitmap* front = dstBitmap;
+    std::optional<LayerRows> rows;
+    if (hasTwo && backBitmap && output == Output::kFreshWords) {
+        front = &rows.emplace(*dstBitmap, backTop, backBitmap->height);
+        box.top -= backTop;
+        box.bottom -= backTop;
+    }
+    bool confine = false;  // something over the text has painted, and the text has not
+    for (GxECoreBase* core : layers) {
+        const EffectPlace place = placeOf(*core);
+        const bool over = !hasTwo && place.rank == EffectRank::kOver;
+        if (confine && !over) {
+            clearUncovered();
+            confine = false;
+        }
+        param.dst = hasTwo && place.target != EffectTarget::kOutput ? backBitmap.get() : front;
+        param.other = hasTwo && place.target == EffectTarget::kBoth ? front : nullptr;
+        param.outOfMemory = false;
+        core->doPostProcessing(&param);
+        renderFailed = renderFailed || param.outOfMemory;
+        if (over) confine = confineInside;
+    }
+    if (confine) clearUncovered();
+}
+
 void GxEffect::compositeLayers(GxBitmap* result) {
     __android_log_print(ANDROID_LOG_DEBUG, kTag, "CompositeLayers(%p) - start", this);
     if (isLayer(result)) {
-        kernels::Rgba* pixels = pixelsOf(result);
-        const bool mixes =
-            mode == GXE_MODE_TWO_LAYERS && isMask(srcBitmap) && isLayer(backBitmap.get());
-        const uint64_t mixed =
-            mixes ? std::min(srcBitmap->pixelCount(), backBitmap->pixelCount()) : 0;
+        const bool fresh = output == Output::kFreshWords;
+        const bool mixes = mode == GXE_MODE_TWO_LAYERS && isLayer(backBitmap.get()) &&
+                           (!fresh || startedEmpty(result));
+        const uint64_t aboveBack = uint64_t{result->width} * static_cast<uint64_t>(backTop);
+        const uint64_t mixed = mixes ? aboveBack + backBitmap->pixelCount() : 0;
         const uint32_t alpha = textAlpha < 0 ? 255u : static_cast<uint32_t>(textAlpha);
-        const auto fade = output == Output::kFreshWords ? kernels::fadeIntoWordsRow
-                                                        : kernels::fadeAndUnpremultiplyRow;
-        forEachSpan(*result, result->pixelCount(), [&](uint64_t first, uint64_t count) {
-            if (first < mixed) {
-                kernels::mixLayersRow(pixels + first, pixelsOf(backBitmap.get()) + first,
-                                      srcBitmap->data + first, std::min(count, mixed - first));
+        const auto fade = fresh ? kernels::fadeIntoWordsRow : kernels::fadeAndUnpremultiplyRow;
+        forEachSpan(*result, [&](uint64_t first, uint64_t count, const uint8_t* coverage) {
+            kernels::Rgba* pixels = pixelsOf(result) + first;
+            if (first >= aboveBack && first < mixed) {
+                const kernels::Rgba* back = pixelsOf(backBitmap.get()) + (first - aboveBack);
+                const uint64_t both = std::min(count, mixed - first);
+                if (coverage) {
+                    kernels::mixLayersRow(pixels, back, coverage, both);
+                } else if (fresh) {
+                    std::copy_n(back, both, pixels);  // a weight of 255 leaves it as it is
+                }
             }
-            fade(pixels + first, count, alpha);
+            fade(pixels, count, alpha);
         });
     }
     releaseBitmap();

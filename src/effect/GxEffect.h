@@ -101,6 +101,7 @@ public:
 
     // Box of all masks of the current render, in output pixels.
     GxRect* getTextRect() { return &textRect; }
+    // Null before setTextBox, of which it has the size, in a render with fresh words.
     GxBitmap* getSrcBitmap() const { return srcBitmap; }
     GxBitmap* getDstBitmap() const { return dstBitmap; }
     // The setters borrow.
@@ -128,6 +129,10 @@ public:
     };
     // kAny unless told otherwise.
     void setOutput(Output value) { output = value; }
+    // A render with fresh words has to say, between initEffect and the first mask, which box of the
+    // output holds all masks: the stack's own bitmaps are no larger than what box and effects can
+    // reach. Masks are cut to it. Does nothing in other renders.
+    void setTextBox(const GxRect& box);
     // Of a render with fresh words: everything outside is still zero.
     const GxRect& getPaintedRect() const { return paintedRect; }
 
@@ -159,13 +164,16 @@ private:
     bool needsTwoLayers() const;
     void orderSingleLayer();
     void orderTwoLayers();
+    void allocateLayers(uint32_t maskWidth, uint32_t maskHeight, uint32_t backHeight);
     void clampTextRect();
-    void growPaintedRect();
+    GxRect grownByReach(const GxRect& box) const;
     bool startedEmpty(const GxBitmap* layer) const;
     template <typename Step>
-    void forEachSpan(const GxBitmap& layer, uint64_t count, Step step) const;
+    void forEachSpan(const GxBitmap& layer, Step step) const;
+    template <typename Step>
+    void forEachPaintedSpan(uint64_t width, uint64_t height, Step step) const;
     void clearUncovered() const;
-    void chooseLayers(EffectTarget target, GxECore::ParamPostProcessing& param) const;
+    void renderCores();
 
     std::vector<std::unique_ptr<GxECoreBase>> effects;
     std::vector<GxECoreBase*> layers;
@@ -173,6 +181,13 @@ private:
     GxBitmap* srcBitmap = nullptr;  // the own one unless a caller set another
     GxBitmap* dstBitmap = nullptr;
     std::unique_ptr<GxBitmap> backBitmap;
+    // Of the render: extents of the output, and where the mask and the rows of the back layer lie
+    // in it.
+    uint32_t outputWidth = 0;
+    uint32_t outputHeight = 0;
+    int32_t maskLeft = 0;
+    int32_t maskTop = 0;
+    int32_t backTop = 0;
     GxRect textRect;
     bool textRectEmpty = true;
     GxRect paintedRect;

@@ -117,17 +117,23 @@ minikin::Layout layOut(const LineRange& range, int direction, const uint16_t* te
         static_cast<size_t>(range.end - range.contextStart), nullptr);
 }
 
-// The coverage of a laid-out line, as wide as its advance and as high as its ink; without pixels
-// when that is too large. Null when memory runs out.
-std::unique_ptr<GxGlyph, void (*)(GxGlyph*)> drawMask(const minikin::Layout& layout,
-                                                      android::Paint& paint) {
-    std::unique_ptr<GxGlyph, void (*)(GxGlyph*)> glyph(new (std::nothrow) GxGlyph, deleteGlyph);
-    if (!glyph) return glyph;
+using OwnedGlyph = std::unique_ptr<GxGlyph, void (*)(GxGlyph*)>;
+
+// Of the mask of a laid-out line: as wide as its advance and as high as its ink. Without pixels.
+GxGlyph maskOf(const minikin::Layout& layout) {
     minikin::MinikinRect bounds;
     layout.getBounds(&bounds);
-    glyph->width = maskExtent(layout.getAdvance());
-    glyph->height = maskExtent(bounds.mBottom - bounds.mTop);
-    glyph->baseline = toInt(-bounds.mTop);
+    GxGlyph glyph;
+    glyph.width = maskExtent(layout.getAdvance());
+    glyph.height = maskExtent(bounds.mBottom - bounds.mTop);
+    glyph.baseline = toInt(-bounds.mTop);
+    return glyph;
+}
+
+// With the line's coverage; without pixels when that is too large. Null when memory runs out.
+OwnedGlyph drawMask(const minikin::Layout& layout, android::Paint& paint) {
+    OwnedGlyph glyph(new (std::nothrow) GxGlyph(maskOf(layout)), deleteGlyph);
+    if (!glyph) return glyph;
     const size_t pixelCount = size_t{glyph->width} * glyph->height;
     if (pixelCount > kMaxMaskPixels) return glyph;
     glyph->pixels = new (std::nothrow) uint8_t[pixelCount]();
@@ -143,12 +149,51 @@ std::unique_ptr<GxGlyph, void (*)(GxGlyph*)> drawMask(const minikin::Layout& lay
         return glyph;
     }
     SkCanvas canvas(bitmap);
+    minikin::MinikinRect bounds;
+    layout.getBounds(&bounds);
     DrawTextFunctor draw{
         layout, canvas, paint,
         SkRect::MakeLTRB(bounds.mLeft, bounds.mTop, bounds.mRight, bounds.mBottom)};
     android::MinikinUtils::forFontRun(layout, &paint, draw);
     return glyph;
 }
+
+// Where _DoRender starts, in 26.6 fixed point, and where it places a mask from there.
+int penOf(int line, int margin) {
+    return saturateInt((int64_t{line} + margin) << kFixedShift);
+}
+
+int maskLeft(const GxGlyph& glyph, int64_t penX) {
+    return saturateInt(glyph.xOffset + (penX >> kFixedShift));
+}
+
+int maskTop(const GxGlyph& glyph, int64_t penY) {
+    return saturateInt((penY >> kFixedShift) - glyph.baseline);
+}
+
+// Box of masks, some of which may have no pixels.
+class MaskBox {
+public:
+    void add(const GxGlyph& glyph, int penX, int penY) {
+        const int left = maskLeft(glyph, penX);
+        const int top = maskTop(glyph, penY);
+        box_.left = std::min(box_.left, left);
+        box_.top = std::min(box_.top, top);
+        box_.right = std::max(box_.right, saturateInt(int64_t{left} + glyph.width));
+        box_.bottom = std::max(box_.bottom, saturateInt(int64_t{top} + glyph.height));
+    }
+    const GxRect& get() const { return box_; }
+
+private:
+    GxRect box_{INT32_MAX, INT32_MAX, INT32_MIN, INT32_MIN};
+};
+
+struct LaidOutLine {
+    GxLineInfo* info;
+    int penX;
+    int penY;
+    minikin::Layout layout;
+};
 
 // Makes the string on first use; null empties it.
 bool storeString(std::unique_ptr<GxString>& string, const char* text) {
@@ -272,24 +317,31 @@ bool GxFontDrawing::drawLines(GxTextObject* text, GxEffect* effect) {
     const int top = effect->getTopOffset();
     android::Paint paint(text->paint());
     List& lines = *text->GetLineInfo();
+    std::vector<LaidOutLine> laidOut;
+    MaskBox box;
     LineRange range;
     for (int i = 0, count = lines.GetCount(); i < count; ++i) {
         auto* line = static_cast<GxLineInfo*>(lines.Get(i));
         if (!line) continue;
-        ClearGlyphList();
         range = LineRange(*line, utf16.get(), length, range);
-        const minikin::Layout layout =
-            layOut(range, line->direction, utf16.get(), length, paint, *typeface);
-        auto mask = drawMask(layout, paint);
+        laidOut.push_back({line, penOf(line->x, left), penOf(line->y, top),
+                           layOut(range, line->direction, utf16.get(), length, paint, *typeface)});
+        const LaidOutLine& last = laidOut.back();
+        box.add(maskOf(last.layout), last.penX, last.penY);
+    }
+    effect->setTextBox(box.get());
+    if (effect->hasFailed()) return false;
+    for (const LaidOutLine& line : laidOut) {
+        ClearGlyphList();
+        auto mask = drawMask(line.layout, paint);
         if (!mask || !glyphList->Add(mask.get())) {
             return ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, kSiteNoMemory);
         }
         static_cast<void>(mask.release());  // the list's from here on
-        _DoRender(saturateInt((int64_t{line->x} + left) << kFixedShift),
-                  saturateInt((int64_t{line->y} + top) << kFixedShift), glyphList.get(), effect,
-                  line->direction);
-        moveBackgroundBox(*line, left, top, layout.getAdvance());
+        _DoRender(line.penX, line.penY, glyphList.get(), effect, line.info->direction);
+        moveBackgroundBox(*line.info, left, top, line.layout.getAdvance());
     }
+    ClearGlyphList();  // the effects need its memory
     return true;
 }
 
@@ -297,13 +349,11 @@ void GxFontDrawing::_DoRender(int x, int y, List* glyphs, GxEffect* effect, int 
     const int count = glyphs ? glyphs->GetCount() : 0;
     if (count < 1 || !effect) return;
     int64_t penX = x;
-    const int64_t baseY = y >> kFixedShift;
     for (int i = 0; i < count; ++i) {
         const auto* glyph =
             static_cast<const GxGlyph*>(glyphs->Get(direction < 0 ? count - 1 - i : i));
         if (!glyph) continue;
-        effect->renderEffectLayer(saturateInt(glyph->xOffset + (penX >> kFixedShift)),
-                                  saturateInt(baseY - glyph->baseline), glyph);
+        effect->renderEffectLayer(maskLeft(*glyph, penX), maskTop(*glyph, y), glyph);
         penX += int64_t{glyph->width} << kFixedShift;
     }
 }

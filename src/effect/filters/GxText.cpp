@@ -11,8 +11,8 @@ void GxText::doPostProcessing(GxECore::ParamPostProcessing* param) {
     const auto width = static_cast<int>(mask.width);
     const auto height = static_cast<int>(mask.height);
     const int blend = param->mode == GXE_MODE_TWO_LAYERS ? GXE_BLEND_DST_OVER_NSA : GXE_BLEND_OTHER;
-    GxBlender().drawBitmapBlend8(0, 0, param->dst, mask.data, width, height, width, property->color,
-                                 blend);
+    GxBlender().drawBitmapBlend8(param->srcLeft, param->srcTop, param->dst, mask.data, width,
+                                 height, width, property->color, blend);
 }
 
 }  // namespace GxFontEffect

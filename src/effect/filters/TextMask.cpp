@@ -22,15 +22,17 @@ TextMask::TextMask(const GxECore::ParamPostProcessing* param) {
     top = box.top;
     width = box.width();
     height = box.height();
-    firstColumn = std::clamp<int64_t>(-left, 0, width);
-    lastColumn = std::clamp<int64_t>(stride - left, firstColumn, width);
-    firstRow = std::clamp<int64_t>(-top, 0, height);
-    lastRow = std::clamp<int64_t>(int64_t{mask.height} - top, firstRow, height);
+    maskLeft = param->srcLeft - left;
+    maskTop = param->srcTop - top;
+    firstColumn = std::clamp<int64_t>(maskLeft, 0, width);
+    lastColumn = std::clamp<int64_t>(maskLeft + stride, firstColumn, width);
+    firstRow = std::clamp<int64_t>(maskTop, 0, height);
+    lastRow = std::clamp<int64_t>(maskTop + mask.height, firstRow, height);
 }
 
 const uint8_t* TextMask::row(int64_t y) const {
     if (y < firstRow || y >= lastRow || firstColumn == lastColumn) return nullptr;
-    return pixels + (top + y) * stride + left + firstColumn;
+    return pixels + (y - maskTop) * stride + firstColumn - maskLeft;
 }
 
 void TextMask::copyTo(uint8_t* corner, int64_t planeStride) const {

@@ -40,7 +40,9 @@ public:
     void copyTo(uint8_t* corner, int64_t stride) const;
 
 private:
-    const uint8_t* pixels = nullptr;  // cell (0, 0) of the bitmap
+    const uint8_t* pixels = nullptr;  // the bitmap's first
+    int64_t maskLeft = 0;             // which lies here in the box
+    int64_t maskTop = 0;
 };
 
 // GxBlender::drawBitmapBlend8 at a position of 64 bits; nothing is drawn where 32 do not do.
