@@ -11,6 +11,7 @@
 #include "raster/BlendCut.h"
 #include "raster/GxBlender.h"
 #include "raster/GxMath.h"
+#include "raster/PlaneMemory.h"
 #include "raster/kernels/BlendRows.h"
 
 namespace GxFontEffect {
@@ -88,10 +89,16 @@ private:
 
 // --- layers ---
 
-std::unique_ptr<GxBitmap> newBitmap(uint32_t width, uint32_t height, uint32_t bytesPerPixel) {
-    std::unique_ptr<GxBitmap> bitmap(new (std::nothrow) GxBitmap(width, height, bytesPerPixel));
-    if (bitmap && !bitmap->data) bitmap.reset();
+std::unique_ptr<PlaneBitmap> newBitmap(uint32_t width, uint32_t height, uint32_t bytesPerPixel) {
+    std::unique_ptr<PlaneBitmap> bitmap(new (std::nothrow)
+                                            PlaneBitmap(width, height, bytesPerPixel));
+    if (bitmap && !bitmap->get()->data) bitmap.reset();
     return bitmap;
+}
+
+// Null without one.
+GxBitmap* bitmapOf(const std::unique_ptr<PlaneBitmap>& plane) {
+    return plane ? plane->get() : nullptr;
 }
 
 kernels::Rgba* pixelsOf(const GxBitmap* layer) {
@@ -457,7 +464,7 @@ void GxEffect::setTextBox(const GxRect& box) {
 void GxEffect::allocateLayers(uint32_t maskWidth, uint32_t maskHeight, uint32_t backHeight) {
     const bool hasTwo = mode == GXE_MODE_TWO_LAYERS;
     ownSrcBitmap = newBitmap(maskWidth, maskHeight, 1);
-    srcBitmap = ownSrcBitmap.get();
+    srcBitmap = bitmapOf(ownSrcBitmap);
     backBitmap = hasTwo ? newBitmap(outputWidth, backHeight, 4) : nullptr;
     renderFailed = renderFailed || !srcBitmap || (hasTwo && !backBitmap);
 }
@@ -524,8 +531,9 @@ GxRect GxEffect::grownByReach(const GxRect& box) const {
 
 // A mask of the caller's may have coverage outside the text's box.
 bool GxEffect::startedEmpty(const GxBitmap* layer) const {
-    return output == Output::kFreshWords && isMask(srcBitmap) && srcBitmap == ownSrcBitmap.get() &&
-           layer->width == outputWidth && layer->height == outputHeight;
+    return output == Output::kFreshWords && isMask(srcBitmap) &&
+           srcBitmap == bitmapOf(ownSrcBitmap) && layer->width == outputWidth &&
+           layer->height == outputHeight;
 }
 
 // Calls step(first, count, coverage) for stretches of the layer's pixels that all steps together
@@ -608,9 +616,10 @@ void GxEffect::renderCores() {
 
     // Both layers have the same rows.
     GxBitmap* front = dstBitmap;
+    GxBitmap* back = bitmapOf(backBitmap);
     std::optional<LayerRows> rows;
-    if (hasTwo && backBitmap && output == Output::kFreshWords) {
-        front = &rows.emplace(*dstBitmap, backTop, backBitmap->height);
+    if (back && output == Output::kFreshWords) {
+        front = &rows.emplace(*dstBitmap, backTop, back->height);
         box.top -= backTop;
         box.bottom -= backTop;
     }
@@ -622,7 +631,7 @@ void GxEffect::renderCores() {
             clearUncovered();
             confine = false;
         }
-        param.dst = hasTwo && place.target != EffectTarget::kOutput ? backBitmap.get() : front;
+        param.dst = hasTwo && place.target != EffectTarget::kOutput ? back : front;
         param.other = hasTwo && place.target == EffectTarget::kBoth ? front : nullptr;
         param.outOfMemory = false;
         core->doPostProcessing(&param);
@@ -636,21 +645,21 @@ void GxEffect::compositeLayers(GxBitmap* result) {
     __android_log_print(ANDROID_LOG_DEBUG, kTag, "CompositeLayers(%p) - start", this);
     if (isLayer(result)) {
         const bool fresh = output == Output::kFreshWords;
-        const bool mixes = mode == GXE_MODE_TWO_LAYERS && isLayer(backBitmap.get()) &&
-                           (!fresh || startedEmpty(result));
+        const GxBitmap* back = bitmapOf(backBitmap);
+        const bool mixes = isLayer(back) && (!fresh || startedEmpty(result));
         const uint64_t aboveBack = uint64_t{result->width} * static_cast<uint64_t>(backTop);
-        const uint64_t mixed = mixes ? aboveBack + backBitmap->pixelCount() : 0;
+        const uint64_t mixed = mixes ? aboveBack + back->pixelCount() : 0;
         const uint32_t alpha = textAlpha < 0 ? 255u : static_cast<uint32_t>(textAlpha);
         const auto fade = fresh ? kernels::fadeIntoWordsRow : kernels::fadeAndUnpremultiplyRow;
         forEachSpan(*result, [&](uint64_t first, uint64_t count, const uint8_t* coverage) {
             kernels::Rgba* pixels = pixelsOf(result) + first;
             if (first >= aboveBack && first < mixed) {
-                const kernels::Rgba* back = pixelsOf(backBitmap.get()) + (first - aboveBack);
+                const kernels::Rgba* beneath = pixelsOf(back) + (first - aboveBack);
                 const uint64_t both = std::min(count, mixed - first);
                 if (coverage) {
-                    kernels::mixLayersRow(pixels, back, coverage, both);
+                    kernels::mixLayersRow(pixels, beneath, coverage, both);
                 } else if (fresh) {
-                    std::copy_n(back, both, pixels);  // a weight of 255 leaves it as it is
+                    std::copy_n(beneath, both, pixels);  // a weight of 255 leaves it as it is
                 }
             }
             fade(pixels, count, alpha);

@@ -14,7 +14,7 @@
 
 namespace GxFontEffect {
 
-enum class EffectTarget;  // effect/GxCoreFactory.h
+class PlaneBitmap;  // raster/PlaneMemory.h
 
 // Ordered set of effects, each style at most once, and the four steps of a render:
 //
@@ -177,10 +177,10 @@ private:
 
     std::vector<std::unique_ptr<GxECoreBase>> effects;
     std::vector<GxECoreBase*> layers;
-    std::unique_ptr<GxBitmap> ownSrcBitmap;
+    std::unique_ptr<PlaneBitmap> ownSrcBitmap;
     GxBitmap* srcBitmap = nullptr;  // the own one unless a caller set another
     GxBitmap* dstBitmap = nullptr;
-    std::unique_ptr<GxBitmap> backBitmap;
+    std::unique_ptr<PlaneBitmap> backBitmap;
     // Of the render: extents of the output, and where the mask and the rows of the back layer lie
     // in it.
     uint32_t outputWidth = 0;

@@ -30,6 +30,7 @@
 #include "font/FontManager.h"
 #include "raster/GxBitmap.h"
 #include "raster/GxMath.h"
+#include "raster/PlaneMemory.h"
 #include "text/GxFontDrawing.h"
 #include "text/GxLineInfo.h"
 #include "text/GxTextInstanceManager.h"
@@ -181,6 +182,14 @@ SkIRect cutTo(const SkIRect& bounds, int64_t left, int64_t top, int64_t right, i
     return cut.intersect(bounds) ? cut : SkIRect::MakeEmpty();
 }
 
+// The smallest rectangle around both, of which either may be empty.
+SkIRect unite(const SkIRect& a, const SkIRect& b) {
+    if (a.isEmpty()) return b;
+    if (b.isEmpty()) return a;
+    return SkIRect::MakeLTRB(std::min(a.fLeft, b.fLeft), std::min(a.fTop, b.fTop),
+                             std::max(a.fRight, b.fRight), std::max(a.fBottom, b.fBottom));
+}
+
 // Padding cuts the text, but not on the side that the gravity pushes it to.
 SkIRect clipOf(const GxView& view, const SkIRect& bounds) {
     const uint32_t horizontal = view.gravity & GxView::kHorizontalGravityMask;
@@ -233,15 +242,17 @@ public:
         }
     }
 
+    // Of all boxes.
+    SkIRect bounds() const {
+        SkIRect all = SkIRect::MakeEmpty();
+        for (const SkIRect& box : boxes_) all = unite(all, box);
+        return all;
+    }
+
     // Throws std::bad_alloc before anything is drawn.
     void drawUnder(const GxBitmap& picture) const {
         if (boxes_.empty()) return;
-        SkIRect all = boxes_.front();
-        for (const SkIRect& box : boxes_) {
-            all = SkIRect::MakeLTRB(std::min(all.fLeft, box.fLeft), std::min(all.fTop, box.fTop),
-                                    std::max(all.fRight, box.fRight),
-                                    std::max(all.fBottom, box.fBottom));
-        }
+        const SkIRect all = bounds();
         const int width = std::min(all.fRight - all.fLeft, kTileWidth);
         const int height = std::min(all.fBottom - all.fTop, std::max(kTilePixels / width, 1));
         const GxBitmap tile(static_cast<uint32_t>(width), static_cast<uint32_t>(height), 4);
@@ -352,7 +363,7 @@ public:
     ~GxTextObjectImpl() { clearLineInfoList(*lineInfoList); }
 
     // Clips what the font drawing has drawn, and lays the background boxes under it.
-    void compose(const GxBitmap& picture) const;
+    void compose(PlaneBitmap& picture) const;
 
     std::unique_ptr<GxString> text;
     std::unique_ptr<GxFontDrawing> fontDrawing;
@@ -360,7 +371,7 @@ public:
     std::unique_ptr<List> lineInfoList;  // of owned GxLineInfo
     int32_t runtimeHandle = -1;
     uint32_t textStyle = 0;
-    std::unique_ptr<GxBitmap> resultBitmap;
+    std::unique_ptr<PlaneBitmap> result;
     std::unique_ptr<GxView> view;
     std::unique_ptr<const android::Paint> paint;
     uint32_t backgroundColor = 0;
@@ -368,12 +379,18 @@ public:
     uint32_t textColor = kOpaqueBlack;
 };
 
-void GxTextObjectImpl::compose(const GxBitmap& picture) const {
-    const SkIRect clip = clipOf(*view, boundsOf(picture));
-    const GxRect& painted = effect->getPaintedRect();
-    clearOutside(picture, clip,
-                 SkIRect::MakeLTRB(painted.left, painted.top, painted.right, painted.bottom));
-    if (backgroundEnabled) Background(*lineInfoList, clip, backgroundColor).drawUnder(picture);
+void GxTextObjectImpl::compose(PlaneBitmap& picture) const {
+    const GxBitmap& bitmap = *picture.get();
+    const SkIRect clip = clipOf(*view, boundsOf(bitmap));
+    const GxRect& drawn = effect->getPaintedRect();
+    SkIRect painted = SkIRect::MakeLTRB(drawn.left, drawn.top, drawn.right, drawn.bottom);
+    clearOutside(bitmap, clip, painted);
+    if (backgroundEnabled) {
+        const Background background(*lineInfoList, clip, backgroundColor);
+        background.drawUnder(bitmap);
+        painted = unite(painted, background.bounds());
+    }
+    picture.setPainted(GxRect(painted.fLeft, painted.fTop, painted.fRight, painted.fBottom));
 }
 
 GxTextObject::GxTextObject() {
@@ -425,22 +442,25 @@ const uint32_t* GxTextObject::RenderTextEffect(int width, int height) {
         __android_log_print(ANDROID_LOG_DEBUG, kTag, "RenderTextEffect(%p / %d) <<< End.", this,
                             impl->runtimeHandle);
     }
-    return impl->resultBitmap ? reinterpret_cast<const uint32_t*>(impl->resultBitmap->data)
-                              : nullptr;
+    return impl->result ? reinterpret_cast<const uint32_t*>(impl->result->get()->data) : nullptr;
 }
 
 // Replaces the image by another object, when all of it could be had.
 bool GxTextObject::draw(int width, int height) {
-    auto picture =
-        std::make_unique<GxBitmap>(static_cast<uint32_t>(width), static_cast<uint32_t>(height), 4);
-    if (!picture->data) throw std::bad_alloc();
+    auto picture = std::make_unique<PlaneBitmap>(static_cast<uint32_t>(width),
+                                                 static_cast<uint32_t>(height), 4);
+    if (!picture->get()->data) throw std::bad_alloc();
     BackgroundBoxes boxes(*impl->lineInfoList);
     impl->effect->setOutput(GxEffect::Output::kFreshWords);
-    if (!impl->fontDrawing->DrawTextEffect(this, picture.get())) throw std::bad_alloc();
+    if (!impl->fontDrawing->DrawTextEffect(this, picture->get())) throw std::bad_alloc();
     impl->compose(*picture);
-    impl->resultBitmap = std::move(picture);
+    impl->result = std::move(picture);
     boxes.keep();
     return true;
+}
+
+void GxTextObject::ReleaseKeptPlanes() {
+    releaseKeptPlanes();
 }
 
 bool GxTextObject::FitBitmapToView() {
@@ -458,7 +478,8 @@ bool GxTextObject::FitBitmapToView() {
 }
 
 const GxBitmap* GxTextObject::GetResultBitmap() const {
-    return requireConstructed(kSiteResultBitmap) ? impl->resultBitmap.get() : nullptr;
+    if (!requireConstructed(kSiteResultBitmap) || !impl->result) return nullptr;
+    return impl->result->get();
 }
 
 int GxTextObject::GetRuntimeHandle() const {

@@ -62,6 +62,10 @@ public:
     // none, and the lines' background boxes are as before.
     const uint32_t* RenderTextEffect(int width, int height);
 
+    // Renders keep the memory that they no longer need for the next ones, of any object: at most
+    // 96 MiB in the process. This gives it back to the allocator, on any thread and at any time.
+    static void ReleaseKeptPlanes();
+
     // Sizes the view's bitmap (GxView::GetBitmapWidth and -Height) to the view and the margins of
     // the effects: what a render needs so that no effect is cut. Wanted after every change of the
     // view's size or of the effects. False with error 7, and nothing stored, when a side exceeds

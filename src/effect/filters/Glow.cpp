@@ -42,7 +42,7 @@ struct Geometry {
     int64_t radius;  // of the blur
 };
 
-// All memory of one glow. Both planes come in one allocation (see WorkPlane).
+// All memory of one glow.
 struct Planes {
     explicit Planes(const Geometry& geometry)
         : mask(geometry.width, 2 * geometry.height),

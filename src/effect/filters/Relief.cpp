@@ -54,7 +54,7 @@ struct Geometry {
     int64_t paintedHeight;
 };
 
-// All memory of one relief, in one allocation (see WorkPlane): 9 bytes per cell of the plane, and
+// All memory of one relief, in one allocation: 9 bytes per cell of the plane, and
 // what the kernels work in.
 struct Planes {
     explicit Planes(const Geometry& geometry)

@@ -8,6 +8,7 @@
 #include <memory>
 
 #include "effect/GxECore.h"
+#include "raster/PlaneMemory.h"
 
 namespace GxFontEffect {
 
@@ -18,27 +19,26 @@ struct FreeDeleter {
 template <typename T>
 using CArray = std::unique_ptr<T[], FreeDeleter>;
 
-enum class Contents { kZeros, kAny };
-
-// width x height elements. Null when memory runs out, for a negative extent, and for more
-// than 2^31 - 1 bytes: the filters' geometry is in 32 bits, and a record with a huge size must not
-// claim all memory.
+// Bytes of width x height elements. What no allocator has for a negative extent and for more than
+// 2^31 - 1 bytes: the filters' geometry is in 32 bits, and a record with a huge size must not claim
+// all memory.
 template <typename T>
-CArray<T> allocateCells(int64_t width, int64_t height, Contents contents = Contents::kZeros) {
+size_t cellBytes(int64_t width, int64_t height) {
     constexpr int64_t kMaxCount = std::numeric_limits<int32_t>::max() / int64_t{sizeof(T)};
     int64_t count = 0;
-    if (width < 0 || height < 0 || __builtin_mul_overflow(width, height, &count)) return nullptr;
-    if (count > kMaxCount) return nullptr;
+    if (width < 0 || height < 0 || __builtin_mul_overflow(width, height, &count)) return SIZE_MAX;
+    if (count > kMaxCount) return SIZE_MAX;
     // At least one element: an empty plane is not a failed one.
-    const auto cells = static_cast<size_t>(count) + 1;
-    return CArray<T>(static_cast<T*>(contents == Contents::kZeros
-                                         ? std::calloc(cells, sizeof(T))
-                                         : std::malloc(cells * sizeof(T))));
+    return (static_cast<size_t>(count) + 1) * sizeof(T);
 }
 
-// A filter's large planes are best one allocation: allocators hand the memory of several back to
-// the system after each call, and fetching its pages again takes longer than most filters do.
-//
+// width x height zeros that outlive the filter; null like an allocation that failed.
+template <typename T>
+CArray<T> allocateCells(int64_t width, int64_t height) {
+    const size_t bytes = cellBytes<T>(width, height);
+    return CArray<T>(bytes == SIZE_MAX ? nullptr : static_cast<T*>(std::calloc(bytes, 1)));
+}
+
 // A plane, rows packed, owned. Test it before use: extents that are negative or too large fail like
 // an allocation.
 template <typename T>
@@ -48,18 +48,18 @@ public:
                        Contents contents = Contents::kZeros)
         : width(planeWidth),
           height(planeHeight),
-          cells(allocateCells<T>(planeWidth, planeHeight, contents)) {}
+          memory(cellBytes<T>(planeWidth, planeHeight), contents) {}
 
-    explicit operator bool() const { return cells != nullptr; }
-    T* data() const { return cells.get(); }
-    T* row(int64_t y) const { return cells.get() + y * width; }
+    explicit operator bool() const { return memory.get() != nullptr; }
+    T* data() const { return static_cast<T*>(memory.get()); }
+    T* row(int64_t y) const { return data() + y * width; }
     int64_t count() const { return width * height; }
 
     const int64_t width;
     const int64_t height;
 
 private:
-    CArray<T> cells;
+    PlaneMemory memory;
 };
 
 // Whether a filter has all of its memory; when not, the block says so.
