@@ -17,6 +17,8 @@ public:
         setLines({L"First" + digits + L" Second" + digits + L" Third" + digits});
         render(60, 20);
     }
+    void renderSmall() { render(200, 100); }
+    void renderLarge() { render(2000, 1500); }
 };
 
 size_t heapBytes() {
@@ -31,6 +33,22 @@ TEST(TitleMemory, StaysFlatOverEverNewTitles) {
     if (before == 0) GTEST_SKIP() << "another allocator, that of a sanitizer, keeps no count";
     for (; number < 4000; ++number) Title title(number);
     EXPECT_LT(heapBytes(), before + (size_t{64} << 10));
+}
+
+// By themselves when other renders do without them, or when asked.
+TEST(TitleMemory, PlanesThatAreKeptAreGivenBack) {
+    constexpr size_t kLarge = size_t{2000} * 1500 * 4;
+    Title(0).renderLarge();
+    GxTextObject::ReleaseKeptPlanes();
+    const size_t before = heapBytes();
+    if (before == 0) GTEST_SKIP() << "another allocator, that of a sanitizer, keeps no count";
+    Title(0).renderLarge();
+    EXPECT_GT(heapBytes(), before + kLarge / 2);
+    GxTextObject::ReleaseKeptPlanes();
+    EXPECT_LT(heapBytes(), before + kLarge / 2);
+    Title(0).renderLarge();
+    for (int i = 0; i < 400; ++i) Title(1).renderSmall();
+    EXPECT_LT(heapBytes(), before + kLarge / 2);
 }
 
 }  // namespace
