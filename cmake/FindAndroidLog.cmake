@@ -17,12 +17,13 @@ include(FindPackageHandleStandardArgs)
 find_package_handle_standard_args(AndroidLog REQUIRED_VARS AndroidLog_LIBRARY AndroidLog_INCLUDE_DIR)
 
 if(AndroidLog_FOUND AND NOT TARGET AndroidLog::AndroidLog)
-    # Debian keeps the library in a folder that the loader does not search, so programs need its path.
+    # Debian keeps the library in a folder that the loader does not search, so programs need its path; not those with
+    # functions of their own in its place, whose every library would be looked for there first.
     get_filename_component(AndroidLog_DIR "${AndroidLog_LIBRARY}" DIRECTORY)
     add_library(AndroidLog::AndroidLog UNKNOWN IMPORTED)
     set_target_properties(AndroidLog::AndroidLog PROPERTIES
         IMPORTED_LOCATION "${AndroidLog_LIBRARY}"
         INTERFACE_INCLUDE_DIRECTORIES "${AndroidLog_INCLUDE_DIR}"
-        INTERFACE_LINK_OPTIONS "-Wl,-rpath,${AndroidLog_DIR}")
+        INTERFACE_LINK_OPTIONS "$<$<NOT:$<BOOL:$<TARGET_PROPERTY:GXTEXT_OWN_LOG>>>:-Wl,-rpath,${AndroidLog_DIR}>")
 endif()
 mark_as_advanced(AndroidLog_INCLUDE_DIR AndroidLog_LIBRARY)
