@@ -9,6 +9,7 @@
 
 #include "effect/GxCoreFactory.h"
 #include "raster/BlendCut.h"
+#include "raster/BorrowedBitmap.h"
 #include "raster/GxBlender.h"
 #include "raster/GxMath.h"
 #include "raster/PlaneMemory.h"
@@ -104,21 +105,6 @@ GxBitmap* bitmapOf(const std::unique_ptr<PlaneBitmap>& plane) {
 kernels::Rgba* pixelsOf(const GxBitmap* layer) {
     return reinterpret_cast<kernels::Rgba*>(layer->data);
 }
-
-// Some rows of a layer as a layer of their own, without its pixels' ownership.
-class LayerRows : public GxBitmap {
-public:
-    LayerRows(const GxBitmap& layer, int32_t top, uint32_t rows) {
-        width = layer.width;
-        height = rows;
-        format = layer.format;
-        bytesPerPixel = layer.bytesPerPixel;
-        data = layer.data + size_t{layer.width} * 4 * static_cast<size_t>(top);
-    }
-    LayerRows(const LayerRows&) = delete;
-    LayerRows& operator=(const LayerRows&) = delete;
-    ~LayerRows() override { data = nullptr; }
-};
 
 // What `width` x `height` pixels hold of `box`; no pixels where it has none.
 GxRect cutTo(uint32_t width, uint32_t height, const GxRect& box) {
@@ -617,9 +603,10 @@ void GxEffect::renderCores() {
     // Both layers have the same rows.
     GxBitmap* front = dstBitmap;
     GxBitmap* back = bitmapOf(backBitmap);
-    std::optional<LayerRows> rows;
+    std::optional<BorrowedBitmap> rows;
     if (back && output == Output::kFreshWords) {
-        front = &rows.emplace(*dstBitmap, backTop, back->height);
+        front = &rows.emplace(pixelsOf(dstBitmap) + size_t{outputWidth} * size_t(backTop),
+                              outputWidth, back->height, 4);
         box.top -= backTop;
         box.bottom -= backTop;
     }

@@ -31,24 +31,13 @@ struct Block {
     uint64_t ended = 0;  // which of all blocks that were kept
 };
 
-// Only a hint: the answer does not matter.
-void askForLargePages([[maybe_unused]] const Block& block) {
-#ifdef MADV_HUGEPAGE
-    if (!block.data || block.capacity < kLargeBytes) return;
-    const uintptr_t first = reinterpret_cast<uintptr_t>(block.data) + kPageBytes - 1;
-    const uintptr_t end = reinterpret_cast<uintptr_t>(block.data) + block.capacity;
-    const uintptr_t begin = first - first % kPageBytes;
-    madvise(reinterpret_cast<void*>(begin), end - end % kPageBytes - begin, MADV_HUGEPAGE);
-#endif
-}
-
 Block allocate(size_t bytes, Contents contents) {
     if (bytes > PTRDIFF_MAX) return {};
     // At least one byte: an empty plane is not a failed one.
     const size_t size = std::max<size_t>(bytes, 1);
     const Block block = {
         contents == Contents::kZeros ? std::calloc(size, 1) : std::malloc(size), bytes, {}, 0};
-    askForLargePages(block);
+    askForLargePages(block.data, bytes);
     return block;
 }
 
@@ -145,18 +134,23 @@ PlaneMemory::~PlaneMemory() {
     }
 }
 
+void askForLargePages([[maybe_unused]] void* memory, [[maybe_unused]] size_t bytes) {
+#ifdef MADV_HUGEPAGE
+    if (!memory || bytes < kLargeBytes) return;
+    const uintptr_t first = reinterpret_cast<uintptr_t>(memory) + kPageBytes - 1;
+    const uintptr_t end = reinterpret_cast<uintptr_t>(memory) + bytes;
+    const uintptr_t begin = first - first % kPageBytes;
+    madvise(reinterpret_cast<void*>(begin), end - end % kPageBytes - begin, MADV_HUGEPAGE);
+#endif
+}
+
 void releaseKeptPlanes() {
     store.release();
 }
 
 PlaneBitmap::PlaneBitmap(uint32_t width, uint32_t height, uint32_t bytesPerPixel)
-    : memory_(bytesOf(width, height, bytesPerPixel), Contents::kZeros) {
-    bitmap_.width = width;
-    bitmap_.height = height;
-    bitmap_.bytesPerPixel = bytesPerPixel;
-    bitmap_.format = bytesPerPixel == 4 ? GxBitmap::kColor32 : GxBitmap::kMask8;
-    bitmap_.data = static_cast<uint8_t*>(memory_.get());
-}
+    : memory_(bytesOf(width, height, bytesPerPixel), Contents::kZeros),
+      bitmap_(memory_.get(), width, height, bytesPerPixel) {}
 
 void PlaneBitmap::setPainted(const GxRect& painted) {
     const auto inside = [](int32_t edge, uint32_t extent) {

@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "GxExport.h"
+#include "raster/BorrowedBitmap.h"
 #include "raster/GxBitmap.h"
 
 namespace GxFontEffect {
@@ -44,13 +45,16 @@ private:
 // Gives what is kept back to the allocator.
 void releaseKeptPlanes();
 
+// Asks for large pages, where the system has them, for a large block that nothing has touched. Only
+// a hint.
+void askForLargePages(void* memory, size_t bytes);
+
 // A bitmap in such memory, zero-filled. Without data when memory runs out.
 class PlaneBitmap {
 public:
     PlaneBitmap(uint32_t width, uint32_t height, uint32_t bytesPerPixel);
     PlaneBitmap(const PlaneBitmap&) = delete;
     PlaneBitmap& operator=(const PlaneBitmap&) = delete;
-    ~PlaneBitmap() { bitmap_.data = nullptr; }
 
     GxBitmap* get() { return &bitmap_; }
     const GxBitmap* get() const { return &bitmap_; }
@@ -60,7 +64,7 @@ public:
 
 private:
     PlaneMemory memory_;
-    GxBitmap bitmap_;
+    BorrowedBitmap bitmap_;
 };
 
 }  // namespace GxFontEffect

@@ -14,6 +14,7 @@
 #include "base/List.h"
 #include "effect/GxEffect.h"
 #include "raster/GxMath.h"
+#include "raster/PlaneMemory.h"
 #include "scene/FontLibrary.h"
 #include "scene/Measurer.h"
 #include "scene/Pattern.h"
@@ -214,9 +215,13 @@ std::vector<uint32_t> Renderer::Impl::draw(const Arrangement& arrangement) {
     }
     require(object_.SetLineInfo(&list));
     for (auto& record : records) static_cast<void>(record.release());  // the object's from here on
-    const uint32_t* pixels = object_.RenderTextEffect(arrangement.width, arrangement.height);
-    require(pixels != nullptr);
-    return {pixels, pixels + size_t(arrangement.width) * size_t(arrangement.height)};
+    std::vector<uint32_t> pixels;
+    const size_t count = size_t(arrangement.width) * size_t(arrangement.height);
+    pixels.reserve(count);
+    askForLargePages(pixels.data(), count * sizeof(uint32_t));
+    pixels.resize(count);
+    require(object_.RenderTextEffectInto(pixels.data(), arrangement.width, arrangement.height));
+    return pixels;
 }
 
 Renderer::Renderer(FontSource fonts) : impl_(std::make_unique<Impl>(std::move(fonts))) {}

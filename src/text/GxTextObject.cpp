@@ -28,6 +28,7 @@
 #include "base/Unicode.h"
 #include "effect/GxEffect.h"
 #include "font/FontManager.h"
+#include "raster/BorrowedBitmap.h"
 #include "raster/GxBitmap.h"
 #include "raster/GxMath.h"
 #include "raster/PlaneMemory.h"
@@ -52,6 +53,7 @@ constexpr int kSiteConstructNoMemory = 235;
 constexpr int kSiteRenderBadSize = 250;
 constexpr int kSiteRenderNoFontDrawing = 266;
 constexpr int kSiteRenderNoMemory = 270;
+constexpr int kSiteRenderNoPixels = 272;
 constexpr int kSiteResultBitmap = 280;
 constexpr int kSiteTextNoMemory = 400;
 constexpr int kSiteCountedText = 430;
@@ -362,8 +364,9 @@ public:
     GxTextObjectImpl& operator=(const GxTextObjectImpl&) = delete;
     ~GxTextObjectImpl() { clearLineInfoList(*lineInfoList); }
 
-    // Clips what the font drawing has drawn, and lays the background boxes under it.
-    void compose(PlaneBitmap& picture) const;
+    // Clips what the font drawing has drawn, and lays the background boxes under it. Returns the
+    // box of both.
+    GxRect compose(const GxBitmap& picture) const;
 
     std::unique_ptr<GxString> text;
     std::unique_ptr<GxFontDrawing> fontDrawing;
@@ -379,18 +382,17 @@ public:
     uint32_t textColor = kOpaqueBlack;
 };
 
-void GxTextObjectImpl::compose(PlaneBitmap& picture) const {
-    const GxBitmap& bitmap = *picture.get();
-    const SkIRect clip = clipOf(*view, boundsOf(bitmap));
+GxRect GxTextObjectImpl::compose(const GxBitmap& picture) const {
+    const SkIRect clip = clipOf(*view, boundsOf(picture));
     const GxRect& drawn = effect->getPaintedRect();
     SkIRect painted = SkIRect::MakeLTRB(drawn.left, drawn.top, drawn.right, drawn.bottom);
-    clearOutside(bitmap, clip, painted);
+    clearOutside(picture, clip, painted);
     if (backgroundEnabled) {
         const Background background(*lineInfoList, clip, backgroundColor);
-        background.drawUnder(bitmap);
+        background.drawUnder(picture);
         painted = unite(painted, background.bounds());
     }
-    picture.setPainted(GxRect(painted.fLeft, painted.fTop, painted.fRight, painted.fBottom));
+    return GxRect(painted.fLeft, painted.fTop, painted.fRight, painted.fBottom);
 }
 
 GxTextObject::GxTextObject() {
@@ -425,38 +427,60 @@ bool GxTextObject::Construct() {
     });
 }
 
-const uint32_t* GxTextObject::RenderTextEffect(int width, int height) {
-    if (!requireConstructed(248)) return nullptr;
+// Whatever stops a render halfway, the effect stack borrows nothing afterwards.
+template <typename Draw>
+bool GxTextObject::renderGuarded(int width, int height, Draw drawPicture) {
+    if (!requireConstructed(248)) return false;
     __android_log_print(ANDROID_LOG_DEBUG, kTag,
                         "RenderTextEffect(%p / %d) >>> Start! - (w=%d,h=%d)", this,
                         impl->runtimeHandle, width, height);
     if (width < 0 || height < 0) {
-        ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, kSiteRenderBadSize);
-    } else if (!impl->fontDrawing) {
-        ReportNativeError(kTag, GXE_ERROR_NOT_CONSTRUCTED, kSiteRenderNoFontDrawing);
-    } else {
-        GuardMemory(kTag, kSiteRenderNoMemory, [&] { return draw(width, height); });
-        // A render that stopped halfway still borrows the effect bitmap.
-        impl->effect->releaseBitmap();
-        impl->effect->setOutput(GxEffect::Output::kAny);
-        __android_log_print(ANDROID_LOG_DEBUG, kTag, "RenderTextEffect(%p / %d) <<< End.", this,
-                            impl->runtimeHandle);
+        return ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, kSiteRenderBadSize);
     }
-    return impl->result ? reinterpret_cast<const uint32_t*>(impl->result->get()->data) : nullptr;
+    if (!impl->fontDrawing) {
+        return ReportNativeError(kTag, GXE_ERROR_NOT_CONSTRUCTED, kSiteRenderNoFontDrawing);
+    }
+    const bool done = GuardMemory(kTag, kSiteRenderNoMemory, [&] {
+        drawPicture(static_cast<uint32_t>(width), static_cast<uint32_t>(height));
+        return true;
+    });
+    impl->effect->releaseBitmap();
+    impl->effect->setOutput(GxEffect::Output::kAny);
+    __android_log_print(ANDROID_LOG_DEBUG, kTag, "RenderTextEffect(%p / %d) <<< End.", this,
+                        impl->runtimeHandle);
+    return done;
 }
 
-// Replaces the image by another object, when all of it could be had.
-bool GxTextObject::draw(int width, int height) {
-    auto picture = std::make_unique<PlaneBitmap>(static_cast<uint32_t>(width),
-                                                 static_cast<uint32_t>(height), 4);
-    if (!picture->get()->data) throw std::bad_alloc();
+const uint32_t* GxTextObject::RenderTextEffect(int width, int height) {
+    renderGuarded(width, height, [this](uint32_t columns, uint32_t rows) {
+        auto picture = std::make_unique<PlaneBitmap>(columns, rows, 4);
+        picture->setPainted(draw(*picture->get()));
+        impl->result = std::move(picture);
+    });
+    return impl && impl->result ? reinterpret_cast<const uint32_t*>(impl->result->get()->data)
+                                : nullptr;
+}
+
+bool GxTextObject::RenderTextEffectInto(uint32_t* pixels, int width, int height) {
+    if (impl && !pixels) {
+        return ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, kSiteRenderNoPixels);
+    }
+    return renderGuarded(width, height, [&](uint32_t columns, uint32_t rows) {
+        BorrowedBitmap picture(pixels, columns, rows, 4);
+        draw(picture);
+    });
+}
+
+// Throws std::bad_alloc unless all of it could be drawn, with the lines as they were. Returns what
+// was painted.
+GxRect GxTextObject::draw(GxBitmap& picture) {
+    if (!picture.data) throw std::bad_alloc();
     BackgroundBoxes boxes(*impl->lineInfoList);
     impl->effect->setOutput(GxEffect::Output::kFreshWords);
-    if (!impl->fontDrawing->DrawTextEffect(this, picture->get())) throw std::bad_alloc();
-    impl->compose(*picture);
-    impl->result = std::move(picture);
+    if (!impl->fontDrawing->DrawTextEffect(this, &picture)) throw std::bad_alloc();
+    const GxRect painted = impl->compose(picture);
     boxes.keep();
-    return true;
+    return painted;
 }
 
 void GxTextObject::ReleaseKeptPlanes() {

@@ -18,6 +18,7 @@ namespace GxFontEffect {
 class GxBitmap;
 class GxEffect;
 class GxFontDrawing;
+class GxRect;
 class GxString;
 class GxTextObjectImpl;
 class GxView;
@@ -61,6 +62,11 @@ public:
     // anywhere on the way (error 7) the previous frame's pixels are returned, null if there are
     // none, and the lines' background boxes are as before.
     const uint32_t* RenderTextEffect(int width, int height);
+
+    // The same into pixels of the caller's, width x height words that are all 0 before; the
+    // object's own image stays. False where RenderTextEffect gives the previous frame, and then the
+    // pixels are not the picture.
+    bool RenderTextEffectInto(uint32_t* pixels, int width, int height);
 
     // Renders keep the memory that they no longer need for the next ones, of any object: at most
     // 96 MiB in the process. This gives it back to the allocator, on any thread and at any time.
@@ -138,7 +144,9 @@ private:
     friend class GxFontDrawing;
 
     const android::Paint& paint() const;
-    bool draw(int width, int height);
+    template <typename Draw>
+    bool renderGuarded(int width, int height, Draw drawPicture);
+    GxRect draw(GxBitmap& picture);
     template <typename Text, typename... Length>
     bool storeText(const Text* text, Length... length);
     bool useFont(const char* path, char* data, unsigned size);

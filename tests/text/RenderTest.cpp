@@ -466,6 +466,11 @@ TEST_F(Composition, EqualsThePlainOneForAnyStyleClipAndBackground) {
         const int most = random.oneIn(8) ? 1200 : 140;
         const Image actual = render(random.between(1, most), random.between(1, most));
         for (int i = 0; i < 3; ++i) line(i).rect = boxes[i];
+        Image into = {actual.width, actual.height, {}};
+        into.pixels.resize(actual.pixels.size());
+        ASSERT_TRUE(text.RenderTextEffectInto(into.pixels.data(), into.width, into.height));
+        ASSERT_EQ(into, actual);
+        for (int i = 0; i < 3; ++i) line(i).rect = boxes[i];
         ASSERT_EQ(actual,
                   plainPicture(actual.width, actual.height, hasBackground ? &background : nullptr));
     }
