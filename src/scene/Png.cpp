@@ -11,6 +11,7 @@
 #include <cstring>
 #include <memory>
 
+#include "raster/PlaneMemory.h"
 #include "scene/SceneError.h"
 
 namespace gxtext {
@@ -63,6 +64,7 @@ Sized filteredRows(const uint32_t* pixels, uint32_t width, uint32_t height, Filt
     const size_t size = (rowBytes + 1) * height;
     Sized rows{Bytes(new uint8_t[size]), size};
     uint8_t* to = rows.bytes.get();
+    GxFontEffect::askForLargePages(to, size);
     for (size_t y = 0; y < height; y++, to += rowBytes + 1) {
         *to = filter;
         for (size_t x = 0; x < width; x++) {

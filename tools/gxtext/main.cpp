@@ -9,9 +9,9 @@
 
 namespace {
 
-// The allocator keeps the planes of usual pictures, a few megabytes, for those that follow instead
-// of giving their pages back each time; to get and clear new ones was a tenth of a render.
-void keepPlanes() {
+// The allocator keeps a few megabytes for what follows instead of giving their pages back each time,
+// and has more than it needs: fetching pages is half of what a command takes.
+void keepPages() {
 #ifdef M_MMAP_THRESHOLD
     mallopt(M_MMAP_THRESHOLD, 4 << 20);
     mallopt(M_TRIM_THRESHOLD, 16 << 20);
@@ -22,7 +22,7 @@ void keepPlanes() {
 }  // namespace
 
 int main(int argc, char** argv) {
-    keepPlanes();
+    keepPages();
     unsetenv("HB_OPTIONS");  // HarfBuzz would join clusters, and spacing with them, another way
     return gxtool::run(argc, argv, gxtool::showLibraryLog);
 }
