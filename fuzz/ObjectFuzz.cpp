@@ -154,7 +154,7 @@ void addEffect(FuzzedDataProvider& input, GxEffect& effect) {
 }
 
 void changeEffects(FuzzedDataProvider& input, GxEffect& effect) {
-    switch (input.ConsumeIntegralInRange(0, 5)) {
+    switch (input.ConsumeIntegralInRange(0, 6)) {
         case 0:
             effect.removeEffect(input.ConsumeIntegralInRange(-1, 9));
             break;
@@ -169,6 +169,9 @@ void changeEffects(FuzzedDataProvider& input, GxEffect& effect) {
             break;
         case 4:
             delete[] effect.getMapKey(input.ConsumeIntegral<uint32_t>());
+            break;
+        case 5:
+            effect.setRepeats(input.ConsumeBool());
             break;
         default: {
             const GxEffect copy(effect);

@@ -141,10 +141,11 @@ GxEffect::GxEffect(const GxEffect& other)
       textColor(other.textColor),
       nextId(other.nextId),
       textAlpha(other.textAlpha),
+      repeats(other.repeats),
       confineInside(other.confineInside),
       incompleteCopy(other.incompleteCopy) {
     for (const auto& core : other.effects) {
-        const int copied = addEffect(core->getId(), core->getStyle(), core->getProperty());
+        const int copied = appendEffect(core->getId(), core->getStyle(), core->getProperty());
         incompleteCopy = incompleteCopy || copied < 0;
     }
 }
@@ -170,11 +171,25 @@ GxECoreBase* GxEffect::getEffect(int style) const {
     return nullptr;
 }
 
+GxECoreBase* GxEffect::findEffect(int id) const {
+    for (const auto& core : effects) {
+        if (core->getId() == id) return core.get();
+    }
+    return nullptr;
+}
+
 int GxEffect::addEffect(int id, int style, const GxProperty* property) {
+    if (repeats && style != GXE_STYLE_TEXT) {
+        return appendEffect(findEffect(id) ? -1 : id, style, property);
+    }
     if (GxECoreBase* present = getEffect(style)) {
         present->setProperty(property);
         return property && !present->keptLastProperty() ? -1 : present->getId();
     }
+    return appendEffect(id, style, property);
+}
+
+int GxEffect::appendEffect(int id, int style, const GxProperty* property) {
     // Room first: after it nothing fails but the core's own allocations, and an id handed out is
     // kept.
     try {
@@ -205,20 +220,18 @@ GxECoreBase* GxEffect::createEffect(int id, int style) {
 }
 
 int GxEffect::getNewEffectId() {
-    if (nextId < 0) nextId = 0;
-    const int32_t id = nextId;
-    nextId = id == std::numeric_limits<int32_t>::max() ? -1 : id + 1;
-    return id;
+    for (;;) {
+        if (nextId < 0) nextId = 0;
+        const int32_t id = nextId;
+        nextId = id == std::numeric_limits<int32_t>::max() ? -1 : id + 1;
+        if (!repeats || !findEffect(id)) return id;
+    }
 }
 
 bool GxEffect::removeEffect(int id) {
-    for (const auto& core : effects) {
-        if (core->getId() == id) {
-            releaseEffect(core.get());
-            return true;
-        }
-    }
-    return false;
+    GxECoreBase* core = findEffect(id);
+    releaseEffect(core);
+    return core != nullptr;
 }
 
 void GxEffect::releaseEffect() {
@@ -465,14 +478,13 @@ bool GxEffect::needsTwoLayers() const {
 // From the top of the stacking: effects over the text, the text, effects beneath it, newest first
 // in each group.
 void GxEffect::orderSingleLayer() {
-    const auto rank = [](GxECoreBase* core) { return placeOf(*core).rank; };
+    const auto has = [](EffectRank rank) {
+        return [rank](GxECoreBase* core) { return placeOf(*core).rank == rank; };
+    };
     std::reverse(layers.begin(), layers.end());
-    // Three ranks and a handful of cores: an insertion sort keeps the order and needs no memory.
-    for (size_t i = 1; i < layers.size(); ++i) {
-        for (size_t j = i; j > 0 && rank(layers[j - 1]) > rank(layers[j]); --j) {
-            std::swap(layers[j - 1], layers[j]);
-        }
-    }
+    // These make do without memory when there is none.
+    const auto rest = std::stable_partition(layers.begin(), layers.end(), has(EffectRank::kOver));
+    std::stable_partition(rest, layers.end(), has(EffectRank::kText));
 }
 
 // Newest first, the text fill last.

@@ -16,7 +16,8 @@ namespace GxFontEffect {
 
 class PlaneBitmap;  // raster/PlaneMemory.h
 
-// Ordered set of effects, each style at most once, and the four steps of a render:
+// Ordered set of effects, each style at most once unless repeats are on, and the four steps of a
+// render:
 //
 //   stack.addText(0xFF202020);
 //   stack.initEffect(width, height);          // sizes of the output
@@ -50,6 +51,13 @@ public:
     // its settings.
     int addEffect(int id, int style, const GxProperty* property);
     int addEffect(int style, const GxProperty* property);
+
+    // With repeats, adding always makes a new effect with an id of its own (one that is asked for
+    // and taken gives way to the next free one), so a style may occur any number of times: those
+    // added later lie over those added earlier, as between styles. The text fill stays one. Off by
+    // default; switching it off again leaves the effects that are there.
+    void setRepeats(bool allow) { repeats = allow; }
+    bool getRepeats() const { return repeats; }
 
     // Angles in degrees, any value; sizes and distances in pixels, truncated and clamped to 0-100;
     // opacities clamped to 0-1; colours 0xAARRGGBB, whose own alpha is replaced by the opacity. At
@@ -93,8 +101,10 @@ public:
     // Drops the render's bitmaps.
     void releaseBitmap();
 
-    // Null when the stack has none of that style.
+    // The first one added of that style; null when the stack has none.
     GxECoreBase* getEffect(int style) const;
+    // The effect of that id, or null.
+    GxECoreBase* findEffect(int id) const;
     // The cores in render order, top of the stacking first in single-layer mode. Rebuilt by
     // initEffect.
     const std::vector<GxECoreBase*>& getLayers() const { return layers; }
@@ -160,6 +170,7 @@ public:
 
 private:
     int addText(uint32_t color, const GxTextProperty& record);
+    int appendEffect(int id, int style, const GxProperty* property);
     int margin(int (GxECoreBase::*offset)()) const;
     bool needsTwoLayers() const;
     void orderSingleLayer();
@@ -197,6 +208,7 @@ private:
     uint32_t textColor = 0xFF000000u;
     int32_t nextId = 0;
     int32_t textAlpha = -1;  // of the last text colour; -1 acts as 255
+    bool repeats = false;
     bool confineInside = false;
     bool renderFailed = false;
     bool incompleteCopy = false;

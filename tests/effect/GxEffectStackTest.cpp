@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <functional>
@@ -181,6 +182,42 @@ TEST_F(GxEffectStack, LayerOrders) {
         EXPECT_EQ(stack.getMode(), c.mode);
         EXPECT_EQ(layerStyles(), c.layers) << testing::PrintToString(c.layers);
     }
+}
+
+// Newest on top within a style as between styles, in both modes; the text fill stays one.
+TEST_F(GxEffectStack, RepeatsAreEffectsOfTheirOwn) {
+    stack.setRepeats(true);
+    const auto ids = [&] {
+        std::vector<int> list;
+        for (GxECoreBase* core : stack.getLayers()) list.push_back(core->getId());
+        return list;
+    };
+    for (const int style : {1, 10, 12, 2, 1, 10, 2, 12}) add(style);
+    stack.initEffect(4, 4);
+    EXPECT_THAT(ids(), ElementsAre(6, 3, 2, 5, 4, 1, 0));
+    stack.setTextOpacity(0.5f);
+    stack.initEffect(4, 4);
+    EXPECT_THAT(ids(), ElementsAre(6, 5, 4, 3, 1, 0, 2));
+
+    const GxStrokeProperty wide(9, 0, 1, 0, 1);
+    EXPECT_EQ(stack.addEffect(40, 10, &wide), 40);
+    EXPECT_EQ(stack.addEffect(40, 10, &wide), 7) << "an id that is taken";
+    EXPECT_EQ(stack.addEffect(8, 10, &wide), 8);
+    EXPECT_EQ(stack.addEffect(10, &wide), 9) << "ids in use are skipped";
+    EXPECT_EQ(stack.getEffect(10)->getId(), 1) << "the first of its style";
+    EXPECT_TRUE(stack.removeEffect(1));
+    EXPECT_EQ(stack.getEffect(10)->getId(), 5);
+    EXPECT_EQ(stack.findEffect(1), nullptr);
+
+    GxEffect copy(stack);
+    const std::unique_ptr<char[]> key(stack.getMapKey()), copied(copy.getMapKey());
+    EXPECT_STREQ(key.get(), copied.get());
+    EXPECT_EQ(testing::PrintToString(std::string(key.get())).find("K\x89"), std::string::npos);
+    EXPECT_EQ(std::count(key.get(), key.get() + std::strlen(key.get()), 'K'), 5);
+    EXPECT_EQ(copy.addStrokeText(1, 0, 1, 0, 1), 10) << "a copy repeats too";
+    stack.setRepeats(false);
+    EXPECT_EQ(stack.addStrokeText(1, 0, 1, 0, 1), 5) << "the first one's settings";
+    EXPECT_EQ(GxEffect(stack).findEffect(40)->getId(), 40);
 }
 
 TEST_F(GxEffectStack, TargetsInSingleLayerMode) {
