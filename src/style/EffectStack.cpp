@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <new>
-#include <numeric>
 #include <vector>
 
 #include "effect/GxEffect.h"
@@ -90,36 +89,34 @@ float lengthOf(const Effect& e, float Effect::*length) {
 }
 
 template <typename Record>
-bool setLengths(const Effect& e, GxEffect& stack, int style) {
-    GxECoreBase* core = stack.getEffect(style);
-    const auto* current = dynamic_cast<const Record*>(core->getProperty());
+bool setLengths(const Effect& e, GxECoreBase& core) {
+    const auto* current = dynamic_cast<const Record*>(core.getProperty());
     if (!current) return false;
     Record record = *current;
     record.size = lengthOf(e, &Effect::size);
     if constexpr (requires { record.distance; }) record.distance = lengthOf(e, &Effect::distance);
-    stack.addEffect(style, &record);
-    current = dynamic_cast<const Record*>(core->getProperty());
-    return current->size == record.size;  // or memory ran out, and it keeps the old one
+    core.setProperty(&record);
+    return core.keptLastProperty();
 }
 
 // The add operations keep lengths to what a file allows; a scaled style has longer ones. False when
 // memory ran out.
-bool setLongLengths(const Effect& e, GxEffect& stack) {
+bool setLongLengths(const Effect& e, GxECoreBase& core) {
     constexpr float kLongestAdded = 100.0f;
     if (std::max(lengthOf(e, &Effect::size), lengthOf(e, &Effect::distance)) <= kLongestAdded) {
         return true;
     }
     switch (e.type) {
         case EffectType::kStroke:
-            return setLengths<GxStrokeProperty>(e, stack, GXE_STYLE_STROKE);
+            return setLengths<GxStrokeProperty>(e, core);
         case EffectType::kOuterShadow:
-            return setLengths<GxOuterShadowProperty>(e, stack, GXE_STYLE_OUTER_SHADOW);
+            return setLengths<GxOuterShadowProperty>(e, core);
         case EffectType::kInnerShadow:
-            return setLengths<GxInnerShadowProperty>(e, stack, GXE_STYLE_INNER_SHADOW);
+            return setLengths<GxInnerShadowProperty>(e, core);
         case EffectType::kOuterGlow:
-            return setLengths<GxOuterGlowProperty>(e, stack, GXE_STYLE_OUTER_GLOW);
+            return setLengths<GxOuterGlowProperty>(e, core);
         case EffectType::kInnerGlow:
-            return setLengths<GxInnerGlowProperty>(e, stack, GXE_STYLE_INNER_GLOW);
+            return setLengths<GxInnerGlowProperty>(e, core);
         default:
             return true;  // their operations keep nothing back
     }
@@ -198,8 +195,10 @@ int naturalRank(const Effect& effect) {
 }  // namespace
 
 std::vector<size_t> stackingOrder(const Style& style) {
-    std::vector<size_t> order(style.effects.size());
-    std::iota(order.begin(), order.end(), size_t{0});
+    std::vector<size_t> order;
+    for (size_t i = 0; i < style.effects.size(); i++) {
+        if (style.effects[i].enabled) order.push_back(i);
+    }
     if (style.order == EffectOrder::kNatural) {
         std::stable_sort(order.begin(), order.end(), [&style](size_t a, size_t b) {
             return naturalRank(style.effects[a]) < naturalRank(style.effects[b]);
@@ -209,6 +208,7 @@ std::vector<size_t> stackingOrder(const Style& style) {
 }
 
 void dress(GxEffect& stack, const Style& style, const PatternLoader& loadPattern) {
+    stack.setRepeats(true);
     for (const size_t i : stackingOrder(style)) {
         const Effect& effect = style.effects[i];
         int id = -1;
@@ -219,7 +219,7 @@ void dress(GxEffect& stack, const Style& style, const PatternLoader& loadPattern
             id = add(effect, stack);
         }
         if (id < 0 && hasFilter(stack, effect.type)) throw std::bad_alloc();
-        if (id >= 0 && !setLongLengths(effect, stack)) throw std::bad_alloc();
+        if (id >= 0 && !setLongLengths(effect, *stack.findEffect(id))) throw std::bad_alloc();
     }
 }
 

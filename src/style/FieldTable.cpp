@@ -175,7 +175,7 @@ const std::vector<Field<Style>>& styleFields() {
         {.name = "effects",
          .target = &Style::effects,
          .control = Control::kEffects,
-         .meaning = "Each type at most once"},
+         .meaning = "What is drawn of the text and around it; a type may repeat"},
     };
     return rows;
 }
@@ -186,6 +186,12 @@ const std::vector<Field<Effect>>& effectFields() {
          .effects = EffectSet::all(),
          .meaning = "Which effect this is",
          .required = true},
+        {.name = "enabled",
+         .target = &Effect::enabled,
+         .effects = EffectSet::all(),
+         .initial = true,
+         .control = Control::kSwitch,
+         .meaning = "Whether it is drawn"},
         {.name = "pattern",
          .target = &Effect::pattern,
          .effects = {kPattern},

@@ -131,6 +131,7 @@ GXTEXT_API const Field<Style>& styleField(std::string_view name);
 GXTEXT_API std::string_view effectMeaning(EffectType type);
 
 constexpr int kMaxStops = 256;
+constexpr int kMaxEffects = 256;  // of a style
 
 template <typename T>
 FieldType typeOf(const Field<T>& field) {

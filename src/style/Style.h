@@ -80,6 +80,7 @@ struct GXTEXT_API Effect {
     explicit Effect(EffectType type);
 
     EffectType type;
+    bool enabled = true;
     float angle = 0.0f;     // degrees
     float altitude = 0.0f;  // degrees
     float distance = 0.0f;  // pixels
@@ -169,7 +170,7 @@ struct GXTEXT_API Style {
     Padding padding;
     float lineSpacing = 0.0f;
     EffectOrder order = EffectOrder::kNatural;  // that effects are stacked in
-    std::vector<Effect> effects;                // each type at most once
+    std::vector<Effect> effects;
 
     bool operator==(const Style&) const = default;
 };

@@ -238,15 +238,15 @@ private:
                   std::vector<Effect> T::*target, T& object) {
         const auto* list = value.as<JsonValue::Array>();
         if (!list) return reportOther(value, place, "a list of effects", "a list of effects");
-        std::array<bool, kEffectTypeCount> seen{};
+        if (list->size() > kMaxEffects) {
+            const std::string most = std::to_string(kMaxEffects);
+            return report(place, std::to_string(list->size()) + " effects; at most " + most,
+                          "0-" + most);
+        }
         for (size_t i = 0; i < list->size(); i++) {
             const Place here = place.element(i);
             const auto type = readEffectType((*list)[i], here);
             if (!type) continue;
-            if (std::exchange(seen[static_cast<size_t>(*type)], true)) {
-                report(here.member("type"), "a second " + std::string(effectName(*type)) +
-                                                "; a text has each effect at most once");
-            }
             Effect effect(*type);
             readObject((*list)[i], here, effectFields(*type), effect);
             (object.*target).push_back(std::move(effect));

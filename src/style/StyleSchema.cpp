@@ -35,7 +35,7 @@ ordered_json effects() {
     for (int i = 0; i < kEffectTypeCount; i++) {
         types.push_back(reference(std::string(effectName(static_cast<EffectType>(i)))));
     }
-    return {{"type", "array"}, {"items", {{"oneOf", types}}}};
+    return {{"type", "array"}, {"maxItems", kMaxEffects}, {"items", {{"oneOf", types}}}};
 }
 
 template <typename T>

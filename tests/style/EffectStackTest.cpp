@@ -82,6 +82,7 @@ struct Change {
             static_cast<float>(low + (high - low) * (effect.*member > low ? 0.31 : 0.17));
     }
     void operator()(int Effect::*member) const { effect.*member += 3; }
+    void operator()(bool Effect::*member) const { effect.*member = !(effect.*member); }
     void operator()(Color Effect::*member) const { (effect.*member).argb ^= 0x00336699u; }
     void operator()(std::string Effect::*member) const { effect.*member += "x"; }
     void operator()(std::vector<Stop> Effect::*member) const {
@@ -184,6 +185,24 @@ TEST(EffectStack, AShadowLiesBeneathTheOutline) {
         style.order = EffectOrder::kListed;
         EXPECT_EQ(pixelOf(drawn(style), 34, 28), (std::array<int, 4>{255, 0, 0, 255})) << position;
     }
+}
+
+// The narrow outline over the wide one, whichever is listed first of other effects.
+TEST(EffectStack, RepeatedEffectsLieAsListedAndDisabledOnesNowhere) {
+    Style style = Style::fromJson(R"({"effects": [
+        {"type": "stroke", "size": 9, "color": "#0000FF"}, {"type": "outerShadow"},
+        {"type": "stroke", "size": 4, "color": "#FF0000"}, {"type": "outerShadow", "distance": 12}]})");
+    EXPECT_THAT(stackingOrder(style), testing::ElementsAre(1, 3, 0, 2));
+    const Outcome both = drawn(style);
+    const auto blueAt = [&](size_t x) { return int{both.pixels[(24 * 48 + x) * 4 + 2]}; };
+    EXPECT_EQ(blueAt(36), 0);
+    EXPECT_EQ(blueAt(41), 255);
+    style.effects[2].enabled = style.effects[3].enabled = false;
+    EXPECT_THAT(stackingOrder(style), testing::ElementsAre(1, 0));
+    const Outcome one = drawn(style);
+    style.effects.erase(style.effects.begin() + 2, style.effects.end());
+    EXPECT_TRUE(one == drawn(style));
+    EXPECT_TRUE(one.pixels != both.pixels);
 }
 
 TEST(EffectStack, SizesAreWholePixels) {

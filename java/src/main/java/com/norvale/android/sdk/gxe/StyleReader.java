@@ -57,14 +57,15 @@ final class StyleReader {
             try {
                 builder.addEffect(effect);
             } catch (IllegalArgumentException e) {
-                throw fail(here + ".type", "a second " + effect.getType()
-                        + "; a text has each effect at most once");
+                throw fail(here + ".type",
+                        "a second " + effect.getType() + " is not available from Java");
             }
         }
     }
 
     private static TextEffect readEffect(JsonObject object) {
         String type = object.requireString("type");
+        object.expectOnly("enabled", true);
         TextEffect effect;
         switch (type) {
             case "stroke":
@@ -226,6 +227,15 @@ final class StyleReader {
             if (value != null && asNumber(place + "." + name, value, new Range(0, 99)) != only) {
                 throw fail(place + "." + name,
                         shown(value) + " is not available from Java; only " + (int) only + " is");
+            }
+        }
+
+        /** The same of a switch or a name; with null the field as a whole is lacking. */
+        void expectOnly(String name, Object only) {
+            Object value = take(name);
+            if (value != null && !value.equals(only)) {
+                throw fail(place + "." + name, shown(value) + " is not available from Java"
+                        + (only != null ? "; only " + shown(only) + " is" : ""));
             }
         }
 
