@@ -154,7 +154,7 @@ void addEffect(FuzzedDataProvider& input, GxEffect& effect) {
 }
 
 void changeEffects(FuzzedDataProvider& input, GxEffect& effect) {
-    switch (input.ConsumeIntegralInRange(0, 6)) {
+    switch (input.ConsumeIntegralInRange(0, 7)) {
         case 0:
             effect.removeEffect(input.ConsumeIntegralInRange(-1, 9));
             break;
@@ -172,6 +172,10 @@ void changeEffects(FuzzedDataProvider& input, GxEffect& effect) {
             break;
         case 5:
             effect.setRepeats(input.ConsumeBool());
+            break;
+        case 6:
+            effect.setSilhouette(input.ConsumeIntegralInRange(-1, 9),
+                                 {input.ConsumeIntegralInRange(-1, 2), chooseReach(input)});
             break;
         default: {
             const GxEffect copy(effect);

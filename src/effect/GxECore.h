@@ -39,6 +39,16 @@ enum GxCompositeMode : uint32_t {
     GXE_MODE_TWO_LAYERS = 1,  // effects beneath the text go to a back layer of their own
 };
 
+// What a shadow or a glow takes for the text, see GxEffect::setSilhouette.
+struct GxSilhouette {
+    enum { kLetters = 0, kOutline = 1 };
+
+    int castFrom = kLetters;
+    float spread = 0;  // pixels, truncated and clamped to 0-100
+
+    bool isPlain() const { return castFrom == kLetters && spread == 0; }
+};
+
 // Parameter blocks, built by the stack. All pointers are borrowed for the call.
 namespace GxECore {
 
@@ -63,6 +73,9 @@ struct ParamPostProcessing {
     GxBitmap* other = nullptr;  // the other layer, for cores that paint both; else null
     int32_t srcLeft = 0;        // where the mask's first pixel lies in the layers, 0 or more
     int32_t srcTop = 0;
+    // What an inner shadow blurs instead of `src`, which goes on to confine it: an 8-bit mask of
+    // the same size, nowhere stronger. Null for `src`.
+    GxBitmap* choked = nullptr;
     // Set by a core that painted nothing because its work memory was not to be had or would pass
     // its limit. The stack clears it before each core.
     bool outOfMemory = false;
@@ -113,11 +126,18 @@ public:
     // False when memory ran out in the last setProperty, which kept the record before it.
     virtual bool keptLastProperty() const { return true; }
 
+    // The stack's setting for this effect. Cores do not read it: the stack gives them the mask.
+    void setSilhouette(const GxSilhouette& value) { silhouette = value; }
+    const GxSilhouette& getSilhouette() const { return silhouette; }
+
 protected:
     explicit GxECoreBase(int effectStyle) : style(effectStyle) {}
 
     int32_t style = GXE_STYLE_BASE;
     int32_t id = -1;
+
+private:
+    GxSilhouette silhouette;
 };
 
 // A core whose record owns nothing: setProperty copies it whole. Cores that copy stops or bitmaps

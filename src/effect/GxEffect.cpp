@@ -8,6 +8,7 @@
 #include <optional>
 
 #include "effect/GxCoreFactory.h"
+#include "effect/Silhouettes.h"
 #include "raster/BlendCut.h"
 #include "raster/BorrowedBitmap.h"
 #include "raster/GxBlender.h"
@@ -147,6 +148,7 @@ GxEffect::GxEffect(const GxEffect& other)
     for (const auto& core : other.effects) {
         const int copied = appendEffect(core->getId(), core->getStyle(), core->getProperty());
         incompleteCopy = incompleteCopy || copied < 0;
+        if (copied >= 0) effects.back()->setSilhouette(core->getSilhouette());
     }
 }
 
@@ -264,6 +266,19 @@ void GxEffect::releaseBitmap() {
     dstBitmap = nullptr;
 }
 
+bool GxEffect::setSilhouette(int id, const GxSilhouette& silhouette) {
+    GxECoreBase* core = findEffect(id);
+    if (!core) return false;
+    const CastKind kind = castKindOf(core->getStyle());
+    GxSilhouette kept;
+    if (kind != CastKind::kNone) kept.spread = clampPercent(silhouette.spread);
+    if (kind == CastKind::kOuter && silhouette.castFrom == GxSilhouette::kOutline) {
+        kept.castFrom = GxSilhouette::kOutline;
+    }
+    core->setSilhouette(kept);
+    return true;
+}
+
 void GxEffect::setTextOpacity(float opacity) {
     textOpacity = clampOpacity(opacity);
 }
@@ -379,8 +394,24 @@ int GxEffect::addText(uint32_t color, const GxTextProperty& record) {
 
 int GxEffect::margin(int (GxECoreBase::*offset)()) const {
     int widest = 0;
-    for (const auto& core : effects) widest = std::max(widest, (core.get()->*offset)());
+    for (const auto& core : effects) {
+        const int64_t growth = silhouetteGrowth(*core, offset);
+        widest = std::max(widest, saturateInt((core.get()->*offset)() + growth));
+    }
     return widest;
+}
+
+// How much further an effect reaches because of what it is cast from.
+int64_t GxEffect::silhouetteGrowth(GxECoreBase& core, int (GxECoreBase::*ofStroke)()) const {
+    const GxSilhouette& silhouette = core.getSilhouette();
+    if (castKindOf(core.getStyle()) != CastKind::kOuter) return 0;
+    int widest = 0;
+    for (const auto& other : effects) {
+        const bool isOutline =
+            silhouette.castFrom == GxSilhouette::kOutline && other->getStyle() == GXE_STYLE_STROKE;
+        if (isOutline) widest = std::max(widest, (other.get()->*ofStroke)());
+    }
+    return int64_t{widest} + toInt(silhouette.spread);
 }
 
 int GxEffect::getLeftOffset() const {
@@ -401,13 +432,17 @@ char* GxEffect::getMapKey() {
     for (const auto& core : effects) {
         if (const GxProperty* property = core->getProperty()) {
             length += static_cast<size_t>(property->getSequentialCharLength());
+            length += static_cast<size_t>(silhouetteKeyLength(core->getSilhouette()));
         }
     }
     // Zero-filled: glows and gradients write less than they reserve.
     char* key = new (std::nothrow) char[length + 1]();
     char* cursor = key;
     for (const auto& core : effects) {
-        if (const GxProperty* property = core->getProperty()) property->toSequentialChar(&cursor);
+        const GxProperty* property = core->getProperty();
+        if (property && property->toSequentialChar(&cursor)) {
+            writeSilhouetteKey(core->getSilhouette(), &cursor);
+        }
     }
     return key;
 }
@@ -520,8 +555,11 @@ void GxEffect::clampTextRect() {
 }
 
 GxRect GxEffect::grownByReach(const GxRect& box) const {
-    int reach = 0;
-    for (GxECoreBase* core : layers) reach = std::max(reach, core->getReach());
+    int64_t reach = 0;
+    for (GxECoreBase* core : layers) {
+        const int64_t growth = silhouetteGrowth(*core, &GxECoreBase::getReach);
+        reach = std::max(reach, core->getReach() + growth);
+    }
     return GxRect(saturateInt(int64_t{box.left} - reach), saturateInt(int64_t{box.top} - reach),
                   saturateInt(int64_t{box.right} + reach),
                   saturateInt(int64_t{box.bottom} + reach));
@@ -622,6 +660,11 @@ void GxEffect::renderCores() {
         box.top -= backTop;
         box.bottom -= backTop;
     }
+    const GxRect canvas =
+        output == Output::kFreshWords
+            ? GxRect(0, 0, saturateInt(front->width), saturateInt(front->height))
+            : GxRect(0, 0, saturateInt(srcBitmap->width), saturateInt(srcBitmap->height));
+    Silhouettes silhouettes(param, canvas, layers);
     bool confine = false;  // something over the text has painted, and the text has not
     for (GxECoreBase* core : layers) {
         const EffectPlace place = placeOf(*core);
@@ -633,7 +676,7 @@ void GxEffect::renderCores() {
         param.dst = hasTwo && place.target != EffectTarget::kOutput ? back : front;
         param.other = hasTwo && place.target == EffectTarget::kBoth ? front : nullptr;
         param.outOfMemory = false;
-        core->doPostProcessing(&param);
+        if (silhouettes.choose(*core, param)) core->doPostProcessing(&param);
         renderFailed = renderFailed || param.outOfMemory;
         if (over) confine = confineInside;
     }

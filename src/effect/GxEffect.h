@@ -87,6 +87,17 @@ public:
     int addText(uint32_t color, float opacity);
     int addText(uint32_t color);
 
+    // What a shadow or glow is cast from, until it is removed. False when no effect has the id.
+    //
+    // Outer shadow and outer glow run as if the text were a larger shape. With kOutline it is the
+    // letters together with the bands of all outside and centred strokes of the stack, each pixel
+    // the maximum, whatever the strokes' colours. With a spread it is grown by a further outside
+    // stroke of that size. Margins grow by the spread, and by the widest stroke's. Inner shadow and
+    // inner glow are choked by the spread: the background that they blur reaches that much further
+    // into the letters, which still confine the result; castFrom is not read. Other effects ignore
+    // all of it.
+    bool setSilhouette(int id, const GxSilhouette& silhouette);
+
     // New core of that style, owned by the caller until releaseEffect(core); null for a style
     // without one.
     GxECoreBase* createEffect(int id, int style);
@@ -152,8 +163,9 @@ public:
     int getTopOffset() const;
     int getBottomOffset() const;
 
-    // Zero-terminated key text of all effects in order of addition; the caller releases it with
-    // array delete. Null when memory runs out. The form with a colour gives the text fill that
+    // Zero-terminated key text of all effects in order of addition, a silhouette that is not plain
+    // after its effect's ("C", castFrom short, spread short); the caller releases it with array
+    // delete. Null when memory runs out. The form with a colour gives the text fill that
     // colour first, and is null too when that could not be kept.
     char* getMapKey();
     char* getMapKey(uint32_t color);
@@ -172,6 +184,7 @@ private:
     int addText(uint32_t color, const GxTextProperty& record);
     int appendEffect(int id, int style, const GxProperty* property);
     int margin(int (GxECoreBase::*offset)()) const;
+    int64_t silhouetteGrowth(GxECoreBase& core, int (GxECoreBase::*ofStroke)()) const;
     bool needsTwoLayers() const;
     void orderSingleLayer();
     void orderTwoLayers();

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <mutex>
+#include <utility>
 
 namespace GxFontEffect {
 
@@ -125,6 +126,11 @@ PlaneMemory::PlaneMemory(size_t bytes, Contents contents) {
     const size_t stained = contents == Contents::kZeros ? bytes : capacity_;
     stain_ = {0, stained, stained, 1};
 }
+
+PlaneMemory::PlaneMemory(PlaneMemory&& other) noexcept
+    : data_(std::exchange(other.data_, nullptr)),
+      capacity_(std::exchange(other.capacity_, 0)),
+      stain_(other.stain_) {}
 
 PlaneMemory::~PlaneMemory() {
     if (data_ && isKept(capacity_)) {

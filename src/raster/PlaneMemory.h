@@ -28,6 +28,7 @@ class PlaneMemory {
 public:
     // Null when memory runs out.
     PlaneMemory(size_t bytes, Contents contents);
+    PlaneMemory(PlaneMemory&& other) noexcept;  // leaves the other one empty
     PlaneMemory(const PlaneMemory&) = delete;
     PlaneMemory& operator=(const PlaneMemory&) = delete;
     ~PlaneMemory();

@@ -112,8 +112,9 @@ TEST(InsideEffects, BleedByDefaultAndStayInsideWhenConfined) {
 
 void addAll(GxEffect& stack, GxBitmap& pattern) {
     const GxGradient stops[] = {{0xFFFF0000, 1, 0}, {0xFF00FF00, 0.5f, 0.5f}, {0xFF0000FF, 1, 1}};
-    stack.addOuterShadowText(120, 6, 4, 0xFF000000, 0.6f);
-    stack.addInnerShadowText(300, 3, 2, 0xFFFFFFFF, 0.5f);
+    stack.setSilhouette(stack.addOuterShadowText(120, 6, 4, 0xFF000000, 0.6f),
+                        {GxSilhouette::kOutline, 2});
+    stack.setSilhouette(stack.addInnerShadowText(300, 3, 2, 0xFFFFFFFF, 0.5f), {0, 1});
     stack.addOuterGlowText(8, 0, 1, 3, stops);
     stack.addInnerGlowText(2, 0xFFFFFF00, 0.4f, 0, nullptr);
     stack.addLinearGradientText(45, 1, 0.5f, 3, stops);

@@ -339,6 +339,41 @@ TEST_F(GxEffectStack, KeyConcatenatesInOrderOfAddition) {
                  "T\x8F\x8F\x80\x80\x80\x80\x80\x80");
 }
 
+TEST_F(GxEffectStack, SilhouettesShowInMarginsAndKeys) {
+    stack.setRepeats(true);
+    offsets[1] = {4, 0, 0, 9};
+    offsets[10] = {6, 6, 6, 6};
+    for (const int style : {1, 2, 3, 4, 10, 12}) add(style);
+    const auto keyOf = [](GxEffect& of) {
+        const std::unique_ptr<char[]> text(of.getMapKey());
+        return std::string(text.get());
+    };
+    const std::string plain = keyOf(stack);
+    const GxSilhouette outline{GxSilhouette::kOutline, 0};
+    EXPECT_FALSE(stack.setSilhouette(6, outline));
+    EXPECT_EQ(stack.getBottomOffset(), 9);
+    for (const int other : {4, 5}) EXPECT_TRUE(stack.setSilhouette(other, {1, 50}));
+    EXPECT_TRUE(stack.setSilhouette(1, {1, 0.9f}));
+    EXPECT_EQ(keyOf(stack), plain) << "neither stroke nor fill casts; inner ones only choke";
+    EXPECT_TRUE(stack.setSilhouette(0, outline));
+    EXPECT_EQ(stack.getLeftOffset(), 10);
+    EXPECT_TRUE(stack.setSilhouette(0, {GxSilhouette::kOutline, 3.9f}));
+    EXPECT_EQ(stack.getBottomOffset(), 18);
+    EXPECT_TRUE(stack.setSilhouette(2, {7, kNaN}));
+    EXPECT_TRUE(stack.setSilhouette(3, {1, kInfinity}));
+    EXPECT_EQ(stack.getBottomOffset(), 18) << "what chokes needs no room";
+    std::string key = plain;
+    key.insert(plain.find('I'), "C\x81\x83");
+    key.insert(key.find('K'), "C\x80\xE4");
+    EXPECT_EQ(keyOf(stack), key);
+    GxEffect copy(stack);
+    EXPECT_EQ(keyOf(copy), key);
+    EXPECT_EQ(copy.getBottomOffset(), 18);
+    EXPECT_TRUE(stack.setSilhouette(0, {}));
+    EXPECT_TRUE(stack.setSilhouette(3, {}));
+    EXPECT_EQ(keyOf(stack), plain);
+}
+
 // --- conversions of the add operations ---
 
 TEST_F(GxEffectStack, AnglesAndPercentages) {

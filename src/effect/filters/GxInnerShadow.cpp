@@ -152,6 +152,7 @@ void GxInnerShadow::setProperty(const GxProperty* source) {
 void GxInnerShadow::doPostProcessing(GxECore::ParamPostProcessing* param) {
     const TextMask text(param);
     if (!property || !text.isValid()) return;
+    const TextMask cast = param->choked ? text.over(*param->choked) : text;
     const int64_t radius = blurRadiusOf(property->size);
     const ShadowShift shift = shadowShift(property->angle, property->distance);
 
@@ -175,7 +176,7 @@ void GxInnerShadow::doPostProcessing(GxECore::ParamPostProcessing* param) {
 
     // 2. Rows.
     const InkRows ink(text);
-    blurShiftedRows(text, ink, shift, weights, lines, shade, scratch.data());
+    blurShiftedRows(cast, ink, shift, weights, lines, shade, scratch.data());
     // 3. Columns, where there are glyphs.
     const int64_t first = ink.begin - ink.begin % 2;
     kernels::blurColumns({shade.row(first), columns, shade.row(first), columns, columns,

@@ -10,11 +10,11 @@ namespace GxFontEffect {
 // Shades the inside of the glyphs with the background around them: its inverse coverage, shifted
 // away from the light, blurred and tinted.
 //
-// Reads of the parameter block: `dst` (32-bit layer, premultiplied), `src` (8-bit mask) and
-// `textRect`; `mode` and `other` are not read. Reads of the record: `angle` of the light (whole
-// degrees; at 0 the shade moves to the left, at 90 down), `distance` (pixels), `size` (blur radius,
-// pixels; below 0 acts as 0) and `color` (0xAARRGGBB, premultiplied by the stack); `opacity` is
-// not read.
+// Reads of the parameter block: `dst` (32-bit layer, premultiplied), `src` (8-bit mask),
+// `textRect` and `choked` (a mask whose background is blurred in place of `src`'s); `mode` and
+// `other` are not read. Reads of the record: `angle` of the light (whole degrees; at 0 the shade
+// moves to the left, at 90 down), `distance` (pixels), `size` (blur radius, pixels; below 0 acts as
+// 0) and `color` (0xAARRGGBB, premultiplied by the stack); `opacity` is not read.
 //
 // Coverage decides inside or outside only, so partly covered edge pixels get the full shade. When
 // the shift exceeds the blur, rows and columns of the box that see nothing but background are

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <utility>
 
 #include "effect/filters/TextMask.h"
-#include "effect/filters/WorkPlane.h"
 #include "raster/GxBlender.h"
 #include "raster/GxMath.h"
 #include "raster/kernels/DiscDilation.h"
@@ -29,8 +29,8 @@ uint8_t coverageByte(float coverage) {
     return static_cast<uint8_t>(toInt(clampFloat(coverage, 0.0f, 1.0f) * 255.0f + 0.5f));
 }
 
-float effectiveRadius(const GxStrokeProperty& stroke) {
-    return stroke.position == GxStrokeProperty::kCenter ? stroke.size * 0.5f : stroke.size;
+float effectiveRadius(float size, int position) {
+    return position == GxStrokeProperty::kCenter ? size * 0.5f : size;
 }
 
 bool liesWithin(int64_t first, int64_t count, int64_t extent) {
@@ -131,20 +131,22 @@ int GxStroke::getOffset() {
 
 int GxStroke::getReach() {
     if (!property) return 0;
-    return saturateInt(std::max<int64_t>(toInt(effectiveRadius(*property) + 0.5f), 0) + kFrame);
+    const float radius = effectiveRadius(property->size, property->position);
+    return saturateInt(std::max<int64_t>(toInt(radius + 0.5f), 0) + kFrame);
 }
 
-void GxStroke::doPostProcessing(GxECore::ParamPostProcessing* param) {
-    const TextMask text(param);
-    if (!property || !text.isValid()) return;
-    const bool centred = property->position == GxStrokeProperty::kCenter;
+std::optional<StrokeBand> makeStrokeBand(GxECore::ParamPostProcessing& param, float size,
+                                         int position) {
+    const TextMask text(&param);
+    if (!text.isValid()) return std::nullopt;
+    const bool centred = position == GxStrokeProperty::kCenter;
 
     // 1. The disc.
-    const float radius = effectiveRadius(*property);
+    const float radius = effectiveRadius(size, position);
     unsigned char* cells = nullptr;
     const int kernelSize = makeCircleKernel(&cells, radius);
     const CArray<unsigned char> kernel(cells);
-    if (kernelSize < 1 || !isAllocated(*param, kernel)) return;
+    if (kernelSize < 1 || !isAllocated(param, kernel)) return std::nullopt;
     const int64_t half = kernelSize >> 1;
 
     // 2. The framed mask. The planes' sizes bound every extent to 32 bits.
@@ -153,8 +155,8 @@ void GxStroke::doPostProcessing(GxECore::ParamPostProcessing* param) {
     const int64_t height = text.height + 2 * kFrame;
     const int64_t outHeight = height + 2 * half;
     const int64_t outRows = outHeight * (centred ? 2 : 1);
-    const WorkPlane<uint8_t> plane(width + 2 * half, outRows + height);
-    if (!isAllocated(*param, plane)) return;
+    WorkPlane<uint8_t> plane(width + 2 * half, outRows + height);
+    if (!isAllocated(param, plane)) return std::nullopt;
     const int64_t planeSize = plane.width * outHeight;
     const uint8_t* mask = plane.row(outRows);
     text.copyTo(plane.row(outRows + kFrame) + kFrame, plane.width);
@@ -172,17 +174,26 @@ void GxStroke::doPostProcessing(GxECore::ParamPostProcessing* param) {
     args.planeSize = static_cast<int32_t>(planeSize);
     args.radius = toInt(radius);
     args.kernelSize = kernelSize;
-    spreadByPosition(property->position, args);
+    spreadByPosition(position, args);
 
     // 4. What both spreads reach.
     if (centred) kernels::minimum(plane.data(), plane.data() + planeSize, planeSize);
+    return StrokeBand{std::move(plane), text.left - kFrame - half, text.top - kFrame - half,
+                      outHeight};
+}
+
+void GxStroke::doPostProcessing(GxECore::ParamPostProcessing* param) {
+    if (!param || !property) return;
+    const auto band = makeStrokeBand(*param, property->size, property->position);
+    if (!band) return;
 
     // 5. The tint.
-    const bool onTop = centred && param->mode != GXE_MODE_TWO_LAYERS;
+    const bool onTop =
+        property->position == GxStrokeProperty::kCenter && param->mode != GXE_MODE_TWO_LAYERS;
     const int blend = onTop ? GXE_BLEND_SRC_OVER : GXE_BLEND_DST_OVER;
     for (const GxBitmap* layer : {param->dst, param->other}) {
-        drawTinted(text.left - kFrame - half, text.top - kFrame - half, layer, plane.data(),
-                   plane.width, outHeight, plane.width, property->color, blend);
+        drawTinted(band->x, band->y, layer, band->plane.data(), band->width(), band->height,
+                   band->width(), property->color, blend);
     }
 }
 

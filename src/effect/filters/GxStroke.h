@@ -2,10 +2,12 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 #include "GxExport.h"
 #include "effect/GxECore.h"
 #include "effect/GxProperty.h"
+#include "effect/filters/WorkPlane.h"
 
 namespace GxFontEffect {
 
@@ -41,6 +43,21 @@ struct StrokeDTArgs {
     int32_t rowBegin = 0;                   // first band row
     int32_t rowEnd = 0;                     // one past the last
 };
+
+// A stroke before its tint.
+struct StrokeBand {
+    int64_t width() const { return plane.width; }
+
+    WorkPlane<uint8_t> plane;  // coverage; the first `height` rows
+    int64_t x;                 // where its first cell lies on the layers
+    int64_t y;
+    int64_t height;
+};
+
+// The band of a stroke of that size and position around the block's text. Nothing for what a stroke
+// does not draw (see below); without memory the block says so.
+std::optional<StrokeBand> makeStrokeBand(GxECore::ParamPostProcessing& param, float size,
+                                         int position);
 
 // Paints a band of one colour along the glyphs' edges: across them (position 0), outside (1) or
 // inside (any other value). The band is the mask, spread by a soft disc with a grey-scale maximum;

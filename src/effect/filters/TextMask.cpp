@@ -30,6 +30,13 @@ TextMask::TextMask(const GxECore::ParamPostProcessing* param) {
     lastRow = std::clamp<int64_t>(maskTop + mask.height, firstRow, height);
 }
 
+TextMask TextMask::over(const GxBitmap& mask) const {
+    TextMask other = *this;
+    const bool isLikeIt = isMask(&mask) && mask.width == stride && mask.height >= top + lastRow;
+    if (isLikeIt) other.pixels = mask.data;
+    return other;
+}
+
 const uint8_t* TextMask::row(int64_t y) const {
     if (y < firstRow || y >= lastRow || firstColumn == lastColumn) return nullptr;
     return pixels + (y - maskTop) * stride + firstColumn - maskLeft;

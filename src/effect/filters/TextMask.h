@@ -18,6 +18,9 @@ public:
 
     bool isValid() const { return pixels != nullptr; }
 
+    // The same box of another mask of the same size; this view when it is no such mask.
+    TextMask over(const GxBitmap& mask) const;
+
     // Position in the layer and extents of the box, in pixels.
     int64_t left = 0;
     int64_t top = 0;

@@ -60,8 +60,9 @@ TEST(GxInnerShadow, ExposedBandsAreWhole) {
 }
 
 // The literal passes: padded mask, horizontal blur of the inverse coverage, 255 bands, column
-// buffer.
-GxBitmap model(const Scene& scene, const GxInnerShadowProperty& record, int shiftX, int shiftY) {
+// buffer. What is blurred is `cast`, what confines it is `scene`.
+GxBitmap model(const Scene& scene, const Scene& cast, const GxInnerShadowProperty& record,
+               int shiftX, int shiftY) {
     const int w = scene.box.right - scene.box.left, h = scene.box.bottom - scene.box.top;
     const int b = std::max(static_cast<int>(record.size + 0.5), 0);
     std::vector<int> weights(b + 1);
@@ -83,7 +84,7 @@ GxBitmap model(const Scene& scene, const GxInnerShadowProperty& record, int shif
     const auto horizontal = [&](int row, int column) {  // in the padded mask
         int total = 255 * sum;
         for (int j = -b; j <= b; ++j) {
-            total -= weights[std::abs(j)] * scene.coverageInBox(column + j - b, row);
+            total -= weights[std::abs(j)] * cast.coverageInBox(column + j - b, row);
         }
         return total / sum;
     };
@@ -122,8 +123,18 @@ TEST(GxInnerShadow, EqualsItsDefinition) {
                      static_cast<float>(random.between(-10, 60)) * 0.1f, random.word());
         const int x[] = {-shift, 0, shift, 0};
         const int y[] = {0, shift, 0, -shift};
-        const GxBitmap expected = model(scene, record, x[direction], y[direction]);
-        paintWith<GxInnerShadow>(scene, record);
+        Scene cast = scene;
+        auto param = scene.param();
+        if (random.oneIn(3)) {
+            for (size_t i = 0; i < cast.mask.pixelCount(); ++i) {
+                cast.mask.data[i] = std::min(cast.mask.data[i], random.edgeByte());
+            }
+            param.choked = &cast.mask;
+        }
+        const GxBitmap expected = model(scene, cast, record, x[direction], y[direction]);
+        GxInnerShadow core;
+        core.setProperty(&record);
+        core.doPostProcessing(&param);
         ASSERT_EQ(difference(expected, scene.layer), "")
             << run << " size " << record.size << " shift " << shift << " towards " << direction;
     }
@@ -133,7 +144,7 @@ TEST(GxInnerShadow, EqualsItsDefinition) {
         const auto record = recordOf(static_cast<float>(45 + 90 * (run % 4)), 10, 2);
         const int x[] = {-7, 7, 7, -7};
         const int y[] = {7, 7, -7, -7};
-        const GxBitmap expected = model(scene, record, x[run % 4], y[run % 4]);
+        const GxBitmap expected = model(scene, scene, record, x[run % 4], y[run % 4]);
         paintWith<GxInnerShadow>(scene, record);
         ASSERT_EQ(difference(expected, scene.layer), "") << run;
     }
