@@ -219,7 +219,9 @@ void dress(GxEffect& stack, const Style& style, const PatternLoader& loadPattern
             id = add(effect, stack);
         }
         if (id < 0 && hasFilter(stack, effect.type)) throw std::bad_alloc();
-        if (id >= 0 && !setLongLengths(effect, *stack.findEffect(id))) throw std::bad_alloc();
+        if (id < 0) continue;
+        if (!setLongLengths(effect, *stack.findEffect(id))) throw std::bad_alloc();
+        stack.setSilhouette(id, {static_cast<int>(effect.castFrom), whole(effect.spread)});
     }
 }
 

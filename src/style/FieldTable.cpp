@@ -21,6 +21,7 @@ constexpr std::string_view kBevelKindNames[] = {"outside", "inside"};
 constexpr std::string_view kEmbossKindNames[] = {"emboss", "pillow"};
 constexpr std::string_view kTechniqueNames[] = {"smooth", "chiselHard", "chiselSoft"};
 constexpr std::string_view kDirectionNames[] = {"up", "down"};
+constexpr std::string_view kCastFromNames[] = {"letters", "outline"};
 
 template <auto member, typename T>
 Choice<T> choiceOf(std::span<const std::string_view> names) {
@@ -38,8 +39,11 @@ constexpr Range kAngleRange{-360, 360};
 // and past it in many seconds; blurs of 1,000 take some 0.1 seconds on a title.
 constexpr double kLongestStroke = 127;
 constexpr double kLongestBlur = 1000;
+constexpr double kLongestSpread = 100;
 
 constexpr EffectSet kShadows{kOuterShadow, kInnerShadow};
+constexpr EffectSet kOuterCasts{kOuterShadow, kOuterGlow};
+constexpr EffectSet kInnerCasts{kInnerShadow, kInnerGlow};
 constexpr EffectSet kGlows{kOuterGlow, kInnerGlow};
 constexpr EffectSet kReliefs{kBevel, kEmboss};
 
@@ -257,6 +261,30 @@ const std::vector<Field<Effect>>& effectFields() {
          .control = Control::kSlider,
          .meaning = "Reach",
          .longest = kLongestBlur},
+        {.name = "spread",
+         .target = &Effect::spread,
+         .effects = kOuterCasts,
+         .range = {0, 100},
+         .initial = 0.0,
+         .unit = Unit::kPixels,
+         .control = Control::kSlider,
+         .meaning = "How much wider than the letters it starts",
+         .longest = kLongestSpread},
+        {.name = "choke",
+         .target = &Effect::spread,
+         .effects = kInnerCasts,
+         .range = {0, 100},
+         .initial = 0.0,
+         .unit = Unit::kPixels,
+         .control = Control::kSlider,
+         .meaning = "How far inside the letters' edges it starts",
+         .longest = kLongestSpread},
+        {.name = "castFrom",
+         .target = choiceOf<&Effect::castFrom, Effect>(kCastFromNames),
+         .effects = kOuterCasts,
+         .initial = "letters",
+         .control = Control::kMenu,
+         .meaning = "What casts it: the bare letters, or they and all outside and centred strokes"},
         {.name = "size",
          .target = &Effect::size,
          .effects = kReliefs,

@@ -34,6 +34,7 @@ enum class BevelKind { kOutside = 0, kInside = 1 };
 enum class EmbossKind { kEmboss = 0, kPillow = 1 };
 enum class Technique { kSmooth = 0, kChiselHard = 1, kChiselSoft = 2 };
 enum class Direction { kUp = 0, kDown = 1 };
+enum class CastFrom { kLetters = 0, kOutline = 1 };
 
 // Pixels.
 struct Padding {
@@ -85,6 +86,7 @@ struct GXTEXT_API Effect {
     float altitude = 0.0f;  // degrees
     float distance = 0.0f;  // pixels
     float size = 0.0f;      // pixels
+    float spread = 0.0f;    // pixels; "choke" of the inner ones
     float depth = 0.0f;
     float scale = 0.0f;
     float opacity = 0.0f;
@@ -96,6 +98,7 @@ struct GXTEXT_API Effect {
     EmbossKind embossKind = EmbossKind::kEmboss;  // "kind" of an emboss
     Technique technique = Technique::kSmooth;
     Direction direction = Direction::kUp;
+    CastFrom castFrom = CastFrom::kLetters;
     Color color;
     Color highlightColor;
     Color shadowColor;

@@ -110,9 +110,13 @@ TEST(EffectStack, EveryFieldOfAnEffectReachesThePicture) {
             Effect changed = effect;
             // A ramp stands in for the colour of a glow.
             if (field->name == "color") changed.stops.clear();
-            const Outcome plain = field->name == "color" ? drawn(changed) : before;
-            std::visit(Change{changed, *field}, field->target);
-            EXPECT_TRUE(drawn(changed).pixels != plain.pixels)
+            // And a stroke casts.
+            Style style;
+            style.effects = {changed};
+            if (field->name == "castFrom") style.effects.push_back(exampleOf(EffectType::kStroke));
+            const Outcome plain = drawn(style);
+            std::visit(Change{style.effects[0], *field}, field->target);
+            EXPECT_TRUE(drawn(style).pixels != plain.pixels)
                 << field->name << " of " << effectName(type) << " is not seen";
         }
     }

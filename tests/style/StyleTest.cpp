@@ -64,6 +64,7 @@ const char* const kFullStyle = R"({
       "angle": -45,
       "distance": 6,
       "size": 7.5,
+      "choke": 2,
       "color": "#123456",
       "opacity": 0.1
     },
@@ -85,6 +86,8 @@ const char* const kFullStyle = R"({
     },
     {
       "type": "outerGlow",
+      "spread": 1.5,
+      "castFrom": "outline",
       "stops": [
         {
           "color": "#FF0000",
@@ -260,6 +263,7 @@ TEST(Style, ScalesAllLengthsAndNothingElse) {
     EXPECT_EQ(twice.letterSpacing, style.letterSpacing);
     EXPECT_EQ(twice.effects[0].distance, 3);
     EXPECT_EQ(twice.effects[0].size, 3.75f);
+    EXPECT_EQ(twice.effects[0].spread, 1);
     EXPECT_EQ(twice.effects[0].angle, -45);
     EXPECT_EQ(twice.effects[1].size, 125);
     EXPECT_EQ(twice.effects[1].soften, 8);

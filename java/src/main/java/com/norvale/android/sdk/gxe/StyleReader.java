@@ -72,12 +72,15 @@ final class StyleReader {
                 effect = readStroke(object);
                 break;
             case "outerShadow":
+                expectPlainCast(object);
                 effect = readShadow(object, ShadowEffect.outer());
                 break;
             case "innerShadow":
+                object.expectOne("choke", 0);
                 effect = readShadow(object, ShadowEffect.inner());
                 break;
             case "outerGlow":
+                expectPlainCast(object);
                 effect = readOuterGlow(object);
                 break;
             case "linearGradient":
@@ -90,6 +93,11 @@ final class StyleReader {
         }
         object.end();
         return effect;
+    }
+
+    private static void expectPlainCast(JsonObject object) {
+        object.expectOne("spread", 0);
+        object.expectOnly("castFrom", "letters");
     }
 
     private static void readColored(JsonObject object, ColoredEffect.Builder<?> builder) {
