@@ -111,10 +111,18 @@ void addEffect(FuzzedDataProvider& input, GxEffect& effect) {
         stop = {input.ConsumeIntegral<uint32_t>(), opacity, chooseFactor(input)};
     }
     const int count = input.ConsumeIntegralInRange(-1, 4);
-    switch (input.ConsumeIntegralInRange(0, 9)) {
+    switch (input.ConsumeIntegralInRange(0, 10)) {
         case 0:
             effect.addStrokeText(size, color, opacity, 0, input.ConsumeIntegralInRange(-1, 3));
             break;
+        case 9: {
+            const int position = input.ConsumeIntegralInRange(-1, 3);
+            GxBitmap pattern(2, 2, 4);
+            effect.addPatternStrokeText(size, 0, position, &pattern, opacity, opacity);
+            effect.addLinearGradientStrokeText(size, 0, position, size, opacity, opacity, count,
+                                               stops);
+            break;
+        }
         case 1:
             effect.addOuterShadowText(chooseFactor(input) * 90, size, size, color, opacity);
             break;

@@ -367,6 +367,39 @@ int GxEffect::addStrokeText(float size, uint32_t color, float opacity, int cap, 
     return addEffect(GXE_STYLE_STROKE, &record);
 }
 
+int GxEffect::addFilledStroke(float size, int cap, int position, const GxProperty& fill) {
+    GxStrokeProperty record(clampPercent(size), 0, fill.opacity, cap, position);
+    record.fill = &fill;
+    return addEffect(GXE_STYLE_STROKE, &record);
+}
+
+int GxEffect::addLinearGradientStrokeText(float size, int cap, int position, float angle,
+                                          float scale, float opacity, int stopCount,
+                                          const GxGradient* stops) {
+    const Stops copy(stopCount, stops, opacity);
+    if (copy.failed()) return -1;
+    return addFilledStroke(
+        size, cap, position,
+        GxLinearGradientProperty(wrapDegrees(angle, 360), scale, clampOpacity(opacity),
+                                 copy.count(), copy.get()));
+}
+
+int GxEffect::addRadialGradientStrokeText(float size, int cap, int position, float scale,
+                                          float opacity, int stopCount, const GxGradient* stops) {
+    const Stops copy(stopCount, stops, opacity);
+    if (copy.failed()) return -1;
+    return addFilledStroke(
+        size, cap, position,
+        GxRadialGradientProperty(0.0f, scale, clampOpacity(opacity), copy.count(), copy.get()));
+}
+
+int GxEffect::addPatternStrokeText(float size, int cap, int position, GxBitmap* pattern,
+                                   float scale, float opacity) {
+    if (!pattern) return -1;
+    return addFilledStroke(size, cap, position,
+                           GxPatternProperty(pattern, scale, clampOpacity(opacity)));
+}
+
 int GxEffect::addPatternText(GxBitmap* pattern, float scale, float opacity) {
     if (!pattern) return -1;
     const GxPatternProperty record(pattern, scale, clampOpacity(opacity));

@@ -80,6 +80,13 @@ public:
     int addRadialGradientText(float scale, float opacity, int stopCount, const GxGradient* stops);
     // Position: GxStrokeProperty::Position. `cap` is carried only.
     int addStrokeText(float size, uint32_t color, float opacity, int cap, int position);
+    // Strokes painted with a gradient or pattern over the stroke's own box in place of one colour.
+    int addLinearGradientStrokeText(float size, int cap, int position, float angle, float scale,
+                                    float opacity, int stopCount, const GxGradient* stops);
+    int addRadialGradientStrokeText(float size, int cap, int position, float scale, float opacity,
+                                    int stopCount, const GxGradient* stops);
+    int addPatternStrokeText(float size, int cap, int position, GxBitmap* pattern, float scale,
+                             float opacity);
     // Scale 0-10. The pattern is copied by the core.
     int addPatternText(GxBitmap* pattern, float scale, float opacity);
     // Text fill. The colour's alpha applies to the whole image at the end, the opacity to the fill
@@ -182,6 +189,7 @@ public:
 
 private:
     int addText(uint32_t color, const GxTextProperty& record);
+    int addFilledStroke(float size, int cap, int position, const GxProperty& fill);
     int appendEffect(int id, int style, const GxProperty* property);
     int margin(int (GxECoreBase::*offset)()) const;
     int64_t silhouetteGrowth(GxECoreBase& core, int (GxECoreBase::*ofStroke)()) const;

@@ -55,7 +55,14 @@ bool GxInnerShadowProperty::toSequentialChar(char** cursor) const {
 bool GxStrokeProperty::toSequentialChar(char** cursor) const {
     if (!isWritable(cursor)) return false;
     KeyWriter(cursor).letter('K').shortForm(size).hex(color).shortForm(cap).shortForm(position);
-    return true;
+    if (!fill) return true;
+    KeyWriter(cursor).letter('F');
+    return fill->toSequentialChar(cursor);
+}
+
+int GxStrokeProperty::getSequentialCharLength() const {
+    const int64_t length = 12 + (fill ? 1 + int64_t{fill->getSequentialCharLength()} : 0);
+    return saturateInt(length);
 }
 
 int GxOuterGlowProperty::getSequentialCharLength() const {

@@ -24,7 +24,7 @@ struct GxGradient {
 //   hex    one byte per hexadecimal digit, most significant first, each 0x80 | digit
 //   short  one byte, 0x80 | (value & 0x7F)
 //   angle  degrees made 0-359, two bytes: 0x80 | (a >> 7), 0x80 | (a & 0x7F)
-// Letters in use: B C D E G I K L N P S T, C for what the stack adds to a record.
+// Letters in use: B C D E F G I K L N P S T, C for what the stack adds to a record.
 class GXTEXT_API GxProperty {
 public:
     GxProperty(uint32_t color, float opacity) : color(color), opacity(opacity) {}
@@ -80,19 +80,23 @@ public:
     float size;      // blur, pixels
 };
 
-// Stroke: "K", size short, colour hex, cap short, position short.
+// Stroke: "K", size short, colour hex, cap short, position short; with a fill "F" and the fill's
+// key.
 class GXTEXT_API GxStrokeProperty : public GxProperty {
 public:
     enum Position : int32_t { kCenter = 0, kOutside = 1, kInside = 2 };
 
     GxStrokeProperty(float size, uint32_t color, float opacity, int cap, int position)
         : GxProperty(color, opacity), size(size), cap(cap), position(position) {}
-    int getSequentialCharLength() const override { return 12; }
+    int getSequentialCharLength() const override;
     bool toSequentialChar(char** cursor) const override;
 
     float size;        // width, pixels
     int32_t cap;       // carried and written, read by no filter
     int32_t position;  // Position; any other value lies inside
+    // A linear or radial gradient's record or a pattern's, which paints the stroke in place of
+    // `color`; borrowed. Null, and records of other effects, leave the colour.
+    const GxProperty* fill = nullptr;
 };
 
 // What the glows share: the stops are borrowed, `stopCount` of them.

@@ -124,6 +124,10 @@ void addAll(GxEffect& stack, GxBitmap& pattern) {
     stack.addBevelText(1, 4, 1, 0, 0, 1, 0.8f, 120, 30, 0xFFFFFFFF, 0.7f, 0xFF000000, 0.6f);
     stack.addEmbossText(1, 4, 2, 1, 1, 0, 0.8f, 45, 60, 0xFFFFFFFF, 0.7f, 0xFF000000, 0.6f);
     stack.addText(0xE0F0F0F0);
+    stack.setRepeats(true);
+    stack.addLinearGradientStrokeText(5, 0, 1, 60, 1, 0.8f, 3, stops);
+    stack.addPatternStrokeText(2, 0, 2, &pattern, 2, 0.6f);
+    stack.setRepeats(false);
 }
 
 GxBitmap smallPattern() {
@@ -191,6 +195,7 @@ TEST(AllEffects, SettingsThatAreNotKeptAreRefused) {
     EXPECT_TRUE(refused([&] { return stack.addText(0x40FF0000); }));
     EXPECT_TRUE(refused([&] { return stack.addStrokeText(9, 0, 1, 0, 0); }));
     EXPECT_TRUE(refused([&] { return stack.addPatternText(&pattern, 3, 1); }));
+    EXPECT_TRUE(refused([&] { return stack.addPatternStrokeText(9, 0, 0, &pattern, 3, 1); }));
     EXPECT_TRUE(refused([&] { return stack.addRadialGradientText(1, 1, 0, nullptr); }));
     EXPECT_EQ(difference(expected, render(stack)), "");
     EXPECT_GE(stack.addEffect(GXE_STYLE_STROKE, nullptr), 0);

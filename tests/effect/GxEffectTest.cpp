@@ -130,6 +130,34 @@ TEST(GxEffect, KeyWithAColourSetsTheFill) {
     EXPECT_STREQ(key.get(), "T\x8F\x8F\x83\x83\x86\x86\x89\x89");
 }
 
+// The fill's conversions are those of the effect of its kind.
+TEST(GxEffect, AFilledStrokesKeyEndsWithItsFills) {
+    GxEffect stack;
+    GxBitmap pattern(2, 2, 4);
+    const GxGradient stops[] = {{0x12345678, 0.5f, 0.999f}, {0xFFFFFFFF, 3.0f, 1}};
+    const auto keyWith = [&](auto add) {
+        stack.cleanAllEffect();
+        EXPECT_EQ(add(), 0);
+        std::string key = keyOf(stack);
+        const size_t address = key.find('P');  // of the core's own copy
+        if (address != std::string::npos) key.erase(address + 1, 8);
+        return key;
+    };
+    const std::string stroke = keyWith([&] { return stack.addStrokeText(3.5f, 0, 0, 2, 1); }) + "F";
+    EXPECT_EQ(
+        keyWith([&] {
+            return stack.addLinearGradientStrokeText(3.5f, 2, 1, -30, 0.7f, 0.4f, 2, stops);
+        }),
+        stroke + keyWith([&] { return stack.addLinearGradientText(-30, 0.7f, 0.4f, 2, stops); }));
+    EXPECT_EQ(
+        keyWith([&] { return stack.addRadialGradientStrokeText(3.5f, 2, 1, 9, 0.4f, 2, stops); }),
+        stroke + keyWith([&] { return stack.addRadialGradientText(9, 0.4f, 2, stops); }));
+    EXPECT_EQ(keyWith([&] { return stack.addPatternStrokeText(3.5f, 2, 1, &pattern, 2, 7); }),
+              stroke + keyWith([&] { return stack.addPatternText(&pattern, 2, 7); }));
+    EXPECT_EQ(stack.addPatternStrokeText(1, 0, 1, nullptr, 1, 1), -1);
+    EXPECT_EQ(stack.addRadialGradientStrokeText(1, 0, 1, 1, 1, 2, nullptr), -1);
+}
+
 TEST(GxEffect, CopyHasCoresOfItsOwn) {
     GxEffect stack;
     stack.getNewEffectId();

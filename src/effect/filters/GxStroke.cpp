@@ -3,11 +3,17 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <new>
 #include <utility>
 
+#include "effect/filters/GxLinearGradient.h"
+#include "effect/filters/GxPattern.h"
+#include "effect/filters/GxRadialGradient.h"
 #include "effect/filters/TextMask.h"
+#include "raster/BlendCut.h"
 #include "raster/GxBlender.h"
 #include "raster/GxMath.h"
+#include "raster/kernels/BlendRows.h"
 #include "raster/kernels/DiscDilation.h"
 
 namespace GxFontEffect {
@@ -18,7 +24,7 @@ namespace GxFontEffect {
 //      edges too;
 //   3. spread the glyphs, the background or both by the disc, into planes larger by its radius;
 //   4. centred: keep what both spreads reach;
-//   5. tint the layers through the result.
+//   5. tint the layers through the result, or paint them through it with the fill.
 
 namespace {
 
@@ -117,6 +123,45 @@ int GxStroke::partalDTStrokeCenter(void* args) {
     return 0;
 }
 
+namespace {
+
+// The core that paints with such a record; null when there is none, or no memory.
+std::unique_ptr<GxECoreBase> makeFill(const GxProperty& record) {
+    std::unique_ptr<GxECoreBase> core;
+    if (dynamic_cast<const GxRadialGradientProperty*>(&record)) {
+        core.reset(new (std::nothrow) GxRadialGradient);
+    } else if (dynamic_cast<const GxLinearGradientProperty*>(&record)) {
+        core.reset(new (std::nothrow) GxLinearGradient);
+    } else {
+        core.reset(new (std::nothrow) GxPattern);
+    }
+    if (core) core->setProperty(&record);
+    return core && core->getProperty() ? std::move(core) : nullptr;
+}
+
+bool isFill(const GxProperty* record) {
+    return dynamic_cast<const GxLinearGradientProperty*>(record) ||
+           dynamic_cast<const GxPatternProperty*>(record);
+}
+
+}  // namespace
+
+void GxStroke::setProperty(const GxProperty* source) {
+    const auto* record = dynamic_cast<const GxStrokeProperty*>(source);
+    if (!record) return;
+    std::unique_ptr<GxECoreBase> fill;
+    if (isFill(record->fill)) {
+        fill = makeFill(*record->fill);
+        if (!fill) {
+            keep(nullptr);
+            return;
+        }
+    }
+    std::unique_ptr<GxStrokeProperty> copy(new (std::nothrow) GxStrokeProperty(*record));
+    if (copy) copy->fill = fill ? fill->getProperty() : nullptr;
+    if (keep(std::move(copy))) ownFill = std::move(fill);
+}
+
 int GxStroke::getOffset() {
     if (!property) return 0;
     switch (property->position) {
@@ -191,9 +236,55 @@ void GxStroke::doPostProcessing(GxECore::ParamPostProcessing* param) {
     const bool onTop =
         property->position == GxStrokeProperty::kCenter && param->mode != GXE_MODE_TWO_LAYERS;
     const int blend = onTop ? GXE_BLEND_SRC_OVER : GXE_BLEND_DST_OVER;
+    if (ownFill) {
+        paintFill(*band, blend, *param);
+        return;
+    }
     for (const GxBitmap* layer : {param->dst, param->other}) {
         drawTinted(band->x, band->y, layer, band->plane.data(), band->width(), band->height,
                    band->width(), property->color, blend);
+    }
+}
+
+// The fill's core paints a picture of the stroke's box wherever the band is; the band's coverage
+// weakens it as it weakens a tint.
+void GxStroke::paintFill(const StrokeBand& band, int blend, GxECore::ParamPostProcessing& param) {
+    const GxRect& text = *param.textRect;
+    const int64_t margin = std::max(getOffset(), 0);
+    const int64_t left = text.left - margin, top = text.top - margin;
+    const GxRect box(0, 0, static_cast<int32_t>(text.width() + 2 * margin),
+                     static_cast<int32_t>(text.height() + 2 * margin));
+    if (box.isEmpty()) return;
+    GxBitmap mask(box.width(), box.height(), 1);
+    GxBitmap colors(box.width(), box.height(), 4);
+    const WorkPlane<kernels::Rgba> nothing(box.width());
+    if (!isAllocated(param, mask.data, colors.data, nothing)) return;
+    for (int64_t y = 0; y < mask.height; ++y) {
+        std::memcpy(mask.data + y * mask.width, band.plane.row(top + y - band.y) + (left - band.x),
+                    mask.width);
+    }
+
+    GxECore::ParamPostProcessing block;
+    GxRect whole = box;
+    block.dst = &colors;
+    block.src = &mask;
+    block.textRect = &whole;
+    ownFill->doPostProcessing(&block);
+    if (block.outOfMemory) {
+        param.outOfMemory = true;
+        return;
+    }
+    auto* pixels = reinterpret_cast<kernels::Rgba*>(colors.data);
+    for (size_t y = 0; y < mask.height; ++y) {
+        const size_t row = y * mask.width;
+        kernels::mixLayersRow(pixels + row, nothing.data(), mask.data + row, mask.width);
+    }
+    const auto blendRows =
+        blend == GXE_BLEND_SRC_OVER ? kernels::srcOver32Rows : kernels::dstOver32Rows;
+    for (const GxBitmap* layer : {param.dst, param.other}) {
+        blendRows(cut32OntoLayer(left, top, layer, colors.data, box.width(), box.height(),
+                                 int64_t{box.width()} * 4),
+                  kernels::SourceOrder::kRgba);
     }
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 
 #include "GxExport.h"
@@ -59,31 +60,38 @@ struct StrokeBand {
 std::optional<StrokeBand> makeStrokeBand(GxECore::ParamPostProcessing& param, float size,
                                          int position);
 
-// Paints a band of one colour along the glyphs' edges: across them (position 0), outside (1) or
-// inside (any other value). The band is the mask, spread by a soft disc with a grey-scale maximum;
-// across the edge it is the minimum of the glyphs spread outwards and the background spread
-// inwards.
+// Paints a band of one colour, or of a gradient or pattern, along the glyphs' edges: across them
+// (position 0), outside (1) or inside (any other value). The band is the mask, spread by a soft
+// disc with a grey-scale maximum; across the edge it is the minimum of the glyphs spread outwards
+// and the background spread inwards.
 //
 // Reads of the parameter block: `dst` and `other` (32-bit layers, premultiplied; `other` may be
 // null, else it gets the same band), `src` (8-bit mask), `textRect` and `mode`. Reads of the
 // record: `size` (width in pixels; half of it on each side of the edge when centred), `color`
-// (0xAARRGGBB, premultiplied by the stack) and `position`; `opacity` and `cap` are not read.
-// Sizes of -2 and less (centred: -3 and less) draw nothing.
+// (0xAARRGGBB, premultiplied by the stack), `position` and `fill`; `opacity` and `cap` are not
+// read. Sizes of -2 and less (centred: -3 and less) draw nothing.
 //
 // Margin: (int)(size + 0.5) outside, (int)(size / 2 + 0.5) centred, 0 inside. Blend: destination
 // over source, so the band lies beneath what the layer holds, but for a centred stroke in
 // single-layer mode, which lies on top (source over destination). An inside stroke also colours
 // the background of the box: the stack keeps it in the glyphs.
 //
+// A fill runs over the stroke's own box, the text's with the margin on each side, to which the band
+// is cut; its colours are weighted by the band's coverage, so that a ramp of one colour paints what
+// that colour does.
+//
 // Null inputs, a box the wrong way round, work buffers that do not fit in 2^31 - 1 bytes and
 // failed allocations leave the layers as they were. Coverage outside the bitmap is 0. Cost per
 // pixel: near the glyphs' edges proportional to R up to 35 and the same for all above, little
-// elsewhere; work bytes per padded pixel 2 (3 centred) plus the disc, from 36 on up to 7 more of a
-// tile of 1024 x 1024 pixels, without which the stroke takes longer.
+// elsewhere; work bytes per padded pixel 2 (3 centred) plus the disc, with a fill 5 more per pixel
+// of its box; from 36 on up to 7 more of a tile of 1024 x 1024 pixels, without which the stroke
+// takes longer.
 class GXTEXT_API GxStroke : public GxPropertyCore<GxStrokeProperty> {
 public:
     GxStroke() : GxPropertyCore(GXE_STYLE_STROKE) {}
 
+    // Copies the fill's record, too.
+    void setProperty(const GxProperty* source) override;
     int getOffset() override;
     int getReach() override;
     void doPostProcessing(GxECore::ParamPostProcessing* param) override;
@@ -96,6 +104,11 @@ public:
     static int partalDTStrokeCenter(void* args);
     static int partalDTStrokeOutside(void* args);
     static int partalDTStrokeInside(void* args);
+
+private:
+    void paintFill(const StrokeBand& band, int blend, GxECore::ParamPostProcessing& param);
+
+    std::unique_ptr<GxECoreBase> ownFill;  // the core whose record the record's fill points to
 };
 
 }  // namespace GxFontEffect

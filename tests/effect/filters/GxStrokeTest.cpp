@@ -7,6 +7,10 @@
 #include <vector>
 
 #include "effect/filters/FilterTesting.h"
+#include "effect/filters/GxLinearGradient.h"
+#include "effect/filters/GxPattern.h"
+#include "effect/filters/GxRadialGradient.h"
+#include "raster/kernels/BlendPixel.h"
 
 namespace GxFontEffect {
 namespace {
@@ -171,6 +175,58 @@ TEST(GxStroke, EqualsItsDefinition) {
         ASSERT_EQ(difference(expected, scene.layer), "")
             << run << " size " << size << " " << position;
         ASSERT_EQ(difference(otherExpected, scene.other), "") << run;
+    }
+}
+
+// Each pixel is the tint's formula with the colour that the fill has there: that of a core that
+// fills the stroke's whole box.
+TEST(GxStroke, AFillIsATintOfManyColours) {
+    gxtest::Random random(303);
+    GX_TRACE_SEED(random);
+    GxBitmap tile(3, 2, 4);
+    for (int i = 0; i < 24; ++i) tile.data[i] = random.edgeByte();
+    for (int run = 0; run < 150; ++run) {
+        Scene scene = gxtest::randomScene(random, 17);
+        const GxGradient stops[] = {{random.word(), 1, 0}, {random.word(), 1, 0.6f}};
+        const int stopCount = random.between(1, 2);
+        const GxLinearGradientProperty linear(45, 1, 1, stopCount, stops);
+        const GxRadialGradientProperty radial(0, 0.7f, 1, stopCount, stops);
+        const GxPatternProperty pattern(&tile, 1.5f, 0.8f);
+        const GxProperty* const fills[] = {&linear, &radial, &pattern};
+        const int kind = random.between(0, 2);
+        GxStrokeProperty record(static_cast<float>(random.between(0, 50)) * 0.1f, 0xFFFFFFFF, 1, 0,
+                                random.between(0, 2));
+        const uint32_t mode = random.between(0, 1);
+
+        // Coverage of the band: a white one on nothing.
+        Scene white(scene);
+        std::memset(white.layer.data, 0, white.layer.pixelCount() * 4);
+        gxtest::paintWith<GxStroke>(white, record, mode);
+        GxStroke core;
+        const int margin = (core.setProperty(&record), core.getOffset());
+        const int width = scene.box.right - scene.box.left + 2 * margin;
+        const int height = scene.box.bottom - scene.box.top + 2 * margin;
+        Scene filled(std::max(width, 1), std::max(height, 1), GxRect(0, 0, width, height));
+        std::memset(filled.mask.data, 255, filled.mask.pixelCount());
+        if (kind == 0) gxtest::paintWith<GxLinearGradient>(filled, linear);
+        if (kind == 1) gxtest::paintWith<GxRadialGradient>(filled, radial);
+        if (kind == 2) gxtest::paintWith<GxPattern>(filled, pattern);
+
+        GxBitmap expected(scene.layer);
+        auto* pixels = reinterpret_cast<kernels::Rgba*>(expected.data);
+        for (int64_t i = 0; i < static_cast<int64_t>(expected.pixelCount()); ++i) {
+            const int64_t x = i % expected.width - scene.box.left + margin;
+            const int64_t y = i / expected.width - scene.box.top + margin;
+            if (x < 0 || y < 0 || x >= width || y >= height) continue;
+            const kernels::Rgba color = kernels::fromWord(filled.pixel(x, y));
+            const uint32_t m = white.layer.data[i * 4 + 3];
+            pixels[i] = record.position == 0 && mode == 0 ? kernels::srcOver8(pixels[i], m, color)
+                                                          : kernels::dstOver8(pixels[i], m, color);
+        }
+        record.fill = fills[kind];
+        gxtest::paintWith<GxStroke>(scene, record, mode);
+        ASSERT_EQ(difference(expected, scene.layer), "")
+            << run << " fill " << kind << " position " << record.position << " " << record.size;
     }
 }
 
