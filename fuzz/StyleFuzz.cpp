@@ -62,6 +62,9 @@ void stayInside(gxtext::Style& style) {
     style.source = fontFolder() / "style.json";
     for (gxtext::Effect& effect : style.effects) {
         if (!effect.pattern.empty()) effect.pattern = kPatternName;
+        for (gxtext::Effect& fill : effect.fill.effects) {
+            if (!fill.pattern.empty()) fill.pattern = kPatternName;
+        }
     }
 }
 

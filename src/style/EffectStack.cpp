@@ -14,6 +14,8 @@ namespace {
 
 using namespace GxFontEffect;
 
+constexpr int kNoCap = 0;  // no filter reads it
+
 float faded(float opacity, Color color) {
     return opacity * (static_cast<float>(color.argb >> 24) / 255.0f);
 }
@@ -41,17 +43,53 @@ int addRelief(const Effect& e, int kind, GxEffect& stack, AddRelief add) {
                         faded(e.shadowOpacity, e.shadowColor));
 }
 
-// All but patterns.
-int add(const Effect& e, GxEffect& stack) {
+// The gradient or pattern that fills a stroke, or null.
+const Effect* fillOf(const Effect& stroke) {
+    const auto& fills = stroke.fill.effects;
+    return fills.empty() || !fills.front().enabled ? nullptr : &fills.front();
+}
+
+// The effect that has a pattern: it or its fill; null for neither.
+const Effect* patternOf(const Effect& effect) {
+    const Effect* painter = effect.type == EffectType::kStroke ? fillOf(effect) : &effect;
+    return painter && painter->type == EffectType::kPattern ? painter : nullptr;
+}
+
+// `pattern` is the fill's picture.
+int addStroke(const Effect& e, GxBitmap* pattern, GxEffect& stack) {
+    const int position = static_cast<int>(e.position);
+    const Effect* fill = fillOf(e);
+    if (!fill) {
+        const Color color = e.fill.color.value_or(e.color);
+        return stack.addStrokeText(whole(e.size), color.argb, faded(e.opacity, color), kNoCap,
+                                   position);
+    }
+    const float opacity = fill->opacity * e.opacity;
+    const std::vector<GxGradient> stops = stopsOf(*fill);
+    const int count = static_cast<int>(stops.size());
+    switch (fill->type) {
+        case EffectType::kLinearGradient:
+            return stack.addLinearGradientStrokeText(whole(e.size), kNoCap, position,
+                                                     whole(fill->angle), fill->scale, opacity,
+                                                     count, stops.data());
+        case EffectType::kRadialGradient:
+            return stack.addRadialGradientStrokeText(whole(e.size), kNoCap, position, fill->scale,
+                                                     opacity, count, stops.data());
+        default:
+            return stack.addPatternStrokeText(whole(e.size), kNoCap, position, pattern, fill->scale,
+                                              opacity);
+    }
+}
+
+// `pattern` is the picture of patternOf(e).
+int add(const Effect& e, GxBitmap* pattern, GxEffect& stack) {
     const uint32_t color = e.color.argb;
     const float opacity = faded(e.opacity, e.color);
     const std::vector<GxGradient> stops = stopsOf(e);
     const int stopCount = static_cast<int>(stops.size());
-    constexpr int kNoCap = 0;  // no filter reads it
     switch (e.type) {
         case EffectType::kStroke:
-            return stack.addStrokeText(whole(e.size), color, opacity, kNoCap,
-                                       static_cast<int>(e.position));
+            return addStroke(e, pattern, stack);
         case EffectType::kOuterShadow:
             return stack.addOuterShadowText(whole(e.angle), whole(e.distance), whole(e.size), color,
                                             opacity);
@@ -72,7 +110,7 @@ int add(const Effect& e, GxEffect& stack) {
         case EffectType::kEmboss:
             return addRelief(e, static_cast<int>(e.embossKind), stack, &GxEffect::addEmbossText);
         case EffectType::kPattern:
-            break;
+            return stack.addPatternText(pattern, e.scale, e.opacity);
     }
     return -1;
 }
@@ -122,13 +160,18 @@ bool setLongLengths(const Effect& e, GxECoreBase& core) {
     }
 }
 
-GxBitmap load(const Style& style, size_t index, const PatternLoader& loadPattern) {
+// The picture that the effect needs; none for most.
+GxBitmap loadFor(const Style& style, size_t index, const PatternLoader& loadPattern) {
+    const Effect& effect = style.effects[index];
+    const Effect* painter = patternOf(effect);
+    if (!painter) return {};
     try {
         if (!loadPattern) throw Error("there is nothing that loads patterns");
-        return loadPattern(style.folder() / style.effects[index].pattern);
+        return loadPattern(style.folder() / painter->pattern);
     } catch (const Error& error) {
-        throw StyleError(style.source.string(),
-                         {"$.effects[" + std::to_string(index) + "].pattern", error.what(), ""});
+        std::string place = "$.effects[" + std::to_string(index) + "]";
+        place.append(painter == &effect ? ".pattern" : ".fill.pattern");
+        throw StyleError(style.source.string(), {place, error.what(), ""});
     }
 }
 
@@ -211,13 +254,8 @@ void dress(GxEffect& stack, const Style& style, const PatternLoader& loadPattern
     stack.setRepeats(true);
     for (const size_t i : stackingOrder(style)) {
         const Effect& effect = style.effects[i];
-        int id = -1;
-        if (effect.type == EffectType::kPattern) {
-            GxBitmap pattern = load(style, i, loadPattern);
-            id = stack.addPatternText(&pattern, effect.scale, effect.opacity);
-        } else {
-            id = add(effect, stack);
-        }
+        GxBitmap pattern = loadFor(style, i, loadPattern);
+        const int id = add(effect, &pattern, stack);
         if (id < 0 && hasFilter(stack, effect.type)) throw std::bad_alloc();
         if (id < 0) continue;
         if (!setLongLengths(effect, *stack.findEffect(id))) throw std::bad_alloc();

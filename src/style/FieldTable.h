@@ -47,6 +47,7 @@ enum class Control {
     kSides,
     kRamp,
     kEffects,
+    kFill,
 };
 
 enum class FieldType {
@@ -59,6 +60,7 @@ enum class FieldType {
     kPadding,
     kStops,
     kEffects,
+    kFill,
 };
 
 // A set of effect types.
@@ -93,7 +95,7 @@ template <typename T>
 using Target = std::variant<std::monostate, float T::*, int T::*, bool T::*, Color T::*,
                             std::string T::*, std::optional<std::string> T::*,
                             std::optional<Color> T::*, std::optional<int> T::*, Padding T::*,
-                            std::vector<Stop> T::*, std::vector<Effect> T::*, Choice<T>>;
+                            std::vector<Stop> T::*, std::vector<Effect> T::*, Fill T::*, Choice<T>>;
 
 // What a file gets that leaves the field out: nothing, a number, a switch, a colour, or a string
 // or the name of a choice.
@@ -130,6 +132,10 @@ GXTEXT_API const Field<Style>& styleField(std::string_view name);
 // "Outline along the glyphs' edges": one sentence per type of effect.
 GXTEXT_API std::string_view effectMeaning(EffectType type);
 
+// The effects that a stroke can be filled with.
+constexpr EffectSet kFills{EffectType::kLinearGradient, EffectType::kRadialGradient,
+                           EffectType::kPattern};
+
 constexpr int kMaxStops = 256;
 constexpr int kMaxEffects = 256;  // of a style
 
@@ -140,7 +146,7 @@ FieldType typeOf(const Field<T>& field) {
                                    FieldType::kBoolean, FieldType::kColor,  FieldType::kString,
                                    FieldType::kString,  FieldType::kColor,  FieldType::kInteger,
                                    FieldType::kPadding, FieldType::kStops,  FieldType::kEffects,
-                                   FieldType::kChoice};
+                                   FieldType::kFill,    FieldType::kChoice};
     return types[field.target.index()];
 }
 

@@ -155,6 +155,10 @@ Effect::Effect(EffectType type) : type(type) {
     for (const Field<Effect>* field : effectFields(type)) setInitial(*field, *this);
 }
 
+bool Fill::operator==(const Fill& other) const {
+    return color == other.color && effects == other.effects;
+}
+
 bool Effect::operator==(const Effect& other) const {
     if (type != other.type) return false;
     for (const Field<Effect>* field : effectFields(type)) {

@@ -74,6 +74,17 @@ constexpr int kEffectTypeCount = static_cast<int>(EffectType::kEmboss) + 1;
 GXTEXT_API std::string_view effectName(EffectType type);
 GXTEXT_API std::optional<EffectType> parseEffectType(std::string_view name);
 
+struct Effect;
+
+// What paints a stroke in place of its colour: nothing, another colour, or the one gradient or
+// pattern in `effects`.
+struct GXTEXT_API Fill {
+    std::optional<Color> color;
+    std::vector<Effect> effects;
+
+    bool operator==(const Fill& other) const;
+};
+
 // One effect. Each type has some of the fields (style/FieldTable.h says which, and their ranges);
 // the others are neither written nor compared.
 struct GXTEXT_API Effect {
@@ -104,6 +115,7 @@ struct GXTEXT_API Effect {
     Color shadowColor;
     std::vector<Stop> stops;
     std::string pattern;  // picture file; relative ones start in the style's folder
+    Fill fill;
 
     bool operator==(const Effect& other) const;
 };

@@ -36,6 +36,8 @@ std::string inQuotes(std::string_view name) {
     return text;
 }
 
+constexpr const char* kFillNames = "linearGradient, radialGradient, pattern";
+
 class Reader {
 public:
     explicit Reader(std::string name) : name_(std::move(name)) {}
@@ -251,6 +253,24 @@ private:
             readObject((*list)[i], here, effectFields(*type), effect);
             (object.*target).push_back(std::move(effect));
         }
+    }
+
+    template <typename T>
+    void readInto(const JsonValue& value, const Place& place, const Field<T>& /*field*/,
+                  Fill T::*target, T& object) {
+        Fill& fill = object.*target;
+        if (!value.as<JsonValue::Object>()) {
+            fill.color = readColor(value, place);
+            return;
+        }
+        const auto type = readEffectType(value, place);
+        if (!type) return;
+        if (!kFills.contains(*type)) {
+            return report(place.member("type"), "a stroke has no fill of that kind", kFillNames);
+        }
+        Effect effect(*type);
+        readObject(value, place, effectFields(*type), effect);
+        fill.effects.push_back(std::move(effect));
     }
 
     std::optional<EffectType> readEffectType(const JsonValue& value, const Place& place) {

@@ -13,11 +13,14 @@ public:
 
     template <typename T>
     void apply(const std::string& place, const Field<T>& field, T& object) {
-        if (field.longest == 0) return;
+        const auto* fill = std::get_if<Fill T::*>(&field.target);
+        if (field.longest == 0 && !fill) return;
         const Range range{field.range.min, field.longest};
         std::string path(place);
         path.append(".").append(field.name);
-        if (const auto* number = std::get_if<float T::*>(&field.target)) {
+        if (fill) {
+            for (Effect& effect : (object.**fill).effects) applyToEffect(path, effect);
+        } else if (const auto* number = std::get_if<float T::*>(&field.target)) {
             float& value = object.**number;
             value = static_cast<float>(scaled(value, range, path));
         } else if (const auto* count = std::get_if<int T::*>(&field.target)) {
@@ -32,6 +35,10 @@ public:
                 *side = whole(*side, range, path);
             }
         }
+    }
+
+    void applyToEffect(const std::string& place, Effect& effect) {
+        for (const Field<Effect>* field : effectFields(effect.type)) apply(place, *field, effect);
     }
 
     void throwProblems(const std::string& source) {
@@ -70,10 +77,7 @@ Style Style::scaled(float factor) const {
     Scaling scaling(factor);
     for (const Field<Style>& field : styleFields()) scaling.apply("$", field, result);
     for (size_t i = 0; i < result.effects.size(); i++) {
-        Effect& effect = result.effects[i];
-        for (const Field<Effect>* field : effectFields(effect.type)) {
-            scaling.apply("$.effects[" + std::to_string(i) + "]", *field, effect);
-        }
+        scaling.applyToEffect("$.effects[" + std::to_string(i) + "]", result.effects[i]);
     }
     scaling.throwProblems(source.string());
     return result;

@@ -9,9 +9,9 @@ namespace {
 using nlohmann::ordered_json;
 
 constexpr const char* kUnits[] = {"", "px", "deg", "em"};
-constexpr const char* kControls[] = {"",       "text",  "font",   "file", "number",
-                                     "slider", "angle", "switch", "menu", "color",
-                                     "sides",  "ramp",  "effects"};
+constexpr const char* kControls[] = {"",       "text",  "font",    "file", "number",
+                                     "slider", "angle", "switch",  "menu", "color",
+                                     "sides",  "ramp",  "effects", "fill"};
 
 ordered_json reference(const std::string& name) {
     return {{"$ref", "#/$defs/" + name}};
@@ -38,6 +38,15 @@ ordered_json effects() {
     return {{"type", "array"}, {"maxItems", kMaxEffects}, {"items", {{"oneOf", types}}}};
 }
 
+ordered_json fill() {
+    ordered_json kinds = ordered_json::array({reference("color")});
+    for (int i = 0; i < kEffectTypeCount; i++) {
+        const auto type = static_cast<EffectType>(i);
+        if (kFills.contains(type)) kinds.push_back(reference(std::string(effectName(type))));
+    }
+    return {{"oneOf", kinds}};
+}
+
 template <typename T>
 ordered_json typeSchema(const Field<T>& field) {
     switch (typeOf(field)) {
@@ -60,6 +69,8 @@ ordered_json typeSchema(const Field<T>& field) {
             return reference("stops");
         case FieldType::kEffects:
             return effects();
+        case FieldType::kFill:
+            return fill();
     }
     return {};
 }

@@ -13,6 +13,8 @@ using nlohmann::ordered_json;
 
 template <typename T>
 ordered_json writeObject(const T& object);
+template <>
+ordered_json writeObject(const Effect& effect);
 
 ordered_json write(float value) {
     return shortestNumber(value);
@@ -43,6 +45,10 @@ ordered_json write(const std::vector<T>& list) {
     ordered_json array = ordered_json::array();
     for (const T& element : list) array.push_back(writeObject(element));
     return array;
+}
+
+ordered_json write(const Fill& fill) {
+    return fill.effects.empty() ? write(fill.color) : writeObject(fill.effects.front());
 }
 
 // A value without a name is one that no file can hold.

@@ -88,6 +88,10 @@ struct Change {
     void operator()(std::vector<Stop> Effect::*member) const {
         (effect.*member)[0].color.argb = 0xFF00FF00u;
     }
+    void operator()(Fill Effect::*member) const {
+        (effect.*member).effects = {Effect(EffectType::kLinearGradient)};
+        (effect.*member).effects[0].stops = {{Color{0xFF20A030u}, 1, 0}};
+    }
     void operator()(const Choice<Effect>& choice) const {
         choice.set(effect, (choice.get(effect) + 1) % static_cast<int>(choice.names.size()));
     }
@@ -268,6 +272,22 @@ TEST(EffectStack, AlphaOfAColourMultipliesTheOpacity) {
     EXPECT_TRUE(drawn(faded) == drawn(plain));
 }
 
+// The alpha of a fill's colours and both opacities count once each.
+TEST(EffectStack, AFillPaintsTheStroke) {
+    const auto stroke = [](const std::string& rest) {
+        return drawn(
+            Style::fromJson(R"({"effects": [{"type": "stroke", "size": 5, )" + rest + "}]}"));
+    };
+    const Outcome plain = stroke(R"("color": "#80FF0000", "opacity": 0.5)");
+    EXPECT_TRUE(plain == stroke(R"("fill": "#80FF0000", "color": "#00FF00", "opacity": 0.5)"));
+    EXPECT_TRUE(plain.pixels == stroke(R"("opacity": 0.5, "fill": {"type": "radialGradient", )"
+                                       R"("stops": [{"color": "#80FF0000", "position": 0}]})")
+                                    .pixels);
+    EXPECT_TRUE(plain == stroke(R"("color": "#80FF0000", "opacity": 0.5, "fill":
+        {"type": "pattern", "pattern": "none", "enabled": false})"));
+    EXPECT_TRUE(plain.pixels != stroke(R"("fill": {"type": "pattern", "pattern": "p"})").pixels);
+}
+
 TEST(EffectStack, NamesThePlaceOfAPatternThatIsMissing) {
     const Style style = Style::fromJson(
         R"({"effects": [{"type": "stroke"}, {"type": "pattern", "pattern": "p.png"}]})",
@@ -285,6 +305,15 @@ TEST(EffectStack, NamesThePlaceOfAPatternThatIsMissing) {
               "a/s.json: $.effects[1].pattern: no a/p.png");
     EXPECT_EQ(errorOf({}), "a/s.json: $.effects[1].pattern: there is nothing that loads patterns");
     EXPECT_EQ(errorOf(shadeOf), "");
+    const Style filled = Style::fromJson(
+        R"({"effects": [{"type": "stroke", "fill": {"type": "pattern", "pattern": "p.png"}}]})");
+    GxEffect stack;
+    try {
+        dress(stack, filled, {});
+        FAIL();
+    } catch (const StyleError& error) {
+        EXPECT_EQ(error.problems()[0].path, "$.effects[0].fill.pattern");
+    }
 }
 
 }  // namespace

@@ -40,6 +40,8 @@ std::string valuesOf(const Field<T>& field) {
             return "list of 1-" + std::to_string(kMaxStops) + " stops";
         case FieldType::kEffects:
             return "list of effects";
+        case FieldType::kFill:
+            return "a colour, or a `linearGradient`, `radialGradient` or `pattern`";
     }
     return {};
 }

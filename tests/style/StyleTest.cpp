@@ -104,6 +104,18 @@ const char* const kFullStyle = R"({
       "type": "pattern",
       "pattern": "img/p.png",
       "scale": 2
+    },
+    {
+      "type": "stroke",
+      "fill": {
+        "type": "pattern",
+        "pattern": "q.png",
+        "scale": 3
+      }
+    },
+    {
+      "type": "stroke",
+      "fill": "#405060"
     }
   ]
 }
@@ -119,7 +131,7 @@ TEST(Style, ReadsWhatItWrites) {
     EXPECT_EQ(style.background->argb, 0xFFFFCC00u);
     EXPECT_EQ(style.padding, (Padding{1, 2, 3, 4}));
     EXPECT_EQ(style.align, Align::kCenter);
-    ASSERT_EQ(style.effects.size(), 4u);
+    ASSERT_EQ(style.effects.size(), 6u);
     EXPECT_EQ(style.effects[1].embossKind, EmbossKind::kPillow);
     EXPECT_EQ(style.effects[1].technique, Technique::kChiselSoft);
     EXPECT_EQ(style.effects[1].direction, Direction::kDown);
@@ -269,6 +281,7 @@ TEST(Style, ScalesAllLengthsAndNothingElse) {
     EXPECT_EQ(twice.effects[1].soften, 8);
     EXPECT_EQ(twice.effects[1].depth, 2.5f);
     EXPECT_EQ(twice.effects[3].scale, 1);
+    EXPECT_EQ(twice.effects[4].fill.effects[0].scale, 1.5f);
     EXPECT_EQ(style.scaled(1), style);
     EXPECT_EQ(Style::fromJson(R"({"size": 40.96})").scaled(100).size, 4096);
 
@@ -293,7 +306,7 @@ TEST(Style, SetsOneValueByItsPath) {
     EXPECT_EQ(style.with("size", "20").source, "a/s.json");
     EXPECT_EQ(Style().with("effects[0].type", "stroke"),
               Style().with("effects", R"([{"type": "stroke"}])"));
-    EXPECT_EQ(style.with("effects[4]", R"({"type": "stroke", "size": 3})").effects[4].size, 3);
+    EXPECT_EQ(style.with("effects[6]", R"({"type": "stroke", "size": 3})").effects[6].size, 3);
 
     const auto saying = [&](const char* path, const char* value) {
         return errorOf([&] { return style.with(path, value); });
@@ -301,7 +314,7 @@ TEST(Style, SetsOneValueByItsPath) {
     EXPECT_EQ(saying("effects[0].size", "140"), "$.effects[0].size: 140 is out of range 0-100");
     EXPECT_EQ(saying("effects[0].sise", "1"),
               "$.effects[0].sise: unknown field; did you mean \"size\"?");
-    EXPECT_EQ(saying("effects[7].size", "1"), "effects[7].size: the list has 4 entries");
+    EXPECT_EQ(saying("effects[7].size", "1"), "effects[7].size: the list has 6 entries");
     EXPECT_EQ(saying("size[0]", "1"), "size[0]: there is no list at this place");
     EXPECT_EQ(saying("size.x", "1"), "size.x: there is no object at this place");
     EXPECT_EQ(saying("effects[", "1"), "effects[: this is not a path like effects[0].size");

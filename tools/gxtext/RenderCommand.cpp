@@ -10,6 +10,9 @@ std::vector<std::string> filesOf(const Style& style, const gxtext::Picture& pict
     std::vector<std::string> files;
     for (const gxtext::Effect& effect : style.effects) {
         if (!effect.pattern.empty()) files.push_back((style.folder() / effect.pattern).string());
+        for (const gxtext::Effect& fill : effect.fill.effects) {
+            if (!fill.pattern.empty()) files.push_back((style.folder() / fill.pattern).string());
+        }
     }
     for (const gxtext::UsedFont& font : picture.arrangement().fonts)
         files.push_back(font.face.file);

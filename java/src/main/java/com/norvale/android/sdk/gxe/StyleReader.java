@@ -69,6 +69,7 @@ final class StyleReader {
         TextEffect effect;
         switch (type) {
             case "stroke":
+                object.expectOnly("fill", null);
                 effect = readStroke(object);
                 break;
             case "outerShadow":
