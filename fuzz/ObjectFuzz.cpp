@@ -327,6 +327,7 @@ void Objects::operate(FuzzedDataProvider& input) {
             object->SetTextColor(input.ConsumeIntegral<uint32_t>());
             object->SetBackgroundColor(input.ConsumeIntegral<uint32_t>(), input.ConsumeBool());
             object->SetFontFamilyName(input.ConsumeBool() ? "Sans Bold" : "");
+            object->setFadesFill(input.ConsumeBool());
             break;
         case 13:
             if (input.ConsumeIntegral<uint8_t>() == 1) FontManager::GetInstance().ClearFontMaps();

@@ -73,8 +73,8 @@ android::Paint makePaint(const Style& style, bool fakeBold) {
     return paint;
 }
 
-// The text colour's alpha fades the whole picture, which is what opacity asks for: the stack's own
-// text opacity only chooses the composition.
+// The text colour's alpha fades the whole picture, which is what opacity asks for: it has the
+// stack's text opacity, which is the letters' own, for the composition only.
 uint32_t fadedColor(const Style& style) {
     const auto alpha = static_cast<float>(style.color.argb >> 24);
     const auto faded = static_cast<uint32_t>(toInt(alpha * style.opacity + 0.5f));
@@ -172,7 +172,8 @@ void Renderer::Impl::setLook(const Style& style, const android::Paint& paint) {
                                style.background.has_value());
     GxEffect& effect = *object_.GetEffect();
     effect.cleanAllEffect();
-    effect.setTextOpacity(style.opacity);
+    object_.setFadesFill(style.fillOpacity < 1);
+    effect.setTextOpacity(style.fillOpacity < 1 ? style.fillOpacity : style.opacity);
     dress(effect, style, loadPattern);
 }
 

@@ -139,6 +139,13 @@ const std::vector<Field<Style>>& styleFields() {
          .control = Control::kSlider,
          .meaning = "Opacity of the whole picture, on top of the colour's alpha; below 1 it is "
                     "composed of two layers"},
+        {.name = "fillOpacity",
+         .target = &Style::fillOpacity,
+         .range = kUnitRange,
+         .initial = 1.0,
+         .control = Control::kSlider,
+         .meaning =
+             "Opacity of the letters' own colour; 0 leaves the effects around hollow letters"},
         {.name = "background",
          .target = &Style::background,
          .control = Control::kColor,

@@ -179,6 +179,7 @@ struct GXTEXT_API Style {
     std::string locale;  // BCP 47 tags, comma-separated
     Color color;
     float opacity = 0.0f;
+    float fillOpacity = 0.0f;
     std::optional<Color> background;
     std::optional<int> width;  // pixels, padding included; unset means as wide as the text
     Align align = Align::kStart;

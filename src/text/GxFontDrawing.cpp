@@ -260,7 +260,10 @@ bool GxFontDrawing::DrawTextEffect(GxTextObject* text, GxBitmap* destination) {
     }
     if (!destination) return true;
 
-    if (effect->addText(text->GetTextColor()) < 0) return false;
+    const int fill = text->getFadesFill()
+                         ? effect->addText(text->GetTextColor(), effect->getTextOpacity())
+                         : effect->addText(text->GetTextColor());
+    if (fill < 0) return false;
     effect->initEffect(destination->width, destination->height);
     if (effect->hasFailed()) return false;
     effect->setDstBitmap(destination);

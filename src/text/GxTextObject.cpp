@@ -65,6 +65,7 @@ constexpr int kSiteGetPaintNoMemory = 726;
 constexpr int kSitePaintNoMemory = 732;
 constexpr int kSiteFitBitmap = 276;
 constexpr int kSiteFitBitmapTooLarge = 277;
+constexpr int kSiteFadesFill = 754;
 
 // The registry's way of deleting an object whose last binding was released.
 void releaseTextCallback(GxTextObject* object) {
@@ -379,6 +380,7 @@ public:
     std::unique_ptr<const android::Paint> paint;
     uint32_t backgroundColor = 0;
     bool backgroundEnabled = false;
+    bool fadesFill = false;
     uint32_t textColor = kOpaqueBlack;
 };
 
@@ -690,6 +692,14 @@ bool GxTextObject::SetPaint(android::Paint& paint) {
         impl->paint = std::make_unique<const android::Paint>(paint);
         return true;
     });
+}
+
+void GxTextObject::setFadesFill(bool fades) {
+    if (requireConstructed(kSiteFadesFill)) impl->fadesFill = fades;
+}
+
+bool GxTextObject::getFadesFill() const {
+    return requireConstructed(kSiteFadesFill) && impl->fadesFill;
 }
 
 void GxTextObject::SetBackgroundColor(uint32_t color, bool enabled) {

@@ -134,6 +134,12 @@ public:
     // False, and the earlier paint kept, when memory runs out (error 7).
     bool SetPaint(android::Paint& paint);
 
+    // Whether the text fill is as opaque as the effect stack's text opacity says: at 0 outlines,
+    // shadows and glows are left alone, around letters that show what lies beneath the image. Off
+    // by default: the opacity then chooses the composition only, and the fill is opaque.
+    void setFadesFill(bool fades);
+    bool getFadesFill() const;
+
     // 0xAARRGGBB boxes behind each line, drawn when enabled.
     void SetBackgroundColor(uint32_t color, bool enabled);
     // 0xAARRGGBB; its alpha fades the whole image, effects included. Opaque black before Construct.

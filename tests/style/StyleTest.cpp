@@ -46,6 +46,7 @@ const char* const kFullStyle = R"({
   "locale": "ja,sr-Cyrl",
   "color": "#80102030",
   "opacity": 0.3,
+  "fillOpacity": 0.6,
   "background": "#FFCC00",
   "width": 300,
   "align": "center",

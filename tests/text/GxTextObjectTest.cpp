@@ -59,6 +59,8 @@ TEST(GxTextObject, UnconstructedAnswersWithError8AtEachSite) {
         {736, [&] { return text.SetBackgroundColor(1, true), true; }},
         {743, [&] { return text.SetTextColor(1), true; }},
         {749, [&] { return text.GetTextColor() == 0xFF000000u; }},
+        {754, [&] { return text.setFadesFill(true), true; }},
+        {754, [&] { return !text.getFadesFill(); }},
     };
     for (const Case& c : cases) {
         Error::SetError(0);

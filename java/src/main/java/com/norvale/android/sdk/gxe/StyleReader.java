@@ -39,6 +39,7 @@ final class StyleReader {
         }
         style.expectOne("fontIndex", 0);
         style.expectOne("opacity", 1);
+        style.expectOne("fillOpacity", 1);
         readEffects(style, builder);
         style.end();
         return builder.build();
