@@ -192,9 +192,11 @@ void changeEffects(FuzzedDataProvider& input, GxEffect& effect) {
     }
 }
 
-void changeView(FuzzedDataProvider& input, GxView& view) {
+void changeView(FuzzedDataProvider& input, GxTextObject& object) {
+    GxView& view = *object.GetView();
     view.SetSize(chooseInt(input), chooseInt(input));
     view.SetPadding(chooseInt(input), chooseInt(input), chooseInt(input), chooseInt(input));
+    if (input.ConsumeBool()) object.FitBitmapToView();
     view.SetBitmapWidth(chooseInt(input));
     view.SetBitmapHeight(chooseInt(input));
     view.gravity = input.ConsumeIntegral<uint32_t>();
@@ -314,7 +316,7 @@ void Objects::operate(FuzzedDataProvider& input) {
             changeEffects(input, *object->GetEffect());
             break;
         case 9:
-            changeView(input, *object->GetView());
+            changeView(input, *object);
             break;
         case 10:
             setFont(input, *object);
@@ -328,6 +330,7 @@ void Objects::operate(FuzzedDataProvider& input) {
             object->SetBackgroundColor(input.ConsumeIntegral<uint32_t>(), input.ConsumeBool());
             object->SetFontFamilyName(input.ConsumeBool() ? "Sans Bold" : "");
             object->setFadesFill(input.ConsumeBool());
+            object->setKeepsWholeInk(input.ConsumeBool());
             break;
         case 13:
             if (input.ConsumeIntegral<uint8_t>() == 1) FontManager::GetInstance().ClearFontMaps();

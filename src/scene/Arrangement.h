@@ -29,7 +29,7 @@ struct GXTEXT_API Line {
     int baseline = 0;
     float advance = 0.0f;  // pixels
     Box box;               // advance by line height: what a background covers
-    Box ink;               // where glyphs are drawn
+    Box ink;               // where glyphs are drawn; may reach beyond x and advance
 
     // Moves it by pixels.
     void shift(int dx, int dy);

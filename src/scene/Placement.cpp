@@ -18,12 +18,13 @@ constexpr int kMaxViewHeight = 1 << 26;
 constexpr int kMaxLineSide = 65535;
 
 void checkLine(const LineMetrics& metrics, size_t index) {
-    if (metrics.advance <= kMaxLineSide && metrics.inkBottom - metrics.inkTop <= kMaxLineSide)
-        return;
-    throw TextError("line " + std::to_string(index + 1),
-                    std::to_string(toInt(metrics.advance)) + " x " +
-                        std::to_string(toInt(metrics.inkBottom - metrics.inkTop)) + " pixels",
-                    "up to " + std::to_string(kMaxLineSide) + " pixels");
+    const float width = std::max(metrics.advance, metrics.inkRight - metrics.inkLeft + 2);
+    const float height = metrics.inkBottom - metrics.inkTop + 2;  // rounded outwards
+    if (width <= kMaxLineSide && height <= kMaxLineSide) return;
+    throw TextError(
+        "line " + std::to_string(index + 1),
+        std::to_string(toInt(width)) + " x " + std::to_string(toInt(height)) + " pixels",
+        "up to " + std::to_string(kMaxLineSide) + " pixels");
 }
 
 // The line with its top at `top`, its left end at 0.
@@ -39,10 +40,9 @@ Line stackLine(std::u16string_view text, const TextLine& range, const LineMetric
     line.baseline = top + toInt(std::ceil(-metrics.ascent));
     const int advance = toInt(metrics.advance);
     line.box = {0, top, advance, line.baseline + toInt(std::ceil(metrics.descent))};
-    // Drawing puts the ink's left edge at the line's left end and cuts it at the advance.
-    const int inkWidth = toInt(std::ceil(metrics.inkRight - metrics.inkLeft));
-    line.ink = {0, line.baseline + toInt(std::floor(metrics.inkTop)), std::min(inkWidth, advance),
-                line.baseline + toInt(std::ceil(metrics.inkBottom))};
+    line.ink = {
+        toInt(std::floor(metrics.inkLeft)), line.baseline + toInt(std::floor(metrics.inkTop)),
+        toInt(std::ceil(metrics.inkRight)), line.baseline + toInt(std::ceil(metrics.inkBottom))};
     return line;
 }
 
@@ -58,6 +58,19 @@ int leftOf(const Style& style, const Line& line, int viewWidth) {
         default:
             return left;
     }
+}
+
+// Letters may reach beyond their line on both sides: the view grows by what lies outside it.
+void makeRoom(Placement& placement) {
+    int left = 0;
+    int right = placement.viewWidth;
+    for (const Line& line : placement.lines) {
+        if (line.ink.left >= line.ink.right || line.ink.top >= line.ink.bottom) continue;
+        left = std::min(left, line.ink.left);
+        right = std::max(right, line.ink.right);
+    }
+    placement.viewWidth = right - left;
+    for (Line& line : placement.lines) line.shift(-left, 0);
 }
 
 }  // namespace
@@ -112,6 +125,7 @@ Placement placeLines(const Style& style, std::u16string_view text,
     placement.viewWidth = style.width.value_or(widest + style.padding.left + style.padding.right);
     placement.viewHeight = ink.bottom + raise + style.padding.bottom;
     for (Line& line : placement.lines) line.shift(leftOf(style, line, placement.viewWidth), raise);
+    makeRoom(placement);
     return placement;
 }
 

@@ -111,7 +111,10 @@ void require(bool done) {
 
 class Renderer::Impl {
 public:
-    explicit Impl(FontSource fonts) : fonts_(std::move(fonts)) { require(object_.Construct()); }
+    explicit Impl(FontSource fonts) : fonts_(std::move(fonts)) {
+        require(object_.Construct());
+        object_.setKeepsWholeInk(true);
+    }
 
     Arrangement arrange(const Style& style, std::string_view utf8);
     std::vector<uint32_t> draw(const Arrangement& arrangement);
@@ -183,6 +186,9 @@ void Renderer::Impl::setView(const Style& style, const Placement& placement) {
     view.SetPadding(style.padding.left, style.padding.top, style.padding.right,
                     style.padding.bottom);
     view.SetSize(placement.viewWidth, placement.viewHeight);
+    // The view holds all ink of the lines to come; those of the text before do not count.
+    List none;
+    require(none.Construct() && object_.SetLineInfo(&none));
     view.gravity = GxView::kGravityTop | horizontalGravity(resolveAlign(
                                              style.align, placement.lines.front().rightToLeft));
     require(object_.FitBitmapToView());

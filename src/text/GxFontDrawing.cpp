@@ -67,6 +67,8 @@ struct DrawTextFunctor {
     SkCanvas& canvas;
     const android::Paint& paint;
     SkRect bounds;
+    float left;  // what lands at the mask's origin
+    float top;
 
     void operator()(size_t start, size_t end) {
         android::Paint fill(paint);
@@ -80,8 +82,7 @@ struct DrawTextFunctor {
             run.pos[2 * (i - start)] = layout.getX(glyph);
             run.pos[2 * (i - start) + 1] = layout.getY(glyph);
         }
-        // The top-left corner of the line's ink lands at the mask's origin.
-        canvas.drawTextBlob(builder.make(), -bounds.fLeft, -bounds.fTop, fill);
+        canvas.drawTextBlob(builder.make(), -left, -top, fill);
     }
 };
 
@@ -119,20 +120,34 @@ minikin::Layout layOut(const LineRange& range, int direction, const uint16_t* te
 
 using OwnedGlyph = std::unique_ptr<GxGlyph, void (*)(GxGlyph*)>;
 
-// Of the mask of a laid-out line: as wide as its advance and as high as its ink. Without pixels.
-GxGlyph maskOf(const minikin::Layout& layout) {
+// The mask of a laid-out line, without pixels: as high as its ink, and as wide as its advance or,
+// with whole ink, as the ink, which then keeps its place.
+GxGlyph maskOf(const minikin::Layout& layout, bool wholeInk) {
     minikin::MinikinRect bounds;
     layout.getBounds(&bounds);
     GxGlyph glyph;
-    glyph.width = maskExtent(layout.getAdvance());
-    glyph.height = maskExtent(bounds.mBottom - bounds.mTop);
-    glyph.baseline = toInt(-bounds.mTop);
+    if (wholeInk) {
+        glyph.xOffset = toInt(std::floor(bounds.mLeft));
+        glyph.baseline = toInt(-std::floor(bounds.mTop));
+        glyph.width = maskExtent(std::ceil(bounds.mRight) - std::floor(bounds.mLeft));
+        glyph.height = maskExtent(std::ceil(bounds.mBottom) - std::floor(bounds.mTop));
+    } else {
+        glyph.width = maskExtent(layout.getAdvance());
+        glyph.height = maskExtent(bounds.mBottom - bounds.mTop);
+        glyph.baseline = toInt(-bounds.mTop);
+    }
     return glyph;
 }
 
+bool isEmpty(const GxGlyph& glyph) {
+    return glyph.width == 0 || glyph.height == 0;
+}
+
 // With the line's coverage; without pixels when that is too large. Null when memory runs out.
-OwnedGlyph drawMask(const minikin::Layout& layout, android::Paint& paint) {
-    OwnedGlyph glyph(new (std::nothrow) GxGlyph(maskOf(layout)), deleteGlyph);
+std::unique_ptr<GxGlyph, void (*)(GxGlyph*)> drawMask(const minikin::Layout& layout,
+                                                      android::Paint& paint, bool wholeInk) {
+    std::unique_ptr<GxGlyph, void (*)(GxGlyph*)> glyph(
+        new (std::nothrow) GxGlyph(maskOf(layout, wholeInk)), deleteGlyph);
     if (!glyph) return glyph;
     const size_t pixelCount = size_t{glyph->width} * glyph->height;
     if (pixelCount > kMaxMaskPixels) return glyph;
@@ -149,11 +164,15 @@ OwnedGlyph drawMask(const minikin::Layout& layout, android::Paint& paint) {
         return glyph;
     }
     SkCanvas canvas(bitmap);
-    minikin::MinikinRect bounds;
-    layout.getBounds(&bounds);
-    DrawTextFunctor draw{
-        layout, canvas, paint,
-        SkRect::MakeLTRB(bounds.mLeft, bounds.mTop, bounds.mRight, bounds.mBottom)};
+    minikin::MinikinRect ink;
+    layout.getBounds(&ink);
+    DrawTextFunctor draw{layout,    canvas,
+                         paint,     SkRect::MakeLTRB(ink.mLeft, ink.mTop, ink.mRight, ink.mBottom),
+                         ink.mLeft, ink.mTop};
+    if (wholeInk) {
+        draw.left = static_cast<float>(glyph->xOffset);
+        draw.top = static_cast<float>(-glyph->baseline);
+    }
     android::MinikinUtils::forFontRun(layout, &paint, draw);
     return glyph;
 }
@@ -194,6 +213,16 @@ struct LaidOutLine {
     int penY;
     minikin::Layout layout;
 };
+
+// A line without ink does not stretch the box of whole ink.
+GxRect boxOf(const std::vector<LaidOutLine>& lines, bool wholeInk) {
+    MaskBox box;
+    for (const LaidOutLine& line : lines) {
+        const GxGlyph mask = maskOf(line.layout, wholeInk);
+        if (!wholeInk || !isEmpty(mask)) box.add(mask, line.penX, line.penY);
+    }
+    return box.get();
+}
 
 // Makes the string on first use; null empties it.
 bool storeString(std::unique_ptr<GxString>& string, const char* text) {
@@ -302,7 +331,8 @@ bool GxFontDrawing::collectFamilies(std::vector<std::shared_ptr<minikin::FontFam
     return true;
 }
 
-bool GxFontDrawing::drawLines(GxTextObject* text, GxEffect* effect) {
+template <typename Use>
+bool GxFontDrawing::withLines(const GxTextObject* text, int left, int top, Use use) {
     std::vector<std::shared_ptr<minikin::FontFamily>> families;
     int weight = kDefaultWeight;
     if (!collectFamilies(families, weight)) return false;
@@ -316,12 +346,9 @@ bool GxFontDrawing::drawLines(GxTextObject* text, GxEffect* effect) {
         return ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, kSiteNoMemory);
 
     const int length = text->GetText()->GetUTF16Size() - 1;
-    const int left = effect->getLeftOffset();
-    const int top = effect->getTopOffset();
     android::Paint paint(text->paint());
     List& lines = *text->GetLineInfo();
     std::vector<LaidOutLine> laidOut;
-    MaskBox box;
     LineRange range;
     for (int i = 0, count = lines.GetCount(); i < count; ++i) {
         auto* line = static_cast<GxLineInfo*>(lines.Get(i));
@@ -329,23 +356,47 @@ bool GxFontDrawing::drawLines(GxTextObject* text, GxEffect* effect) {
         range = LineRange(*line, utf16.get(), length, range);
         laidOut.push_back({line, penOf(line->x, left), penOf(line->y, top),
                            layOut(range, line->direction, utf16.get(), length, paint, *typeface)});
-        const LaidOutLine& last = laidOut.back();
-        box.add(maskOf(last.layout), last.penX, last.penY);
     }
-    effect->setTextBox(box.get());
-    if (effect->hasFailed()) return false;
-    for (const LaidOutLine& line : laidOut) {
-        ClearGlyphList();
-        auto mask = drawMask(line.layout, paint);
-        if (!mask || !glyphList->Add(mask.get())) {
-            return ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, kSiteNoMemory);
+    return use(laidOut, paint);
+}
+
+bool GxFontDrawing::drawLines(GxTextObject* text, GxEffect* effect) {
+    const bool wholeInk = text->getKeepsWholeInk();
+    const GxRect ink = text->GetInkMargins();
+    const int left = saturateInt(int64_t{effect->getLeftOffset()} + ink.left);
+    const int top = saturateInt(int64_t{effect->getTopOffset()} + ink.top);
+    const auto draw = [&](const std::vector<LaidOutLine>& lines, android::Paint& paint) {
+        effect->setTextBox(boxOf(lines, wholeInk));
+        if (effect->hasFailed()) return false;
+        for (const LaidOutLine& line : lines) {
+            ClearGlyphList();
+            auto mask = drawMask(line.layout, paint, wholeInk);
+            if (!mask || !glyphList->Add(mask.get())) {
+                return ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, kSiteNoMemory);
+            }
+            const bool isDrawn = !wholeInk || !isEmpty(*mask);
+            static_cast<void>(mask.release());  // the list's from here on
+            if (isDrawn) {
+                _DoRender(line.penX, line.penY, glyphList.get(), effect, line.info->direction);
+            }
+            moveBackgroundBox(*line.info, left, top, line.layout.getAdvance());
         }
-        static_cast<void>(mask.release());  // the list's from here on
-        _DoRender(line.penX, line.penY, glyphList.get(), effect, line.info->direction);
-        moveBackgroundBox(*line.info, left, top, line.layout.getAdvance());
-    }
-    ClearGlyphList();  // the effects need its memory
-    return true;
+        ClearGlyphList();  // the effects need its memory
+        return true;
+    };
+    return withLines(text, left, top, draw);
+}
+
+bool GxFontDrawing::MeasureInk(const GxTextObject* text, GxRect* ink) {
+    *ink = GxRect();
+    const GxString* string = text->GetText();
+    const List* lines = text->GetLineInfo();
+    if (!string || string->GetUTF16Size() - 1 < 1 || !lines || lines->GetCount() < 1) return true;
+    return withLines(text, 0, 0, [ink](const std::vector<LaidOutLine>& laidOut, android::Paint&) {
+        *ink = boxOf(laidOut, true);
+        if (ink->isEmpty()) *ink = GxRect();
+        return true;
+    });
 }
 
 void GxFontDrawing::_DoRender(int x, int y, List* glyphs, GxEffect* effect, int direction) {

@@ -14,6 +14,7 @@ namespace GxFontEffect {
 
 class GxBitmap;
 class GxEffect;
+class GxRect;
 class GxString;
 class GxTextObject;
 class List;
@@ -45,6 +46,10 @@ public:
     // lines have moved. Throws std::bad_alloc as well, as the text stack does.
     bool DrawTextEffect(GxTextObject* text, GxBitmap* destination);
 
+    // Box of the lines' ink in the view's pixels, empty when there is none or nothing to draw it
+    // with. False when memory ran out; throws std::bad_alloc as well.
+    bool MeasureInk(const GxTextObject* text, GxRect* ink);
+
     // Hands the masks of `glyphs` to the stack, pen at (x, y) in 26.6 fixed point, last mask first
     // for a negative direction.
     void _DoRender(int x, int y, List* glyphs, GxEffect* effect, int direction);
@@ -53,7 +58,10 @@ public:
     void ClearGlyphList();
 
 private:
-    // False when memory ran out.
+    // Lays out the lines, their pens moved by (left, top), and calls use(lines, paint); its answer,
+    // or false when memory ran out, true when there is nothing to draw with.
+    template <typename Use>
+    bool withLines(const GxTextObject* text, int left, int top, Use use);
     bool drawLines(GxTextObject* text, GxEffect* effect);
 
     bool collectFamilies(std::vector<std::shared_ptr<minikin::FontFamily>>& families,

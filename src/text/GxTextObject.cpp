@@ -66,6 +66,8 @@ constexpr int kSitePaintNoMemory = 732;
 constexpr int kSiteFitBitmap = 276;
 constexpr int kSiteFitBitmapTooLarge = 277;
 constexpr int kSiteFadesFill = 754;
+constexpr int kSiteWholeInk = 758;
+constexpr int kSiteMeasureNoMemory = 278;
 
 // The registry's way of deleting an object whose last binding was released.
 void releaseTextCallback(GxTextObject* object) {
@@ -203,6 +205,14 @@ SkIRect clipOf(const GxView& view, const SkIRect& bounds) {
                  vertical == GxView::kGravityTop ? 0 : view.paddingTop,
                  horizontal == GxView::kGravityRight ? width : width - view.paddingRight,
                  vertical == GxView::kGravityBottom ? height : height - view.paddingBottom);
+}
+
+// What `box` has beyond a view, on each side.
+GxRect marginsAround(const GxRect& box, int width, int height) {
+    if (box.isEmpty()) return {};
+    const auto beyond = [](int64_t pixels) { return saturateInt(std::max<int64_t>(pixels, 0)); };
+    return {beyond(-int64_t{box.left}), beyond(-int64_t{box.top}),
+            beyond(int64_t{box.right} - width), beyond(int64_t{box.bottom} - height)};
 }
 
 size_t rowBytesOf(const GxBitmap& bitmap) {
@@ -381,11 +391,13 @@ public:
     uint32_t backgroundColor = 0;
     bool backgroundEnabled = false;
     bool fadesFill = false;
+    bool keepsWholeInk = false;
+    GxRect inkMargins;
     uint32_t textColor = kOpaqueBlack;
 };
 
 GxRect GxTextObjectImpl::compose(const GxBitmap& picture) const {
-    const SkIRect clip = clipOf(*view, boundsOf(picture));
+    const SkIRect clip = keepsWholeInk ? boundsOf(picture) : clipOf(*view, boundsOf(picture));
     const GxRect& drawn = effect->getPaintedRect();
     SkIRect painted = SkIRect::MakeLTRB(drawn.left, drawn.top, drawn.right, drawn.bottom);
     clearOutside(picture, clip, painted);
@@ -491,14 +503,22 @@ void GxTextObject::ReleaseKeptPlanes() {
 
 bool GxTextObject::FitBitmapToView() {
     if (!requireConstructed(kSiteFitBitmap)) return false;
+    GxRect ink;
+    const bool isMeasured = !impl->keepsWholeInk || GuardMemory(kTag, kSiteMeasureNoMemory, [&] {
+        return !impl->fontDrawing || impl->fontDrawing->MeasureInk(this, &ink);
+    });
+    if (!isMeasured) return false;
+    const GxView& view = *impl->view;
+    const GxRect margins = marginsAround(ink, view.GetWidth(), view.GetHeight());
     const GxEffect& effect = *impl->effect;
-    const int64_t width =
-        int64_t{impl->view->GetWidth()} + effect.getLeftOffset() + effect.getRightOffset();
-    const int64_t height =
-        int64_t{impl->view->GetHeight()} + effect.getTopOffset() + effect.getBottomOffset();
+    const int64_t width = int64_t{view.GetWidth()} + effect.getLeftOffset() +
+                          effect.getRightOffset() + margins.left + margins.right;
+    const int64_t height = int64_t{view.GetHeight()} + effect.getTopOffset() +
+                           effect.getBottomOffset() + margins.top + margins.bottom;
     if (std::max(width, height) > INT32_MAX) {
         return ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, kSiteFitBitmapTooLarge);
     }
+    impl->inkMargins = margins;
     return impl->view->SetBitmapWidth(static_cast<int>(width)) &&
            impl->view->SetBitmapHeight(static_cast<int>(height));
 }
@@ -692,6 +712,20 @@ bool GxTextObject::SetPaint(android::Paint& paint) {
         impl->paint = std::make_unique<const android::Paint>(paint);
         return true;
     });
+}
+
+void GxTextObject::setKeepsWholeInk(bool keeps) {
+    if (!requireConstructed(kSiteWholeInk)) return;
+    impl->keepsWholeInk = keeps;
+    if (!keeps) impl->inkMargins = GxRect();
+}
+
+bool GxTextObject::getKeepsWholeInk() const {
+    return requireConstructed(kSiteWholeInk) && impl->keepsWholeInk;
+}
+
+GxRect GxTextObject::GetInkMargins() const {
+    return requireConstructed(kSiteWholeInk) ? impl->inkMargins : GxRect();
 }
 
 void GxTextObject::setFadesFill(bool fades) {

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "GxExport.h"
+#include "raster/GxBitmap.h"
 
 namespace minikin {
 class FontFamily;
@@ -15,7 +16,6 @@ class FontFamily;
 
 namespace GxFontEffect {
 
-class GxBitmap;
 class GxEffect;
 class GxFontDrawing;
 class GxRect;
@@ -74,8 +74,8 @@ public:
 
     // Sizes the view's bitmap (GxView::GetBitmapWidth and -Height) to the view and the margins of
     // the effects: what a render needs so that no effect is cut. Wanted after every change of the
-    // view's size or of the effects. False with error 7, and nothing stored, when a side exceeds
-    // 2^31 - 1.
+    // view's size or of the effects, and with whole ink of text, lines, font or paint. False with
+    // error 7, and nothing stored, when a side exceeds 2^31 - 1 or memory runs out.
     bool FitBitmapToView();
 
     // The image of the last render that succeeded, owned by the object like its pixels; null when
@@ -133,6 +133,17 @@ public:
     android::Paint GetPaint() const;
     // False, and the earlier paint kept, when memory runs out (error 7).
     bool SetPaint(android::Paint& paint);
+
+    // Whether lines show all of their ink. A line's mask is as wide as its ink then and lies where
+    // layout puts it: the first letter keeps its bearing, the last one's overhang and marks are not
+    // cut, and padding does not cut either. FitBitmapToView makes the image larger by what reaches
+    // beyond the view. Off by default: ink begins at the line's x and ends at its advance.
+    void setKeepsWholeInk(bool keeps);
+    bool getKeepsWholeInk() const;
+    // How far the ink reached beyond the view, in pixels on each side, at the last FitBitmapToView:
+    // drawing moves the text by the left and top ones as it does by the effects' margins. All 0
+    // without whole ink.
+    GxRect GetInkMargins() const;
 
     // Whether the text fill is as opaque as the effect stack's text opacity says: at 0 outlines,
     // shadows and glows are left alone, around letters that show what lies beneath the image. Off

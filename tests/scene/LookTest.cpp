@@ -51,5 +51,36 @@ TEST(Look, FillOpacityFadesTheLettersAlone) {
     }
 }
 
+// With room around it the picture has nothing more than without.
+TEST(Look, NoInkIsCut) {
+    int overhangs = 0;
+    for (const char* text : {"Wolf", "jf", "fj\nfff\nW", "\u0131\u0301\u0301", "A\u0308"}) {
+        for (const std::string fields :
+             {R"(, "italic": true)", R"(, "letterSpacing": -0.3, "align": "right")",
+              R"(, "skewX": -1.5, "width": 50, "effects": [{"type": "outerGlow"}])"}) {
+            const Picture tight = render(fields, text);
+            std::string roomyFields = fields + R"(, "padding": 150)";
+            if (const size_t width = roomyFields.find("50, \"eff"); width != std::string::npos) {
+                roomyFields.replace(width, 2, "350");
+            }
+            const Picture roomy = render(roomyFields, text);
+            const Line& from = tight.lines()[0];
+            const int dx = roomy.lines()[0].x - from.x;
+            const int dy = roomy.lines()[0].baseline - from.baseline;
+            for (int y = 0; y < roomy.height(); y++) {
+                for (int x = 0; x < roomy.width(); x++) {
+                    const int ax = x - dx, ay = y - dy;
+                    const bool inside =
+                        ax >= 0 && ay >= 0 && ax < tight.width() && ay < tight.height();
+                    ASSERT_EQ(pixelAt(roomy, x, y), inside ? pixelAt(tight, ax, ay) : 0)
+                        << text << fields << " at " << x << ", " << y;
+                }
+            }
+            overhangs += from.ink.left < from.x || from.ink.right > from.x + from.advance;
+        }
+    }
+    EXPECT_GT(overhangs, 5);
+}
+
 }  // namespace
 }  // namespace gxtext

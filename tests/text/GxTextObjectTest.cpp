@@ -61,6 +61,9 @@ TEST(GxTextObject, UnconstructedAnswersWithError8AtEachSite) {
         {749, [&] { return text.GetTextColor() == 0xFF000000u; }},
         {754, [&] { return text.setFadesFill(true), true; }},
         {754, [&] { return !text.getFadesFill(); }},
+        {758, [&] { return text.setKeepsWholeInk(true), true; }},
+        {758, [&] { return !text.getKeepsWholeInk(); }},
+        {758, [&] { return text.GetInkMargins().isEmpty(); }},
     };
     for (const Case& c : cases) {
         Error::SetError(0);

@@ -319,6 +319,42 @@ TEST_F(Render, TheBitmapFitsTheViewAndItsEffects) {
     EXPECT_EQ(text.GetView()->GetBitmapWidth(), 107);
 }
 
+// In a view that is too small, and that padding would cut, all of the picture that a roomy view
+// shows is there.
+TEST_F(Render, WholeInkReachesBeyondTheView) {
+    text.setKeepsWholeInk(true);
+    text.SetTextStyle(false, true);
+    text.GetEffect()->addStrokeText(3, 0xFF802020, 1, 0, 1);
+    GxView& view = *text.GetView();
+    view.SetPadding(20, 20, 20, 20);
+    for (const wchar_t* line : {L"fWolf", L"j\u0301j\n \nWf", L"\u0645\u0631", L"a"}) {
+        lineX = 90;
+        setLines({line});
+        const Image roomy = render(400, 200);
+        const GxRect none = text.GetInkMargins();
+        EXPECT_EQ(none.left + none.top + none.right + none.bottom, 0);
+        lineX = 0;
+        setLines({line});
+        const Image tight = render(10, 30);
+        const GxRect grown = text.GetInkMargins();
+        EXPECT_GT(grown.right, 0);
+        const GxRect ink = inkOf(roomy);
+        const int dx = grown.left - 90, dy = grown.top;
+        EXPECT_GE(ink.left + dx, 0);
+        EXPECT_GE(ink.top + dy, 0);
+        ASSERT_LE(ink.right + dx, tight.width);
+        ASSERT_LE(ink.bottom + dy, tight.height);
+        for (int y = ink.top; y < ink.bottom; ++y) {
+            for (int x = ink.left; x < ink.right; ++x) {
+                ASSERT_EQ(at(tight, x + dx, y + dy), at(roomy, x, y)) << x << ", " << y;
+            }
+        }
+        EXPECT_EQ(coverage(tight), coverage(roomy));
+    }
+    text.setKeepsWholeInk(false);
+    EXPECT_EQ(render(10, 30).width, 16) << "the view and its outline";
+}
+
 TEST_F(Render, MasksAreHandedOverWithTheirPen) {
     struct Mask {
         GxGlyph glyph;
