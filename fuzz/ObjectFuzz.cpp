@@ -162,7 +162,7 @@ void addEffect(FuzzedDataProvider& input, GxEffect& effect) {
 }
 
 void changeEffects(FuzzedDataProvider& input, GxEffect& effect) {
-    switch (input.ConsumeIntegralInRange(0, 7)) {
+    switch (input.ConsumeIntegralInRange(0, 8)) {
         case 0:
             effect.removeEffect(input.ConsumeIntegralInRange(-1, 9));
             break;
@@ -180,6 +180,10 @@ void changeEffects(FuzzedDataProvider& input, GxEffect& effect) {
             break;
         case 5:
             effect.setRepeats(input.ConsumeBool());
+            break;
+        case 7:
+            effect.setSpan(input.ConsumeIntegralInRange(-1, 9),
+                           input.ConsumeIntegralInRange(-1, 2));
             break;
         case 6:
             effect.setSilhouette(input.ConsumeIntegralInRange(-1, 9),

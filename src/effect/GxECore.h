@@ -49,6 +49,12 @@ struct GxSilhouette {
     bool isPlain() const { return castFrom == kLetters && spread == 0; }
 };
 
+// What an effect runs over, see GxEffect::setSpan.
+enum GxSpan : int {
+    GXE_SPAN_TEXT = 0,  // all masks of a render together
+    GXE_SPAN_LINE = 1,  // each by itself
+};
+
 // Parameter blocks, built by the stack. All pointers are borrowed for the call.
 namespace GxECore {
 
@@ -126,9 +132,11 @@ public:
     // False when memory ran out in the last setProperty, which kept the record before it.
     virtual bool keptLastProperty() const { return true; }
 
-    // The stack's setting for this effect. Cores do not read it: the stack gives them the mask.
+    // The stack's settings for this effect. Cores do not read them: the stack gives them the mask.
     void setSilhouette(const GxSilhouette& value) { silhouette = value; }
     const GxSilhouette& getSilhouette() const { return silhouette; }
+    void setSpan(int value) { span = value; }
+    int getSpan() const { return span; }
 
 protected:
     explicit GxECoreBase(int effectStyle) : style(effectStyle) {}
@@ -138,6 +146,7 @@ protected:
 
 private:
     GxSilhouette silhouette;
+    int32_t span = GXE_SPAN_TEXT;
 };
 
 // A core whose record owns nothing: setProperty copies it whole. Cores that copy stops or bitmaps

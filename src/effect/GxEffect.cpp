@@ -8,6 +8,8 @@
 #include <optional>
 
 #include "effect/GxCoreFactory.h"
+#include "effect/KeyWriter.h"
+#include "effect/LineMasks.h"
 #include "effect/Silhouettes.h"
 #include "raster/BlendCut.h"
 #include "raster/BorrowedBitmap.h"
@@ -89,6 +91,21 @@ private:
     GxGradient stops_[kMaxStops];
 };
 
+// --- the settings of an effect beyond its record ---
+
+void writeSettingsKey(const GxECoreBase& core, char** cursor) {
+    const GxSilhouette& silhouette = core.getSilhouette();
+    KeyWriter writer(cursor);
+    if (!silhouette.isPlain()) {
+        writer.letter('C').shortForm(silhouette.castFrom).shortForm(silhouette.spread);
+    }
+    if (core.getSpan() != GXE_SPAN_TEXT) writer.letter('R').shortForm(core.getSpan());
+}
+
+int settingsKeyLength(const GxECoreBase& core) {
+    return (core.getSilhouette().isPlain() ? 0 : 3) + (core.getSpan() == GXE_SPAN_TEXT ? 0 : 2);
+}
+
 // --- layers ---
 
 std::unique_ptr<PlaneBitmap> newBitmap(uint32_t width, uint32_t height, uint32_t bytesPerPixel) {
@@ -148,7 +165,9 @@ GxEffect::GxEffect(const GxEffect& other)
     for (const auto& core : other.effects) {
         const int copied = appendEffect(core->getId(), core->getStyle(), core->getProperty());
         incompleteCopy = incompleteCopy || copied < 0;
-        if (copied >= 0) effects.back()->setSilhouette(core->getSilhouette());
+        if (copied < 0) continue;
+        effects.back()->setSilhouette(core->getSilhouette());
+        effects.back()->setSpan(core->getSpan());
     }
 }
 
@@ -277,6 +296,12 @@ bool GxEffect::setSilhouette(int id, const GxSilhouette& silhouette) {
     }
     core->setSilhouette(kept);
     return true;
+}
+
+bool GxEffect::setSpan(int id, int span) {
+    GxECoreBase* core = findEffect(id);
+    if (core) core->setSpan(span == GXE_SPAN_LINE ? GXE_SPAN_LINE : GXE_SPAN_TEXT);
+    return core != nullptr;
 }
 
 void GxEffect::setTextOpacity(float opacity) {
@@ -465,7 +490,7 @@ char* GxEffect::getMapKey() {
     for (const auto& core : effects) {
         if (const GxProperty* property = core->getProperty()) {
             length += static_cast<size_t>(property->getSequentialCharLength());
-            length += static_cast<size_t>(silhouetteKeyLength(core->getSilhouette()));
+            length += static_cast<size_t>(settingsKeyLength(*core));
         }
     }
     // Zero-filled: glows and gradients write less than they reserve.
@@ -474,7 +499,7 @@ char* GxEffect::getMapKey() {
     for (const auto& core : effects) {
         const GxProperty* property = core->getProperty();
         if (property && property->toSequentialChar(&cursor)) {
-            writeSilhouetteKey(core->getSilhouette(), &cursor);
+            writeSettingsKey(*core, &cursor);
         }
     }
     return key;
@@ -497,6 +522,7 @@ void GxEffect::initEffect(uint32_t width, uint32_t height) {
     outputWidth = width;
     outputHeight = height;
     maskLeft = maskTop = backTop = 0;
+    lineMasks.reset();
     layers.clear();
     try {
         layers.reserve(effects.size());
@@ -513,6 +539,10 @@ void GxEffect::initEffect(uint32_t width, uint32_t height) {
         orderSingleLayer();
     }
     if (output == Output::kAny) allocateLayers(width, height, height);
+    if (needsLines()) {
+        lineMasks.reset(new (std::nothrow) LineMasks);
+        renderFailed = renderFailed || !lineMasks;
+    }
 
     GxECore::ParamInit param{width, height, mode};
     for (GxECoreBase* core : layers) core->initEffect(&param);
@@ -534,6 +564,11 @@ void GxEffect::allocateLayers(uint32_t maskWidth, uint32_t maskHeight, uint32_t 
     srcBitmap = bitmapOf(ownSrcBitmap);
     backBitmap = hasTwo ? newBitmap(outputWidth, backHeight, 4) : nullptr;
     renderFailed = renderFailed || !srcBitmap || (hasTwo && !backBitmap);
+}
+
+bool GxEffect::needsLines() const {
+    return std::any_of(layers.begin(), layers.end(),
+                       [](GxECoreBase* core) { return core->getSpan() == GXE_SPAN_LINE; });
 }
 
 bool GxEffect::needsTwoLayers() const {
@@ -570,9 +605,11 @@ void GxEffect::renderEffectLayer(int x, int y, const GxGlyph* glyph) {
                          saturateInt(int64_t{y} + glyph->height));
         unite(textRect, box, textRectEmpty);
         textRectEmpty = false;
-        GxBlender().drawBitmap(saturateInt(int64_t{x} - maskLeft),
-                               saturateInt(int64_t{y} - maskTop), srcBitmap, glyph->pixels,
-                               glyph->width, glyph->height, 0xFF000000u);
+        const int32_t maskX = saturateInt(int64_t{x} - maskLeft);
+        const int32_t maskY = saturateInt(int64_t{y} - maskTop);
+        GxBlender().drawBitmap(maskX, maskY, srcBitmap, glyph->pixels, glyph->width, glyph->height,
+                               0xFF000000u);
+        if (lineMasks && !lineMasks->keep(maskX, maskY, *glyph)) renderFailed = true;
     }
     GxECore::ParamRender param{x, y, glyph, dstBitmap};
     for (GxECoreBase* core : layers) core->render(&param);
@@ -658,6 +695,24 @@ void GxEffect::clearUncovered() const {
     });
 }
 
+void GxEffect::runOverLines(GxECoreBase& core, const GxRect& canvas,
+                            GxECore::ParamPostProcessing& param) {
+    if (!lineMasks) return;
+    const bool hasMemory = lineMasks->forEach(*srcBitmap, [&](GxBitmap& mask, const GxRect& box) {
+        GxECore::ParamPostProcessing line = param;
+        line.src = &mask;
+        line.srcLeft = maskLeft;
+        line.srcTop = maskTop - backTop;
+        GxRect layerBox(box.left + line.srcLeft, box.top + line.srcTop, box.right + line.srcLeft,
+                        box.bottom + line.srcTop);
+        line.textRect = &layerBox;
+        Silhouettes ofLine(line, canvas, layers);
+        if (ofLine.choose(core, line)) core.doPostProcessing(&line);
+        param.outOfMemory = param.outOfMemory || line.outOfMemory;
+    });
+    param.outOfMemory = param.outOfMemory || !hasMemory;
+}
+
 void GxEffect::doEffectPostProcessing() {
     __android_log_print(ANDROID_LOG_DEBUG, kTag, "DoEffectPostProcessing(%p) - start", this);
     const bool hasOutput =
@@ -669,6 +724,7 @@ void GxEffect::doEffectPostProcessing() {
             renderCores();
         }
     }
+    lineMasks.reset();
     textRectEmpty = true;
     __android_log_print(ANDROID_LOG_DEBUG, kTag, "DoEffectPostProcessing(%p) - end", this);
 }
@@ -709,7 +765,11 @@ void GxEffect::renderCores() {
         param.dst = hasTwo && place.target != EffectTarget::kOutput ? back : front;
         param.other = hasTwo && place.target == EffectTarget::kBoth ? front : nullptr;
         param.outOfMemory = false;
-        if (silhouettes.choose(*core, param)) core->doPostProcessing(&param);
+        if (core->getSpan() == GXE_SPAN_LINE) {
+            runOverLines(*core, canvas, param);
+        } else if (silhouettes.choose(*core, param)) {
+            core->doPostProcessing(&param);
+        }
         renderFailed = renderFailed || param.outOfMemory;
         if (over) confine = confineInside;
     }

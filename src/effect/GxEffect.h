@@ -14,6 +14,7 @@
 
 namespace GxFontEffect {
 
+class LineMasks;    // effect/LineMasks.h
 class PlaneBitmap;  // raster/PlaneMemory.h
 
 // Ordered set of effects, each style at most once unless repeats are on, and the four steps of a
@@ -105,6 +106,11 @@ public:
     // all of it.
     bool setSilhouette(int id, const GxSilhouette& silhouette);
 
+    // What an effect runs over (GxSpan, other values are the whole text): with GXE_SPAN_LINE it
+    // runs once for each mask of a render, in their order, as if that were the whole text, so that
+    // each line has a gradient of its own. False when no effect has the id.
+    bool setSpan(int id, int span);
+
     // New core of that style, owned by the caller until releaseEffect(core); null for a style
     // without one.
     GxECoreBase* createEffect(int id, int style);
@@ -170,10 +176,10 @@ public:
     int getTopOffset() const;
     int getBottomOffset() const;
 
-    // Zero-terminated key text of all effects in order of addition, a silhouette that is not plain
-    // after its effect's ("C", castFrom short, spread short); the caller releases it with array
-    // delete. Null when memory runs out. The form with a colour gives the text fill that
-    // colour first, and is null too when that could not be kept.
+    // Zero-terminated key text of all effects in order of addition, after each its settings that
+    // are not the default (a silhouette "C", castFrom short, spread short; a span "R", span short);
+    // the caller releases it with array delete. Null when memory runs out. The form with a colour
+    // gives the text fill that colour first, and is null too when that could not be kept.
     char* getMapKey();
     char* getMapKey(uint32_t color);
 
@@ -192,8 +198,10 @@ private:
     int addFilledStroke(float size, int cap, int position, const GxProperty& fill);
     int appendEffect(int id, int style, const GxProperty* property);
     int margin(int (GxECoreBase::*offset)()) const;
+    void runOverLines(GxECoreBase& core, const GxRect& canvas, GxECore::ParamPostProcessing& param);
     int64_t silhouetteGrowth(GxECoreBase& core, int (GxECoreBase::*ofStroke)()) const;
     bool needsTwoLayers() const;
+    bool needsLines() const;
     void orderSingleLayer();
     void orderTwoLayers();
     void allocateLayers(uint32_t maskWidth, uint32_t maskHeight, uint32_t backHeight);
@@ -210,7 +218,8 @@ private:
     std::vector<std::unique_ptr<GxECoreBase>> effects;
     std::vector<GxECoreBase*> layers;
     std::unique_ptr<PlaneBitmap> ownSrcBitmap;
-    GxBitmap* srcBitmap = nullptr;  // the own one unless a caller set another
+    std::unique_ptr<LineMasks> lineMasks;  // of this render, when an effect runs over lines
+    GxBitmap* srcBitmap = nullptr;         // the own one unless a caller set another
     GxBitmap* dstBitmap = nullptr;
     std::unique_ptr<PlaneBitmap> backBitmap;
     // Of the render: extents of the output, and where the mask and the rows of the back layer lie

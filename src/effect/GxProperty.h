@@ -24,7 +24,7 @@ struct GxGradient {
 //   hex    one byte per hexadecimal digit, most significant first, each 0x80 | digit
 //   short  one byte, 0x80 | (value & 0x7F)
 //   angle  degrees made 0-359, two bytes: 0x80 | (a >> 7), 0x80 | (a & 0x7F)
-// Letters in use: B C D E F G I K L N P S T, C for what the stack adds to a record.
+// Letters in use: B D E F G I K L N P S T, and C and R for what the stack adds to a record.
 class GXTEXT_API GxProperty {
 public:
     GxProperty(uint32_t color, float opacity) : color(color), opacity(opacity) {}

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <new>
 
-#include "effect/KeyWriter.h"
 #include "effect/filters/GxStroke.h"
 #include "raster/BlendCut.h"
 #include "raster/GxMath.h"
@@ -24,22 +23,17 @@ CastKind castKindOf(int style) {
     }
 }
 
+namespace {
+
 // The stroke that an outline has of this effect; null for none.
-static const GxStrokeProperty* outlineOf(GxECoreBase& core) {
+const GxStrokeProperty* outlineOf(GxECoreBase& core) {
     const auto* stroke = dynamic_cast<const GxStrokeProperty*>(core.getProperty());
     const bool isOutline = stroke && (stroke->position == GxStrokeProperty::kOutside ||
                                       stroke->position == GxStrokeProperty::kCenter);
     return isOutline ? stroke : nullptr;
 }
 
-void writeSilhouetteKey(const GxSilhouette& silhouette, char** cursor) {
-    if (silhouette.isPlain()) return;
-    KeyWriter(cursor).letter('C').shortForm(silhouette.castFrom).shortForm(silhouette.spread);
-}
-
-int silhouetteKeyLength(const GxSilhouette& silhouette) {
-    return silhouette.isPlain() ? 0 : 3;
-}
+}  // namespace
 
 Silhouettes::Silhouettes(const GxECore::ParamPostProcessing& text, const GxRect& layerBox,
                          const std::vector<GxECoreBase*>& layers)

@@ -13,11 +13,6 @@ namespace GxFontEffect {
 enum class CastKind { kNone, kOuter, kInner };
 CastKind castKindOf(int style);
 
-// A silhouette's piece of the key text, nothing for a plain one: its length without the final zero,
-// and the bytes and a zero at *cursor, which is advanced past the bytes.
-int silhouetteKeyLength(const GxSilhouette& silhouette);
-void writeSilhouetteKey(const GxSilhouette& silhouette, char** cursor);
-
 // Makes the masks that the effects of one run of the stack ask for, each when the first effect
 // asks. The outline and the last mask are kept: effects that share one come one after the other.
 class Silhouettes {

@@ -259,6 +259,8 @@ void dress(GxEffect& stack, const Style& style, const PatternLoader& loadPattern
         if (id < 0 && hasFilter(stack, effect.type)) throw std::bad_alloc();
         if (id < 0) continue;
         if (!setLongLengths(effect, *stack.findEffect(id))) throw std::bad_alloc();
+        const Effect* fill = effect.type == EffectType::kStroke ? fillOf(effect) : nullptr;
+        stack.setSpan(id, static_cast<int>((fill ? *fill : effect).span));
         stack.setSilhouette(id, {static_cast<int>(effect.castFrom), whole(effect.spread)});
     }
 }

@@ -22,6 +22,7 @@ constexpr std::string_view kEmbossKindNames[] = {"emboss", "pillow"};
 constexpr std::string_view kTechniqueNames[] = {"smooth", "chiselHard", "chiselSoft"};
 constexpr std::string_view kDirectionNames[] = {"up", "down"};
 constexpr std::string_view kCastFromNames[] = {"letters", "outline"};
+constexpr std::string_view kSpanNames[] = {"text", "line"};
 
 template <auto member, typename T>
 Choice<T> choiceOf(std::span<const std::string_view> names) {
@@ -376,6 +377,12 @@ const std::vector<Field<Effect>>& effectFields() {
          .control = Control::kSlider,
          .meaning = "Size of a tile relative to the picture",
          .longest = 10},
+        {.name = "span",
+         .target = choiceOf<&Effect::span, Effect>(kSpanNames),
+         .effects = {kLinearGradient, kRadialGradient},
+         .initial = "text",
+         .control = Control::kMenu,
+         .meaning = "What the ramp runs over: all lines together, or each by itself"},
         {.name = "color",
          .target = &Effect::color,
          .effects = {kStroke, kOuterShadow, kInnerShadow},

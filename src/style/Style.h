@@ -34,6 +34,7 @@ enum class BevelKind { kOutside = 0, kInside = 1 };
 enum class EmbossKind { kEmboss = 0, kPillow = 1 };
 enum class Technique { kSmooth = 0, kChiselHard = 1, kChiselSoft = 2 };
 enum class Direction { kUp = 0, kDown = 1 };
+enum class Span { kText = 0, kLine = 1 };
 enum class CastFrom { kLetters = 0, kOutline = 1 };
 
 // Pixels.
@@ -110,6 +111,7 @@ struct GXTEXT_API Effect {
     Technique technique = Technique::kSmooth;
     Direction direction = Direction::kUp;
     CastFrom castFrom = CastFrom::kLetters;
+    Span span = Span::kText;
     Color color;
     Color highlightColor;
     Color shadowColor;

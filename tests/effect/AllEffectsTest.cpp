@@ -127,6 +127,7 @@ void addAll(GxEffect& stack, GxBitmap& pattern) {
     stack.setRepeats(true);
     stack.addLinearGradientStrokeText(5, 0, 1, 60, 1, 0.8f, 3, stops);
     stack.addPatternStrokeText(2, 0, 2, &pattern, 2, 0.6f);
+    stack.setSpan(4, GXE_SPAN_LINE);  // the linear gradient
     stack.setRepeats(false);
 }
 
@@ -180,6 +181,45 @@ TEST(AllEffects, KnowOfEveryFailedAllocation) {
         for (const auto span : {gxtest::FailureSpan::kOne, gxtest::FailureSpan::kAllFromThere}) {
             EXPECT_GT(gxtest::failEachAllocation(copyAndRender, check, span), 40);
         }
+    }
+}
+
+// As the effect's core paints them one after the other, also where lines overlap.
+TEST(AllEffects, ASpanOfALineRunsOverEachMaskByItself) {
+    gxtest::Random random(603);
+    GX_TRACE_SEED(random);
+    const GxGradient stops[] = {{0xFFFF0000, 1, 0}, {0x8000FF00, 1, 0.5f}, {0xFF0000FF, 1, 1}};
+    for (int run = 0; run < 20; ++run) {
+        GxEffect stack;
+        const int id = run % 2 ? stack.addLinearGradientText(70, 1, 1, 3, stops)
+                               : stack.addRadialGradientStrokeText(3, 0, 1, 0.5f, 1, 3, stops);
+        EXPECT_FALSE(stack.setSpan(id + 1, GXE_SPAN_LINE));
+        EXPECT_TRUE(stack.setSpan(id, GXE_SPAN_LINE));
+        const std::unique_ptr<char[]> key(stack.getMapKey());
+        EXPECT_EQ(std::string(key.get()).substr(std::strlen(key.get()) - 2), "R\x81");
+        GxBitmap output(50, 40, 4), expected(50, 40, 4);
+        stack.initEffect(50, 40);
+        stack.setDstBitmap(&output);
+        for (int line = 0; line < 3; ++line) {
+            GxGlyph glyph;
+            glyph.width = static_cast<uint16_t>(random.between(0, 30));
+            glyph.height = static_cast<uint16_t>(random.between(0, 20));
+            std::vector<uint8_t> pixels = random.edgeBytes(glyph.width * glyph.height);
+            glyph.pixels = pixels.data();
+            const int x = random.between(-10, 45), y = random.between(-10, 35);
+            stack.renderEffectLayer(x, y, &glyph);
+
+            gxtest::Scene scene(
+                50, 40,
+                GxRect(std::clamp(x, 0, 50), std::clamp(y, 0, 40),
+                       std::clamp(x + glyph.width, 0, 50), std::clamp(y + glyph.height, 0, 40)));
+            GxBlender().drawBitmap8To8(x, y, &scene.mask, pixels.data(), glyph.width, glyph.height);
+            auto param = scene.param();
+            param.dst = &expected;
+            if (!scene.box.isEmpty()) stack.findEffect(id)->doPostProcessing(&param);
+        }
+        stack.doEffectPostProcessing();
+        ASSERT_EQ(difference(expected, output), "") << run;
     }
 }
 

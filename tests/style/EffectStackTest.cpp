@@ -51,6 +51,8 @@ Outcome drawn(const Style& style) {
     stack.initEffect(kSide, kSide);
     stack.setDstBitmap(&output);
     stack.renderEffectLayer(14, 14, &glyph);
+    glyph.height = 6;  // another line
+    stack.renderEffectLayer(8, 37, &glyph);
     stack.doEffectPostProcessing();
     stack.compositeLayers(&output);
     outcome.pixels.assign(output.data, output.data + size_t{kSide} * kSide * 4);

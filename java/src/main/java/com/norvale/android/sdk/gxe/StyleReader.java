@@ -86,6 +86,7 @@ final class StyleReader {
                 effect = readOuterGlow(object);
                 break;
             case "linearGradient":
+                object.expectOnly("span", "text");
                 effect = readLinearGradient(object);
                 break;
             default:

@@ -30,7 +30,7 @@ public class StyleFormatTest {
     private static final Set<String> LACKING = new HashSet<>(Arrays.asList("fontIndex", "opacity", "fillOpacity",
             "outerGlow.stops", "innerGlow", "radialGradient", "pattern", "bevel", "emboss",
             "*.enabled", "*.castFrom", "*.spread", "*.choke",
-            "*.fill"));
+            "*.fill", "*.span"));
 
     private static final String STOPS = "[{\"color\": \"#000000\", \"position\": 0}]";
 
