@@ -333,6 +333,8 @@ void Objects::operate(FuzzedDataProvider& input) {
             object->SetTextColor(input.ConsumeIntegral<uint32_t>());
             object->SetBackgroundColor(input.ConsumeIntegral<uint32_t>(), input.ConsumeBool());
             object->SetFontFamilyName(input.ConsumeBool() ? "Sans Bold" : "");
+            object->SetBackgroundShape({chooseInt(input), chooseInt(input), input.ConsumeBool()});
+            object->SetCanvasColor(input.ConsumeIntegral<uint32_t>());
             object->setFadesFill(input.ConsumeBool());
             object->setKeepsWholeInk(input.ConsumeBool());
             break;

@@ -47,6 +47,9 @@ void makeSmall(gxtext::Style& style) {
          {&style.padding.left, &style.padding.top, &style.padding.right, &style.padding.bottom}) {
         *side = std::min(*side, 30);
     }
+    if (style.background) {
+        style.background->padding = std::min(style.background->padding, 30);
+    }
     for (gxtext::Effect& effect : style.effects) {
         effect.size = std::min(effect.size, 8.0f);
         effect.distance = std::min(effect.distance, 12.0f);

@@ -60,17 +60,25 @@ int leftOf(const Style& style, const Line& line, int viewWidth) {
     }
 }
 
-// Letters may reach beyond their line on both sides: the view grows by what lies outside it.
-void makeRoom(Placement& placement) {
-    int left = 0;
-    int right = placement.viewWidth;
+// Letters may reach beyond their line on both sides, and boxes by their padding: the view grows by
+// what lies outside it.
+void makeRoom(const Style& style, Placement& placement) {
+    const int around = style.background ? style.background->padding : 0;
+    Box view{0, 0, placement.viewWidth, placement.viewHeight};
     for (const Line& line : placement.lines) {
-        if (line.ink.left >= line.ink.right || line.ink.top >= line.ink.bottom) continue;
-        left = std::min(left, line.ink.left);
-        right = std::max(right, line.ink.right);
+        if (line.ink.left < line.ink.right && line.ink.top < line.ink.bottom) {
+            view.left = std::min(view.left, line.ink.left);
+            view.right = std::max(view.right, line.ink.right);
+        }
+        if (around == 0 || line.box.left >= line.box.right) continue;
+        view.left = std::min(view.left, line.box.left - around);
+        view.top = std::min(view.top, line.box.top - around);
+        view.right = std::max(view.right, line.box.right + around);
+        view.bottom = std::max(view.bottom, line.box.bottom + around);
     }
-    placement.viewWidth = right - left;
-    for (Line& line : placement.lines) line.shift(-left, 0);
+    placement.viewWidth = view.right - view.left;
+    placement.viewHeight = view.bottom - view.top;
+    for (Line& line : placement.lines) line.shift(-view.left, -view.top);
 }
 
 }  // namespace
@@ -125,7 +133,7 @@ Placement placeLines(const Style& style, std::u16string_view text,
     placement.viewWidth = style.width.value_or(widest + style.padding.left + style.padding.right);
     placement.viewHeight = ink.bottom + raise + style.padding.bottom;
     for (Line& line : placement.lines) line.shift(leftOf(style, line, placement.viewWidth), raise);
-    makeRoom(placement);
+    makeRoom(style, placement);
     return placement;
 }
 

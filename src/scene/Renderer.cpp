@@ -171,8 +171,10 @@ void Renderer::Impl::setLook(const Style& style, const android::Paint& paint) {
     object_.SetPaint(own);
     object_.SetTextStyle(style.bold, style.italic);
     object_.SetTextColor(fadedColor(style));
-    object_.SetBackgroundColor(style.background.value_or(Color{0}).argb,
-                               style.background.has_value());
+    const Background box = style.background.value_or(Color{0});
+    object_.SetBackgroundColor(box.color.argb, style.background.has_value());
+    object_.SetBackgroundShape({box.radius, box.padding, box.span == BackgroundSpan::kBlock});
+    object_.SetCanvasColor(style.canvas.value_or(Color{0}).argb);
     GxEffect& effect = *object_.GetEffect();
     effect.cleanAllEffect();
     object_.setFadesFill(style.fillOpacity < 1);

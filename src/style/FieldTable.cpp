@@ -23,6 +23,7 @@ constexpr std::string_view kTechniqueNames[] = {"smooth", "chiselHard", "chiselS
 constexpr std::string_view kDirectionNames[] = {"up", "down"};
 constexpr std::string_view kCastFromNames[] = {"letters", "outline"};
 constexpr std::string_view kSpanNames[] = {"text", "line"};
+constexpr std::string_view kBoxSpanNames[] = {"line", "block"};
 
 template <auto member, typename T>
 Choice<T> choiceOf(std::span<const std::string_view> names) {
@@ -149,8 +150,12 @@ const std::vector<Field<Style>>& styleFields() {
              "Opacity of the letters' own colour; 0 leaves the effects around hollow letters"},
         {.name = "background",
          .target = &Style::background,
+         .control = Control::kBox,
+         .meaning = "Box behind each line, or one behind all; none when absent"},
+        {.name = "canvas",
+         .target = &Style::canvas,
          .control = Control::kColor,
-         .meaning = "Colour of a box behind each line; none when absent"},
+         .meaning = "Colour of the whole picture, beneath everything; transparent when absent"},
         {.name = "width",
          .target = &Style::width,
          .range = {1, 65535},
@@ -480,6 +485,38 @@ const std::vector<Field<Stop>>& stopFields() {
          .control = Control::kSlider,
          .meaning = "Place along the ramp",
          .required = true},
+    };
+    return rows;
+}
+
+const std::vector<Field<Background>>& backgroundFields() {
+    static const std::vector<Field<Background>> rows{
+        {.name = "color",
+         .target = &Background::color,
+         .control = Control::kColor,
+         .meaning = "Colour",
+         .required = true},
+        {.name = "radius",
+         .target = &Background::radius,
+         .range = {0, 4096},
+         .initial = 0.0,
+         .unit = Unit::kPixels,
+         .control = Control::kSlider,
+         .meaning = "Radius of the corners, at most half of the shorter side",
+         .longest = 4096},
+        {.name = "padding",
+         .target = &Background::padding,
+         .range = {0, 4096},
+         .initial = 0.0,
+         .unit = Unit::kPixels,
+         .control = Control::kSlider,
+         .meaning = "How much larger than the line it is, on each side",
+         .longest = 4096},
+        {.name = "span",
+         .target = choiceOf<&Background::span, Background>(kBoxSpanNames),
+         .initial = "line",
+         .control = Control::kMenu,
+         .meaning = "What has a box: each line, or all together"},
     };
     return rows;
 }

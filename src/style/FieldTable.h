@@ -48,6 +48,7 @@ enum class Control {
     kRamp,
     kEffects,
     kFill,
+    kBox,
 };
 
 enum class FieldType {
@@ -61,6 +62,7 @@ enum class FieldType {
     kStops,
     kEffects,
     kFill,
+    kBackground,
 };
 
 // A set of effect types.
@@ -92,10 +94,11 @@ struct Choice {
 
 // Where a field of a T goes. Nothing for the two that are no settings: the reader knows them.
 template <typename T>
-using Target = std::variant<std::monostate, float T::*, int T::*, bool T::*, Color T::*,
-                            std::string T::*, std::optional<std::string> T::*,
-                            std::optional<Color> T::*, std::optional<int> T::*, Padding T::*,
-                            std::vector<Stop> T::*, std::vector<Effect> T::*, Fill T::*, Choice<T>>;
+using Target =
+    std::variant<std::monostate, float T::*, int T::*, bool T::*, Color T::*, std::string T::*,
+                 std::optional<std::string> T::*, std::optional<Color> T::*,
+                 std::optional<int> T::*, Padding T::*, std::vector<Stop> T::*,
+                 std::vector<Effect> T::*, Fill T::*, std::optional<Background> T::*, Choice<T>>;
 
 // What a file gets that leaves the field out: nothing, a number, a switch, a colour, or a string
 // or the name of a choice.
@@ -123,6 +126,7 @@ struct Field {
 GXTEXT_API const std::vector<Field<Style>>& styleFields();
 GXTEXT_API const std::vector<Field<Effect>>& effectFields();
 GXTEXT_API const std::vector<Field<Stop>>& stopFields();
+GXTEXT_API const std::vector<Field<Background>>& backgroundFields();
 // The rows of one type of effect.
 GXTEXT_API const std::vector<const Field<Effect>*>& effectFields(EffectType type);
 
@@ -142,11 +146,11 @@ constexpr int kMaxEffects = 256;  // of a style
 template <typename T>
 FieldType typeOf(const Field<T>& field) {
     // By the alternatives of Target.
-    constexpr FieldType types[] = {FieldType::kString,  FieldType::kNumber, FieldType::kInteger,
-                                   FieldType::kBoolean, FieldType::kColor,  FieldType::kString,
-                                   FieldType::kString,  FieldType::kColor,  FieldType::kInteger,
-                                   FieldType::kPadding, FieldType::kStops,  FieldType::kEffects,
-                                   FieldType::kFill,    FieldType::kChoice};
+    constexpr FieldType types[] = {FieldType::kString,  FieldType::kNumber,     FieldType::kInteger,
+                                   FieldType::kBoolean, FieldType::kColor,      FieldType::kString,
+                                   FieldType::kString,  FieldType::kColor,      FieldType::kInteger,
+                                   FieldType::kPadding, FieldType::kStops,      FieldType::kEffects,
+                                   FieldType::kFill,    FieldType::kBackground, FieldType::kChoice};
     return types[field.target.index()];
 }
 

@@ -155,6 +155,14 @@ Effect::Effect(EffectType type) : type(type) {
     for (const Field<Effect>* field : effectFields(type)) setInitial(*field, *this);
 }
 
+Background::Background() {
+    for (const Field<Background>& field : backgroundFields()) setInitial(field, *this);
+}
+
+Background::Background(Color color) : Background() {
+    this->color = color;
+}
+
 bool Fill::operator==(const Fill& other) const {
     return color == other.color && effects == other.effects;
 }

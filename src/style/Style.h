@@ -75,6 +75,21 @@ constexpr int kEffectTypeCount = static_cast<int>(EffectType::kEmboss) + 1;
 GXTEXT_API std::string_view effectName(EffectType type);
 GXTEXT_API std::optional<EffectType> parseEffectType(std::string_view name);
 
+enum class BackgroundSpan { kLine = 0, kBlock = 1 };
+
+// A box behind each line, or one behind all.
+struct GXTEXT_API Background {
+    Background();
+    Background(Color color);  // NOLINT(google-explicit-constructor): a colour is a plain one
+
+    Color color;
+    int radius = 0;   // pixels
+    int padding = 0;  // pixels
+    BackgroundSpan span = BackgroundSpan::kLine;
+
+    bool operator==(const Background&) const = default;
+};
+
 struct Effect;
 
 // What paints a stroke in place of its colour: nothing, another colour, or the one gradient or
@@ -182,7 +197,8 @@ struct GXTEXT_API Style {
     Color color;
     float opacity = 0.0f;
     float fillOpacity = 0.0f;
-    std::optional<Color> background;
+    std::optional<Background> background;
+    std::optional<Color> canvas;
     std::optional<int> width;  // pixels, padding included; unset means as wide as the text
     Align align = Align::kStart;
     Padding padding;

@@ -273,6 +273,17 @@ private:
         fill.effects.push_back(std::move(effect));
     }
 
+    template <typename T>
+    void readInto(const JsonValue& value, const Place& place, const Field<T>& /*field*/,
+                  std::optional<Background> T::*target, T& object) {
+        if (value.as<JsonValue::Object>()) {
+            static const Rows<Background> rows = pointersTo(backgroundFields());
+            readObject(value, place, rows, (object.*target).emplace());
+        } else if (const auto color = readColor(value, place)) {
+            object.*target = *color;
+        }
+    }
+
     std::optional<EffectType> readEffectType(const JsonValue& value, const Place& place) {
         const auto* members = value.as<JsonValue::Object>();
         if (!members) {

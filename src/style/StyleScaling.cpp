@@ -14,12 +14,16 @@ public:
     template <typename T>
     void apply(const std::string& place, const Field<T>& field, T& object) {
         const auto* fill = std::get_if<Fill T::*>(&field.target);
-        if (field.longest == 0 && !fill) return;
+        const auto* box = std::get_if<std::optional<Background> T::*>(&field.target);
+        if (field.longest == 0 && !fill && !box) return;
         const Range range{field.range.min, field.longest};
         std::string path(place);
         path.append(".").append(field.name);
         if (fill) {
             for (Effect& effect : (object.**fill).effects) applyToEffect(path, effect);
+        } else if (box) {
+            if (!(object.**box)) return;
+            for (const auto& row : backgroundFields()) apply(path, row, *(object.**box));
         } else if (const auto* number = std::get_if<float T::*>(&field.target)) {
             float& value = object.**number;
             value = static_cast<float>(scaled(value, range, path));

@@ -11,7 +11,7 @@ using nlohmann::ordered_json;
 constexpr const char* kUnits[] = {"", "px", "deg", "em"};
 constexpr const char* kControls[] = {"",       "text",  "font",    "file", "number",
                                      "slider", "angle", "switch",  "menu", "color",
-                                     "sides",  "ramp",  "effects", "fill"};
+                                     "sides",  "ramp",  "effects", "fill", "box"};
 
 ordered_json reference(const std::string& name) {
     return {{"$ref", "#/$defs/" + name}};
@@ -71,6 +71,8 @@ ordered_json typeSchema(const Field<T>& field) {
             return effects();
         case FieldType::kFill:
             return fill();
+        case FieldType::kBackground:
+            return {{"oneOf", {reference("color"), reference("background")}}};
     }
     return {};
 }
@@ -128,6 +130,9 @@ ordered_json effectSchema(EffectType type) {
 ordered_json definitions() {
     ordered_json result;
     result["color"] = {{"type", "string"}, {"pattern", "^#([0-9A-Fa-f]{6}|[0-9A-Fa-f]{8})$"}};
+    ObjectSchema background;
+    for (const Field<Background>& field : backgroundFields()) background.add(field);
+    result["background"] = background.complete({{"description", "Box behind lines"}});
     ObjectSchema stop;
     for (const Field<Stop>& field : stopFields()) stop.add(field);
     result["stop"] = stop.complete({{"description", "One colour of a ramp"}});

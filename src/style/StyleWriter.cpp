@@ -15,6 +15,8 @@ template <typename T>
 ordered_json writeObject(const T& object);
 template <>
 ordered_json writeObject(const Effect& effect);
+template <>
+ordered_json writeObject(const Background& background);
 
 ordered_json write(float value) {
     return shortestNumber(value);
@@ -31,6 +33,7 @@ ordered_json write(Color color) {
 ordered_json write(const std::string& text) {
     return text;
 }
+ordered_json write(const Background& background);
 template <typename T>
 ordered_json write(const std::optional<T>& value) {
     return value ? write(*value) : ordered_json();
@@ -49,6 +52,11 @@ ordered_json write(const std::vector<T>& list) {
 
 ordered_json write(const Fill& fill) {
     return fill.effects.empty() ? write(fill.color) : writeObject(fill.effects.front());
+}
+
+ordered_json write(const Background& background) {
+    const bool isPlain = background == Background(background.color);
+    return isPlain ? write(background.color) : writeObject(background);
 }
 
 // A value without a name is one that no file can hold.
@@ -87,6 +95,12 @@ template <>
 ordered_json writeObject(const Style& style) {
     ordered_json json = ordered_json::object();
     for (const Field<Style>& field : styleFields()) writeFieldInto(json, field, style);
+    return json;
+}
+template <>
+ordered_json writeObject(const Background& background) {
+    ordered_json json = ordered_json::object();
+    for (const auto& field : backgroundFields()) writeFieldInto(json, field, background);
     return json;
 }
 template <>

@@ -36,6 +36,7 @@
 #include "text/GxLineInfo.h"
 #include "text/GxTextInstanceManager.h"
 #include "text/GxView.h"
+#include "text/RoundedBoxes.h"
 
 namespace GxFontEffect {
 
@@ -67,6 +68,8 @@ constexpr int kSiteFitBitmap = 276;
 constexpr int kSiteFitBitmapTooLarge = 277;
 constexpr int kSiteFadesFill = 754;
 constexpr int kSiteWholeInk = 758;
+constexpr int kSiteBackgroundShape = 739;
+constexpr int kSiteCanvas = 741;
 constexpr int kSiteMeasureNoMemory = 278;
 
 // The registry's way of deleting an object whose last binding was released.
@@ -325,6 +328,31 @@ private:
     std::vector<SkIRect> boxes_;
 };
 
+// The lines' boxes that are not empty, as the shape makes them.
+std::vector<GxRect> shapedBoxes(const List& lines, const GxBackgroundShape& shape) {
+    std::vector<GxRect> boxes;
+    for (int i = 0, count = lines.GetCount(); i < count; ++i) {
+        const auto* line = static_cast<const GxLineInfo*>(lines.Get(i));
+        if (!line || line->rect.isEmpty()) continue;
+        if (boxes.empty() || !shape.isBlock) {
+            boxes.push_back(line->rect);
+            continue;
+        }
+        GxRect& block = boxes.front();
+        block.left = std::min(block.left, line->rect.left);
+        block.top = std::min(block.top, line->rect.top);
+        block.right = std::max(block.right, line->rect.right);
+        block.bottom = std::max(block.bottom, line->rect.bottom);
+    }
+    for (GxRect& box : boxes) {
+        box.left = saturateInt(int64_t{box.left} - shape.padding);
+        box.top = saturateInt(int64_t{box.top} - shape.padding);
+        box.right = saturateInt(int64_t{box.right} + shape.padding);
+        box.bottom = saturateInt(int64_t{box.bottom} + shape.padding);
+    }
+    return boxes;
+}
+
 // Drawing moves the background boxes of the lines. Moves them back unless told to keep them.
 class BackgroundBoxes {
 public:
@@ -390,6 +418,8 @@ public:
     std::unique_ptr<const android::Paint> paint;
     uint32_t backgroundColor = 0;
     bool backgroundEnabled = false;
+    GxBackgroundShape backgroundShape;
+    uint32_t canvasColor = 0;
     bool fadesFill = false;
     bool keepsWholeInk = false;
     GxRect inkMargins;
@@ -401,10 +431,23 @@ GxRect GxTextObjectImpl::compose(const GxBitmap& picture) const {
     const GxRect& drawn = effect->getPaintedRect();
     SkIRect painted = SkIRect::MakeLTRB(drawn.left, drawn.top, drawn.right, drawn.bottom);
     clearOutside(picture, clip, painted);
-    if (backgroundEnabled) {
+    if (backgroundEnabled && backgroundShape.isPlain()) {
         const Background background(*lineInfoList, clip, backgroundColor);
         background.drawUnder(picture);
         painted = unite(painted, background.bounds());
+    } else if (backgroundEnabled) {
+        const GxRect within(clip.fLeft, clip.fTop, clip.fRight, clip.fBottom);
+        const std::vector<GxRect> boxes = shapedBoxes(*lineInfoList, backgroundShape);
+        drawBoxesUnder(picture, boxes, within, backgroundShape.radius, backgroundColor);
+        for (const GxRect& box : boxes) {
+            SkIRect shown = SkIRect::MakeLTRB(box.left, box.top, box.right, box.bottom);
+            if (shown.intersect(clip)) painted = unite(painted, shown);
+        }
+    }
+    const GxRect all(0, 0, saturateInt(picture.width), saturateInt(picture.height));
+    if (canvasColor >> 24 != 0) {
+        drawBoxesUnder(picture, {all}, all, 0, canvasColor);
+        return all;
     }
     return GxRect(painted.fLeft, painted.fTop, painted.fRight, painted.fBottom);
 }
@@ -740,6 +783,14 @@ void GxTextObject::SetBackgroundColor(uint32_t color, bool enabled) {
     if (!requireConstructed(736)) return;
     impl->backgroundColor = color;
     impl->backgroundEnabled = enabled;
+}
+
+void GxTextObject::SetBackgroundShape(const GxBackgroundShape& shape) {
+    if (requireConstructed(kSiteBackgroundShape)) impl->backgroundShape = shape;
+}
+
+void GxTextObject::SetCanvasColor(uint32_t color) {
+    if (requireConstructed(kSiteCanvas)) impl->canvasColor = color;
 }
 
 void GxTextObject::SetTextColor(uint32_t color) {

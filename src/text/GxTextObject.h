@@ -24,6 +24,15 @@ class GxTextObjectImpl;
 class GxView;
 class List;
 
+// How background boxes are drawn.
+struct GxBackgroundShape {
+    int radius = 0;        // of the corners, pixels; at most half of the shorter side counts
+    int padding = 0;       // pixels by which a box is larger on each side; cut by the image only
+    bool isBlock = false;  // one box around those of all lines
+
+    bool isPlain() const { return radius <= 0 && padding == 0 && !isBlock; }
+};
+
 // In short:
 //
 //   GxTextObject text;
@@ -153,6 +162,10 @@ public:
 
     // 0xAARRGGBB boxes behind each line, drawn when enabled.
     void SetBackgroundColor(uint32_t color, bool enabled);
+    // The shape of those boxes. The plain one is the default.
+    void SetBackgroundShape(const GxBackgroundShape& shape);
+    // 0xAARRGGBB beneath everything, all over the image; transparent unless set.
+    void SetCanvasColor(uint32_t color);
     // 0xAARRGGBB; its alpha fades the whole image, effects included. Opaque black before Construct.
     void SetTextColor(uint32_t color);
     uint32_t GetTextColor() const;

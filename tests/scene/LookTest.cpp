@@ -1,6 +1,8 @@
 // Fields of a style that the renderer carries out itself, seen in the picture.
 #include <gmock/gmock.h>
 
+#include <algorithm>
+#include <cmath>
 #include <string>
 #include <vector>
 
@@ -48,6 +50,71 @@ TEST(Look, FillOpacityFadesTheLettersAlone) {
         }
         EXPECT_GT(inside, 500);
         EXPECT_GT(outside, 500);
+    }
+}
+
+// Each corner's pixels by the distance from its circle's centre, in a box that stands alone; the
+// overlap of two boxes is no darker than they are.
+TEST(Look, BackgroundBoxesHaveRoundCornersAndMakeOneShape) {
+    constexpr int kRadius = 9, kPadding = 11;
+    const Picture one = render(
+        R"(, "background": {"color": "#80204060", "radius": 9, "padding": 11}, "color": "#80FFFFFF")",
+        "o");
+    const Line& line = one.lines()[0];
+    EXPECT_EQ(line.box.left, kPadding);
+    EXPECT_EQ(line.box.top, kPadding);
+    EXPECT_EQ(one.width(), line.box.right + kPadding);
+    EXPECT_EQ(one.height(), line.box.bottom + kPadding);
+    for (int y = 0; y < one.height(); y++) {
+        for (int x = 0; x < kPadding; x++) {  // left of the letter
+            const double dy = kRadius - std::min(y, one.height() - 1 - y) - 0.5;
+            const double dx = kRadius - x - 0.5;
+            const bool isCorner = dx > 0 && dy > 0;
+            const double coverage =
+                isCorner ? std::clamp(kRadius - std::hypot(dx, dy) + 0.5, 0.0, 1.0) : 1.0;
+            const uint32_t pixel = pixelAt(one, x, y);
+            ASSERT_NEAR(pixel >> 24, 128 * coverage, 1) << x << ", " << y;
+            ASSERT_EQ(pixel & 0xFFFFFF, pixel >> 24 != 0 ? 0x204060u : 0u);
+        }
+    }
+    const auto shape = [](const std::string& span) {
+        return render(R"(, "background": {"color": "#80204060", "padding": 20, "span": ")" + span +
+                          R"("}, "color": "#00000000")",
+                      "oo\n\no");
+    };
+    const Picture lines = shape("line"), block = shape("block");
+    const auto covered = [](const Picture& picture) {
+        return std::count(picture.pixels().begin(), picture.pixels().end(), 0x80204060u);
+    };
+    EXPECT_EQ(covered(block), static_cast<long>(block.pixels().size()));
+    const auto clear = std::count(lines.pixels().begin(), lines.pixels().end(), 0u);
+    EXPECT_EQ(covered(lines) + clear, static_cast<long>(lines.pixels().size()));
+    EXPECT_GT(clear, 500);
+}
+
+// The canvas shows through whatever the picture had, by the definition of alpha.
+TEST(Look, TheCanvasLiesBeneathEverything) {
+    const std::string fields =
+        R"(, "color": "#C0D08040", "padding": 8, "background": "#60FF00FF", "effects": [
+        {"type": "outerShadow"}])";
+    const Picture plain = render(fields);
+    const Picture opaque = render(fields + R"(, "canvas": "#305070")");
+    const Picture thin = render(fields + R"(, "canvas": "#40305070")");
+    for (int y = 0; y < plain.height(); y++) {
+        for (int x = 0; x < plain.width(); x++) {
+            const uint32_t p = pixelAt(plain, x, y);
+            const double s = (p >> 24) / 255.0, b = 0x40 / 255.0;
+            ASSERT_EQ(pixelAt(opaque, x, y) >> 24, 255u);
+            const uint32_t q = pixelAt(thin, x, y);
+            ASSERT_NEAR(q >> 24, 255 * (s + b * (1 - s)), 0.6);
+            for (int shift = 0; shift < 24; shift += 8) {
+                const double over = (p >> shift) & 0xFF, under = (0x305070 >> shift) & 0xFF;
+                ASSERT_NEAR((pixelAt(opaque, x, y) >> shift) & 0xFF, over * s + under * (1 - s),
+                            0.6);
+                ASSERT_NEAR((q >> shift) & 0xFF,
+                            (over * s + under * b * (1 - s)) / (s + b * (1 - s)), 0.6);
+            }
+        }
     }
 }
 

@@ -40,6 +40,8 @@ std::string valuesOf(const Field<T>& field) {
             return "list of 1-" + std::to_string(kMaxStops) + " stops";
         case FieldType::kEffects:
             return "list of effects";
+        case FieldType::kBackground:
+            return "`#RRGGBB`, `#AARRGGBB`, or an object";
         case FieldType::kFill:
             return "a colour, or a `linearGradient`, `radialGradient` or `pattern`";
     }
@@ -77,6 +79,12 @@ std::string styleTable() {
     return table;
 }
 
+std::string backgroundTable() {
+    std::string table = kHead;
+    for (const auto& field : backgroundFields()) table += rowOf(field);
+    return table;
+}
+
 std::string effectTables() {
     std::string text;
     for (int i = 0; i < kEffectTypeCount; i++) {
@@ -107,9 +115,13 @@ std::string withSection(std::string text, const std::string& name, const std::st
 }
 
 TEST(Manual, TablesFollowTheFieldTable) {
-    const std::string text = gxtest::readText(kManual);
-    gxtest::expectFile(
-        kManual, withSection(withSection(text, "fields", styleTable()), "effects", effectTables()));
+    std::string text = gxtest::readText(kManual);
+    for (const auto& [name, section] : {std::pair{"fields", styleTable()},
+                                        {"background", backgroundTable()},
+                                        {"effects", effectTables()}}) {
+        text = withSection(std::move(text), name, section);
+    }
+    gxtest::expectFile(kManual, text);
 }
 
 }  // namespace

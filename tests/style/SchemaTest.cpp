@@ -83,6 +83,10 @@ Probes probesOf(const std::string& name, const json& property) {
     if (name == "padding") return {{0, 4096, {1, 2, 3, 4}}, {-1, {1, 2, 3}, {1, 2, 3, 4097}, "1"}};
     if (name == "stops") return {{kStops}, {json::array(), 1}};
     if (name == "effects") return {{json::array()}, {json::object(), 1}};
+    if (name == "background") {
+        return {{"#12abEF", {{"color", "#12abEF"}, {"radius", 4096}, {"span", "block"}}},
+                {"red", {{"radius", 1}}, {{"color", "#12abEF"}, {"padding", -1}}}};
+    }
     if (name == "fill") {
         const json ramp = {{"type", "linearGradient"}, {"stops", kStops}};
         return {{"#12abEF", ramp, {{"type", "pattern"}, {"pattern", "p.png"}}},

@@ -47,7 +47,13 @@ const char* const kFullStyle = R"({
   "color": "#80102030",
   "opacity": 0.3,
   "fillOpacity": 0.6,
-  "background": "#FFCC00",
+  "background": {
+    "color": "#FFCC00",
+    "radius": 8,
+    "padding": 4,
+    "span": "block"
+  },
+  "canvas": "#80FFFFFF",
   "width": 300,
   "align": "center",
   "padding": [
@@ -129,7 +135,10 @@ TEST(Style, ReadsWhatItWrites) {
     EXPECT_EQ(style.folder(), "styles");
     EXPECT_EQ(style.text, "a\nb");
     EXPECT_EQ(style.letterSpacing, -0.1f);
-    EXPECT_EQ(style.background->argb, 0xFFFFCC00u);
+    EXPECT_EQ(style.background->color.argb, 0xFFFFCC00u);
+    EXPECT_EQ(style.with("background", "#102030").background, Color{0xFF102030u});
+    EXPECT_EQ(Style().with("background", R"({"color": "#102030", "radius": 0})").toJson(),
+              Style().with("background", "#102030").toJson());
     EXPECT_EQ(style.padding, (Padding{1, 2, 3, 4}));
     EXPECT_EQ(style.align, Align::kCenter);
     ASSERT_EQ(style.effects.size(), 6u);
@@ -273,6 +282,8 @@ TEST(Style, ScalesAllLengthsAndNothingElse) {
     EXPECT_EQ(twice.size, 6.25f);
     EXPECT_EQ(twice.width, 150);
     EXPECT_EQ(twice.padding, (Padding{1, 1, 2, 2}));
+    EXPECT_EQ(twice.background->radius, 4);
+    EXPECT_EQ(twice.background->padding, 2);
     EXPECT_EQ(twice.letterSpacing, style.letterSpacing);
     EXPECT_EQ(twice.effects[0].distance, 3);
     EXPECT_EQ(twice.effects[0].size, 3.75f);

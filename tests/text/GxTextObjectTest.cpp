@@ -57,6 +57,8 @@ TEST(GxTextObject, UnconstructedAnswersWithError8AtEachSite) {
         {724, [&] { return text.GetPaint() == android::Paint(); }},
         {730, [&] { return text.SetPaint(paint), true; }},
         {736, [&] { return text.SetBackgroundColor(1, true), true; }},
+        {739, [&] { return text.SetBackgroundShape({}), true; }},
+        {741, [&] { return text.SetCanvasColor(1), true; }},
         {743, [&] { return text.SetTextColor(1), true; }},
         {749, [&] { return text.GetTextColor() == 0xFF000000u; }},
         {754, [&] { return text.setFadesFill(true), true; }},

@@ -34,6 +34,11 @@ final class StyleReader {
         JsonObject style = new JsonObject(ROOT, parse(json));
         TextStyle.Builder builder = new TextStyle.Builder();
         style.take("$schema"); // for editors
+        if (style.peek("background") instanceof Map) {
+            throw fail(ROOT + ".background",
+                    shown(style.peek("background")) + " is not available from Java; only a colour is");
+        }
+        style.expectOnly("canvas", null);
         for (TextStyle.Field field : TextStyle.Field.values()) {
             builder.set(field, style.value(field));
         }
