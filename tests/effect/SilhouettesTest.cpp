@@ -85,7 +85,8 @@ struct Stack {
     bool choose(const GxSilhouette& silhouette) {
         effect.setSilhouette(id, silhouette);
         effect.initEffect(kSide, kSide);
-        silhouettes = std::make_unique<Silhouettes>(block, effect.getLayers());
+        silhouettes =
+            std::make_unique<Silhouettes>(block, GxRect(0, 0, kSide, kSide), effect.getLayers());
         return silhouettes->choose(*effect.findEffect(id), block);
     }
     Plane seen() const {
@@ -93,7 +94,8 @@ struct Stack {
         const GxRect& box = *block.textRect;
         for (int y = box.top; y < box.bottom; ++y) {
             for (int x = box.left; x < box.right; ++x) {
-                plane[y * kSide + x] = block.src->data[y * kSide + x];
+                plane[y * kSide + x] =
+                    block.src->data[(y - block.srcTop) * block.src->width + x - block.srcLeft];
             }
         }
         return plane;
