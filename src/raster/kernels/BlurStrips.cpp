@@ -163,6 +163,15 @@ void blurChanges(const BlurScratch& scratch, const BlurWeights& weights, BlurInp
     }
 }
 
+// What steps behind a strip hold changes no output: windows that end before have no weight for it,
+// and where it differs from the last cell, a block is worked out that might have been passed on.
+// But it is to be something, the same on every run.
+void clearReadAhead(uint8_t* strip, int64_t length) {
+    const int64_t begin = length / 2 * 2;
+    std::memset(strip + begin * kLanes, 0,
+                static_cast<size_t>((length + kBlurReadAhead - begin) * kLanes));
+}
+
 // --- single passes ---
 
 // What a pass is likely to see: few changes, or so many that it is not worth a look.
@@ -197,6 +206,7 @@ void blurStrips(const BlurPass& pass, const BlurWeights& weights, BlurInput inpu
         }
         if (!isSparse) {
             const Taps taps(weights, input, scratch);
+            clearReadAhead(strip, length);
             load(in, pass.inStride, count, length, strip);
             blurStrip<Means>(scratch, weights, input, taps, steps, out);
         }
