@@ -163,8 +163,14 @@ void addBlurRows() {
         const std::string name = "blur " + std::to_string(radius);
         addBlurRow(name + ", empty", radius, emptyMask, "", noPeer, 0, true);
         addBlurRow(name + ", full", radius, fullMask, "", noPeer, 0, true);
-        addBlurRow(name + ", noise", radius, noiseMask, "", noPeer, 0, true);
         addBlurRow(name + ", patches", radius, patchyMask, "", noPeer, 0, true);
+    }
+    for (const Size& s :
+         {Size{2, 1.5}, Size{5, 1.5}, Size{10, 1.5}, Size{25, 2.5}, Size{50, 4}, Size{100, 6}}) {
+        const std::string name = "blur " + std::to_string(s.radius) + ", noise";
+        addBlurRow(name, s.radius, noiseMask, "cv::sepFilter2D", sepFilter, s.target, false);
+        addBlurRow(name + ", Gaussian", s.radius, noiseMask, "cv::GaussianBlur", gaussian, s.target,
+                   false);
     }
 }
 
