@@ -19,38 +19,6 @@
 HWY_BEFORE_NAMESPACE();
 namespace GxFontEffect::kernels::HWY_NAMESPACE {
 
-constexpr int64_t kBlock = 16;
-inline constexpr hn::CappedTag<uint8_t, kBlock> dBlock;
-
-// A block of 16 bytes for each 16 lanes, at(0), at(1), ...
-template <class At>
-HWY_INLINE V8 loadBlocks(const At& at) {
-    const auto load = [&](int64_t block) HWY_ATTR { return hn::LoadU(dBlock, at(block)); };
-    if constexpr (kLanes == kBlock) {
-        return load(0);
-    } else if constexpr (kLanes == 2 * kBlock) {
-        return hn::Combine(d8, load(1), load(0));
-    } else {
-        constexpr hn::Half<decltype(d8)> dHalf;
-        return hn::Combine(d8, hn::Combine(dHalf, load(3), load(2)),
-                           hn::Combine(dHalf, load(1), load(0)));
-    }
-}
-
-// Calls store(block, bytes) for each 16 lanes.
-template <class V, class Store>
-HWY_INLINE void forEachBlockOf(V v, const Store& store, int64_t first = 0) {
-    constexpr hn::DFromV<V> d;
-    if constexpr (hn::MaxLanes(d) == kBlock) {
-        store(first, v);
-    } else {
-        constexpr hn::Half<decltype(d)> dHalf;
-        forEachBlockOf(hn::LowerHalf(dHalf, v), store, first);
-        forEachBlockOf(hn::UpperHalf(dHalf, v), store,
-                       first + static_cast<int64_t>(hn::MaxLanes(dHalf)) / kBlock);
-    }
-}
-
 // 16 bytes of row i at rows + i x stride, for i below kLanes: turned into the eight pairs of a
 // strip, 2 x 8 vectors.
 HWY_INLINE void loadPairs(const uint8_t* const* rows, int64_t offset, uint8_t* strip) {

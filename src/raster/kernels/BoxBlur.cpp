@@ -8,7 +8,6 @@
 
 #include <algorithm>
 
-#define GX_WITHOUT_AVX3
 #include "raster/kernels/Simd.h"
 
 #undef HWY_TARGET_INCLUDE
@@ -34,12 +33,11 @@ inline constexpr hn::RebindToSigned<decltype(d16)> dShort;
 using Shorts = hn::Vec<decltype(dShort)>;
 
 constexpr int64_t kWide = hn::MaxLanes(d16);
-static_assert(kWide == 8 || kWide == 16);
 
 // Columns of a strip: a cache line's worth.
 constexpr int64_t kStripColumns = 32;
-// Rows of one: the strip of a long row stays in the nearest cache.
-constexpr int64_t kStripRows = 16;
+// Rows of one: the strip of a long row stays in the nearest cache, or in few vectors.
+constexpr int64_t kStripRows = std::max<int64_t>(16, kWide);
 
 // Cells lie in strips less 32768, so that they are signed.
 HWY_INLINE Shorts toStrip(V16 cells) {
@@ -149,28 +147,20 @@ void blurColumns(uint16_t* plane, int64_t width, int64_t height, int64_t reach, 
     }
 }
 
-// Eight columns of kWide rows, or eight steps of as many lanes: blocks of eight rows, the second
-// on the upper side where vectors have two.
-inline constexpr hn::CappedTag<uint16_t, 8> dEight;
-
+// Eight columns of kWide rows, or eight steps of as many lanes: in blocks of eight rows.
 HWY_INLINE void loadEights(const uint16_t* const* rows, int64_t x, V16 (&v)[8]) {
     for (int64_t i = 0; i < 8; ++i) {
-#if HWY_TARGET == HWY_AVX2
-        v[i] = hn::Combine(d16, hn::LoadU(dEight, rows[i + 8] + x), hn::LoadU(dEight, rows[i] + x));
-#else
-        v[i] = hn::LoadU(dEight, rows[i] + x);
-#endif
+        v[i] = lanes16(loadBlocks([&](int64_t block) HWY_ATTR {
+            return reinterpret_cast<const uint8_t*>(rows[i + 8 * block] + x);
+        }));
     }
 }
 
 HWY_INLINE void storeTurned(const V16 (&v)[8], uint16_t* const* rows, int64_t x) {
     for (int64_t i = 0; i < 8; ++i) {
-#if HWY_TARGET == HWY_AVX2
-        hn::StoreU(hn::UpperHalf(dEight, v[i]), dEight, rows[i + 8] + x);
-        hn::StoreU(hn::LowerHalf(dEight, v[i]), dEight, rows[i] + x);
-#else
-        hn::StoreU(v[i], dEight, rows[i] + x);
-#endif
+        forEachBlockOf(bytes(v[i]), [&](int64_t block, hn::Vec<decltype(dBlock)> part) HWY_ATTR {
+            hn::StoreU(part, dBlock, reinterpret_cast<uint8_t*>(rows[i + 8 * block] + x));
+        });
     }
 }
 

@@ -11,7 +11,6 @@
 #include <cmath>
 #include <cstdlib>
 
-#define GX_WITHOUT_AVX3
 #include "raster/kernels/Simd.h"
 
 #undef HWY_TARGET_INCLUDE
@@ -53,7 +52,7 @@ constexpr int64_t kGroup = 2 * kLanes;
 static_assert(kReliefStep % kGroup == 0);
 
 // Candidates whose smallest value is kept.
-constexpr int64_t kBlock = 8;
+constexpr int64_t kBlock = std::max<int64_t>(8, kLanes);
 
 // Blocks of columns before and after a group that a search may look at.
 constexpr int64_t kColumnGaps = 2 * (kMaxSteps / kBlock + 2 * kLanes);
@@ -284,7 +283,8 @@ private:
             const Wholes least = hn::Add(loadWholes(gaps + block), loadWholes(blocks + block));
             uint8_t bits[8] = {};
             hn::StoreMaskBits(dWhole, hn::Lt(least, hn::Set(dWhole, worst)), bits);
-            for (uint32_t rest = bits[0]; rest != 0; rest &= rest - 1) {
+            uint32_t rest;
+            for (std::memcpy(&rest, bits, sizeof(rest)); rest != 0; rest &= rest - 1) {
                 worst = visit(block + std::countr_zero(rest));
             }
         };

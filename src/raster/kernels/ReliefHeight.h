@@ -22,7 +22,7 @@ struct ReliefSlope {
 // Bytes of the work memory for planes of width x height cells: some rows, and three numbers for
 // each block of 64 cells or more, tables.
 constexpr int64_t heightScratchBytes(int64_t width, int64_t height) {
-    return (6 * width + 3 * (width / 8) * (height / 8 + 9) + height / 8 + 3072) *
+    return (6 * width + 3 * (width / 8) * (height / 8 + 9) + height / 8 + 4096) *
            int64_t{sizeof(int32_t)};
 }
 

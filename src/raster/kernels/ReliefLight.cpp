@@ -2,7 +2,6 @@
 // rows of corners a row of light. Level ground, which most of a plane is, takes one comparison.
 #include "raster/kernels/ReliefLight.h"
 
-#define GX_WITHOUT_AVX3
 #include "raster/kernels/Simd.h"
 
 #undef HWY_TARGET_INCLUDE
