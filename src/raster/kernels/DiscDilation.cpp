@@ -35,6 +35,10 @@ void dilateDisc(const DilationBand& band, const DiscShape& /*shape*/, bool inver
     inverted ? plain::dilateInside(band) : plain::dilateOutside(band);
 }
 
+bool isMostlySolid(const DilationBand& /*band*/) {
+    return true;
+}
+
 bool dilateWide(const DilationBand& band, const WideDiscMemory& /*memory*/, bool inverted) {
     inverted ? plain::dilateInside(band) : plain::dilateOutside(band);
     return true;
@@ -406,7 +410,6 @@ bool dilateWide(const DilationBand& band, const WideDiscMemory& memory, bool inv
     const int64_t radius = band.kernelSize / 2;
     int64_t mostLooks = std::numeric_limits<int64_t>::max();
     if (radius <= DiscShape::kMaxRadius) {
-        if (!isMostlySolid(band)) return false;
         const int64_t vectors = (band.columns + 2 * radius) / kLanes * (band.rows + 2 * radius);
         mostLooks = vectors * radius / 2;
     }
@@ -434,6 +437,7 @@ namespace GxFontEffect::kernels {
 
 GX_EXPORT(dilateDisc);
 GX_EXPORT(dilateWide);
+GX_EXPORT(isMostlySolid);
 GX_EXPORT(minimum);
 
 bool DiscShape::readRow(const uint8_t* below, const uint8_t* above, int y, int64_t stride) {
@@ -479,6 +483,9 @@ namespace {
 
 bool dilateWideDisc(const DilationBand& band, bool inverted) {
     if (!isWideDisc(band)) return false;
+    if (band.kernelSize / 2 <= DiscShape::kMaxRadius && !GX_DISPATCH(isMostlySolid)(band)) {
+        return false;
+    }
     const WideDiscMemory memory(band);
     return memory && GX_DISPATCH(dilateWide)(band, memory, inverted);
 }

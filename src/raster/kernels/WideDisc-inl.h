@@ -71,9 +71,7 @@ public:
           memory_(memory),
           radius_(band.kernelSize / 2),
           inversion_(inverted ? 255 : 0),
-          centre_(band.kernel + radius_ * band.kernelSize + radius_) {
-        measureCells();
-    }
+          centre_(band.kernel + radius_ * band.kernelSize + radius_) {}
 
     // False when the rims are so long that every pixel's rows had better be gone through; the
     // output then has a part of what it gets.
@@ -97,65 +95,7 @@ private:
     static constexpr int64_t kLanes = hn::MaxLanes(d8);
     static constexpr int64_t kReachLanes = hn::MaxLanes(dReach);
     static constexpr int64_t kShortLanes = hn::MaxLanes(d16);
-    static constexpr int kLevels = WideDiscMemory::kLevels;
-    static constexpr int kLevelStep = 256 / kLevels;
     static constexpr int kUnits = WideDiscMemory::kUnits;
-
-    // --- the disc ---
-
-    uint8_t cell(int64_t x, int64_t y) const { return centre_[y * band_.kernelSize + x]; }
-
-    static constexpr uint16_t kFarShort = std::numeric_limits<uint16_t>::max();
-
-    // Closeness is counted from the first column beyond the disc, in 1/kUnits pixels.
-    static uint16_t shortOf(int64_t closeness) {
-        return static_cast<uint16_t>(std::clamp<int64_t>(closeness, 0, kFarShort));
-    }
-
-    void measureCells() {
-        const auto full = [&](int64_t x, int64_t y) { return cell(x, y) == 255; };
-        const auto some = [&](int64_t x, int64_t y) { return cell(x, y) != 0; };
-        fillReaches(fullReaches(), full);
-        fillReaches(inkReaches(), some);
-        for (int deficit = 0; deficit < kUnits; ++deficit) {
-            uint16_t* closeness = closenessAround(deficit);
-            for (int64_t x = -(radius_ + 1 + memory_.kPad); x <= radius_ + memory_.kPad; ++x) {
-                closeness[x] = shortOf((radius_ + 1 - std::abs(x)) * kUnits - deficit);
-            }
-        }
-        for (int level = 0; level < kLevels; ++level) fillNeeds(level * kLevelStep, needs(level));
-    }
-
-    // By columns from the centre, how far the cells go that `counts`, one added; 0 where there is
-    // none.
-    template <class Counts>
-    void fillReaches(Reach* reaches, const Counts& counts) const {
-        std::fill(reaches - (radius_ + 1 + memory_.kPad), reaches + radius_ + 1 + memory_.kPad, 0);
-        int64_t y = radius_;
-        for (int64_t x = 0; x <= radius_; ++x) {
-            while (y >= 0 && !counts(x, y)) --y;
-            reaches[x] = reaches[-x] = static_cast<Reach>(y + 1);
-        }
-    }
-
-    // By rows from the centre, the closeness that ink has to pass to give more than `level`. From
-    // cell to cell the kernel falls by 255 at most, so that a pixel which lacks a share of coverage
-    // gives no more than a full one that much further away.
-    void fillNeeds(int level, uint16_t* needs) const {
-        std::fill(needs, needs + 2 * radius_ + 1 + memory_.kPad, kFarShort);
-        int64_t x = radius_;
-        for (int64_t y = 0; y <= radius_; ++y) {
-            while (x >= 0 && cell(x, y) <= level) --x;
-            if (x < 0) return;
-            const int beyond = x < radius_ ? cell(x + 1, y) : 0;
-            const int here = cell(x, y);
-            // The cells' values fall to the level at x + (here - level) / (here - beyond).
-            const int64_t units = ((here - level) * kUnits + here - beyond - 1) / (here - beyond);
-            const int64_t need = (radius_ + 1 - x) * kUnits - units;
-            needs[radius_ - y] = needs[radius_ + y] =
-                static_cast<uint16_t>(std::min<int64_t>(need, kFarShort - 1));
-        }
-    }
 
     // --- 1: rows ---
 
@@ -277,7 +217,7 @@ private:
     };
 
     void measureFull(int64_t y) {
-        const Reach* reaches = fullReaches();
+        const Reach* reaches = memory_.fullReaches<Reach>();
         RowByDistance<Reach> row(fullRow(y), width_, radius_, reaches[0]);
         const auto isFull = [](V8 ink) HWY_ATTR { return hn::SaturatedSub(ink, hn::Set(d8, 254)); };
         forEachRun(inkRow(y), isFull, [&](int64_t from, int64_t to) HWY_ATTR {
@@ -288,12 +228,13 @@ private:
 
     void measureInk(int64_t y) {
         const uint8_t* ink = inkRow(y) + radius_;
-        const Reach* reaches = inkReaches();
+        const Reach* reaches = memory_.inkReaches<Reach>();
         RowByDistance<Reach> reach(inkReachRow(y), width_, radius_, reaches[0]);
         RowByDistance<uint16_t> closeness(closenessRow(y % kBlockRows), width_, radius_,
-                                          shortOf((radius_ + 1) * kUnits));
-        const auto around = [&](int64_t x)
-                                HWY_ATTR { return closenessAround((255 - ink[x]) * kUnits / 256); };
+                                          WideDiscMemory::shortOf((radius_ + 1) * kUnits));
+        const auto around = [&](int64_t x) HWY_ATTR {
+            return memory_.closenessAround((255 - ink[x]) * kUnits / 256);
+        };
         forEachRun(
             inkRow(y), [](V8 v) HWY_ATTR { return v; },
             [&](int64_t from, int64_t to) HWY_ATTR {
@@ -301,7 +242,7 @@ private:
                 closeness.addRun(from, to, around(from), around(to - 1));
             });
         reach.finish(reaches);
-        closeness.finish(closenessAround(0));
+        closeness.finish(memory_.closenessAround(0));
     }
 
     // Eight rows of closeness into columns.
@@ -443,15 +384,13 @@ private:
         uint8_t best;
     };
 
-    const uint16_t* needsAround(const Rim& rim) const {
-        return needs(rim.best / kLevelStep) + radius_;
-    }
+    const uint16_t* needsAround(const Rim& rim) const { return memory_.needs(rim.best) + radius_; }
     HWY_INLINE bool mayGiveMore(const Rim& rim, int64_t row) const {
         return rim.closeness[row] > needsAround(rim)[row - rim.row];
     }
 
     // Takes what a row gives: all of its ink that is near enough to give more.
-    HWY_INLINE void look(Rim& rim, int64_t row) {
+    void look(Rim& rim, int64_t row) {
         const int64_t dy = row - rim.row;
         const uint8_t* ink = rim.ink + row * memory_.inkStride;
         const uint8_t* cells = centre_ + dy * band_.kernelSize;
@@ -467,8 +406,8 @@ private:
             see(std::min(-widest, radius_ + 1 - kLanes));
         } else {
             const uint64_t closeness = rim.closeness[row];
-            const auto nearest =
-                static_cast<int64_t>(closeness == kFarShort ? 0 : (whole - closeness) / kUnits);
+            const auto nearest = static_cast<int64_t>(
+                closeness == WideDiscMemory::kMost ? 0 : (whole - closeness) / kUnits);
             for (int64_t x = widest; x >= nearest; x -= kLanes) {
                 see(std::min(-x, radius_ + 1 - kLanes));
                 see(std::max(x + 1 - kLanes, -radius_));
@@ -497,17 +436,6 @@ private:
     }
     uint16_t* closenessColumn(int64_t x) const {
         return memory_.closenessColumns + x * memory_.columnStride;
-    }
-    Reach* fullReaches() const {
-        return reinterpret_cast<Reach*>(memory_.tables) + radius_ + 1 + memory_.kPad;
-    }
-    Reach* inkReaches() const { return fullReaches() + memory_.tableLength; }
-    uint16_t* closenessAround(int deficit) const {
-        return memory_.tables + (2 + deficit) * memory_.tableLength + radius_ + 1 + memory_.kPad;
-    }
-    // A row each for the rows of the disc and kPad more.
-    uint16_t* needs(int level) const {
-        return memory_.tables + (2 + kUnits + level) * memory_.tableLength;
     }
     uint8_t* outAt(int64_t x, int64_t y) const {
         return band_.out + (y_ + y) * band_.outStride + x_ + x;

@@ -1,7 +1,9 @@
 #include "raster/kernels/WideDisc.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <new>
 
 namespace GxFontEffect::kernels {
@@ -12,6 +14,12 @@ namespace {
 constexpr int64_t kLeastRadius = 36;
 
 constexpr int64_t kVectorBytes = 64;
+constexpr int64_t kMostByteReach = 254;
+
+int cellAt(const DilationBand& band, int64_t x, int64_t y) {
+    const int64_t radius = band.kernelSize / 2;
+    return band.kernel[(radius + y) * band.kernelSize + radius + x];
+}
 
 int64_t roundUp(int64_t count, int64_t unit) {
     return (count + unit - 1) / unit * unit;
@@ -37,9 +45,7 @@ bool isWideDisc(const DilationBand& band) {
     return true;
 }
 
-WideDiscMemory::WideDiscMemory(const DilationBand& band) {
-    const int64_t radius = band.kernelSize / 2;
-    const int64_t reachBytes = radius < 255 ? 1 : 2;
+WideDiscMemory::WideDiscMemory(const DilationBand& band) : radius(band.kernelSize / 2) {
     const int64_t outColumns = band.columns + 2 * radius;
     const int64_t mostColumns = std::clamp<int64_t>(4 * radius, 1024, 4096);
     const int64_t tiles = (outColumns + mostColumns - 1) / mostColumns;
@@ -50,8 +56,25 @@ WideDiscMemory::WideDiscMemory(const DilationBand& band) {
     tileStride = roundUp(tileColumns + kPad, 64) | 64;
     columnStride = roundUp(tileRows + kPad, 32) | 32;
     tableLength = 2 * (radius + 1 + kPad);
+    allocate(tileRows + 2 * radius);
+    if (!memory) return;
 
-    const int64_t outRows = tileRows + 2 * radius;
+    if (radius <= kMostByteReach) {
+        fillReaches<uint8_t>(band);
+    } else {
+        fillReaches<uint16_t>(band);
+    }
+    for (int deficit = 0; deficit < kUnits; ++deficit) {
+        uint16_t* closeness = closenessAround(deficit);
+        for (int64_t x = -(radius + 1 + kPad); x <= radius + kPad; ++x) {
+            closeness[x] = shortOf((radius + 1 - std::abs(x)) * kUnits - deficit);
+        }
+    }
+    for (int level = 0; level < kLevels; ++level) fillNeeds(band, level * 256 / kLevels);
+}
+
+void WideDiscMemory::allocate(int64_t outRows) {
+    const int64_t reachBytes = radius <= kMostByteReach ? 1 : 2;
     const int64_t sizes[] = {tileRows * inkStride,
                              tileRows * tileStride * reachBytes,
                              tileRows * tileStride * reachBytes,
@@ -80,6 +103,39 @@ WideDiscMemory::WideDiscMemory(const DilationBand& band) {
     fromAbove = parts[5];
     rim = reinterpret_cast<Stretch*>(parts[6]);
     tables = reinterpret_cast<uint16_t*>(parts[7]);
+}
+
+template <typename Reach>
+void WideDiscMemory::fillReaches(const DilationBand& band) const {
+    const auto fill = [&](Reach* reaches, int least) {
+        std::fill(reaches - (radius + 1 + kPad), reaches + radius + 1 + kPad, Reach{0});
+        int64_t y = radius;
+        for (int64_t x = 0; x <= radius; ++x) {
+            while (y >= 0 && cellAt(band, x, y) < least) --y;
+            reaches[x] = reaches[-x] = static_cast<Reach>(y + 1);
+        }
+    };
+    fill(fullReaches<Reach>(), 255);
+    fill(inkReaches<Reach>(), 1);
+}
+
+// From cell to cell the kernel falls by 255 at most, so that a pixel which lacks a share of
+// coverage gives no more than a full one that much further away.
+void WideDiscMemory::fillNeeds(const DilationBand& band, int level) const {
+    uint16_t* needed = needs(level);
+    std::fill(needed, needed + 2 * radius + 1 + kPad, kMost);
+    int64_t x = radius;
+    for (int64_t y = 0; y <= radius; ++y) {
+        while (x >= 0 && cellAt(band, x, y) <= level) --x;
+        if (x < 0) return;
+        const int here = cellAt(band, x, y);
+        const int beyond = x < radius ? cellAt(band, x + 1, y) : 0;
+        // Between the cells the values fall to the level so many units behind x, rounded up.
+        const int64_t units = ((here - level) * kUnits + here - beyond - 1) / (here - beyond);
+        const int64_t need = (radius + 1 - x) * kUnits - units;
+        needed[radius - y] = needed[radius + y] =
+            static_cast<uint16_t>(std::min<int64_t>(need, kMost - 1));
+    }
 }
 
 }  // namespace GxFontEffect::kernels
