@@ -9,7 +9,7 @@ ARMHF_SUITES := raster effect library
 space := $(subst ,, )
 FUZZ_SECONDS ?= 60
 
-.PHONY: help setup demo demo-java test agreement aar bench bench-instructions bench-scaling bench-memory lint format sanitize fuzz test-aarch64 package clean
+.PHONY: help setup demo demo-java test agreement aar bench bench-instructions bench-scaling bench-png bench-memory bench-pictures bench-docs lint format sanitize fuzz test-aarch64 package clean
 
 help:
 	@echo "make demo          build, then render sample pictures into out/demo/"
@@ -21,7 +21,10 @@ help:
 	@echo "make bench         build and run the benchmarks: ratios to the peers, targets beside"
 	@echo "make bench-instructions  instructions per pixel of the same rows"
 	@echo "make bench-memory  memory held while 100,000 titles come and go"
-	@echo "make bench-scaling   time against radius, area and number of effects, into docs/"
+	@echo "make bench-scaling   time against radius, area, effects, text length and threads, into docs/"
+	@echo "make bench-png     time against size of PNG files, into docs/"
+	@echo "make bench-pictures  what everyone draws, into out/bench-pictures/"
+	@echo "make bench-docs    all of it into docs/performance.md and README.md"
 	@echo "make lint          formatting, include rules, clang-tidy, shellcheck"
 	@echo "make format        reformat the sources in place"
 	@echo "make sanitize      the tests under the address, undefined and thread sanitizers"
@@ -68,7 +71,7 @@ package: setup
 	ctest --preset package
 	scripts/package $(BUILD)/package out/package
 
-bench bench-instructions bench-scaling bench-memory: setup
+bench bench-instructions bench-scaling bench-png bench-memory bench-pictures bench-docs: setup
 	@scripts/setup bench node
 	cmake --preset release -DGXTEXT_BUILD_BENCH=ON
 	cmake --build --preset release --target gxtext_bench

@@ -223,7 +223,7 @@ LinkedPainter assPainter(const TitlePicture& picture) {
     for (const TitleLayer& layer : picture.layers) hasMore |= isOverFill(layer.kind);
     return {versionName(),
             hasMore ? "caches flushed; no gradients, nothing inside" : "caches flushed",
-            [title] { return title->draw(); }, [title] { title->forget(); }};
+            [title] { return title->draw(); }, [title] { title->forget(); }, hasMore};
 }
 
 #else

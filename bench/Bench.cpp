@@ -10,6 +10,8 @@
 #include "Planes.h"
 #include "Scaling.h"
 #ifdef GXBENCH_TITLES
+#include "PngCurve.h"
+#include "TextScaling.h"
 #include "TitleBench.h"
 #endif
 #include "raster/kernels/SimdTargets.h"
@@ -83,7 +85,8 @@ std::string targetText(const Targets& targets, bool hasPeer) {
 }
 
 // Prints rows as they are measured, and keeps them for other programs in a file: a line for each
-// contender, tabs between operation, contender, median, unit, its ratio to ours, target and note.
+// contender, tabs between operation, contender, median, unit, its ratio to ours, target, whether
+// it does the whole work or a part, and note.
 class Table {
 public:
     explicit Table(const std::string& file) {
@@ -100,8 +103,7 @@ public:
 
 private:
     void addPeer(const Row& row, const Peer& peer, const Times& times, const Times& ours);
-    void record(const Row& row, const std::string& who, const Times& times, const Times& ours,
-                double target, const std::string& note);
+    void record(const Row& row, const Peer& who, const Times& times, const Times& ours);
 
     Verdict verdict_;
     FILE* file_ = nullptr;
@@ -111,12 +113,12 @@ double unitOf(const Row& row) {
     return row.pixels > 0 ? 1e9 / static_cast<double>(row.pixels) : 1e3;
 }
 
-void Table::record(const Row& row, const std::string& who, const Times& times, const Times& ours,
-                   double target, const std::string& note) {
+void Table::record(const Row& row, const Peer& who, const Times& times, const Times& ours) {
     if (!file_) return;
-    std::fprintf(file_, "%s\t%s\t%.6g\t%s\t%.4g\t%.4g\t%s\n", row.operation.c_str(), who.c_str(),
-                 times.median() * unitOf(row), row.pixels > 0 ? "ns/px" : "ms", times.ratioTo(ours),
-                 target, note.c_str());
+    std::fprintf(file_, "%s\t%s\t%.6g\t%s\t%.4g\t%.4g\t%s\t%s\n", row.operation.c_str(),
+                 who.name.c_str(), times.median() * unitOf(row), row.pixels > 0 ? "ns/px" : "ms",
+                 times.ratioTo(ours), who.target, who.isPartial ? "partial" : "whole",
+                 who.note.c_str());
 }
 
 void Table::add(const Row& row) {
@@ -141,9 +143,9 @@ void Table::add(const Row& row) {
                 !holds           ? "SHORT"
                 : row.pixels > 0 ? ""
                                  : "ms");
-    record(row, "ours", ours, ours, 0, "");
-    if (contenders.plain) record(row, "plain", plain, ours, row.targets.plain, "");
-    if (hasPeer) record(row, row.peerName, peer, ours, row.targets.peer, "");
+    record(row, {"ours", {}, "", 0}, ours, ours);
+    if (contenders.plain) record(row, {"plain", {}, "", row.targets.plain}, plain, ours);
+    if (hasPeer) record(row, {row.peerName, {}, "", row.targets.peer}, peer, ours);
     for (size_t i = 0; i < contenders.peers.size(); ++i) {
         addPeer(row, contenders.peers[i], times[3 + i], ours);
     }
@@ -158,7 +160,7 @@ void Table::addPeer(const Row& row, const Peer& peer, const Times& times, const 
                 cell(ratio, 18, "%.2fx").c_str(),
                 peer.run ? targetText({0, peer.target}, true).c_str() : "not on this machine",
                 holds ? "" : "SHORT ", peer.note.c_str());
-    record(row, peer.name, times, ours, peer.target, peer.note);
+    record(row, peer, times, ours);
 }
 
 void printTable(const std::string& filter, const std::string& results) {
@@ -217,6 +219,13 @@ void addMissingPeer(const std::string& name) {
 
 namespace {
 
+void printAllScaling(const std::string& filter) {
+    printScaling(filter);
+#ifdef GXBENCH_TITLES
+    printTextScaling(filter);
+#endif
+}
+
 void addAllRows() {
     addBlendRows();
     addBlurRows();
@@ -252,12 +261,13 @@ int main(int argc, char** argv) {
     };
     const Mode modes[] = {
         {"--instructions", gxbench::countInstructions},
-        {"--scaling", gxbench::printScaling},
+        {"--scaling", gxbench::printAllScaling},
 #ifdef GXBENCH_TEXT
         {"--memory", gxbench::printMemory},
 #endif
 #ifdef GXBENCH_TITLES
         {"--pictures", gxbench::savePictures},
+        {"--png", gxbench::printPngCurve},
 #endif
     };
     std::string filter;

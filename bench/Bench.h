@@ -19,6 +19,7 @@ struct Peer {
     Run run;           // empty: not on this machine
     std::string note;  // what it does otherwise, or why it is missing
     double target = 0;
+    bool isPartial = false;  // does less than is asked
 };
 
 // What is timed in a row. Everything a contender needs lives in the functions' captures.

@@ -1,6 +1,6 @@
 // The measured titles by cairo, with Pango for the text: new layouts, a new surface, straight
 // words.
-#include <cmath>
+#include <algorithm>
 #include <map>
 #include <memory>
 #include <string>
@@ -161,9 +161,13 @@ LinkedPainter cairoPainter(const TitlePicture& picture) {
     const auto title = std::make_shared<CairoTitle>(picture);
     const std::string name = std::string("cairo ") + cairo_version_string() + ", Pango";
     if (!title->ready()) return {name, "", {}};
-    const bool hasEffects = !picture.layers.empty();
-    return {name, hasEffects ? "no blur: hard shadow, translucent outline for a glow" : "",
-            [title] { return title->draw(); }};
+    const bool hasBlur = std::any_of(picture.layers.begin(), picture.layers.end(),
+                                     [](const TitleLayer& layer) { return isBlurred(layer.kind); });
+    return {name,
+            hasBlur ? "no blur: hard shadow, translucent outline for a glow" : "",
+            [title] { return title->draw(); },
+            {},
+            hasBlur};
 }
 
 #else

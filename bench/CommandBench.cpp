@@ -19,6 +19,8 @@ namespace {
 
 using Command = std::vector<std::string>;
 
+constexpr const char* kFillAlone = "the fill alone";
+
 // The mean of some, as one is over within the clock's grain.
 Run commandRun(const Command& command, const std::shared_ptr<Workplace>& workplace) {
     if (cpuSeconds(command) < 0) return {};
@@ -34,7 +36,7 @@ Peer commandPeer(const Command& command, const std::shared_ptr<Workplace>& workp
                  const std::string& note) {
     const Run run = commandRun(command, workplace);
     const std::string name = std::filesystem::path(command.front()).filename();
-    return {name, run, run ? note : "not installed", 1};
+    return {name, run, run ? note : "not installed", 1, note == kFillAlone};
 }
 
 std::string hexOf(const TitlePaint& paint) {
@@ -68,7 +70,7 @@ Contenders contendersOf(const Subject& subject) {
     if (!subject.plainTools) return contenders;
     const std::string size = std::to_string(static_cast<int>(picture.size));
     const std::string color = hexOf(picture.paint);
-    const std::string note = picture.layers.empty() ? "" : "the fill alone";
+    const std::string note = picture.layers.empty() ? "" : kFillAlone;
     const std::string& text = *picture.style.text;
     contenders.peers.push_back(commandPeer(
         {"hb-view", "--font-size=" + size, "--foreground=" + color, "--background=00000000",

@@ -54,7 +54,8 @@ TitlePeer linkedPeer(LinkedPainter painter, const TitlePicture& picture) {
         }
         return true;
     };
-    return {{painter.name, std::move(run), painter.note}, Demand::kAlways, save};
+    return {
+        {painter.name, std::move(run), painter.note, 0, painter.isPartial}, Demand::kAlways, save};
 }
 
 TitlePeer processTitle(const std::string& name, const std::vector<std::string>& command,

@@ -41,6 +41,7 @@ struct LinkedPainter {
     std::string note;
     std::function<Pixels()> draw;            // empty: not built in
     std::function<void()> forget = nullptr;  // before each picture, not timed; may be empty
+    bool isPartial = false;                  // draws less than is asked
 };
 
 LinkedPainter cairoPainter(const TitlePicture& picture);

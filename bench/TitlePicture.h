@@ -54,6 +54,12 @@ constexpr bool isOverFill(TitleLayer::Kind kind) {
     return kind > TitleLayer::Kind::kStroke;
 }
 
+constexpr bool isBlurred(TitleLayer::Kind kind) {
+    using Kind = TitleLayer::Kind;
+    return kind == Kind::kShadow || kind == Kind::kGlow || kind == Kind::kInnerGlow ||
+           kind == Kind::kInnerShadow;
+}
+
 struct TitleGlyph {
     uint32_t id;
     double x, y;  // of its origin, pixels

@@ -1,9 +1,9 @@
-# The scaling curves as one picture of three panels.
+# The scaling curves as one picture of six panels.
 #   gnuplot -e "table='scaling.csv'; picture='scaling.svg'" bench/scaling.gp
 set datafile separator ','
-set terminal svg size 1320,440 font 'sans-serif,13' background rgb 'white'
+set terminal svg size 1320,880 font 'sans-serif,13' background rgb 'white'
 set output picture
-set multiplot layout 1,3 margins 0.05,0.99,0.13,0.92 spacing 0.06,0.1
+set multiplot layout 2,3 margins 0.05,0.99,0.075,0.955 spacing 0.06,0.14
 set key top left reverse Left samplen 2
 set grid lc rgb '#dddddd'
 set style data linespoints
@@ -39,4 +39,28 @@ set xlabel 'effects in the stack, in the order of the second key'
 set xrange [-0.3:8.3]
 set yrange [0:*]
 plot points('effects', 'whole render') using 3:4 lc rgb colors[1] pt 7 notitle
+
+set logscale xy
+set title 'whole picture of a title, by its area'
+set xlabel 'megapixels'
+set xrange [0.04:20]
+set yrange [*:*]
+set ylabel 'milliseconds' offset 1
+titles = '"fill only" "three effects" "eight effects"'
+plot for [i = 1:words(titles)] points('picture', word(titles, i)) using ($3 / 1e6):4 lc rgb colors[i] pt 7 title word(titles, i)
+
+set title 'text of 24 px, with a stroke, by its length'
+set xlabel 'characters'
+unset ylabel
+set xrange [8:12000]
+texts = '"Latin laid out" "Latin drawn" "Chinese laid out" "Chinese drawn" "Chinese 65535 px wide laid out"'
+plot for [i = 1:words(texts)] points('length', word(texts, i)) using 3:4 lc rgb colors[i] pt 7 title word(texts, i)
+
+unset logscale
+set title '96 titles, by the number of threads'
+set xlabel 'threads'
+set xrange [0.8:*]
+set yrange [0:*]
+set xtics 1
+plot points('threads', '96 titles') using 3:4 lc rgb colors[1] pt 7 notitle
 unset multiplot
