@@ -128,7 +128,7 @@ void addBlurRow(const std::string& operation, int radius, Mask (*mask)(), const 
                 contenders.ours = [=] { scene->run(); };
                 if (withPlain) contenders.plain = [=] { scene->runPlain(); };
                 contenders.peer = peer(scene);
-                if (peer == sepFilter || mask == noiseMask) {
+                if (peer == sepFilter) {
                     contenders.peers = ippBlurs(scene->mask, radius, scene->taps, 1);
                 }
                 return contenders;
