@@ -129,7 +129,7 @@ PlaneMemory::PlaneMemory(size_t bytes, Contents contents) {
 
 PlaneMemory::PlaneMemory(PlaneMemory&& other) noexcept
     : data_(std::exchange(other.data_, nullptr)),
-      capacity_(std::exchange(other.capacity_, 0)),
+      capacity_(other.capacity_),
       stain_(other.stain_) {}
 
 PlaneMemory::~PlaneMemory() {

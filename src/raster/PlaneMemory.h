@@ -28,9 +28,8 @@ class PlaneMemory {
 public:
     // Null when memory runs out.
     PlaneMemory(size_t bytes, Contents contents);
-    PlaneMemory(PlaneMemory&& other) noexcept;  // leaves the other one empty
-    PlaneMemory(const PlaneMemory&) = delete;
-    PlaneMemory& operator=(const PlaneMemory&) = delete;
+    PlaneMemory(PlaneMemory&& other) noexcept;
+    PlaneMemory& operator=(PlaneMemory&&) = delete;
     ~PlaneMemory();
 
     void* get() const { return data_; }
