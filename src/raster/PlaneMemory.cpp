@@ -6,7 +6,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <mutex>
-#include <utility>
 
 namespace GxFontEffect {
 
@@ -25,24 +24,16 @@ constexpr uint64_t kMaxAge = 256;
 constexpr size_t kLargeBytes = size_t{4} << 20;
 constexpr uintptr_t kPageBytes = size_t{64} << 10;  // at least the system's
 
-struct Block {
-    void* data = nullptr;
-    size_t capacity = 0;
-    Stain stain;
-    uint64_t ended = 0;  // which of all blocks that were kept
-};
-
-Block allocate(size_t bytes, Contents contents) {
+PlaneBlock allocate(size_t bytes, Contents contents) {
     if (bytes > PTRDIFF_MAX) return {};
     // At least one byte: an empty plane is not a failed one.
     const size_t size = std::max<size_t>(bytes, 1);
-    const Block block = {
-        contents == Contents::kZeros ? std::calloc(size, 1) : std::malloc(size), bytes, {}, 0};
-    askForLargePages(block.data, bytes);
-    return block;
+    void* data = contents == Contents::kZeros ? std::calloc(size, 1) : std::malloc(size);
+    askForLargePages(data, bytes);
+    return {data, bytes, {}};
 }
 
-void clear(const Block& block) {
+void clear(const PlaneBlock& block) {
     const Stain& stain = block.stain;
     auto* row = static_cast<uint8_t*>(block.data) + stain.first;
     if (stain.rowBytes == stain.stride) {
@@ -56,44 +47,49 @@ void clear(const Block& block) {
 class Store {
 public:
     // The smallest block that holds `bytes` and is at most twice as large; else none.
-    Block take(size_t bytes) {
+    PlaneBlock take(size_t bytes) {
         const std::lock_guard<std::mutex> lock(mutex_);
-        Block* best = nullptr;
-        for (Block* block = blocks_; block != blocks_ + count_; ++block) {
-            const bool fits = block->capacity >= bytes && block->capacity / 2 <= bytes;
-            if (fits && (!best || block->capacity < best->capacity)) best = block;
+        Kept* best = nullptr;
+        for (Kept* kept = kept_; kept != kept_ + count_; ++kept) {
+            const size_t capacity = kept->block.capacity;
+            const bool fits = capacity >= bytes && capacity / 2 <= bytes;
+            if (fits && (!best || capacity < best->block.capacity)) best = kept;
         }
-        return best ? remove(best) : Block();
+        return best ? remove(best) : PlaneBlock();
     }
 
-    void keep(const Block& block) {
+    void keep(const PlaneBlock& block) {
         const std::lock_guard<std::mutex> lock(mutex_);
         ++ended_;
         while (count_ > 0 && (count_ == kMaxKept || bytes_ + block.capacity > kMaxKeptBytes ||
-                              ended_ - blocks_[0].ended > kMaxAge)) {
-            std::free(remove(blocks_).data);
+                              ended_ - kept_[0].ended > kMaxAge)) {
+            std::free(remove(kept_).data);
         }
-        blocks_[count_] = block;
-        blocks_[count_++].ended = ended_;
+        kept_[count_++] = {block, ended_};
         bytes_ += block.capacity;
     }
 
     void release() {
         const std::lock_guard<std::mutex> lock(mutex_);
-        while (count_ > 0) std::free(remove(blocks_).data);
+        while (count_ > 0) std::free(remove(kept_).data);
     }
 
 private:
-    Block remove(Block* block) {
-        const Block removed = *block;
-        std::move(block + 1, blocks_ + count_, block);
+    struct Kept {
+        PlaneBlock block;
+        uint64_t ended = 0;  // as which of all blocks that were kept
+    };
+
+    PlaneBlock remove(Kept* kept) {
+        const PlaneBlock removed = kept->block;
+        std::move(kept + 1, kept_ + count_, kept);
         --count_;
         bytes_ -= removed.capacity;
         return removed;
     }
 
     std::mutex mutex_;
-    Block blocks_[kMaxKept];
+    Kept kept_[kMaxKept];
     size_t count_ = 0;
     size_t bytes_ = 0;
     uint64_t ended_ = 0;
@@ -105,39 +101,30 @@ bool isKept(size_t bytes) {
     return bytes >= kMinKeptBytes && bytes <= kMaxKeptBytes;
 }
 
-// What cannot be addressed no allocator has.
-size_t bytesOf(uint64_t width, uint64_t height, uint32_t bytesPerPixel) {
-    size_t bytes = 0;
-    return __builtin_mul_overflow(width * height, uint64_t{bytesPerPixel}, &bytes) ? SIZE_MAX
-                                                                                   : bytes;
-}
-
 }  // namespace
 
-PlaneMemory::PlaneMemory(size_t bytes, Contents contents) {
-    Block block = isKept(bytes) ? store.take(bytes) : Block();
+PlaneBlock takePlane(size_t bytes, Contents contents) {
+    PlaneBlock block = isKept(bytes) ? store.take(bytes) : PlaneBlock();
     if (!block.data) {
         block = allocate(bytes, contents);
     } else if (contents == Contents::kZeros) {
         clear(block);
     }
-    data_ = block.data;
-    capacity_ = block.capacity;
-    const size_t stained = contents == Contents::kZeros ? bytes : capacity_;
-    stain_ = {0, stained, stained, 1};
+    const size_t stained = contents == Contents::kZeros ? bytes : block.capacity;
+    block.stain = {0, stained, stained, 1};
+    return block;
 }
 
-PlaneMemory::PlaneMemory(PlaneMemory&& other) noexcept
-    : data_(std::exchange(other.data_, nullptr)),
-      capacity_(other.capacity_),
-      stain_(other.stain_) {}
-
-PlaneMemory::~PlaneMemory() {
-    if (data_ && isKept(capacity_)) {
-        store.keep({data_, capacity_, stain_, 0});
+void endPlane(const PlaneBlock& block) {
+    if (block.data && isKept(block.capacity)) {
+        store.keep(block);
     } else {
-        std::free(data_);
+        std::free(block.data);
     }
+}
+
+void releaseKeptPlanes() {
+    store.release();
 }
 
 void askForLargePages([[maybe_unused]] void* memory, [[maybe_unused]] size_t bytes) {
@@ -150,25 +137,23 @@ void askForLargePages([[maybe_unused]] void* memory, [[maybe_unused]] size_t byt
 #endif
 }
 
-void releaseKeptPlanes() {
-    store.release();
+size_t bitmapBytes(uint32_t width, uint32_t height, uint32_t bytesPerPixel) {
+    size_t bytes = 0;
+    const uint64_t pixels = uint64_t{width} * height;
+    return __builtin_mul_overflow(pixels, uint64_t{bytesPerPixel}, &bytes) ? SIZE_MAX : bytes;
 }
 
-PlaneBitmap::PlaneBitmap(uint32_t width, uint32_t height, uint32_t bytesPerPixel)
-    : memory_(bytesOf(width, height, bytesPerPixel), Contents::kZeros),
-      bitmap_(memory_.get(), width, height, bytesPerPixel) {}
-
-void PlaneBitmap::setPainted(const GxRect& painted) {
+Stain stainOf(const GxBitmap& bitmap, const GxRect& painted) {
     const auto inside = [](int32_t edge, uint32_t extent) {
         return std::min<size_t>(static_cast<size_t>(std::max(edge, 0)), extent);
     };
-    const size_t left = inside(painted.left, bitmap_.width);
-    const size_t top = inside(painted.top, bitmap_.height);
-    const size_t right = std::max(inside(painted.right, bitmap_.width), left);
-    const size_t bottom = std::max(inside(painted.bottom, bitmap_.height), top);
-    const size_t pixel = bitmap_.bytesPerPixel;
-    memory_.setStain({(top * bitmap_.width + left) * pixel, (right - left) * pixel,
-                      bitmap_.width * pixel, bottom - top});
+    const size_t left = inside(painted.left, bitmap.width);
+    const size_t top = inside(painted.top, bitmap.height);
+    const size_t right = std::max(inside(painted.right, bitmap.width), left);
+    const size_t bottom = std::max(inside(painted.bottom, bitmap.height), top);
+    const size_t pixel = bitmap.bytesPerPixel;
+    return {(top * bitmap.width + left) * pixel, (right - left) * pixel, bitmap.width * pixel,
+            bottom - top};
 }
 
 }  // namespace GxFontEffect
