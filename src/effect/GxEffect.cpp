@@ -642,56 +642,61 @@ bool GxEffect::startedEmpty(const GxBitmap* layer) const {
            layer->height == outputHeight;
 }
 
-// Calls step(first, count, coverage) for stretches of the layer's pixels that all steps together
-// can keep in the nearest caches, with their cells of the mask; where the layer started empty, only
-// for those that can have been painted. Null coverage: the mask ends before them.
+// Calls step(first, count) for stretches of the layer's pixels that all steps together can keep in
+// the nearest caches; where the layer started empty, only for those that can have been painted,
+// none of which goes beyond its row.
 template <typename Step>
 void GxEffect::forEachSpan(const GxBitmap& layer, Step step) const {
-    if (startedEmpty(&layer)) {
-        forEachPaintedSpan(layer.width, layer.height, step);
+    const auto cut = [&](uint64_t first, uint64_t end) {
+        for (; first < end; first += kSpanPixels) step(first, std::min(end - first, kSpanPixels));
+    };
+    if (!startedEmpty(&layer)) {
+        cut(0, layer.pixelCount());
         return;
     }
-    const uint64_t masked = isMask(srcBitmap) ? srcBitmap->pixelCount() : 0;
-    const uint64_t count = layer.pixelCount();
-    for (uint64_t first = 0, end = 0; first < count; first = end) {
-        end = std::min(first + kSpanPixels, first < masked ? std::min(masked, count) : count);
-        step(first, end - first, first < masked ? srcBitmap->data + first : nullptr);
+    const GxRect painted = cutTo(layer.width, layer.height, paintedRect);
+    for (int32_t y = painted.top; y < painted.bottom; ++y) {
+        const uint64_t row = uint64_t{layer.width} * static_cast<uint64_t>(y);
+        cut(row + static_cast<uint64_t>(painted.left), row + static_cast<uint64_t>(painted.right));
     }
 }
 
+// Cuts such a stretch where the mask begins and ends and calls step(first, count, coverage), null
+// for pixels that the mask does not hold.
 template <typename Step>
-void GxEffect::forEachPaintedSpan(uint64_t width, uint64_t height, Step step) const {
-    const GxRect painted = cutTo(saturateInt(width), saturateInt(height), paintedRect);
-    const int32_t maskRight = maskLeft + static_cast<int32_t>(srcBitmap->width);
-    const int32_t begin = std::clamp(maskLeft, painted.left, painted.right);
-    const int32_t end = std::clamp(maskRight, begin, painted.right);
-    for (int32_t y = painted.top; y < painted.bottom; ++y) {
-        const int64_t maskRow = int64_t{y} - maskTop;
-        const bool hasMask = maskRow >= 0 && maskRow < srcBitmap->height && begin < end;
-        const auto part = [&](int32_t left, int32_t right, const uint8_t* coverage) {
-            if (left >= right) return;
-            step(static_cast<uint64_t>(y) * width + static_cast<uint64_t>(left),
-                 static_cast<uint64_t>(right - left), coverage);
-        };
-        if (!hasMask) {
-            part(painted.left, painted.right, nullptr);
-            continue;
+void GxEffect::forEachPart(const GxBitmap& layer, uint64_t first, uint64_t count, Step step) const {
+    uint64_t begin = 0, end = 0;  // of the mask's cells
+    const uint8_t* coverage = srcBitmap->data;
+    if (!startedEmpty(&layer)) {
+        end = srcBitmap->pixelCount();
+    } else if (layer.width > 0) {
+        const uint64_t y = first / layer.width;
+        const int64_t maskRow = static_cast<int64_t>(y) - maskTop;
+        if (maskRow >= 0 && maskRow < srcBitmap->height) {
+            begin = y * layer.width + static_cast<uint64_t>(maskLeft);
+            end = begin + srcBitmap->width;
+            coverage += maskRow * srcBitmap->width;
         }
-        part(painted.left, begin, nullptr);
-        part(begin, end, srcBitmap->data + maskRow * srcBitmap->width + (begin - maskLeft));
-        part(end, painted.right, nullptr);
     }
+    const uint64_t last = first + count;
+    const uint64_t from = std::clamp(begin, first, last), to = std::clamp(end, from, last);
+    if (first < from) step(first, from - first, nullptr);
+    if (from < to) step(from, to - from, coverage + (from - begin));
+    if (to < last) step(to, last - to, nullptr);
 }
 
 void GxEffect::clearUncovered() const {
     if (!isMask(srcBitmap) || !isLayer(dstBitmap)) return;
-    forEachSpan(*dstBitmap, [&](uint64_t first, uint64_t count, const uint8_t* coverage) {
+    const auto clear = [&](uint64_t first, uint64_t count, const uint8_t* coverage) {
         kernels::Rgba* pixels = pixelsOf(dstBitmap) + first;
         if (coverage) {
             kernels::clearUncoveredRow(pixels, coverage, count);
         } else if (output == Output::kFreshWords) {
             std::fill_n(pixels, count, kernels::Rgba{});
         }
+    };
+    forEachSpan(*dstBitmap, [&](uint64_t first, uint64_t count) {
+        forEachPart(*dstBitmap, first, count, clear);
     });
 }
 
@@ -776,28 +781,34 @@ void GxEffect::renderCores() {
     if (confine) clearUncovered();
 }
 
+void GxEffect::mixLayers(const GxBitmap& result, uint64_t first, uint64_t count) const {
+    const GxBitmap& back = *bitmapOf(backBitmap);
+    const uint64_t above = uint64_t{result.width} * static_cast<uint64_t>(backTop);
+    const uint64_t end = above + back.pixelCount();
+    if (first < above || first >= end) return;
+    const auto mix = [&](uint64_t from, uint64_t pixels, const uint8_t* coverage) {
+        const kernels::Rgba* beneath = pixelsOf(&back) + (from - above);
+        if (coverage) {
+            kernels::mixLayersRow(pixelsOf(&result) + from, beneath, coverage, pixels);
+        } else if (output == Output::kFreshWords) {
+            // A weight of 255 leaves it as it is.
+            std::copy_n(beneath, pixels, pixelsOf(&result) + from);
+        }
+    };
+    forEachPart(result, first, std::min(count, end - first), mix);
+}
+
 void GxEffect::compositeLayers(GxBitmap* result) {
     __android_log_print(ANDROID_LOG_DEBUG, kTag, "CompositeLayers(%p) - start", this);
     if (isLayer(result)) {
-        const bool fresh = output == Output::kFreshWords;
-        const GxBitmap* back = bitmapOf(backBitmap);
-        const bool mixes = isLayer(back) && (!fresh || startedEmpty(result));
-        const uint64_t aboveBack = uint64_t{result->width} * static_cast<uint64_t>(backTop);
-        const uint64_t mixed = mixes ? aboveBack + back->pixelCount() : 0;
         const uint32_t alpha = textAlpha < 0 ? 255u : static_cast<uint32_t>(textAlpha);
+        const bool fresh = output == Output::kFreshWords;
+        const bool mixes =
+            isMask(srcBitmap) && isLayer(bitmapOf(backBitmap)) && (!fresh || startedEmpty(result));
         const auto fade = fresh ? kernels::fadeIntoWordsRow : kernels::fadeAndUnpremultiplyRow;
-        forEachSpan(*result, [&](uint64_t first, uint64_t count, const uint8_t* coverage) {
-            kernels::Rgba* pixels = pixelsOf(result) + first;
-            if (first >= aboveBack && first < mixed) {
-                const kernels::Rgba* beneath = pixelsOf(back) + (first - aboveBack);
-                const uint64_t both = std::min(count, mixed - first);
-                if (coverage) {
-                    kernels::mixLayersRow(pixels, beneath, coverage, both);
-                } else if (fresh) {
-                    std::copy_n(beneath, both, pixels);  // a weight of 255 leaves it as it is
-                }
-            }
-            fade(pixels, count, alpha);
+        forEachSpan(*result, [&](uint64_t first, uint64_t count) {
+            if (mixes) mixLayers(*result, first, count);
+            fade(pixelsOf(result) + first, count, alpha);
         });
     }
     releaseBitmap();

@@ -211,8 +211,9 @@ private:
     template <typename Step>
     void forEachSpan(const GxBitmap& layer, Step step) const;
     template <typename Step>
-    void forEachPaintedSpan(uint64_t width, uint64_t height, Step step) const;
+    void forEachPart(const GxBitmap& layer, uint64_t first, uint64_t count, Step step) const;
     void clearUncovered() const;
+    void mixLayers(const GxBitmap& result, uint64_t first, uint64_t count) const;
     void renderCores();
 
     std::vector<std::unique_ptr<GxECoreBase>> effects;
