@@ -288,7 +288,8 @@ std::string versionText() {
     return text;
 }
 
-// One subcommand with its arguments; they live as long as the parser does.
+// One subcommand with its arguments; they live as long as the parser does. Its options are made
+// when it is named: those of all take longer than the text of a title.
 struct Subcommand {
     StyleArguments arguments;
     std::unique_ptr<StyleOptions> options;
@@ -296,13 +297,20 @@ struct Subcommand {
     bool json = false;
     CLI::App* app = nullptr;
 
-    Subcommand(CLI::App& parent, const char* name, const char* help)
+    Subcommand(CLI::App& parent, const char* name, const char* help,
+               const std::function<void(Subcommand&)>& addOwnOptions)
         : app(parent.add_subcommand(name, help)) {
-        options = std::make_unique<StyleOptions>(*app, arguments);
-        addStyleOptions(*app, arguments, *options);
+        app->preparse_callback([this, addOwnOptions](size_t) {
+            options = std::make_unique<StyleOptions>(*app, arguments);
+            addStyleOptions(*app, arguments, *options);
+            addOwnOptions(*this);
+        });
     }
-    void addJson(const char* help) { app->add_flag("--json", json, help)->group("Output"); }
 };
+
+void addJson(Subcommand& command) {
+    command.app->add_flag("--json", command.json, "As JSON")->group("Output");
+}
 
 void addCompression(Subcommand& render) {
     using gxtext::PngCompression;
@@ -322,6 +330,17 @@ void addCompression(Subcommand& render) {
         ->group("Output");
 }
 
+void addOutput(Subcommand& render) {
+    render.app
+        ->add_option("-o", render.render.output, "PNG file; - writes standard output (default -)")
+        ->type_name("FILE|-")
+        ->check(isPictureName())
+        ->group("Output");
+    render.app->add_flag("--strict", render.render.strict, "Fail when a character has no glyph")
+        ->group("Output");
+    addCompression(render);
+}
+
 // Help and version are data; everything else is a mistake.
 void endParsing(const CLI::App& app, const CLI::ParseError& error) {
     if (error.get_exit_code() != 0) throw ToolError(usageMessage(app, error), kUsage);
@@ -339,20 +358,12 @@ void parseAndRun(int argc, char** argv, const std::function<void(bool)>& showLib
     bool verbose = false;
     app.add_flag("-v,--verbose", verbose, "Print the library's log on standard error");
 
-    Subcommand render(app, "render", "Render a text to a PNG picture");
-    render.app
-        ->add_option("-o", render.render.output, "PNG file; - writes standard output (default -)")
-        ->type_name("FILE|-")
-        ->check(isPictureName())
-        ->group("Output");
-    render.app->add_flag("--strict", render.render.strict, "Fail when a character has no glyph")
-        ->group("Output");
-    addCompression(render);
-    Subcommand measure(app, "measure", "Print margins, picture size and the box of each line");
-    measure.addJson("As JSON");
-    Subcommand key(app, "key", "Print the effect key text as hexadecimal bytes");
-    Subcommand fonts(app, "fonts", "Print the fonts that a text would use");
-    fonts.addJson("As JSON");
+    Subcommand render(app, "render", "Render a text to a PNG picture", addOutput);
+    Subcommand measure(app, "measure", "Print margins, picture size and the box of each line",
+                       addJson);
+    Subcommand key(app, "key", "Print the effect key text as hexadecimal bytes",
+                   [](Subcommand&) {});
+    Subcommand fonts(app, "fonts", "Print the fonts that a text would use", addJson);
 
     try {
         app.parse(argc, argv);
