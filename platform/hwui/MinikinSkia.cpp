@@ -96,6 +96,22 @@ void MinikinFontSkia::GetFontExtent(minikin::MinikinExtent* extent,
     *extent = minikin::MinikinExtent(metrics.fAscent, metrics.fDescent);
 }
 
+std::shared_ptr<minikin::MinikinFont> MinikinFontSkia::createFontWithVariation(
+    const std::vector<minikin::FontVariation>& variations) const {
+    std::vector<SkFontArguments::VariationPosition::Coordinate> coordinates;
+    coordinates.reserve(variations.size());
+    for (const minikin::FontVariation& axis : variations) {
+        coordinates.push_back({axis.axisTag, axis.value});
+    }
+    SkFontArguments arguments;
+    arguments.setVariationDesignPosition(
+        {coordinates.data(), static_cast<int>(coordinates.size())});
+    sk_sp<SkTypeface> varied = mTypeface->makeClone(arguments);
+    if (!varied) return nullptr;
+    return std::make_shared<MinikinFontSkia>(std::move(varied), mFontData, mFontSize, mFilePath,
+                                             mTtcIndex, variations);
+}
+
 SkTypeface* MinikinFontSkia::GetSkTypeface() const {
     return mTypeface.get();
 }

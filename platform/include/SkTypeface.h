@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 
+#include "SkFontArguments.h"
 #include "SkFontStyle.h"
 #include "SkRefCnt.h"
 #include "SkStream.h"
@@ -26,6 +27,11 @@ public:
     // that cannot be read. Throws std::bad_alloc when memory runs out.
     static sk_sp<SkTypeface> MakeFromStream(std::unique_ptr<SkStreamAsset> stream, int index = 0);
     ~SkTypeface() override;
+
+    // The same font at another place in its design space; axes that are not named are at their
+    // defaults, values beyond an axis's end at its end, axes that the font does not have are
+    // ignored. The bytes are borrowed like this one's. Throws std::bad_alloc.
+    sk_sp<SkTypeface> makeClone(const SkFontArguments& arguments) const;
 
     SkFontStyle fontStyle() const { return fStyle; }
     bool isBold() const { return fStyle.weight() >= SkFontStyle::kSemiBold_Weight; }

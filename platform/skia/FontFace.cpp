@@ -2,9 +2,11 @@
 
 #include FT_DRIVER_H
 #include FT_MODULE_H
+#include FT_MULTIPLE_MASTERS_H
 #include FT_TRUETYPE_TABLES_H
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <iterator>
 #include <limits>
@@ -67,8 +69,9 @@ bool isSfnt(const FT_Byte* data, size_t length) {
 
 }  // namespace
 
-FontFace::FontFace(std::unique_ptr<SkStreamAsset> stream, int index)
-    : fStream(std::move(stream)), fIndex(index) {}
+FontFace::FontFace(std::unique_ptr<SkStreamAsset> stream, int index,
+                   std::vector<AxisValue> variations)
+    : fStream(std::move(stream)), fIndex(index), fVariations(std::move(variations)) {}
 
 FontFace::~FontFace() {
     this->closeFace();
@@ -102,12 +105,35 @@ bool FontFace::readBytes() {
     return fStream->rewind() && fStream->read(fCopy.get(), length) == length;
 }
 
+// Whether the font has moved in its design space; one without axes has none to move in.
+bool FontFace::vary(FT_Face face) const {
+    FT_MM_Var* space = nullptr;
+    if (fVariations.empty() || FT_Get_MM_Var(face, &space) != 0) return false;
+    std::vector<FT_Fixed> position;
+    for (FT_UInt i = 0; i < space->num_axis; ++i) {
+        const FT_Var_Axis& axis = space->axis[i];
+        FT_Fixed place = axis.def;
+        for (const AxisValue& wanted : fVariations) {
+            if (wanted.tag != axis.tag || !(wanted.value == wanted.value)) continue;
+            const double fixed = std::floor(static_cast<double>(wanted.value) * 65536.0 + 0.5);
+            place = static_cast<FT_Fixed>(std::clamp(
+                fixed, static_cast<double>(axis.minimum),
+                std::max(static_cast<double>(axis.minimum), static_cast<double>(axis.maximum))));
+        }
+        position.push_back(place);
+    }
+    FT_Done_MM_Var(face->glyph->library, space);
+    return FT_Set_Var_Design_Coordinates(face, static_cast<FT_UInt>(position.size()),
+                                         position.data()) == 0;
+}
+
 // Null for a font that FreeType refuses. The caller holds the library's lock.
 FT_Face FontFace::openFace() const {
     const AllocationWatch watch;
     const auto length = static_cast<FT_Long>(fStream->getLength());
     FT_Face face = nullptr;
     const FT_Error error = FT_New_Memory_Face(library().ft, fBytes, length, fIndex, &face);
+    if (error == 0) this->vary(face);
     // Tables that there was no memory for are taken for missing.
     if (watch.failed() || FT_ERROR_BASE(error) == FT_Err_Out_Of_Memory) {
         if (error == 0) FT_Done_Face(face);
@@ -136,9 +162,10 @@ bool FontFace::load() {
     return found.has_value();
 }
 
-std::unique_ptr<FontFace> FontFace::open(std::unique_ptr<SkStreamAsset> stream, int index) {
+std::unique_ptr<FontFace> FontFace::open(std::unique_ptr<SkStreamAsset> stream, int index,
+                                         std::vector<AxisValue> variations) {
     if (!stream || index < 0) return nullptr;
-    std::unique_ptr<FontFace> face(new FontFace(std::move(stream), index));
+    std::unique_ptr<FontFace> face(new FontFace(std::move(stream), index, std::move(variations)));
     // FT_Done_Face of a rejected face happens in the destructor, after load() gave the lock back.
     return face->load() ? std::move(face) : nullptr;
 }

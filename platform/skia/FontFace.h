@@ -4,14 +4,22 @@
 #include <ft2build.h>
 #include FT_FREETYPE_H
 
+#include <cstdint>
 #include <memory>
 #include <mutex>
+#include <vector>
 
 #include "AllocationWatch.h"
 #include "SkStream.h"
 #include "skia/GlyphData.h"
 
 namespace portable {
+
+// Where a variable font is on one of its axes.
+struct AxisValue {
+    uint32_t tag;
+    float value;
+};
 
 // One face of a font file. FreeType faces are not safe to share: every use goes through access(),
 // which keeps other threads out.
@@ -39,6 +47,7 @@ public:
         bool outOfMemory() const { return fWatch.failed(); }
         Scaling& scaling() const { return fFace.fScaling; }
         const GlyphData& glyphData() const { return fFace.fGlyphData; }
+        bool isVaried() const { return !fFace.fVariations.empty(); }
 
     private:
         const std::lock_guard<std::mutex> fLock;
@@ -48,7 +57,8 @@ public:
 
     // Takes the stream over. Null for an empty stream, a negative or unknown index, a file that is
     // not a usable font. Throws std::bad_alloc.
-    static std::unique_ptr<FontFace> open(std::unique_ptr<SkStreamAsset> stream, int index);
+    static std::unique_ptr<FontFace> open(std::unique_ptr<SkStreamAsset> stream, int index,
+                                          std::vector<AxisValue> variations = {});
     ~FontFace();
     FontFace(const FontFace&) = delete;
     FontFace& operator=(const FontFace&) = delete;
@@ -57,8 +67,9 @@ public:
     int index() const { return fIndex; }
 
 private:
-    FontFace(std::unique_ptr<SkStreamAsset> stream, int index);
+    FontFace(std::unique_ptr<SkStreamAsset> stream, int index, std::vector<AxisValue> variations);
     bool readBytes();
+    bool vary(FT_Face face) const;
     FT_Face openFace() const;
     void closeFace();
     bool load();
@@ -67,6 +78,7 @@ private:
     const unsigned char* fBytes = nullptr;   // the stream's, or the copy's
     std::unique_ptr<unsigned char[]> fCopy;  // when the stream does not hold them in memory
     int fIndex;
+    std::vector<AxisValue> fVariations;
     std::mutex fMutex;
     FT_Face fFace = nullptr;  // null after memory ran out
     Scaling fScaling;

@@ -186,6 +186,10 @@ bool GlyphScaler::loadSlot(FT_UInt glyph) {
         return false;
     }
     if (fSettings.embolden) this->emboldenSlot();
+    // Contours of variable fonts overlap, whatever their flags say; other fonts are filled as
+    // always.
+    int& fill = fFace->glyph->outline.flags;
+    fill = fAccess.isVaried() ? fill | FT_OUTLINE_OVERLAP : fill & ~FT_OUTLINE_OVERLAP;
     return true;
 }
 

@@ -7,6 +7,7 @@
 #include <atomic>
 #include <limits>
 #include <utility>
+#include <vector>
 
 #include "skia/FontFace.h"
 #include "skia/GlyphCache.h"
@@ -50,6 +51,18 @@ sk_sp<SkTypeface> SkTypeface::MakeFromStream(std::unique_ptr<SkStreamAsset> stre
     if (!face) return nullptr;
     const SkFontStyle style = readStyle(portable::FontFace::Access(*face).ft());
     return sk_sp<SkTypeface>(new SkTypeface(std::move(face), style));
+}
+
+sk_sp<SkTypeface> SkTypeface::makeClone(const SkFontArguments& arguments) const {
+    const auto position = arguments.getVariationDesignPosition();
+    std::vector<portable::AxisValue> values;
+    values.reserve(static_cast<size_t>(std::max(position.coordinateCount, 0)));
+    for (int i = 0; i < position.coordinateCount; ++i) {
+        values.push_back({position.coordinates[i].axis, position.coordinates[i].value});
+    }
+    auto face =
+        portable::FontFace::open(fFace->stream().duplicate(), fFace->index(), std::move(values));
+    return face ? sk_sp<SkTypeface>(new SkTypeface(std::move(face), fStyle)) : nullptr;
 }
 
 int SkTypeface::countGlyphs() const {

@@ -191,6 +191,22 @@ void readStyle(TableReader& tables, FontFace& face) {
     }
 }
 
+std::vector<FontAxis> axesOf(TableReader& tables) {
+    std::vector<FontAxis> axes;
+    if (!tables.has(HB_TAG('f', 'v', 'a', 'r'))) return axes;
+    const FacePtr face = makeFace(tables);
+    std::vector<hb_ot_var_axis_info_t> infos(hb_ot_var_get_axis_count(face.get()));
+    auto count = static_cast<unsigned>(infos.size());
+    hb_ot_var_get_axis_infos(face.get(), 0, &count, infos.data());
+    infos.resize(count);
+    for (const hb_ot_var_axis_info_t& info : infos) {
+        char tag[4];
+        hb_tag_to_string(info.tag, tag);
+        axes.push_back({std::string(tag, 4), info.min_value, info.default_value, info.max_value});
+    }
+    return axes;
+}
+
 SetPtr readCoverage(const std::filesystem::path& file, size_t index) {
     SetPtr set(hb_set_create());
     TableReader tables(file, index);
@@ -230,6 +246,11 @@ size_t countFaces(const std::filesystem::path& file) {
     return TableReader(file, 0).faceCount();
 }
 
+std::vector<FontAxis> readAxes(const std::filesystem::path& file, size_t index) {
+    TableReader tables(file, index);
+    return axesOf(tables);
+}
+
 FaceInfoPtr readFace(const std::filesystem::path& file, size_t index) {
     TableReader tables(file, index);
     if (!tables.has(HB_TAG('c', 'm', 'a', 'p')) || !hasAny(tables, kGlyphTables)) return nullptr;
@@ -241,6 +262,7 @@ FaceInfoPtr readFace(const std::filesystem::path& file, size_t index) {
     if (info->names.empty()) info->names.push_back(file.stem().string());
     info->face.family = info->names.front();
     info->color = hasAny(tables, kColorTables);
+    info->axes = axesOf(tables);
     const auto coverage = std::make_shared<LazyCoverage>(file, index);
     info->covers = [coverage](char32_t c) { return hb_set_has(coverage->get(), c) != 0; };
     info->addCoverage = [coverage](CodePointSet& all) { addRanges(coverage->get(), all); };

@@ -22,7 +22,16 @@ struct FontFace {
     std::string family;  // its own name
     std::string
         locales;  // what it is preferred for: "ja", "und-Arab", ...; empty for no preference
+    std::string variations{};  // axis settings that it is drawn with: "'wght' 700"
     bool operator==(const FontFace&) const = default;
+};
+
+// What a variable font can be set to.
+struct FontAxis {
+    std::string tag;
+    float min = 0.0f;
+    float initial = 0.0f;
+    float max = 0.0f;
 };
 
 // A face with what is known before it is opened for drawing.
@@ -30,6 +39,7 @@ struct FaceInfo {
     FontFace face;
     bool color = false;              // holds pictures rather than outlines
     std::vector<std::string> names;  // of its family, in every language
+    std::vector<FontAxis> axes;      // none unless it is variable
     std::function<bool(char32_t)> covers;
     std::function<void(CodePointSet&)> addCoverage;  // to what is in the set
 

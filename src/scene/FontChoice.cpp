@@ -12,6 +12,8 @@
 
 #include "scene/FaceFile.h"
 #include "scene/SceneError.h"
+#include "style/FieldTable.h"
+#include "style/TextSettings.h"
 
 namespace gxtext {
 
@@ -23,6 +25,39 @@ constexpr char32_t kEmojiSelector = 0xFE0F;
 constexpr const char* kEmojiLocale = "und-Zsye";
 // Weights from here on need no bolder strokes.
 constexpr int kSemiBold = 600;
+
+constexpr float kBoldWeight = 700;
+constexpr float kRegularWeight = 400;
+
+// The face as it is drawn. A variable one is set as the request says, as far as it goes; where that
+// names no weight, one that stands for a family, and one that is to be bold, has the weight that
+// is asked for.
+FontFace instanceOf(const FaceInfo& info, const FontRequest& request, bool isFile) {
+    FontFace face = info.face;
+    const auto settings = parseFontVariations(request.variations);
+    for (const FontAxis& axis : info.axes) {
+        std::optional<float> value;
+        for (const AxisSetting& setting : settings.value_or(std::vector<AxisSetting>())) {
+            if (setting.tag == axis.tag) value = setting.value;
+        }
+        const bool isWeight = axis.tag == "wght";
+        if (!value && isWeight && (request.bold || !isFile)) {
+            value = request.bold ? kBoldWeight : kRegularWeight;
+        }
+        if (!value) continue;
+        *value = std::max(axis.min, std::min(*value, axis.max));
+        if (isWeight) face.weight = static_cast<int>(std::clamp(*value, 1.0f, 1000.0f));
+        face.variations.append(face.variations.empty() ? "'" : ", '").append(axis.tag);
+        face.variations.append("' ").append(shortText(static_cast<double>(*value)));
+    }
+    return face;
+}
+
+bool namesWeight(const FontRequest& request) {
+    const auto settings = parseFontVariations(request.variations);
+    return settings && std::any_of(settings->begin(), settings->end(),
+                                   [](const AxisSetting& s) { return s.tag == "wght"; });
+}
 
 FaceInfoPtr openFile(const fs::path& file, int index) {
     std::error_code error;
@@ -173,7 +208,7 @@ private:
                                                     .characters = std::move(characters)});
         if (!match || !match->covers(c)) return false;
         std::erase_if(missing_, [&](char32_t m) { return match->covers(m); });
-        faces_.push_back(match->face);
+        faces_.push_back(instanceOf(*match, request_, false));
         faces_.back().locales = localesOf(script, hanLanguage_);
         return true;
     }
@@ -244,9 +279,14 @@ FontChoice chooseFonts(const FontCatalog& catalog, const FontRequest& request,
     const FaceInfoPtr first = file ? openFile(*file, request.index) : findFirst(catalog, request);
     // A text object's own font file is face 0 and counts as upright whatever it is, so it would be
     // slanted twice.
-    choice.userFile = file && request.index == 0 && !(request.italic && first->face.italic);
-    choice.fakeBold = request.bold && first->face.weight < kSemiBold;
-    choice.faces.push_back(first->face);
+    const FontFace& instance =
+        choice.faces.emplace_back(instanceOf(*first, request, file.has_value()));
+    const bool hasAxes = !instance.variations.empty();
+    choice.userFile =
+        file && request.index == 0 && !hasAxes && !(request.italic && first->face.italic);
+    // A weight that is asked for by number is what it is.
+    const bool isSet = hasAxes && namesWeight(request);
+    choice.fakeBold = request.bold && instance.weight < kSemiBold && !isSet;
     const std::vector<FontFace> fallbacks = FallbackFinder(catalog, request, text, *first).run();
     choice.faces.insert(choice.faces.end(), fallbacks.begin(), fallbacks.end());
     return choice;

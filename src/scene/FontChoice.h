@@ -17,7 +17,8 @@ struct FontRequest {
     int index = 0;               // inside a collection file
     bool bold = false;
     bool italic = false;
-    std::string locale;  // BCP 47 tags, comma-separated: decides how Han characters are drawn
+    std::string locale;        // BCP 47 tags, comma-separated: decides how Han characters are drawn
+    std::string variations{};  // axis settings of a style
 };
 
 struct FontChoice {

@@ -2,15 +2,40 @@
 
 #include <minikin/Font.h>
 #include <minikin/FontFamily.h>
+#include <minikin/FontVariation.h>
 #include <minikin/LocaleList.h>
+#include <minikin/MinikinFont.h>
 
 #include <algorithm>
 #include <utility>
 
 #include "base/GxString.h"
 #include "scene/SceneError.h"
+#include "style/TextSettings.h"
 
 namespace gxtext {
+
+namespace {
+
+using FontPointer = std::shared_ptr<minikin::MinikinFont>;
+
+// Set as the settings say; it lives on the bytes of the first one, which therefore lives as long.
+// Null for a font that cannot be set.
+FontPointer varied(const FontPointer& font, const std::string& settings) {
+    std::vector<minikin::FontVariation> axes;
+    for (const AxisSetting& setting :
+         parseFontVariations(settings).value_or(std::vector<AxisSetting>())) {
+        uint32_t tag = 0;
+        for (const char c : setting.tag) tag = tag << 8 | static_cast<unsigned char>(c);
+        axes.emplace_back(tag, setting.value);
+    }
+    const FontPointer instance = font->createFontWithVariation(axes);
+    if (!instance) return nullptr;
+    const auto both = std::make_shared<std::pair<FontPointer, FontPointer>>(font, instance);
+    return FontPointer(both, both->second.get());
+}
+
+}  // namespace
 
 FontLibrary::FontLibrary(std::shared_ptr<const FontCatalog> catalog)
     : catalog_(std::move(catalog)) {
@@ -43,7 +68,7 @@ FontLibrary::FamilyPointer FontLibrary::openUserFile(const FontFace& face, int& 
 FontLibrary::FamilyPointer FontLibrary::openFace(const FontFace& face) {
     const std::lock_guard guard(lock_);
     FamilyPointer& known =
-        families_[{face.file, face.index, face.weight, face.italic, face.locales}];
+        families_[{face.file, face.index, face.weight, face.italic, face.locales, face.variations}];
     if (known) return known;
     GxFontEffect::GxString path;
     if (!path.Construct(face.file.c_str())) throw std::bad_alloc();
@@ -52,6 +77,8 @@ FontLibrary::FamilyPointer FontLibrary::openFace(const FontFace& face) {
         !manager_.GetMinikinFont(font, &path, face.index)) {
         return nullptr;
     }
+    if (!face.variations.empty()) font = varied(font, face.variations);
+    if (!font) return nullptr;
     using Slant = minikin::FontStyle::Slant;
     std::vector<minikin::Font> fonts;
     fonts.push_back(minikin::Font::Builder(font)

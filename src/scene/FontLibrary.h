@@ -40,8 +40,9 @@ private:
     const std::shared_ptr<const FontCatalog> catalog_;
     GxFontEffect::FontManager manager_;
     std::mutex lock_;  // guards families_
-    // By file, index, weight, italic, locales.
-    std::map<std::tuple<std::string, int, int, bool, std::string>, FamilyPointer> families_;
+    // By file, index, weight, italic, locales, variations.
+    std::map<std::tuple<std::string, int, int, bool, std::string, std::string>, FamilyPointer>
+        families_;
 };
 
 }  // namespace gxtext

@@ -5,6 +5,8 @@
 #include <set>
 #include <utility>
 
+#include "scene/FaceFile.h"
+
 namespace gxtext {
 
 namespace {
@@ -61,7 +63,11 @@ FaceInfoPtr describe(Owned<FcPattern> owned) {
     auto info = std::make_shared<FaceInfo>();
     info->face.file = stringOf(pattern.get(), FC_FILE);
     // The upper half numbers the named instances of a variable font.
-    info->face.index = integerOf(pattern.get(), FC_INDEX, 0) & 0xFFFF;
+    const int index = integerOf(pattern.get(), FC_INDEX, 0);
+    info->face.index = index & 0xFFFF;
+    if (index >> 16 != 0 || flagOf(pattern.get(), FC_VARIABLE)) {
+        info->axes = readAxes(info->face.file, static_cast<size_t>(info->face.index));
+    }
     info->face.weight = FcWeightToOpenType(integerOf(pattern.get(), FC_WEIGHT, FC_WEIGHT_REGULAR));
     info->face.italic = integerOf(pattern.get(), FC_SLANT, FC_SLANT_ROMAN) != FC_SLANT_ROMAN;
     info->face.family = stringOf(pattern.get(), FC_FAMILY);

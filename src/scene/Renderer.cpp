@@ -54,7 +54,8 @@ std::vector<char32_t> visibleCharacters(const std::vector<char32_t>& text) {
 }
 
 FontRequest fontRequest(const Style& style) {
-    return {style.font, style.folder(), style.fontIndex, style.bold, style.italic, style.locale};
+    return {style.font,   style.folder(), style.fontIndex,     style.bold,
+            style.italic, style.locale,   style.fontVariations};
 }
 
 android::Paint makePaint(const Style& style, bool fakeBold) {

@@ -193,6 +193,7 @@ struct GXTEXT_API Style {
     float scaleX = 0.0f;
     float skewX = 0.0f;
     std::string fontFeatures;
+    std::string fontVariations;
     std::string locale;  // BCP 47 tags, comma-separated
     Color color;
     float opacity = 0.0f;

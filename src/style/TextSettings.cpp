@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <cstdint>
 #include <vector>
 
@@ -10,6 +11,9 @@
 namespace gxtext {
 
 namespace {
+
+// Axes are numbers of 16 bits before the point.
+constexpr float kLargestAxisValue = 32767.0f;
 
 // Of the C locale: <cctype> asks the process's.
 bool isDigit(char c) {
@@ -169,6 +173,45 @@ std::optional<std::string> checkFontFeatures(std::string_view features) {
         }
     }
     return std::nullopt;
+}
+
+std::optional<std::vector<AxisSetting>> parseFontVariations(std::string_view text) {
+    std::vector<AxisSetting> settings;
+    if (text.empty()) return settings;
+    for (std::string_view part : split(text, ',')) {
+        const auto skipSpaces = [&part] {
+            while (!part.empty() && isSpace(part.front())) part.remove_prefix(1);
+        };
+        const auto take = [&part](char c) {
+            const bool is = part.starts_with(c);
+            if (is) part.remove_prefix(1);
+            return is;
+        };
+        skipSpaces();
+        const char quote = take('\'') ? '\'' : take('"') ? '"' : '\0';
+        const std::string_view tag = part.substr(0, std::min<size_t>(4, part.size()));
+        const bool isTag = all(tag, [](char c) { return isWordCharacter(c) || c == '_'; });
+        if (tag.size() != 4 || !isTag) return std::nullopt;
+        part.remove_prefix(4);
+        if (quote != '\0' && !take(quote)) return std::nullopt;
+        skipSpaces();
+        take('=');
+        skipSpaces();
+        float value = 0.0f;
+        const auto end = part.data() + part.size();
+        const auto [next, error] = std::from_chars(part.data(), end, value);
+        if (error != std::errc() || !(std::fabs(value) <= kLargestAxisValue)) return std::nullopt;
+        part.remove_prefix(static_cast<size_t>(next - part.data()));
+        skipSpaces();
+        if (!part.empty()) return std::nullopt;
+        settings.push_back({std::string(tag), value});
+    }
+    return settings;
+}
+
+std::optional<std::string> checkFontVariations(std::string_view text) {
+    if (parseFontVariations(text)) return std::nullopt;
+    return shown({std::string(text)}) + " are no axis settings ('wght' 650, 'wdth' 80)";
 }
 
 std::optional<std::string> checkLocale(std::string_view tags) {

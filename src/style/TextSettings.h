@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "GxExport.h"
 
@@ -20,6 +21,17 @@ GXTEXT_API std::optional<std::string> checkFontFeatures(std::string_view feature
 // language of two or three letters (longer ones are reserved, and none is registered). An empty
 // string has none.
 GXTEXT_API std::optional<std::string> checkLocale(std::string_view tags);
+
+// Where a variable font is on one of its axes.
+struct AxisSetting {
+    std::string tag;  // four characters
+    float value = 0.0f;
+};
+
+// Axis settings, comma-separated: a tag of four letters, digits or "_", in ' or " or bare, and a
+// number, with "=" between them or not: 'wght' 650, wdth=80. Nothing for anything else.
+GXTEXT_API std::optional<std::vector<AxisSetting>> parseFontVariations(std::string_view text);
+GXTEXT_API std::optional<std::string> checkFontVariations(std::string_view text);
 
 // A path that is not empty.
 GXTEXT_API std::optional<std::string> checkPatternPath(std::string_view path);

@@ -8,6 +8,8 @@
 
 #include "scene/Renderer.h"
 #include "support/Fonts.h"
+#include "support/SyntheticFont.h"
+#include "support/TempFolder.h"
 
 namespace gxtext {
 namespace {
@@ -115,6 +117,67 @@ TEST(Look, TheCanvasLiesBeneathEverything) {
                             (over * s + under * b * (1 - s)) / (s + b * (1 - s)), 0.6);
             }
         }
+    }
+}
+
+// 'a' is a box of 100 to 600 thousandths, 'b' two that overlap; at weight 900 both are 300 wider.
+FontSource variableFont(const gxtest::TempFolder& folder) {
+    gxtest::SyntheticFont font;
+    font.map('a', font.addGlyph(gxtest::boxGlyph({{100, 0, 600, 703}}), 700));
+    font.map('b', font.addGlyph(gxtest::boxGlyph({{100, 0, 400, 703}, {250, 0, 600, 703}}), 700));
+    font.addWeightAxis(100, 400, 900, 300);
+    const gxtest::Bytes bytes = font.build();
+    folder.write("v.ttf", std::string(bytes.begin(), bytes.end()));
+    return FontSource::files({folder.path("v.ttf")});
+}
+
+TEST(Look, FontVariationsChooseAnInstance) {
+    const gxtest::TempFolder folder;
+    const FontSource fonts = variableFont(folder);
+    struct Case {
+        const char* fields;
+        float weight;
+    };
+    const Case cases[] = {
+        {"", 400},
+        {R"(, "fontVariations": "'wght' 650")", 650},
+        {R"(, "fontVariations": "wght=2000, 'wdth' 80")", 900},
+        {R"(, "fontVariations": "'wght' 1")", 100},
+        {R"(, "bold": true)", 700},
+        {R"(, "bold": true, "fontVariations": "'wght' 450")", 450},
+    };
+    for (const char* name : {"", "v.ttf"}) {
+        for (const Case& c : cases) {
+            Style style = Style::fromJson(std::string(R"({"size": 1000, "padding": 9, "font": ")") +
+                                              name + "\"" + c.fields + "}",
+                                          folder.path("s.json"));
+            const Picture picture = Renderer(fonts).render(style, "a");
+            const float wider = c.weight > 400 ? 300 * (c.weight - 400) / 500 : 0;
+            EXPECT_NEAR(picture.lines()[0].advance, 700 + wider, 0.6) << name << c.fields;
+            const int y = picture.lines()[0].baseline - 300;
+            int inked = 0;
+            for (int x = 0; x < picture.width(); x++) inked += pixelAt(picture, x, y) >> 24 == 255;
+            EXPECT_NEAR(inked, 500 + wider, 1) << name << c.fields;
+        }
+    }
+}
+
+// Neither inside nor along the edge that both share is the overlap of two contours seen.
+TEST(Look, OverlappingContoursShowNoSeams) {
+    const gxtest::TempFolder folder;
+    Renderer renderer(variableFont(folder));
+    for (const int size : {33, 50, 77}) {
+        const Style style = Style::fromJson(R"({"fontVariations": "'wght' 530", "size": )" +
+                                            std::to_string(size) + "}");
+        const Picture one = renderer.render(style, "a"), two = renderer.render(style, "b");
+        int apart = 0;
+        ASSERT_EQ(one.pixels().size(), two.pixels().size());
+        for (size_t i = 0; i < one.pixels().size(); i++) {
+            const auto a = static_cast<int>(one.pixels()[i] >> 24);
+            const auto b = static_cast<int>(two.pixels()[i] >> 24);
+            apart = std::max(apart, std::abs(a - b));
+        }
+        EXPECT_LE(apart, 16) << size;
     }
 }
 

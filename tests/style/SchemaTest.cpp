@@ -77,6 +77,7 @@ Probes probesOf(const std::string& name, const json& property) {
         return {{"#12abEF", "#8012abEF"}, {"12abEF", "#12abE", "#12abEF0", "#12abEG", 1}};
     }
     if (name == "fontFeatures" || name == "locale") return {{"ja"}, {"-", 1}};
+    if (name == "fontVariations") return {{"'wght' 650"}, {"-", 1}};
     const std::string type = property.value("type", "");
     if (type == "boolean") return {{true, false}, {0, "true"}};
     if (type == "string") return {{"some text"}, {1, json()}};

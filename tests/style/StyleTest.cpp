@@ -43,6 +43,7 @@ const char* const kFullStyle = R"({
   "scaleX": 1.5,
   "skewX": -0.25,
   "fontFeatures": "'smcp' on, -kern",
+  "fontVariations": "'wght' 650, wdth=80",
   "locale": "ja,sr-Cyrl",
   "color": "#80102030",
   "opacity": 0.3,
@@ -358,7 +359,10 @@ TEST(Style, ReadsFiles) {
 TEST(Style, KnowsTheGrammarsOfItsStrings) {
     const auto accepts = [](const char* field, const char* value) {
         Style style;
-        (std::string_view(field) == "locale" ? style.locale : style.fontFeatures) = value;
+        std::string& target = std::string_view(field) == "locale"           ? style.locale
+                              : std::string_view(field) == "fontVariations" ? style.fontVariations
+                                                                            : style.fontFeatures;
+        target = value;
         try {
             return !style.toJson().empty();
         } catch (const StyleError&) {
@@ -373,6 +377,13 @@ TEST(Style, KnowsTheGrammarsOfItsStrings) {
          {" ", "kern,", "kerns", "'sc' on", "'smcp\" on", "kern=", "kern=-1", "kern maybe",
           "kern 4294967296", "kern on off", "kern[1]", "k\xC3\xA9rn"}) {
         EXPECT_FALSE(accepts("fontFeatures", bad)) << bad;
+    }
+    for (const char* good : {"", "'wght' 650", " wdth=80 ,\"slnt\" -12.5", "XTRA 1e3"}) {
+        EXPECT_TRUE(accepts("fontVariations", good)) << good;
+    }
+    for (const char* bad : {"wght", "'wgh' 1", "'wght 1", "wght 1,", "wght nan", "wght inf",
+                            "wght 40000", "wght 1 2", "wght=", "w\xC3\xA9g 1"}) {
+        EXPECT_FALSE(accepts("fontVariations", bad)) << bad;
     }
     for (const char* good : {"ja", "zh-Hant-TW", "sr-Cyrl,en", "sl-rozaj-biske-1994", "de-CH-1901",
                              "es-419", "zh-yue-HK", "en-u-em-emoji-x-a", "en-a-bbb-x-a-ccc"}) {

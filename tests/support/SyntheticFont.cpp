@@ -121,6 +121,44 @@ uint16_t SyntheticFont::addLetters(uint32_t first, uint32_t last) {
     return firstGlyph;
 }
 
+void SyntheticFont::addWeightAxis(int min, int initial, int max, int widening) {
+    constexpr int kAxisSize = 20, kHeader = 16;
+    Bytes fvar = words({1, 0, kHeader, 2, 1, kAxisSize, 0, 8});
+    appendTag(fvar, "wght");
+    for (const int place : {min, initial, max}) words(fvar, {place, 0});  // 16.16
+    words(fvar, {0, 256});
+    tables["fvar"] = fvar;
+
+    constexpr int kPeak = 1 << 14, kOwnPeak = 0x8000, kOwnPoints = 0x2000, kWords = 0x40;
+    Bytes offsets;
+    Bytes all;
+    for (const Bytes& glyph : glyphs_) {
+        appendBig(offsets, 4, static_cast<uint32_t>(all.size()));
+        const int contours = glyph.empty() ? 0 : glyph[0] << 8 | glyph[1];
+        const int points = 4 * contours;
+        Bytes deltas = {0};  // all points
+        for (const bool isX : {true, false}) {
+            for (int i = 0; i < points + 4; ++i) {
+                const bool moves = i < points ? i % 4 >= 2 : i == points + 1;
+                deltas.push_back(kWords);
+                words(deltas, {isX && moves ? widening : 0});
+            }
+        }
+        words(all, {1, 10, size(deltas), kOwnPeak | kOwnPoints, kPeak});
+        append(all, deltas);
+        if (all.size() % 2 != 0) all.push_back(0);
+    }
+    appendBig(offsets, 4, static_cast<uint32_t>(all.size()));
+    const int glyphCount = static_cast<int>(glyphs_.size());
+    Bytes gvar = words({1, 0, 1, 0});
+    appendBig(gvar, 4, 20);  // shared tuples: none
+    words(gvar, {glyphCount, 1});
+    appendBig(gvar, 4, static_cast<uint32_t>(20 + offsets.size()));
+    append(gvar, offsets);
+    append(gvar, all);
+    tables["gvar"] = gvar;
+}
+
 uint16_t SyntheticFont::glyphOf(uint32_t codePoint) const {
     const auto found = codePoints_.find(codePoint);
     return found != codePoints_.end() ? found->second : uint16_t{0};

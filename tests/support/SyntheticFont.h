@@ -41,6 +41,9 @@ public:
     // A new glyph of one box for each of the code points first to last; returns the first glyph.
     uint16_t addLetters(uint32_t first, uint32_t last);
     void map(uint32_t codePoint, uint16_t glyph) { codePoints_[codePoint] = glyph; }
+    // Makes the font variable: at `max` of its weight the right sides of all boxes and the advances
+    // lie `widening` units further right. After the last glyph.
+    void addWeightAxis(int min, int initial, int max, int widening);
     // The glyph of a code point; 0 when there is none.
     uint16_t glyphOf(uint32_t codePoint) const;
 

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -49,6 +50,8 @@ public:
     size_t GetFontSize() const override { return mFontSize; }
     int GetFontIndex() const override { return mTtcIndex; }
     const std::vector<minikin::FontVariation>& GetAxes() const override { return mAxes; }
+    std::shared_ptr<minikin::MinikinFont> createFontWithVariation(
+        const std::vector<minikin::FontVariation>& variations) const override;
 
     SkTypeface* GetSkTypeface() const;
     sk_sp<SkTypeface> RefSkTypeface() const;

@@ -56,6 +56,13 @@ public:
     virtual int GetFontIndex() const = 0;
     virtual const std::vector<FontVariation>& GetAxes() const = 0;
 
+    // The same font with these axis settings in place of its own, over the same borrowed bytes;
+    // null when the kind of font has none.
+    virtual std::shared_ptr<MinikinFont> createFontWithVariation(
+        const std::vector<FontVariation>& /*variations*/) const {
+        return nullptr;
+    }
+
     int32_t GetUniqueId() const { return mUniqueId; }
 
 private:

@@ -39,6 +39,7 @@ final class StyleReader {
                     shown(style.peek("background")) + " is not available from Java; only a colour is");
         }
         style.expectOnly("canvas", null);
+        style.expectOnly("fontVariations", "");
         for (TextStyle.Field field : TextStyle.Field.values()) {
             builder.set(field, style.value(field));
         }

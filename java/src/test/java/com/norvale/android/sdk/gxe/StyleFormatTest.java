@@ -28,6 +28,7 @@ public class StyleFormatTest {
 
     /** What the native library does not offer to Java, by type and field. */
     private static final Set<String> LACKING = new HashSet<>(Arrays.asList("fontIndex", "opacity", "fillOpacity", "canvas",
+            "fontVariations",
             "outerGlow.stops", "innerGlow", "radialGradient", "pattern", "bevel", "emboss",
             "*.enabled", "*.castFrom", "*.spread", "*.choke",
             "*.fill", "*.span"));
