@@ -91,6 +91,16 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const auto family = loadFamily(bytes, index);
     if (!family) return 0;
     std::vector<std::shared_ptr<minikin::FontFamily>> families = {family, fontFamily(kLatin)};
+    // Under half of the settings; a choice of its own would shift the bytes of every kept input.
+    if (static_cast<int>(bidi) % 2 != 0) {
+        constexpr minikin::AxisTag kWeight = 0x77676874, kWidth = 0x77647468;
+        const auto varied = family->getFont(0)->typeface()->createFontWithVariation(
+            {{kWeight, paint.getSkFont().getSize() * 10}, {kWidth, -1e9f}});
+        if (!varied) return 0;
+        std::vector<minikin::Font> fonts;
+        fonts.push_back(minikin::Font::Builder(varied).build());
+        families.front() = std::make_shared<minikin::FontFamily>(std::move(fonts));
+    }
     const std::unique_ptr<android::Typeface> typeface(android::Typeface::createFromFamilies(
         std::move(families), android::RESOLVE_BY_FONT_TABLE, android::RESOLVE_BY_FONT_TABLE));
     SkFontMetrics metrics;

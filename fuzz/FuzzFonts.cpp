@@ -37,6 +37,7 @@ SyntheticFont boldLatin() {
     SyntheticFont font;
     font.addLetters(' ', '~');
     font.weight = 700;
+    font.addWeightAxis(100, 700, 900, 90);
     return font;
 }
 
