@@ -117,7 +117,7 @@ bool Silhouettes::makeOutline() {
     return true;
 }
 
-bool Silhouettes::makeOuter(const GxSilhouette& silhouette) {
+bool Silhouettes::makeSpread(const GxSilhouette& silhouette) {
     GxECore::ParamPostProcessing base = letters;
     if (silhouette.castFrom == GxSilhouette::kOutline) {
         if (!makeOutline()) return false;
@@ -126,8 +126,7 @@ bool Silhouettes::makeOuter(const GxSilhouette& silhouette) {
     last = grownShape(*base.textRect, toInt(silhouette.spread + 0.5f));
     if (!last) return false;
     last->add(base);
-    return silhouette.spread == 0 ||
-           last->addStroke(base, silhouette.spread, GxStrokeProperty::kOutside);
+    return last->addStroke(base, silhouette.spread, GxStrokeProperty::kOutside);
 }
 
 // The background, spread inwards, is the band of an inside stroke; what it leaves is the mask.
@@ -165,27 +164,28 @@ bool Silhouettes::choose(GxECoreBase& core, GxECore::ParamPostProcessing& param)
     if (silhouette.isPlain() || kind == CastKind::kNone || !param.dst) return true;
     letters.dst = param.dst;  // without one there is no text to see
 
-    const bool isLast = last && lastKind == kind &&
-                        lastSilhouette.castFrom == silhouette.castFrom &&
+    const bool isBareOutline = kind == CastKind::kOuter && silhouette.spread == 0;
+    const bool isLast = lastKind == kind && lastSilhouette.castFrom == silhouette.castFrom &&
                         lastSilhouette.spread == silhouette.spread;
-    if (!isLast) {
+    if (isBareOutline) {
+        param.outOfMemory = !makeOutline();
+    } else if (!isLast) {
         const bool made =
-            kind == CastKind::kOuter ? makeOuter(silhouette) : makeChoked(silhouette.spread);
+            kind == CastKind::kOuter ? makeSpread(silhouette) : makeChoked(silhouette.spread);
         lastKind = made ? kind : CastKind::kNone;
         lastSilhouette = silhouette;
-        if (!made) {
-            param.outOfMemory = true;
-            return false;
-        }
+        param.outOfMemory = !made;
     }
+    if (param.outOfMemory) return false;
+    Shape& shape = isBareOutline ? *outline : *last;
     // The inner shadow keeps to the letters by itself, the inner glow by the stack.
     if (core.getStyle() == GXE_STYLE_INNER_SHADOW) {
-        param.choked = &last->mask;
+        param.choked = &shape.mask;
     } else {
-        param.src = &last->mask;
-        param.textRect = &last->box;
-        param.srcLeft = last->extent.left;
-        param.srcTop = last->extent.top;
+        param.src = &shape.mask;
+        param.textRect = &shape.box;
+        param.srcLeft = shape.extent.left;
+        param.srcTop = shape.extent.top;
     }
     return true;
 }

@@ -41,7 +41,7 @@ private:
 
     std::unique_ptr<Shape> grownShape(const GxRect& box, int64_t growth) const;
     bool makeOutline();
-    bool makeOuter(const GxSilhouette& silhouette);
+    bool makeSpread(const GxSilhouette& silhouette);
     bool makeChoked(float spread);
     GxECore::ParamPostProcessing blockOf(Shape& shape) const;
 
