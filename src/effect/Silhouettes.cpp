@@ -142,11 +142,12 @@ bool Silhouettes::makeChoked(float spread) {
     const auto band = makeStrokeBand(block, spread, GxStrokeProperty::kInside);
     if (!band) return false;
     const GxRect& box = last->box;
+    const int64_t width = box.width();
     for (int64_t y = box.top; y < box.bottom; ++y) {
         const uint8_t* background = band->plane.row(y - band->y) + (box.left - band->x);
         uint8_t* kept = last->mask.data + (y - letters.srcTop) * last->mask.width +
                         (box.left - letters.srcLeft);
-        for (uint32_t x = 0; x < box.width(); ++x) {
+        for (int64_t x = 0; x < width; ++x) {
             kept[x] = static_cast<uint8_t>(255 - background[x]);
         }
     }
