@@ -24,39 +24,49 @@ constexpr int kLast = kRampSize - 1;
 // The coverage from which the alpha falls, as a share of the table.
 constexpr float kSpread = 0.3f;
 
-// Work figures of a glow of `size` pixels over a text.
+int64_t roundUp(int64_t extent, int64_t step) {
+    return (extent + step - 1) / step * step;
+}
+
+// Work figures of a glow of `size` pixels over a text. Plane extents are those that let columns be
+// blurred in place; growth never gets to the plane's edge, so larger ones change nothing.
 struct Geometry {
-    Geometry(const TextMask& text, float size)
+    Geometry(const TextMask& text, float size, GlowSide side)
         : reach(int64_t{toInt(size)} + 1),
           padding(2 * reach),
           width(text.width + 2 * padding),
           height(text.height + 2 * padding),
+          stride(side == GlowSide::kOuter ? roundUp(width, kernels::kBlurStripWidth) : width),
+          rows(side == GlowSide::kOuter ? roundUp(height, 2) : height),
           passes(std::max(toInt(static_cast<double>(reach) * kGrowthShare), 1)),
           radius(std::max(toInt(static_cast<float>(reach) * kBlurShare), 0)) {}
 
     int64_t reach;    // size truncated, plus 1; 0 or less: nothing to draw
     int64_t padding;  // pixels around the text on each side
-    int64_t width;    // of the work planes
+    int64_t width;    // of text and padding
     int64_t height;
+    int64_t stride;  // of the work planes
+    int64_t rows;
     int64_t passes;  // of growth
     int64_t radius;  // of the blur
 };
 
-// All memory of one glow.
+// All memory of one glow. The inner one's second plane lies behind the first.
 struct Planes {
-    explicit Planes(const Geometry& geometry)
-        : mask(geometry.width, 2 * geometry.height),
+    Planes(const Geometry& geometry, GlowSide side)
+        : mask(geometry.stride, geometry.rows * (side == GlowSide::kInner ? 2 : 1)),
           scratch(
-              std::max(kernels::growthScratchBytes(geometry.width),
-                       kernels::blurScratchBytes(geometry.width, geometry.height, geometry.radius)),
+              std::max(kernels::growthScratchBytes(geometry.stride),
+                       kernels::blurScratchBytes(geometry.stride, geometry.rows, geometry.radius)),
               1, Contents::kAny),
+          strip(side == GlowSide::kOuter ? geometry.stride : 0, kernels::kBlurStripWidth,
+                Contents::kAny),
           taps(geometry.radius) {}
-    explicit operator bool() const { return mask && scratch && static_cast<bool>(taps); }
+    explicit operator bool() const { return mask && scratch && strip && static_cast<bool>(taps); }
 
-    uint8_t* blurred() const { return mask.row(mask.height / 2); }
-
-    WorkPlane<uint8_t> mask;     // the blurred one behind it
+    WorkPlane<uint8_t> mask;
     WorkPlane<uint8_t> scratch;  // for the growth, then for the blur
+    WorkPlane<uint8_t> strip;    // rows of the outer glow, blurred
     BlurTaps taps;
 };
 
@@ -66,20 +76,53 @@ void invert(uint8_t* cells, int64_t count) {
     }
 }
 
-// Lays the blurred coverage, in the colours of `table`, beneath what the layer holds. The inner
-// glow's cells that the blur did not reach, which hold 255, are opaque white.
-void paint(const TextMask& text, const Geometry& geometry, const Planes& planes,
-           const uint32_t* table, GlowSide side, const GxBitmap* layer) {
+// What part of the layer cells of a blurred plane lie over; its first cell is (x0, y0) of the
+// padded text.
+kernels::BlendArea layerUnder(const TextMask& text, const Geometry& geometry, const GxBitmap* layer,
+                              int64_t x0, int64_t y0, const uint8_t* cells, int64_t columns,
+                              int64_t rows) {
+    return cutMaskOntoLayer(text.left - geometry.padding + x0, text.top - geometry.padding + y0,
+                            layer, cells, columns, rows, geometry.stride);
+}
+
+// Blurs the mask, columns in place, then some rows at a time, which are painted from the nearest
+// cache.
+void paintOuter(const TextMask& text, const Geometry& geometry, const Planes& planes,
+                const uint32_t* table, const GxBitmap* layer) {
+    const int64_t frame = geometry.radius;
+    const int64_t columns = geometry.width - 2 * frame;
+    const int64_t height = geometry.height - 2 * frame;
+    const kernels::BlurWeights weights = planes.taps.compute(computeGlowWeights);
+    kernels::blurColumns({planes.mask.data(), geometry.stride, planes.mask.data(), geometry.stride,
+                          geometry.stride, geometry.rows - 2 * frame},
+                         weights, kernels::BlurInput::kDirect, planes.scratch.data());
+    for (int64_t y = 0; y < height; y += planes.strip.height) {
+        const int64_t rows = std::min(planes.strip.height, height - y);
+        kernels::blurRows({planes.mask.row(y), geometry.stride, planes.strip.data(),
+                           geometry.stride, columns, rows},
+                          weights, kernels::BlurInput::kDirect, planes.scratch.data());
+        kernels::dstOverMapped8Rows(
+            layerUnder(text, geometry, layer, frame, frame + y, planes.strip.data(), columns, rows),
+            table);
+    }
+}
+
+// Takes the inverse in each direction, so that what falls off the plane is background. Cells that
+// the blur did not reach, which hold 255, are opaque white.
+void paintInner(const TextMask& text, const Geometry& geometry, const Planes& planes,
+                const uint32_t* table, const GxBitmap* layer) {
+    uint8_t* blurred = planes.mask.row(geometry.rows);
+    kernels::blurPlane(planes.mask.data(), blurred, geometry.width, geometry.height,
+                       planes.taps.compute(computeGlowWeights), kernels::BlurInput::kInverse,
+                       planes.scratch.data());
     const int64_t frame = geometry.radius;
     const int64_t right = geometry.width - frame;
     const int64_t bottom = geometry.height - frame;
     const auto part = [&](int64_t x0, int64_t y0, int64_t x1, int64_t y1) {
-        return cutMaskOntoLayer(text.left - geometry.padding + x0, text.top - geometry.padding + y0,
-                                layer, planes.blurred() + y0 * geometry.width + x0, x1 - x0,
-                                y1 - y0, geometry.width);
+        return layerUnder(text, geometry, layer, x0, y0, blurred + y0 * geometry.stride + x0,
+                          x1 - x0, y1 - y0);
     };
     kernels::dstOverMapped8Rows(part(frame, frame, right, bottom), table);
-    if (side == GlowSide::kOuter) return;
     for (const kernels::BlendArea& area :
          {part(0, 0, geometry.width, frame), part(0, frame, frame, bottom),
           part(right, frame, geometry.width, bottom),
@@ -125,34 +168,31 @@ void growWithOwnMemory(unsigned char* mask, int passes, int width, int height) {
 // A glow in steps:
 //   1. copy the mask, or its inverse, into a plane with room for growth and blur;
 //   2. grow it: the text spreads outwards, or the background pushes into the glyphs;
-//   3. blur it; the inner glow takes the inverse in each direction, so that what falls off the
-//      plane is background;
+//   3. blur it;
 //   4. map the coverage to colours and lay them beneath the layer.
 void renderGlow(GxECore::ParamPostProcessing* param, const GxOuterGlowProperty* record,
                 GlowSide side) {
     const TextMask text(param);
     if (!record || !text.isValid()) return;
-    const Geometry geometry(text, record->size);
+    const Geometry geometry(text, record->size, side);
     if (geometry.reach < 1) return;
-    const Planes planes(geometry);
+    const Planes planes(geometry, side);
     if (!isAllocated(*param, planes)) return;
     std::array<uint32_t, kRampSize> table;
     makeGlowTable(record, table.data(), kSpread, GXE_CURVE_LINEAR);
 
     // 1. The mask.
-    text.copyTo(planes.mask.row(geometry.padding) + geometry.padding, geometry.width);
-    if (side == GlowSide::kInner) invert(planes.mask.data(), geometry.width * geometry.height);
+    text.copyTo(planes.mask.row(geometry.padding) + geometry.padding, geometry.stride);
+    if (side == GlowSide::kInner) invert(planes.mask.data(), geometry.stride * geometry.rows);
     // 2. Growth.
-    kernels::growMask(planes.mask.data(), geometry.width, geometry.height, geometry.passes,
+    kernels::growMask(planes.mask.data(), geometry.stride, geometry.rows, geometry.passes,
                       planes.scratch.data());
-    // 3. Blur.
-    kernels::blurPlane(
-        planes.mask.data(), planes.blurred(), geometry.width, geometry.height,
-        planes.taps.compute(computeGlowWeights),
-        side == GlowSide::kInner ? kernels::BlurInput::kInverse : kernels::BlurInput::kDirect,
-        planes.scratch.data());
-    // 4. Colour.
-    paint(text, geometry, planes, table.data(), side, param->dst);
+    // 3. and 4.
+    if (side == GlowSide::kOuter) {
+        paintOuter(text, geometry, planes, table.data(), param->dst);
+    } else {
+        paintInner(text, geometry, planes, table.data(), param->dst);
+    }
 }
 
 }  // namespace GxFontEffect
