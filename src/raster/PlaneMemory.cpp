@@ -46,16 +46,23 @@ void clear(const PlaneBlock& block) {
 // The oldest first. Without a destructor: blocks may end after every static object.
 class Store {
 public:
-    // The smallest block that holds `bytes` and is at most twice as large; else none.
+    // The smallest block that holds `bytes` and is at most twice as large; else none, and then the
+    // largest that the new one will do for as well goes.
     PlaneBlock take(size_t bytes) {
         const std::lock_guard<std::mutex> lock(mutex_);
         Kept* best = nullptr;
+        Kept* superseded = nullptr;
         for (Kept* kept = kept_; kept != kept_ + count_; ++kept) {
             const size_t capacity = kept->block.capacity;
-            const bool fits = capacity >= bytes && capacity / 2 <= bytes;
-            if (fits && (!best || capacity < best->block.capacity)) best = kept;
+            if (capacity >= bytes && capacity / 2 <= bytes) {
+                if (!best || capacity < best->block.capacity) best = kept;
+            } else if (capacity < bytes && bytes / 2 <= capacity) {
+                if (!superseded || capacity > superseded->block.capacity) superseded = kept;
+            }
         }
-        return best ? remove(best) : PlaneBlock();
+        if (best) return remove(best);
+        if (superseded) std::free(remove(superseded).data);
+        return {};
     }
 
     void keep(const PlaneBlock& block) {
