@@ -24,10 +24,6 @@ constexpr int kLast = kRampSize - 1;
 // The coverage from which the alpha falls, as a share of the table.
 constexpr float kSpread = 0.3f;
 
-int64_t roundUp(int64_t extent, int64_t step) {
-    return (extent + step - 1) / step * step;
-}
-
 // Work figures of a glow of `size` pixels over a text. Plane extents are those that let columns be
 // blurred in place; growth never gets to the plane's edge, so larger ones change nothing.
 struct Geometry {

@@ -31,10 +31,6 @@ bool coversBox(const TextMask& text, const ShadowShift& shift, int64_t radius) {
            -radius + shift.y >= text.height || text.height + radius + shift.y < 0;
 }
 
-int64_t roundUp(int64_t extent, int64_t step) {
-    return (extent + step - 1) / step * step;
-}
-
 void tintWhole(const TextMask& text, const GxBitmap* layer, uint32_t color) {
     drawTinted(text.left + text.firstColumn, text.top + text.firstRow, layer,
                text.row(text.firstRow), text.lastColumn - text.firstColumn,

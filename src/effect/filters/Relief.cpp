@@ -38,14 +38,10 @@ constexpr int64_t kMaskRows = 16;
 struct Geometry {
     Geometry(const TextMask& text, const ReliefShape& shape)
         : padding(shape.margin + shape.soften + shape.blur + 2),
-          width(roundUp(text.width + 2 * padding)),
+          width(roundUp(text.width + 2 * padding, kernels::kReliefStep)),
           height(text.height + 2 * padding),
           paintedWidth(text.width + 2 * shape.margin),
           paintedHeight(text.height + 2 * shape.margin) {}
-
-    static int64_t roundUp(int64_t cells) {
-        return (cells + kernels::kReliefStep - 1) / kernels::kReliefStep * kernels::kReliefStep;
-    }
 
     int64_t padding;  // around the text on each side
     int64_t width;    // of the work planes

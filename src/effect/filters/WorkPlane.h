@@ -19,6 +19,11 @@ struct FreeDeleter {
 template <typename T>
 using CArray = std::unique_ptr<T[], FreeDeleter>;
 
+// To the next multiple, for extents that a kernel takes in steps.
+constexpr int64_t roundUp(int64_t extent, int64_t step) {
+    return (extent + step - 1) / step * step;
+}
+
 // Bytes of width x height elements. What no allocator has for a negative extent and for more than
 // 2^31 - 1 bytes: the filters' geometry is in 32 bits, and a record with a huge size must not claim
 // all memory.
