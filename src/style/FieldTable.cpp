@@ -37,9 +37,9 @@ Choice<T> choiceOf(std::span<const std::string_view> names) {
 constexpr Range kUnitRange{0, 1};  // opacities and stop positions
 constexpr Range kAngleRange{-360, 360};
 
-// Lengths after scaling, in pixels. Strokes go through discs of a radius up to 127 in milliseconds
-// and past it in many seconds; blurs of 1,000 take some 0.1 seconds on a title.
-constexpr double kLongestStroke = 127;
+// Lengths after scaling, in pixels. On a title strokes of 1,000 take some 0.02 seconds and blurs of
+// 1,000 some 0.1.
+constexpr double kLongestStroke = 1000;
 constexpr double kLongestBlur = 1000;
 constexpr double kLongestSpread = 100;
 

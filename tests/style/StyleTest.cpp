@@ -297,6 +297,8 @@ TEST(Style, ScalesAllLengthsAndNothingElse) {
     EXPECT_EQ(twice.effects[4].fill.effects[0].scale, 1.5f);
     EXPECT_EQ(style.scaled(1), style);
     EXPECT_EQ(Style::fromJson(R"({"size": 40.96})").scaled(100).size, 4096);
+    const Style outlined = Style::fromJson(R"({"effects": [{"type": "stroke", "size": 100}]})");
+    EXPECT_EQ(outlined.scaled(10).effects[0].size, 1000);
 
     EXPECT_EQ(errorOf([&] { style.scaled(2); }),
               "$.effects[1].size: 500 (250 scaled by 2) is out of range 0-250\n"
