@@ -230,8 +230,11 @@ TitlePicture titlePicture(const std::string& name, const std::string& fontFile, 
     picture.style.font = fontFile;
     picture.style.fontIndex = fontIndex;
     gxtext::Renderer renderer(gxtext::FontSource::files({fontFile}));
+    const gxtext::FontFace face = renderer.arrange(picture.style).fonts.front().face;
+    // By its name it is the source's, which is open; a file would be opened for each picture.
+    picture.style.font = face.family;
+    picture.style.fontIndex = 0;
     const gxtext::Arrangement arrangement = renderer.arrange(picture.style);
-    const gxtext::FontFace& face = arrangement.fonts.front().face;
     picture.fontFile = fontFile;
     picture.fontIndex = fontIndex;
     picture.family = face.family;
