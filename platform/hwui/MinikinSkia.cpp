@@ -1,6 +1,7 @@
 #include "hwui/MinikinSkia.h"
 
 #include <SkFont.h>
+#include <SkFontArguments.h>
 #include <SkFontMetrics.h>
 #include <SkTypeface.h>
 

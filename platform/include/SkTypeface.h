@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <memory>
 
-#include "SkFontArguments.h"
 #include "SkFontStyle.h"
 #include "SkRefCnt.h"
 #include "SkStream.h"
@@ -18,6 +17,7 @@ typedef uint32_t SkFontTableTag;
 namespace portable {
 class FontFace;
 }
+class SkFontArguments;
 
 // Immutable and shared between threads freely.
 class SkTypeface : public SkRefCnt {

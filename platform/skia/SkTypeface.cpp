@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "SkFontArguments.h"
 #include "skia/FontFace.h"
 #include "skia/GlyphCache.h"
 
