@@ -53,6 +53,7 @@ void makeSmall(gxtext::Style& style) {
     for (gxtext::Effect& effect : style.effects) {
         effect.size = std::min(effect.size, 8.0f);
         effect.distance = std::min(effect.distance, 12.0f);
+        effect.spread = std::min(effect.spread, 8.0f);
     }
 }
 
