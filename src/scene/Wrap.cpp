@@ -8,6 +8,7 @@
 #include <unicode/utf16.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <memory>
 
@@ -37,17 +38,38 @@ std::string firstLocale(const std::string& tags) {
     return U_SUCCESS(status) && status != U_STRING_NOT_TERMINATED_WARNING ? id : "";
 }
 
-Breaks findBreaks(UBreakIteratorType type, std::u16string_view text, const std::string& locale) {
-    UErrorCode status = U_ZERO_ERROR;
-    const std::unique_ptr<UBreakIterator, BreakCloser> iterator(
-        ubrk_open(type, firstLocale(locale).c_str(), text.data(), static_cast<int32_t>(text.size()),
-                  &status));
+void requireBreaking(UErrorCode status) {
     if (U_FAILURE(status))
         throw TextError("the text", std::string("no line breaking: ") + u_errorName(status));
+}
+
+// One for each kind stays with its thread: to make one costs more than a title's breaks.
+UBreakIterator* iteratorOf(UBreakIteratorType type, const std::string& locale) {
+    struct Kept {
+        std::string locale;
+        std::unique_ptr<UBreakIterator, BreakCloser> iterator;
+    };
+    thread_local std::array<Kept, UBRK_LINE + 1> kept;
+    Kept& known = kept[type];
+    if (!known.iterator || known.locale != locale) {
+        UErrorCode status = U_ZERO_ERROR;
+        known.iterator.reset(ubrk_open(type, firstLocale(locale).c_str(), nullptr, 0, &status));
+        known.locale = locale;
+        if (U_FAILURE(status)) known.iterator.reset();
+        requireBreaking(status);
+    }
+    return known.iterator.get();
+}
+
+Breaks findBreaks(UBreakIteratorType type, std::u16string_view text, const std::string& locale) {
+    UBreakIterator* iterator = iteratorOf(type, locale);
+    UErrorCode status = U_ZERO_ERROR;
+    ubrk_setText(iterator, text.data(), static_cast<int32_t>(text.size()), &status);
+    requireBreaking(status);
     Breaks breaks;
-    for (int32_t at = ubrk_next(iterator.get()); at != UBRK_DONE; at = ubrk_next(iterator.get())) {
+    for (int32_t at = ubrk_next(iterator); at != UBRK_DONE; at = ubrk_next(iterator)) {
         breaks.all.push_back(at);
-        const int32_t rule = ubrk_getRuleStatus(iterator.get());
+        const int32_t rule = ubrk_getRuleStatus(iterator);
         if (type == UBRK_LINE && rule >= UBRK_LINE_HARD && rule < UBRK_LINE_HARD_LIMIT) {
             breaks.hard.push_back(at);
         }
