@@ -59,12 +59,12 @@ bool namesWeight(const FontRequest& request) {
                                    [](const AxisSetting& s) { return s.tag == "wght"; });
 }
 
-FaceInfoPtr openFile(const fs::path& file, int index) {
+FaceInfoPtr openFile(const FaceReader& readFile, const fs::path& file, int index) {
     std::error_code error;
     const fs::file_status status = fs::status(file, error);
     if (!fs::exists(status)) throw FontError(file.string(), "no such font file");
     if (!fs::is_regular_file(status)) throw FontError(file.string(), "not a regular file");
-    FaceInfoPtr face = readFace(file, static_cast<size_t>(index));
+    FaceInfoPtr face = readFile(file, static_cast<size_t>(index));
     if (face) return face;
     const size_t count = countFaces(file);
     if (static_cast<size_t>(index) >= count && count > 0) {
@@ -272,11 +272,12 @@ bool needsGlyph(char32_t codePoint) {
            !u_hasBinaryProperty(c, UCHAR_DEFAULT_IGNORABLE_CODE_POINT);
 }
 
-FontChoice chooseFonts(const FontCatalog& catalog, const FontRequest& request,
-                       const std::vector<char32_t>& text) {
+FontChoice chooseFonts(const FontCatalog& catalog, const FaceReader& readFile,
+                       const FontRequest& request, const std::vector<char32_t>& text) {
     FontChoice choice;
     const std::optional<fs::path> file = asFontFile(request.font, request.base);
-    const FaceInfoPtr first = file ? openFile(*file, request.index) : findFirst(catalog, request);
+    const FaceInfoPtr first =
+        file ? openFile(readFile, *file, request.index) : findFirst(catalog, request);
     // A text object's own font file is face 0 and counts as upright whatever it is, so it would be
     // slanted twice.
     const FontFace& instance =

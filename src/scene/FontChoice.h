@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -40,9 +41,12 @@ bool needsGlyph(char32_t codePoint);
 std::optional<std::filesystem::path> asFontFile(const std::string& font,
                                                 const std::filesystem::path& folder);
 
+// Face `index` of a font file, null when it is no font; readFace or what remembers it.
+using FaceReader = std::function<FaceInfoPtr(const std::filesystem::path& file, size_t index)>;
+
 // The face that `request` asks for, and as many others as cover the rest of `text`, where any do.
 // Throws FontError for a font file that cannot be used and a family that is not there.
-FontChoice chooseFonts(const FontCatalog& catalog, const FontRequest& request,
-                       const std::vector<char32_t>& text);
+FontChoice chooseFonts(const FontCatalog& catalog, const FaceReader& readFile,
+                       const FontRequest& request, const std::vector<char32_t>& text);
 
 }  // namespace gxtext

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "base/GxString.h"
+#include "scene/FaceFile.h"
 #include "scene/SceneError.h"
 #include "style/TextSettings.h"
 
@@ -53,6 +54,13 @@ LoadedFonts FontLibrary::load(const FontChoice& choice) {
         loaded.faces.push_back(face);
     }
     return loaded;
+}
+
+FaceInfoPtr FontLibrary::readFile(const std::filesystem::path& file, size_t index) {
+    const std::lock_guard guard(lock_);
+    FaceInfoPtr& known = files_[{file.string(), index}];
+    if (!known) known = readFace(file, index);
+    return known;
 }
 
 // As a text object treats its own font file: name and path tell weight and slant.

@@ -1,10 +1,13 @@
 // Fonts opened for drawing.
 #pragma once
 
+#include <filesystem>
 #include <map>
 #include <memory>
 #include <mutex>
+#include <string>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 #include "font/FontManager.h"
@@ -30,6 +33,8 @@ public:
     // lives, so that what layout remembers of them stays of use. Throws FontError when one
     // cannot be opened.
     LoadedFonts load(const FontChoice& choice);
+    // A FaceReader that reads each face once.
+    FaceInfoPtr readFile(const std::filesystem::path& file, size_t index);
 
 private:
     using FamilyPointer = std::shared_ptr<minikin::FontFamily>;
@@ -39,7 +44,8 @@ private:
 
     const std::shared_ptr<const FontCatalog> catalog_;
     GxFontEffect::FontManager manager_;
-    std::mutex lock_;  // guards families_
+    std::mutex lock_;  // guards what follows
+    std::map<std::pair<std::string, size_t>, FaceInfoPtr> files_;
     // By file, index, weight, italic, locales, variations.
     std::map<std::tuple<std::string, int, int, bool, std::string, std::string>, FamilyPointer>
         families_;

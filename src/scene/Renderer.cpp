@@ -132,9 +132,13 @@ private:
 Arrangement Renderer::Impl::arrange(const Style& style, std::string_view utf8) {
     const std::u16string text = readText(utf8);
     const std::vector<char32_t> characters = codePoints(text);
+    FontLibrary& library = *fonts_.library_;
+    const auto readFile = [&library](const std::filesystem::path& file, size_t index) {
+        return library.readFile(file, index);
+    };
     const FontChoice choice =
-        chooseFonts(fonts_.library_->catalog(), fontRequest(style), characters);
-    const LoadedFonts fonts = fonts_.library_->load(choice);
+        chooseFonts(library.catalog(), readFile, fontRequest(style), characters);
+    const LoadedFonts fonts = library.load(choice);
     const android::Paint paint = makePaint(style, choice.fakeBold);
 
     require(object_.SetFontFamilies(fonts.families, fonts.weight));
