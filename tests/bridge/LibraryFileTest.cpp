@@ -275,11 +275,12 @@ TEST(LibraryFileTest, NeedsNothingThatAndroidLacks) {
     }
 }
 
-// Stripped, with the text libraries outside. A change that is worth its bytes raises the figure.
+// Stripped, with the text libraries outside. A change that is worth its bytes raises the figure:
+// AVX-512 took 200 kB, which Android's x86-64 goes without.
 TEST(LibraryFileTest, IsSmall) {
     const ElfFile library(GXTEXT_LIBRARY_FILE);
     const std::map<uint16_t, uint64_t> ceilings = {
-        {EM_X86_64, 1'100'000}, {EM_AARCH64, 750'000}, {EM_ARM, 680'000}};
+        {EM_X86_64, 1'400'000}, {EM_AARCH64, 750'000}, {EM_ARM, 680'000}};
     uint64_t size = 0;
     for (const ElfFile::Segment& load : library.segments(PT_LOAD)) size += load.fileSize;
     ASSERT_TRUE(ceilings.count(library.machine));
