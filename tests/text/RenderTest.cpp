@@ -448,26 +448,33 @@ protected:
         const auto color = [this] { return random.word(); };
         const GxGradient stops[] = {{color(), 1, 0}, {color(), share(), 1}};
         GxBitmap pattern(3, 2, random.edgeBytes(24).data(), 4);
-        const std::function<void()> adders[] = {
-            [&] { stack.addOuterShadowText(angle(), 3 * size(), size(), color(), share()); },
-            [&] { stack.addInnerShadowText(angle(), 3 * size(), size(), color(), share()); },
-            [&] { stack.addOuterGlowText(size(), color(), share(), 0, nullptr); },
-            [&] { stack.addInnerGlowText(size(), color(), share(), 2, stops); },
+        const std::function<int()> adders[] = {
+            [&] { return stack.addOuterShadowText(angle(), 3 * size(), size(), color(), share()); },
+            [&] { return stack.addInnerShadowText(angle(), 3 * size(), size(), color(), share()); },
+            [&] { return stack.addOuterGlowText(size(), color(), share(), 0, nullptr); },
+            [&] { return stack.addInnerGlowText(size(), color(), share(), 2, stops); },
             [&] {
-                stack.addBevelText(random.between(0, 1), size(), share(), 0, 0, 3, 1, angle(), 30,
-                                   color(), share(), color(), share());
+                return stack.addBevelText(random.between(0, 1), size(), share(), 0, 0, 3, 1,
+                                          angle(), 30, color(), share(), color(), share());
             },
             [&] {
-                stack.addEmbossText(random.between(0, 1), size(), share(), 1, 0, 0, 1, angle(), 30,
-                                    color(), share(), color(), share());
+                return stack.addEmbossText(random.between(0, 1), size(), share(), 1, 0, 0, 1,
+                                           angle(), 30, color(), share(), color(), share());
             },
-            [&] { stack.addLinearGradientText(angle(), share(), share(), 2, stops); },
-            [&] { stack.addRadialGradientText(share(), share(), 2, stops); },
-            [&] { stack.addStrokeText(size(), color(), share(), 0, random.between(0, 2)); },
-            [&] { stack.addPatternText(&pattern, 5 * share(), share()); },
+            [&] { return stack.addLinearGradientText(angle(), share(), share(), 2, stops); },
+            [&] { return stack.addRadialGradientText(share(), share(), 2, stops); },
+            [&] { return stack.addStrokeText(size(), color(), share(), 0, random.between(0, 2)); },
+            [&] { return stack.addPatternText(&pattern, 5 * share(), share()); },
+            [&] {
+                return stack.addLinearGradientStrokeText(size(), 0, random.between(0, 2), angle(),
+                                                         share(), share(), 2, stops);
+            },
         };
+        stack.setRepeats(random.oneIn(2));
         for (int count = random.between(0, 4); count > 0; --count) {
-            adders[static_cast<size_t>(random.between(0, 9))]();
+            const int id = adders[static_cast<size_t>(random.between(0, 10))]();
+            if (random.oneIn(2)) stack.setSilhouette(id, {random.between(0, 1), size()});
+            if (random.oneIn(3)) stack.setSpan(id, GXE_SPAN_LINE);
         }
     }
 

@@ -32,7 +32,7 @@ TextMask::TextMask(const GxECore::ParamPostProcessing* param) {
 
 TextMask TextMask::over(const GxBitmap& mask) const {
     TextMask other = *this;
-    const bool isLikeIt = isMask(&mask) && mask.width == stride && mask.height >= top + lastRow;
+    const bool isLikeIt = isMask(&mask) && mask.width == stride && mask.height >= lastRow - maskTop;
     if (isLikeIt) other.pixels = mask.data;
     return other;
 }
