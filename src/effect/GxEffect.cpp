@@ -3,8 +3,10 @@
 #include <android/log.h>
 
 #include <algorithm>
+#include <array>
 #include <limits>
 #include <new>
+#include <numeric>
 #include <optional>
 
 #include "effect/GxCoreFactory.h"
@@ -726,7 +728,7 @@ void GxEffect::doEffectPostProcessing() {
         clampTextRect();
         if (!textRect.isEmpty()) {
             unite(paintedRect, grownByReach(textRect), paintedRect.isEmpty());
-            renderCores();
+            if (!isBareText()) renderCores();
         }
     }
     lineMasks.reset();
@@ -798,6 +800,35 @@ void GxEffect::mixLayers(const GxBitmap& result, uint64_t first, uint64_t count)
     forEachPart(result, first, std::min(count, end - first), mix);
 }
 
+// Letters alone onto an output that started empty: a pixel depends on its coverage only.
+bool GxEffect::isBareText() const {
+    return mode == GXE_MODE_SINGLE_LAYER && layers.size() == 1 &&
+           layers.front()->getStyle() == GXE_STYLE_TEXT && isLayer(dstBitmap) &&
+           startedEmpty(dstBitmap);
+}
+
+// What painting and fading make of each coverage, looked up for each pixel.
+void GxEffect::paintBareText(const GxBitmap& result, uint32_t alpha) const {
+    constexpr uint32_t kCoverages = 256;
+    std::array<uint8_t, kCoverages> coverages;
+    std::iota(coverages.begin(), coverages.end(), uint8_t{0});
+    std::array<kernels::Rgba, kCoverages> words{};
+    BorrowedBitmap mask(coverages.data(), kCoverages, 1, 1);
+    BorrowedBitmap layer(words.data(), kCoverages, 1, 4);
+    GxRect box(0, 0, kCoverages, 1);
+    GxECore::ParamPostProcessing param;
+    param.src = &mask;
+    param.dst = &layer;
+    param.textRect = &box;
+    param.mode = mode;
+    layers.front()->doPostProcessing(&param);
+    kernels::fadeIntoWordsRow(words.data(), kCoverages, alpha);
+    kernels::paintByCoverageRows(
+        cutToBitmap(maskLeft, maskTop, &result, srcBitmap->data, srcBitmap->width,
+                    srcBitmap->height, srcBitmap->width, 1),
+        words.data());
+}
+
 void GxEffect::compositeLayers(GxBitmap* result) {
     __android_log_print(ANDROID_LOG_DEBUG, kTag, "CompositeLayers(%p) - start", this);
     if (isLayer(result)) {
@@ -806,10 +837,14 @@ void GxEffect::compositeLayers(GxBitmap* result) {
         const bool mixes =
             isMask(srcBitmap) && isLayer(bitmapOf(backBitmap)) && (!fresh || startedEmpty(result));
         const auto fade = fresh ? kernels::fadeIntoWordsRow : kernels::fadeAndUnpremultiplyRow;
-        forEachSpan(*result, [&](uint64_t first, uint64_t count) {
-            if (mixes) mixLayers(*result, first, count);
-            fade(pixelsOf(result) + first, count, alpha);
-        });
+        if (result == dstBitmap && !paintedRect.isEmpty() && isBareText()) {
+            paintBareText(*result, alpha);
+        } else {
+            forEachSpan(*result, [&](uint64_t first, uint64_t count) {
+                if (mixes) mixLayers(*result, first, count);
+                fade(pixelsOf(result) + first, count, alpha);
+            });
+        }
     }
     releaseBitmap();
     mode = GXE_MODE_SINGLE_LAYER;

@@ -215,6 +215,8 @@ private:
     void clearUncovered() const;
     void mixLayers(const GxBitmap& result, uint64_t first, uint64_t count) const;
     void renderCores();
+    bool isBareText() const;
+    void paintBareText(const GxBitmap& result, uint32_t alpha) const;
 
     std::vector<std::unique_ptr<GxECoreBase>> effects;
     std::vector<GxECoreBase*> layers;

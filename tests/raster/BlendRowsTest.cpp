@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstring>
 #include <functional>
 #include <string>
 #include <vector>
@@ -52,6 +51,15 @@ const uint32_t* someTable() {
     return table.data();
 }
 
+const Rgba* someColors() {
+    static const std::vector<Rgba> colors = [] {
+        std::vector<Rgba> some(256);
+        for (size_t i = 1; i < some.size(); ++i) some[i] = fromWord(someTable()[i]);
+        return some;
+    }();
+    return colors.data();
+}
+
 std::vector<Operation> operations() {
     return {
         tinting<srcOver8Rows, plain::srcOver8Rows>("source over"),
@@ -61,6 +69,9 @@ std::vector<Operation> operations() {
         {"colours by coverage", 4, 1,
          [](const BlendArea& area, Rgba) { dstOverMapped8Rows(area, someTable()); },
          [](const BlendArea& area, Rgba) { plain::dstOverMapped8Rows(area, someTable()); }},
+        {"by coverage", 4, 1,
+         [](const BlendArea& area, Rgba) { paintByCoverageRows(area, someColors()); },
+         [](const BlendArea& area, Rgba) { plain::paintByCoverageRows(area, someColors()); }},
         tinting<overwrite8Rows, plain::overwrite8Rows>("overwrite"),
         {"maximum", 1, 1, [](const BlendArea& area, Rgba) { max8Rows(area); },
          [](const BlendArea& area, Rgba) { plain::max8Rows(area); }},

@@ -46,6 +46,8 @@ void overwrite8Rows(const BlendArea& area, Rgba color);
 // colour 0xAARRGGBB table[256 - mask] is premultiplied and put under the pixel. Entries 1 to 255
 // are read.
 void dstOverMapped8Rows(const BlendArea& area, const uint32_t* table);
+// Gives each pixel the bits of byCoverage[mask]: that paints blank ones. byCoverage[0] is blank.
+void paintByCoverageRows(const BlendArea& area, const Rgba* byCoverage);
 
 // 8-bit mask onto an 8-bit mask: the larger of the two.
 void max8Rows(const BlendArea& area);
@@ -72,6 +74,7 @@ void dstOver8Rows(const BlendArea& area, Rgba color);
 void dstOverNsa8Rows(const BlendArea& area, Rgba color);
 void dstOverSa8Rows(const BlendArea& area, Rgba color);
 void dstOverMapped8Rows(const BlendArea& area, const uint32_t* table);
+void paintByCoverageRows(const BlendArea& area, const Rgba* byCoverage);
 void overwrite8Rows(const BlendArea& area, Rgba color);
 void max8Rows(const BlendArea& area);
 void srcOver32Rows(const BlendArea& area, SourceOrder order);

@@ -1,4 +1,4 @@
-// The blend of raster/kernels/BlendRows.h that maps coverage to colours. Looking up takes its time,
+// What of raster/kernels/BlendRows.h maps coverage to colours. Looking up takes its time,
 // pixel by pixel, so that longer vectors only have more pixels to look up beside the edges.
 #include <bit>
 
@@ -19,6 +19,7 @@ namespace GxFontEffect::kernels::HWY_NAMESPACE {
 #if GX_SIMD_IS_PLAIN
 
 using plain::dstOverMapped8Rows;
+using plain::paintByCoverageRows;
 
 #else
 
@@ -29,6 +30,9 @@ public:
         for (uint32_t m = 1; m < 256; ++m) {
             words[m] = std::bit_cast<uint32_t>(fromWord(premultiplied(table[256 - m])));
         }
+    }
+    explicit ColorsByCoverage(const Rgba* byCoverage) {
+        for (uint32_t m = 1; m < 256; ++m) words[m] = std::bit_cast<uint32_t>(byCoverage[m]);
     }
     HWY_INLINE uint32_t operator[](uint8_t coverage) const { return words[coverage]; }
 
@@ -53,28 +57,43 @@ private:
     alignas(64) uint32_t words[256] = {};
 };
 
-struct DstOverMapped8 {
+// Destination over the colour, or both one's bits.
+template <bool blends>
+struct Mapped8 {
     const ColorsByCoverage& colors;
     V8 fullColor;
 
-    explicit HWY_INLINE DstOverMapped8(const ColorsByCoverage& colorsByCoverage)
+    explicit HWY_INLINE Mapped8(const ColorsByCoverage& colorsByCoverage)
         : colors(colorsByCoverage), fullColor(hn::BitCast(d8, hn::Set(d32, colors[255]))) {}
 
     HWY_INLINE V8 weights(V8 mask) const { return mask; }
     HWY_INLINE V8 operator()(V8 d, V16 /*factor*/, const MaskBytes& coverage) const {
-        return dstOver(d, colors.of(coverage));
+        return join(d, colors.of(coverage));
     }
-    HWY_INLINE V8 onto(V8 d, const MaskBytes& /*coverage*/) const { return dstOver(d, fullColor); }
+    HWY_INLINE V8 onto(V8 d, const MaskBytes& /*coverage*/) const { return join(d, fullColor); }
+
+private:
+    static HWY_INLINE V8 join(V8 d, V8 color) {
+        return blends ? dstOver(d, color) : hn::Or(d, color);
+    }
 };
 
-void dstOverMapped8Rows(const BlendArea& area, const uint32_t* table) {
-    const ColorsByCoverage colors(table);
+template <bool blends>
+HWY_INLINE void mapRows(const BlendArea& area, const ColorsByCoverage& colors) {
     for (ptrdiff_t y = 0; y < static_cast<ptrdiff_t>(area.height); ++y) {
         const uint8_t* mask = area.source + y * area.sourceStride;
-        blendRow(area.width, DstOverMapped8(colors),
+        blendRow(area.width, Mapped8<blends>(colors),
                  reinterpret_cast<Rgba*>(area.destination + y * area.destinationStride), mask,
                  mask);
     }
+}
+
+void dstOverMapped8Rows(const BlendArea& area, const uint32_t* table) {
+    mapRows<true>(area, ColorsByCoverage(table));
+}
+
+void paintByCoverageRows(const BlendArea& area, const Rgba* byCoverage) {
+    mapRows<false>(area, ColorsByCoverage(byCoverage));
 }
 
 #endif  // GX_SIMD_IS_PLAIN
@@ -86,9 +105,13 @@ HWY_AFTER_NAMESPACE();
 namespace GxFontEffect::kernels {
 
 GX_EXPORT(dstOverMapped8Rows);
+GX_EXPORT(paintByCoverageRows);
 
 void dstOverMapped8Rows(const BlendArea& area, const uint32_t* table) {
     GX_DISPATCH(dstOverMapped8Rows)(area, table);
+}
+void paintByCoverageRows(const BlendArea& area, const Rgba* byCoverage) {
+    GX_DISPATCH(paintByCoverageRows)(area, byCoverage);
 }
 
 }  // namespace GxFontEffect::kernels

@@ -65,6 +65,14 @@ void dstOverMapped8Rows(const BlendArea& area, const uint32_t* table) {
     });
 }
 
+void paintByCoverageRows(const BlendArea& area, const Rgba* byCoverage) {
+    forEachPixel<Rgba, uint8_t>(area, [=](Rgba d, uint8_t m) {
+        const Rgba c = byCoverage[m];
+        return Rgba{static_cast<uint8_t>(d.r | c.r), static_cast<uint8_t>(d.g | c.g),
+                    static_cast<uint8_t>(d.b | c.b), static_cast<uint8_t>(d.a | c.a)};
+    });
+}
+
 void overwrite8Rows(const BlendArea& area, Rgba color) {
     forEachPixel<Rgba, uint8_t>(area, [=](Rgba, uint8_t m) { return overwrite8(m, color); });
 }
