@@ -149,6 +149,7 @@ GxBitmap rendered(GxEffect& stack, int x, int y, int extent, const uint8_t* mask
     glyph.width = glyph.height = static_cast<uint16_t>(extent);
     stack.setOutput(GxEffect::Output::kFreshWords);
     stack.initEffect(kSide, kSide);
+    stack.setTextBox(GxRect(x, y, x + extent, y + extent));
     stack.setDstBitmap(&output);
     stack.renderEffectLayer(x, y, &glyph);
     stack.doEffectPostProcessing();
@@ -181,7 +182,9 @@ TEST(Silhouettes, EffectsRunAsIfTheyWereTheText) {
         for (int i = 0; i < kInk * kInk; ++i) {
             ink.push_back(letters.mask.data[(14 + i / kInk) * kSide + 14 + i % kInk]);
         }
-        const GxBitmap expected = rendered(plain, 0, 0, kSide, seen.block.src->data);
+        const Plane plane = seen.seen();
+        const std::vector<uint8_t> shape(plane.begin(), plane.end());
+        const GxBitmap expected = rendered(plain, 0, 0, kSide, shape.data());
         ASSERT_EQ(difference(expected, rendered(cast, 14, 14, kInk, ink.data())), "") << run;
     }
 }
