@@ -33,6 +33,17 @@ const GxStrokeProperty* outlineOf(GxECoreBase& core) {
     return isOutline ? stroke : nullptr;
 }
 
+// The box with a margin, cut to another one.
+GxRect grown(const GxRect& box, int64_t margin, const GxRect& within) {
+    const auto place = [](int64_t edge, int32_t first, int32_t end) {
+        return static_cast<int32_t>(std::clamp<int64_t>(edge, first, end));
+    };
+    return {place(box.left - margin, within.left, within.right),
+            place(box.top - margin, within.top, within.bottom),
+            place(box.right + margin, within.left, within.right),
+            place(box.bottom + margin, within.top, within.bottom)};
+}
+
 }  // namespace
 
 Silhouettes::Silhouettes(const GxECore::ParamPostProcessing& text, const GxRect& layerBox,
@@ -66,28 +77,20 @@ bool Silhouettes::Shape::addStroke(GxECore::ParamPostProcessing& around, float s
     addPlane(band->x, band->y, band->plane.data(), band->width(), band->height, band->width());
     const GxRect& text = *around.textRect;
     const int64_t margin = (band->width() - text.width()) / 2 - 1;  // but for the frame
-    const auto place = [](int64_t edge, int32_t first, int32_t end) {
-        return static_cast<int32_t>(std::clamp<int64_t>(edge, first, end));
-    };
-    box.left = std::min(box.left, place(text.left - margin, extent.left, extent.right));
-    box.top = std::min(box.top, place(text.top - margin, extent.top, extent.bottom));
-    box.right = std::max(box.right, place(text.right + margin, extent.left, extent.right));
-    box.bottom = std::max(box.bottom, place(text.bottom + margin, extent.top, extent.bottom));
+    const GxRect reach = grown(text, margin, extent);
+    box.left = std::min(box.left, reach.left);
+    box.top = std::min(box.top, reach.top);
+    box.right = std::max(box.right, reach.right);
+    box.bottom = std::max(box.bottom, reach.bottom);
     return true;
 }
 
 // With room for the text of that box and a margin around it; null without memory.
 std::unique_ptr<Silhouettes::Shape> Silhouettes::grownShape(const GxRect& box,
                                                             int64_t growth) const {
-    const auto place = [](int64_t edge, int32_t first, int32_t end) {
-        return static_cast<int32_t>(std::clamp<int64_t>(edge, first, end));
-    };
-    const GxRect extent(place(box.left - growth, canvas.left, canvas.right),
-                        place(box.top - growth, canvas.top, canvas.bottom),
-                        place(box.right + growth, canvas.left, canvas.right),
-                        place(box.bottom + growth, canvas.top, canvas.bottom));
-    std::unique_ptr<Shape> shape(new (std::nothrow) Shape(extent, box));
-    return shape && shape->mask.data ? std::move(shape) : nullptr;
+    std::unique_ptr<Shape> shape(new (std::nothrow) Shape(grown(box, growth, canvas), box));
+    if (shape && !shape->mask.data) shape.reset();
+    return shape;
 }
 
 GxECore::ParamPostProcessing Silhouettes::blockOf(Shape& shape) const {
