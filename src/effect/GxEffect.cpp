@@ -583,13 +583,12 @@ bool GxEffect::needsTwoLayers() const {
 // From the top of the stacking: effects over the text, the text, effects beneath it, newest first
 // in each group.
 void GxEffect::orderSingleLayer() {
-    const auto has = [](EffectRank rank) {
-        return [rank](GxECoreBase* core) { return placeOf(*core).rank == rank; };
-    };
-    std::reverse(layers.begin(), layers.end());
-    // These make do without memory when there is none.
-    const auto rest = std::stable_partition(layers.begin(), layers.end(), has(EffectRank::kOver));
-    std::stable_partition(rest, layers.end(), has(EffectRank::kText));
+    layers.clear();
+    for (const EffectRank rank : {EffectRank::kOver, EffectRank::kText, EffectRank::kBeneath}) {
+        for (auto core = effects.rbegin(); core != effects.rend(); ++core) {
+            if (placeOf(**core).rank == rank) layers.push_back(core->get());
+        }
+    }
 }
 
 // Newest first, the text fill last.
