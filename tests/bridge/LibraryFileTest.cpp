@@ -239,7 +239,8 @@ std::set<std::string> words(const char* text) {
 
 // Of the C library. Adding a name here says that Android's has it at API level 24.
 const std::set<std::string> kCFunctions = words(
-    "abort access calloc close expf fclose feof ferror fflush fileno floor floorf fopen fread "
+    "abort access calloc ceilf close expf fclose feof ferror fflush fileno floor floorf fopen "
+    "fread "
     "free fseek fstat fstatvfs fsync ftell fwrite hypot ldexp log2 madvise malloc memchr memcmp "
     "memcpy memmove memset mmap munmap open pow pthread_mutex_destroy pthread_mutex_init "
     "pthread_mutex_lock pthread_mutex_unlock pthread_once pthread_self read realloc rename "
