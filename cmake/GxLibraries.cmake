@@ -8,8 +8,8 @@ gxtext_component(effect
 
 gxtext_component(style ON effect
     DESCRIPTION "Styles of text: reading, writing, effect stacks"
-    HEADERS style/EffectStack.h style/Error.h style/FieldTable.h style/Style.h style/StyleSchema.h
-        style/TextSettings.h)
+    HEADERS style/EffectStack.h style/Error.h style/FieldTable.h style/LayerStyle.h style/Style.h
+        style/StyleSchema.h style/TextSettings.h)
 
 set(objects gxtext_base)
 if(GXTEXT_PLATFORM STREQUAL "portable")

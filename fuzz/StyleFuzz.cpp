@@ -1,5 +1,5 @@
 // Style files through the reader; what is valid is written and read again, then rendered, made
-// small, with fonts of our own and no others in reach.
+// small, with fonts of our own and no others in reach. The same files as layer effects.
 #include <algorithm>
 #include <cctype>
 #include <filesystem>
@@ -11,6 +11,7 @@
 #include "FontFolder.h"
 #include "scene/Png.h"
 #include "scene/Renderer.h"
+#include "style/LayerStyle.h"
 
 using namespace gxfuzz;
 
@@ -72,6 +73,19 @@ void stayInside(gxtext::Style& style) {
     }
 }
 
+void importAsLayerEffects(std::string_view json) {
+    try {
+        const gxtext::ImportedStyle imported = gxtext::importLayerStyle(json, "effects");
+        require(gxtext::Style::fromJson(imported.style.toJson()) == imported.style,
+                "the style that was imported");
+        for (const gxtext::ImportLoss& loss : imported.losses) {
+            require(loss.path.starts_with("$") && !loss.reason.empty(), "a place and a reason");
+        }
+    } catch (const gxtext::StyleError& error) {
+        require(error.problems().front().path.starts_with("$"), "no JSON object");
+    }
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
@@ -81,6 +95,7 @@ extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const std::string_view json(reinterpret_cast<const char*>(data), size);
+    importAsLayerEffects(json);
     try {
         auto style = gxtext::Style::fromJson(json, "style");
         const std::string written = style.toJson();

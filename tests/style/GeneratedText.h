@@ -1,4 +1,4 @@
-// Texts in the repository that are written from the field table.
+// Texts in the repository that are written by the tests: from the field table, or from an import.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -31,8 +31,7 @@ inline void expectFile(const std::string& path, const std::string& wanted) {
     while (std::getline(b, should) && std::getline(a, is) && is == should) {
     }
     FAIL() << path
-           << " does not follow the field table any more; GXTEXT_UPDATE_GOLDEN=1 writes it anew.\n "
-              " is:     "
+           << " is not what is made any more; GXTEXT_UPDATE_GOLDEN=1 writes it anew.\n  is:     "
            << is << "\n  should: " << should;
 }
 
