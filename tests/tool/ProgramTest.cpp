@@ -74,8 +74,8 @@ TEST(Program, WrongCommandLinesExitWith2AndSayWhatIsAllowed) {
         std::string message;
     };
     const Case cases[] = {
-        {{}, "a command is missing; allowed: render, measure, key, fonts\n"},
-        {{"paint"}, "no command is called paint; allowed: render, measure, key, fonts\n"},
+        {{}, "a command is missing; allowed: render, measure, key, fonts, import\n"},
+        {{"paint"}, "no command is called paint; allowed: render, measure, key, fonts, import\n"},
         {{"rendr"}, "no command is called rendr; did you mean \"render\"?\n"},
         {{"--text", "a", "render"}, "--text goes after render\n"},
         {{"render"}, "there is no text"},
@@ -274,6 +274,37 @@ TEST_F(Files, FailedWritesAreFailuresAndKeepWhatWasThere) {
     for (const auto& entry : std::filesystem::directory_iterator(folder.path(""))) {
         EXPECT_NE(entry.path().filename().string().front(), '.') << entry;
     }
+}
+
+TEST_F(Files, ImportsLayerEffectsAndSaysWhatIsLost) {
+    const std::string exact = folder.write("exact.json", R"({"stroke": [{"size": 3}]})");
+    const std::string noisy = folder.write("noisy.json", R"({"outerGlow": {"noise": 0.5}})");
+    const std::string style = folder.path("out.json");
+    const Outcome plain = runGxtext({"import", exact, "--strict"});
+    EXPECT_EQ(plain.status, 0);
+    EXPECT_EQ(plain.err, "");
+    EXPECT_EQ(gxtext::Style::fromJson(plain.out).effects.at(0).size, 3);
+
+    const std::string loss =
+        "gxtext: " + noisy + ": $.outerGlow.noise: dropped: glows have no noise\n";
+    const Outcome lossy = runGxtext({"import", noisy, "-o", style});
+    EXPECT_EQ(lossy.status, 0);
+    EXPECT_EQ(lossy.out, "");
+    EXPECT_EQ(lossy.err, loss);
+    EXPECT_EQ(gxtext::Style::fromFile(style).effects.size(), 1u);
+
+    const Outcome data = runGxtext({"import", "-", "--json"}, readFile(noisy));
+    EXPECT_EQ(data.status, 0);
+    EXPECT_EQ(data.err, "");
+    const json report = json::parse(data.out);
+    EXPECT_EQ(report["losses"][0]["path"], "$.outerGlow.noise");
+    EXPECT_EQ(report["style"], json::parse(readFile(style)));
+
+    const Outcome strict = runGxtext({"import", noisy, "-o", folder.path("no.json"), "--strict"});
+    EXPECT_EQ(strict.status, 1);
+    EXPECT_EQ(strict.err, loss + "gxtext: " + noisy + ": 1 field is dropped or approximated\n");
+    EXPECT_FALSE(std::filesystem::exists(folder.path("no.json")));
+    EXPECT_EQ(runGxtext({"import", exact, "-o", exact}).status, 2);
 }
 
 TEST_F(Files, WritesToWhateverTakesBytes) {

@@ -308,6 +308,23 @@ struct Subcommand {
     }
 };
 
+// The one that has no style to begin with.
+CLI::App* addImport(CLI::App& parent, ImportOptions& options) {
+    CLI::App* app = parent.add_subcommand("import", "Make a style of an image editor's effects");
+    app->add_option("effects", options.input,
+                    "Layer effects, JSON as ag-psd gives it; - reads standard input")
+        ->type_name("FILE.json")
+        ->required();
+    const char* group = "Output";
+    app->add_option("-o", options.output, "Style file; - writes standard output (default -)")
+        ->type_name("FILE|-")
+        ->group(group);
+    app->add_flag("--strict", options.strict, "Fail when a field is dropped or approximated")
+        ->group(group);
+    app->add_flag("--json", options.json, "What is dropped or approximated as JSON")->group(group);
+    return app;
+}
+
 void addJson(Subcommand& command) {
     command.app->add_flag("--json", command.json, "As JSON")->group("Output");
 }
@@ -364,6 +381,8 @@ void parseAndRun(int argc, char** argv, const std::function<void(bool)>& showLib
     Subcommand key(app, "key", "Print the effect key text as hexadecimal bytes",
                    [](Subcommand&) {});
     Subcommand fonts(app, "fonts", "Print the fonts that a text would use", addJson);
+    ImportOptions importOptions;
+    const CLI::App* import = addImport(app, importOptions);
 
     try {
         app.parse(argc, argv);
@@ -379,6 +398,7 @@ void parseAndRun(int argc, char** argv, const std::function<void(bool)>& showLib
     if (measure.app->parsed()) measureCommand(makeRequest(measure.arguments), measure.json);
     if (key.app->parsed()) keyCommand(makeStyle(key.arguments));
     if (fonts.app->parsed()) fontsCommand(makeRequest(fonts.arguments), fonts.json);
+    if (import->parsed()) importCommand(importOptions);
 }
 
 // A line for each mistake.

@@ -26,10 +26,18 @@ struct RenderOptions {
     std::vector<std::string> inputs;
 };
 
+struct ImportOptions {
+    std::string input;
+    std::string output = "-";
+    bool strict = false;  // a loss is a failure
+    bool json = false;    // losses as data on standard output
+};
+
 void renderCommand(const Request& request, const RenderOptions& options);
 void measureCommand(const Request& request, bool asJson);
 void keyCommand(const Style& style);
 void fontsCommand(const Request& request, bool asJson);
+void importCommand(const ImportOptions& options);
 
 // "U+0041, U+1F600"
 std::string formatCodePoints(const std::vector<char32_t>& codePoints);
