@@ -105,7 +105,7 @@ void printPictures() {
 void printThreads() {
     const int most = static_cast<int>(std::clamp(std::thread::hardware_concurrency(), 1u, 8u));
     for (int threads = 1; threads <= most; ++threads) {
-        printPoint("threads", "96 titles", threads, titlesOnThreads(threads));
+        printPoint("threads", "1920 titles", threads, titlesOnThreads(threads));
     }
 }
 

@@ -57,10 +57,10 @@ texts = '"Latin laid out" "Latin drawn" "Chinese laid out" "Chinese drawn" "Chin
 plot for [i = 1:words(texts)] points('length', word(texts, i)) using 3:4 lc rgb colors[i] pt 7 title word(texts, i)
 
 unset logscale
-set title '96 titles, by the number of threads'
+set title '1920 titles, by the number of threads'
 set xlabel 'threads'
 set xrange [0.8:*]
 set yrange [0:*]
 set xtics 1
-plot points('threads', '96 titles') using 3:4 lc rgb colors[1] pt 7 notitle
+plot points('threads', '1920 titles') using 3:4 lc rgb colors[1] pt 7 notitle
 unset multiplot

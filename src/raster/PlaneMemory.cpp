@@ -1,5 +1,6 @@
 #include "raster/PlaneMemory.h"
 
+#include <pthread.h>
 #include <sys/mman.h>
 
 #include <algorithm>
@@ -46,16 +47,21 @@ void clear(const PlaneBlock& block) {
 // The oldest first. Without a destructor: blocks may end after every static object.
 class Store {
 public:
-    // The smallest block that holds `bytes` and is at most twice as large; else none, and then the
+    // The smallest block that holds `bytes` and is at most twice as large, one that this thread
+    // ended before others, which lie in the caches of other processors; else none, and then the
     // largest that the new one will do for as well goes.
     PlaneBlock take(size_t bytes) {
+        const pthread_t self = pthread_self();
         const std::lock_guard<std::mutex> lock(mutex_);
         Kept* best = nullptr;
         Kept* superseded = nullptr;
         for (Kept* kept = kept_; kept != kept_ + count_; ++kept) {
             const size_t capacity = kept->block.capacity;
             if (capacity >= bytes && capacity / 2 <= bytes) {
-                if (!best || capacity < best->block.capacity) best = kept;
+                const bool isCloser = best && kept->thread == self && best->thread != self;
+                const bool isAsClose = best && (kept->thread == self) == (best->thread == self);
+                if (!best || isCloser || (isAsClose && capacity < best->block.capacity))
+                    best = kept;
             } else if (capacity < bytes && bytes / 2 <= capacity) {
                 if (!superseded || capacity > superseded->block.capacity) superseded = kept;
             }
@@ -72,7 +78,7 @@ public:
                               ended_ - kept_[0].ended > kMaxAge)) {
             std::free(remove(kept_).data);
         }
-        kept_[count_++] = {block, ended_};
+        kept_[count_++] = {block, ended_, pthread_self()};
         bytes_ += block.capacity;
     }
 
@@ -85,6 +91,7 @@ private:
     struct Kept {
         PlaneBlock block;
         uint64_t ended = 0;  // as which of all blocks that were kept
+        pthread_t thread{};  // that ended it
     };
 
     PlaneBlock remove(Kept* kept) {
