@@ -6,6 +6,9 @@
 
 #include <algorithm>
 #include <iterator>
+#include <new>
+
+#include "font/FontManager.h"
 
 namespace gxtext {
 
@@ -26,8 +29,10 @@ Measurer::Measurer(const android::Paint& paint,
       text_(std::move(text)),
       measured_(std::make_unique<minikin::MeasuredText>(
           minikin::U16StringPiece(unitsOf(text_), text_.size()))) {
-    auto copy = families_;
-    typeface_.reset(android::Typeface::createFromFamilies(std::move(copy), weight, italic));
+    // The one that the text object draws with: what is measured here is not shaped again there, nor
+    // for the next picture.
+    typeface_ = GxFontEffect::FontManager::GetInstance().GetTypeface(families_, weight, italic);
+    if (!typeface_) throw std::bad_alloc();
     for (size_t i = 0; i < text_.size(); i++) {
         if (text_[i] == u'\n' || text_[i] == u'\r') lineBreaks_.push_back(static_cast<int32_t>(i));
     }

@@ -49,7 +49,7 @@ private:
 
     android::Paint paint_;
     std::vector<std::shared_ptr<minikin::FontFamily>> families_;
-    std::unique_ptr<android::Typeface> typeface_;
+    std::shared_ptr<const android::Typeface> typeface_;
     std::u16string text_;
     const std::unique_ptr<minikin::MeasuredText> measured_;  // text_
     std::vector<int32_t> lineBreaks_;                        // LF and CR in text_
