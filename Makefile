@@ -9,7 +9,7 @@ ARMHF_SUITES := raster effect library
 space := $(subst ,, )
 FUZZ_SECONDS ?= 60
 
-.PHONY: help setup demo demo-java test agreement aar bench bench-instructions bench-scaling bench-png bench-memory bench-pictures bench-docs lint format sanitize fuzz test-aarch64 package clean
+.PHONY: help setup demo demo-java test agreement aar wheel bench bench-instructions bench-scaling bench-png bench-memory bench-pictures bench-docs lint format sanitize fuzz test-aarch64 package clean
 
 help:
 	@echo "make demo          build, then render sample pictures into out/demo/"
@@ -18,6 +18,7 @@ help:
 	@echo "make agreement     the text stack against HarfBuzz, FreeType, ICU, Unicode and CanvasKit, in figures"
 	@echo "make aar           pack the SDK and the libraries built for Android into out/aar/"
 	@echo "make package       shared libraries and program, tested, as a Debian package with sources into out/package/"
+	@echo "make wheel         the Python package with its libraries inside, tested, into out/wheel/"
 	@echo "make bench         build and run the benchmarks: ratios to the peers, targets beside"
 	@echo "make bench-instructions  instructions per pixel of the same rows"
 	@echo "make bench-memory  memory held while 100,000 titles come and go"
@@ -49,8 +50,8 @@ demo-java: setup
 	scripts/demo-java $(BUILD)/release out/demo-java
 
 test: setup
-	@scripts/setup demo java peers
-	cmake --preset $(PRESET)
+	@scripts/setup demo java peers python
+	options=$$(scripts/python-env $(BUILD)/python) && cmake --preset $(PRESET) $$options
 	cmake --build --preset $(PRESET)
 	ctest --preset $(PRESET)
 
@@ -70,6 +71,12 @@ package: setup
 	cmake --build --preset package
 	ctest --preset package
 	scripts/package $(BUILD)/package out/package
+
+wheel: setup
+	@scripts/setup demo python
+	cmake --preset release
+	cmake --build --preset release --target gxtext_tool
+	scripts/wheel out/wheel $(BUILD)/release/tools/gxtext/gxtext
 
 bench bench-instructions bench-scaling bench-png bench-memory bench-pictures bench-docs: setup
 	@scripts/setup bench node

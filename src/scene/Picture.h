@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "GxExport.h"
@@ -24,6 +25,8 @@ public:
     int width() const { return arrangement_.width; }
     int height() const { return arrangement_.height; }
     const std::vector<uint32_t>& pixels() const { return pixels_; }
+    // Hands them over; the picture has none any more.
+    std::vector<uint32_t> takePixels() && { return std::move(pixels_); }
 
     // How far the effects reach beyond the text's own box, per side.
     const Box& margins() const { return arrangement_.margins; }
