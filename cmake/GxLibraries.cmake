@@ -27,7 +27,7 @@ gxtext_component(core ON effect
         SkRefCnt.h SkScalar.h SkStream.h SkTypeface.h SkTypes.h
         cutils/compiler.h hwui/Paint.h minikin/FamilyVariant.h minikin/LocaleList.h)
 
-set(modules libpng libdeflate harfbuzz>=6 icu-uc>=63)
+set(modules libpng libdeflate libwebp harfbuzz>=6 icu-uc>=63)
 if(GXTEXT_FONTCONFIG_LIBS_FOUND)
     list(APPEND modules fontconfig)
 endif()

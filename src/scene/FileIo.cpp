@@ -85,6 +85,7 @@ public:
     // False with errno; the target is as it was then.
     bool moveToTarget() {
         const SignalsWait wait;
+        if (name_.empty() && linkAs(target_.c_str()) == 0) return true;
         if (name_.empty() && !link()) return false;
         if (rename(name_.c_str(), target_.c_str()) != 0) return false;
         name_.clear();
@@ -103,11 +104,13 @@ private:
         });
     }
 
-    bool link() {
+    int linkAs(const char* name) const {
         const std::string path = "/proc/self/fd/" + std::to_string(descriptor());
-        return underNewName([&](const char* name) {
-                   return linkat(AT_FDCWD, path.c_str(), AT_FDCWD, name, AT_SYMLINK_FOLLOW);
-               }) == 0;
+        return linkat(AT_FDCWD, path.c_str(), AT_FDCWD, name, AT_SYMLINK_FOLLOW);
+    }
+
+    bool link() {
+        return underNewName([this](const char* name) { return linkAs(name); }) == 0;
     }
 
     // Negative, with errno, when `create` fails for another reason than that the name is taken.
@@ -142,7 +145,7 @@ void inherit(int file, const struct stat& old) {
 }
 
 void replaceFile(const std::string& file, const std::string& target, const struct stat* old,
-                 std::string_view bytes) {
+                 std::string_view bytes, Flush flush) {
     for (const bool isNamed : {false, true}) {
         std::optional<SignalsWait> wait;
         if (isNamed) wait.emplace();
@@ -154,7 +157,7 @@ void replaceFile(const std::string& file, const std::string& target, const struc
         if (old) inherit(fresh.descriptor(), *old);
         writeDescriptor(fresh.descriptor(), file, bytes);
         // EINVAL: a file system that has nothing to flush.
-        if (fsync(fresh.descriptor()) != 0 && errno != EINVAL) {
+        if (flush == Flush::kNow && fsync(fresh.descriptor()) != 0 && errno != EINVAL) {
             failWith(file, "cannot write to", errno);
         }
         if (fresh.moveToTarget()) return;
@@ -175,19 +178,26 @@ std::string readFile(const std::string& file, size_t limit) {
     return readDescriptor(opened.get(), file, limit);
 }
 
-void writeFile(const std::string& file, std::string_view bytes) {
+void writeFile(const std::string& file, std::string_view bytes, Flush flush) {
     const std::string target = targetOf(file);
     const Descriptor old(open(target.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY));
     struct stat status;
     if (!old) {
         if (errno != ENOENT) failWith(file, "cannot create", errno);
-        return replaceFile(file, target, nullptr, bytes);
+        return replaceFile(file, target, nullptr, bytes, flush);
     }
     if (fstat(old.get(), &status) != 0) failWith(file, "cannot create", errno);
     if (!S_ISREG(status.st_mode)) return writeDescriptor(old.get(), file, bytes);
-    if (!isDescriptorPath(target)) return replaceFile(file, target, &status, bytes);
+    if (!isDescriptorPath(target)) return replaceFile(file, target, &status, bytes, flush);
     if (ftruncate(old.get(), 0) != 0) failWith(file, "cannot write to", errno);
     writeDescriptor(old.get(), file, bytes);
+}
+
+void makeFolderOf(const std::string& file) {
+    const std::filesystem::path folder = std::filesystem::path(file).parent_path();
+    std::error_code error;
+    if (!folder.empty()) std::filesystem::create_directories(folder, error);
+    if (error) throw FileError(folder.string(), "cannot create: " + error.message());
 }
 
 std::string readDescriptor(int descriptor, const std::string& name, size_t limit) {

@@ -11,6 +11,8 @@ namespace gxtext {
 // when it cannot be read or is longer than `limit`.
 std::string readFile(const std::string& file, size_t limit);
 
+enum class Flush { kNow, kLater };
+
 // Replaces the file as a whole or not at all: a full disk, a signal or a crash leaves what was
 // there, and nothing beside it. The bytes are on the disk before the new file takes the place of
 // the old one, whose permissions it gets, and its owner as far as the caller may give files away;
@@ -21,10 +23,16 @@ std::string readFile(const std::string& file, size_t limit);
 // What cannot be replaced is written to: devices, pipes, and whatever /dev/stdout and the like
 // stand for. Throws FileError when not everything could be written, and for an old file without
 // permission to write.
-void writeFile(const std::string& file, std::string_view bytes);
+//
+// With Flush::kLater the system brings the bytes to the disk when it likes: no crash of the process
+// shows, one of the machine may leave an empty file.
+void writeFile(const std::string& file, std::string_view bytes, Flush flush = Flush::kNow);
 
-// The same through a descriptor that is open; `name` is for messages. One that does not block is
-// waited for.
+// Makes the folders on the way to the file that are not there. Throws FileError.
+void makeFolderOf(const std::string& file);
+
+// readFile and writeFile through a descriptor that is open; `name` is for messages. One that does
+// not block is waited for.
 std::string readDescriptor(int descriptor, const std::string& name, size_t limit);
 void writeDescriptor(int descriptor, const std::string& name, std::string_view bytes);
 

@@ -1,4 +1,5 @@
-// One value of a style, set by its path.
+#include "style/StyleSetting.h"
+
 #include <charconv>
 
 #include "style/StyleJson.h"
@@ -79,15 +80,23 @@ void removeNulls(ordered_json& json) {
 
 }  // namespace
 
-Style Style::with(std::string_view path, std::string_view value) const {
-    if (path.empty()) fail(path, "the path is empty");
-    ordered_json document = styleJson(*this);
-    ordered_json* target = &document;
-    for (PathReader reader(path); !reader.atEnd();) target = &reader.step(*target);
-    ordered_json parsed = ordered_json::parse(value, nullptr, false);
-    *target = parsed.is_discarded() ? ordered_json(value) : std::move(parsed);
+Style withSettings(const Style& style, std::span<const StyleSetting> settings) {
+    ordered_json document = styleJson(style);
+    for (const StyleSetting& setting : settings) {
+        if (setting.path.empty()) fail(setting.path, "the path is empty");
+        ordered_json* target = &document;
+        for (PathReader reader(setting.path); !reader.atEnd();) target = &reader.step(*target);
+        *target = setting.value;
+    }
     removeNulls(document);
-    return readStyle(textOf(document), "", source);
+    return readStyle(textOf(document), "", style.source);
+}
+
+Style Style::with(std::string_view path, std::string_view value) const {
+    ordered_json parsed = ordered_json::parse(value, nullptr, false);
+    if (parsed.is_discarded()) parsed = ordered_json(value);
+    const StyleSetting setting{std::string(path), std::move(parsed)};
+    return withSettings(*this, {&setting, 1});
 }
 
 }  // namespace gxtext

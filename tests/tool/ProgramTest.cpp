@@ -74,8 +74,9 @@ TEST(Program, WrongCommandLinesExitWith2AndSayWhatIsAllowed) {
         std::string message;
     };
     const Case cases[] = {
-        {{}, "a command is missing; allowed: render, measure, key, fonts, import\n"},
-        {{"paint"}, "no command is called paint; allowed: render, measure, key, fonts, import\n"},
+        {{}, "a command is missing; allowed: render, measure, key, fonts, batch, import\n"},
+        {{"paint"},
+         "no command is called paint; allowed: render, measure, key, fonts, batch, import\n"},
         {{"rendr"}, "no command is called rendr; did you mean \"render\"?\n"},
         {{"--text", "a", "render"}, "--text goes after render\n"},
         {{"render"}, "there is no text"},
@@ -101,7 +102,13 @@ TEST(Program, WrongCommandLinesExitWith2AndSayWhatIsAllowed) {
         {{"render", "--text", "a", "--scale", "0"}, "--scale: "},
         {{"render", "-", "--text", "-"}, "not both"},
         {{"render", "--font", kLatin}, "there is no text"},
-        {{"render", "--text", "a", "-o", "x.jpg"}, "end the name in .png"},
+        {{"render", "--text", "a", "-o", "x.jpg"}, "end the name in .png or .webp"},
+        {{"render", "--text", "a", "--format", "gif"}, "{png,webp}"},
+        {{"batch"}, "--output is required\n"},
+        {{"batch", "-o", "{id}"}, "end the name in .png or .webp"},
+        {{"batch", "-o", "{id.png"}, "brace"},
+        {{"batch", "-o", "a.png", "--shard", "3/2"}, "--shard 3/2 is not I/N"},
+        {{"batch", "-", "-o", "a.png"}, "not both\n"},
         {{"measure", "--text", "a", "-o", "x.png"}, "unknown option -o\n"},
     };
     for (const Case& c : cases) {

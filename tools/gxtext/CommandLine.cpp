@@ -6,20 +6,22 @@
 #include <libdeflate.h>
 #include <png.h>
 #include <unicode/uversion.h>
+#include <webp/encode.h>
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <filesystem>
-#include <map>
 #include <new>
 #include <sstream>
 #include <utility>
 #include FT_FREETYPE_H
 
+#include "BatchCommand.h"
 #include "Commands.h"
 #include "EffectOptions.h"
+#include "EncodingOptions.h"
 #include "Streams.h"
 #include "ToolError.h"
 #include "UsageMessage.h"
@@ -71,12 +73,14 @@ CLI::Validator isPictureName() {
         [](std::string& text) {
             const std::filesystem::path path = text;
             if (path.empty()) return std::string("the name is empty");
-            const std::string extension = CLI::detail::to_lower(path.extension().string());
             std::error_code isNoFile;
             const auto status = std::filesystem::status(path, isNoFile);
             const bool isDevice = std::filesystem::is_other(status);
-            if (extension.empty() || extension == ".png" || isDevice) return std::string();
-            return text + " would be a PNG picture; end the name in .png, or without extension";
+            const bool isKnown = path.extension().empty() || gxtext::pictureFormatOf(path);
+            if (isKnown || isDevice) return std::string();
+            return text +
+                   " is neither a PNG nor a WebP picture; end the name in .png or .webp, or "
+                   "without extension";
         },
         "");
 }
@@ -228,7 +232,13 @@ void addStyleOptions(CLI::App& app, StyleArguments& arguments, StyleOptions& opt
     arguments.effects.addTo(app);
 }
 
-Style makeStyle(const StyleArguments& arguments) {
+// The style with what the options say about it, but for the scale.
+Style optionsOver(const StyleArguments& arguments, Style style) {
+    for (const auto& change : arguments.changes) change(style);
+    return arguments.effects.applyTo(std::move(style));
+}
+
+Style unscaledStyle(const StyleArguments& arguments) {
     if (arguments.file == "-" && arguments.hasText && arguments.text == "-") {
         throw ToolError("standard input can be the style or the text, not both", kUsage);
     }
@@ -242,15 +252,21 @@ Style makeStyle(const StyleArguments& arguments) {
             if (style.text->ends_with('\n')) style.text->pop_back();
         }
     }
-    for (const auto& change : arguments.changes) change(style);
-    return arguments.effects.applyTo(std::move(style));
+    return optionsOver(arguments, std::move(style));
+}
+
+Style makeStyle(const StyleArguments& arguments) {
+    return arguments.effects.scaled(unscaledStyle(arguments));
+}
+
+gxtext::FontSource makeFonts(const StyleArguments& arguments) {
+    return arguments.fontFolder.empty() ? gxtext::FontSource::installed()
+                                        : gxtext::FontSource::folder(arguments.fontFolder);
 }
 
 Request makeRequest(const StyleArguments& arguments) {
     Style style = makeStyle(arguments);
-    return {std::move(style), arguments.fontFolder.empty()
-                                  ? gxtext::FontSource::installed()
-                                  : gxtext::FontSource::folder(arguments.fontFolder)};
+    return {std::move(style), makeFonts(arguments)};
 }
 
 std::vector<std::string> inputsOf(const StyleArguments& arguments) {
@@ -278,13 +294,14 @@ std::string versionText() {
     u_getVersion(icuVersion);
     u_versionToString(icuVersion, icu);
     const int fc = FcGetVersion();
+    const int webp = WebPGetEncoderVersion();
     char text[256];
     snprintf(text, sizeof(text),
              "gxtext %s\nHarfBuzz %u.%u.%u\nFreeType %d.%d.%d\nICU %s\nlibpng %s\nlibdeflate %s\n"
-             "fontconfig %d.%d.%d",
+             "libwebp %d.%d.%d\nfontconfig %d.%d.%d",
              GXTEXT_VERSION, hbMajor, hbMinor, hbMicro, ftMajor, ftMinor, ftPatch, icu,
-             png_get_libpng_ver(nullptr), LIBDEFLATE_VERSION_STRING, fc / 10000, fc / 100 % 100,
-             fc % 100);
+             png_get_libpng_ver(nullptr), LIBDEFLATE_VERSION_STRING, webp >> 16, webp >> 8 & 0xFF,
+             webp & 0xFF, fc / 10000, fc / 100 % 100, fc % 100);
     return text;
 }
 
@@ -294,6 +311,7 @@ struct Subcommand {
     StyleArguments arguments;
     std::unique_ptr<StyleOptions> options;
     RenderOptions render;
+    BatchArguments batch;
     bool json = false;
     CLI::App* app = nullptr;
 
@@ -329,33 +347,32 @@ void addJson(Subcommand& command) {
     command.app->add_flag("--json", command.json, "As JSON")->group("Output");
 }
 
-void addCompression(Subcommand& render) {
-    using gxtext::PngCompression;
-    static const std::map<std::string, PngCompression> kCompressions = {
-        {"fast", PngCompression::kFast},
-        {"default", PngCompression::kDefault},
-        {"small", PngCompression::kSmall}};
-    render.app
-        ->add_option_function<std::string>(
-            "--compression",
-            [&render](const std::string& name) {
-                render.render.compression = kCompressions.at(name);
-            },
-            "fast, default or small: how long the PNG is made smaller")
-        ->type_name("HOW")
-        ->check(CLI::IsMember({"fast", "default", "small"}).description(""))
-        ->group("Output");
-}
-
 void addOutput(Subcommand& render) {
     render.app
-        ->add_option("-o", render.render.output, "PNG file; - writes standard output (default -)")
+        ->add_option("-o", render.render.output,
+                     "PNG or WebP file; - writes standard output (default -)")
         ->type_name("FILE|-")
         ->check(isPictureName())
         ->group("Output");
     render.app->add_flag("--strict", render.render.strict, "Fail when a character has no glyph")
         ->group("Output");
-    addCompression(render);
+    addEncoding(*render.app, render.render.encoding);
+}
+
+void addBatch(Subcommand& batch) {
+    addBatchOptions(*batch.app, batch.batch);
+}
+
+// What goes over the style of a row goes over the batch's own.
+int runBatchCommand(const Subcommand& batch) {
+    const StyleArguments& arguments = batch.arguments;
+    gxtext::TitleOptions title{
+        unscaledStyle(arguments),
+        [&arguments](Style style) { return optionsOver(arguments, std::move(style)); },
+        arguments.effects.scale(), makeFonts(arguments)};
+    title.version = versionText();
+    static_cast<void>(arguments.effects.scaled(title.style));  // fails now rather than in each row
+    return batchCommand(batch.batch, std::move(title), inputsOf(arguments));
 }
 
 // Help and version are data; everything else is a mistake.
@@ -366,28 +383,31 @@ void endParsing(const CLI::App& app, const CLI::ParseError& error) {
     writeOutput("-", text.str());
 }
 
-void parseAndRun(int argc, char** argv, const std::function<void(bool)>& showLibraryLog) {
-    CLI::App app("Renders text with effects to PNG.", "gxtext");
+int parseAndRun(int argc, char** argv, const std::function<void(bool)>& showLibraryLog) {
+    CLI::App app("Renders text with effects to pictures.", "gxtext");
     app.set_version_flag("--version", versionText);
     app.require_subcommand(1);
     app.fallthrough();
-    app.footer("Exit status: 0 success, 1 failure, 2 wrong command line.");
+    app.footer(
+        "Exit status: 0 success, 1 failure, 2 wrong command line, 3 some rows of a batch failed.");
     bool verbose = false;
     app.add_flag("-v,--verbose", verbose, "Print the library's log on standard error");
 
-    Subcommand render(app, "render", "Render a text to a PNG picture", addOutput);
+    Subcommand render(app, "render", "Render a text to a picture", addOutput);
     Subcommand measure(app, "measure", "Print margins, picture size and the box of each line",
                        addJson);
     Subcommand key(app, "key", "Print the effect key text as hexadecimal bytes",
                    [](Subcommand&) {});
     Subcommand fonts(app, "fonts", "Print the fonts that a text would use", addJson);
+    Subcommand batch(app, "batch", "Render many texts, a picture for each row of a file", addBatch);
     ImportOptions importOptions;
     const CLI::App* import = addImport(app, importOptions);
 
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        return endParsing(app, error);
+        endParsing(app, error);
+        return kOk;
     }
     showLibraryLog(verbose);
     GxFontEffect::GxLog::DEBUG_ENABLE = verbose;
@@ -395,10 +415,12 @@ void parseAndRun(int argc, char** argv, const std::function<void(bool)>& showLib
         render.render.inputs = inputsOf(render.arguments);
         renderCommand(makeRequest(render.arguments), render.render);
     }
+    if (batch.app->parsed()) return runBatchCommand(batch);
     if (measure.app->parsed()) measureCommand(makeRequest(measure.arguments), measure.json);
     if (key.app->parsed()) keyCommand(makeStyle(key.arguments));
     if (fonts.app->parsed()) fontsCommand(makeRequest(fonts.arguments), fonts.json);
     if (import->parsed()) importCommand(importOptions);
+    return kOk;
 }
 
 // A line for each mistake.
@@ -416,8 +438,7 @@ int run(int argc, char** argv, const std::function<void(bool)>& showLibraryLog) 
     // A file that may not grow further is a failed write.
     std::signal(SIGXFSZ, SIG_IGN);
     try {
-        parseAndRun(argc, argv, showLibraryLog);
-        return kOk;
+        return parseAndRun(argc, argv, showLibraryLog);
     } catch (const ToolError& error) {
         return fail(error.what(), error.status);
     } catch (const std::bad_alloc&) {

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "EncodingOptions.h"
 #include "Style.h"
 #include "scene/Arrangement.h"
 #include "scene/FontSource.h"
@@ -21,7 +22,7 @@ struct Request {
 struct RenderOptions {
     std::string output = "-";
     bool strict = false;  // missing glyphs are a failure
-    gxtext::PngCompression compression = gxtext::PngCompression::kDefault;
+    EncodingOptions encoding;
     // What the style and the text came from, as the command line names it.
     std::vector<std::string> inputs;
 };

@@ -164,8 +164,11 @@ Style EffectOptions::applyTo(Style style) const {
     for (const std::string& setting : settings_) {
         style = applied("--set " + setting, [&] { return withSetting(style, setting); });
     }
-    if (scale_) style = applied("--scale", [&] { return style.scaled(*scale_); });
     return style;
+}
+
+Style EffectOptions::scaled(const Style& style) const {
+    return scale_ ? applied("--scale", [&] { return style.scaled(*scale_); }) : style;
 }
 
 }  // namespace gxtool

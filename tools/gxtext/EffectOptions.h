@@ -19,9 +19,12 @@ class EffectOptions {
 public:
     void addTo(CLI::App& app);
 
-    // A copy with the effects given, then the fields set, then scaled. Throws ToolError with the
-    // option's name for a path that is not there and a value out of range.
+    // A copy with the effects given, then the fields set. Throws ToolError with the option's name
+    // for a path that is not there and a value out of range.
     Style applyTo(Style style) const;
+    // A copy with every length scaled, which comes last.
+    Style scaled(const Style& style) const;
+    const std::optional<float>& scale() const { return scale_; }
 
 private:
     struct Given {

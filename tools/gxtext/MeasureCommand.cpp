@@ -3,6 +3,7 @@
 
 #include "Commands.h"
 #include "Streams.h"
+#include "batch/ManifestLine.h"
 
 namespace gxtool {
 
@@ -13,25 +14,11 @@ using gxtext::Box;
 using gxtext::Line;
 using nlohmann::ordered_json;
 
-ordered_json boxJson(const Box& box) {
-    return {{"left", box.left}, {"top", box.top}, {"right", box.right}, {"bottom", box.bottom}};
-}
-
 ordered_json arrangementJson(const Arrangement& arrangement) {
     ordered_json lines = ordered_json::array();
-    for (const Line& line : arrangement.lines) {
-        lines.push_back({{"text", line.text},
-                         {"start", line.start},
-                         {"end", line.end},
-                         {"direction", line.rightToLeft ? "rtl" : "ltr"},
-                         {"x", line.x},
-                         {"baseline", line.baseline},
-                         {"advance", line.advance},
-                         {"box", boxJson(line.box)},
-                         {"ink", boxJson(line.ink)}});
-    }
+    for (const Line& line : arrangement.lines) lines.push_back(gxtext::lineJson(line));
     return {{"image", {{"width", arrangement.width}, {"height", arrangement.height}}},
-            {"margins", boxJson(arrangement.margins)},
+            {"margins", gxtext::boxJson(arrangement.margins)},
             {"lines", lines}};
 }
 

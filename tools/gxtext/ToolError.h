@@ -9,8 +9,9 @@ namespace gxtool {
 
 enum ExitStatus : int {
     kOk = 0,
-    kFailure = 1,  // the input or the machine: unreadable file, wrong style, no font
-    kUsage = 2,    // the command line
+    kFailure = 1,   // the input or the machine: unreadable file, wrong style, no font
+    kUsage = 2,     // the command line
+    kSomeRows = 3,  // some rows of a batch have no picture
 };
 
 // Thrown anywhere, caught once by run(), which prints "gxtext: " and the message.
