@@ -2,12 +2,12 @@
 #include <android/log.h>
 
 #include <cstdint>
-#include <limits>
 #include <optional>
 #include <vector>
 
 #include "base/NativeError.h"
 #include "bridge/BoundText.h"
+#include "bridge/Image.h"
 #include "bridge/JniReferences.h"
 #include "bridge/Natives.h"
 #include "effect/GxEffect.h"
@@ -78,41 +78,9 @@ std::optional<std::vector<GxGradient>> GradientStops(JNIEnv* env, jintArray colo
     return stops;
 }
 
-struct ImageSize {
-    int64_t width = 0;
-    int64_t height = 0;
-
-    bool FitsJavaArray() const {
-        constexpr int64_t kMost = std::numeric_limits<jsize>::max();
-        return width >= 0 && height >= 0 && width <= kMost && height <= kMost &&
-               (width == 0 || height <= kMost / width);
-    }
-    jsize Pixels() const { return static_cast<jsize>(width * height); }
-};
-
 ImageSize SizeWithMargins(const GxView& view, const GxEffect& effect) {
     return {int64_t{view.GetWidth()} + effect.getLeftOffset() + effect.getRightOffset(),
             int64_t{view.GetHeight()} + effect.getTopOffset() + effect.getBottomOffset()};
-}
-
-// Renders into the text object. Null when that failed: the object then answers with the frame
-// before, which is not the picture that was asked for.
-const uint32_t* Render(GxTextObject& text, ImageSize size) {
-    const GxBitmap* before = text.GetResultBitmap();
-    const uint32_t* pixels =
-        text.RenderTextEffect(static_cast<int>(size.width), static_cast<int>(size.height));
-    return text.GetResultBitmap() != before ? pixels : nullptr;
-}
-
-// A new Java array of these values; null, without an exception, when the VM has no room.
-jintArray NewIntArray(JNIEnv* env, const jint* values, jsize count) {
-    const jintArray array = env->NewIntArray(count);
-    if (array) {
-        env->SetIntArrayRegion(array, 0, count, values);
-    } else {
-        env->ExceptionClear();
-    }
-    return array;
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "base/GxString.h"
+#include "font/VariedFont.h"
 #include "scene/FaceFile.h"
 #include "scene/SceneError.h"
 #include "style/TextSettings.h"
@@ -20,8 +21,6 @@ namespace {
 
 using FontPointer = std::shared_ptr<minikin::MinikinFont>;
 
-// Set as the settings say; it lives on the bytes of the first one, which therefore lives as long.
-// Null for a font that cannot be set.
 FontPointer varied(const FontPointer& font, const std::string& settings) {
     std::vector<minikin::FontVariation> axes;
     for (const AxisSetting& setting :
@@ -30,10 +29,7 @@ FontPointer varied(const FontPointer& font, const std::string& settings) {
         for (const char c : setting.tag) tag = tag << 8 | static_cast<unsigned char>(c);
         axes.emplace_back(tag, setting.value);
     }
-    const FontPointer instance = font->createFontWithVariation(axes);
-    if (!instance) return nullptr;
-    const auto both = std::make_shared<std::pair<FontPointer, FontPointer>>(font, instance);
-    return FontPointer(both, both->second.get());
+    return GxFontEffect::VariedFont(font, axes);
 }
 
 }  // namespace

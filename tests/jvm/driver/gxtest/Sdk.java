@@ -39,6 +39,11 @@ final class Sdk {
         return invoke(TEXT, text, "GxText_" + method, arguments);
     }
 
+    /** Calls a native of the class whose natives are found by their names. */
+    static Object extension(String method, Object... arguments) {
+        return invoke(PACKAGE + "TextExtension", null, method, arguments);
+    }
+
     static boolean flag(Object text, String method, Object... arguments) {
         return (Boolean) call(text, method, arguments);
     }

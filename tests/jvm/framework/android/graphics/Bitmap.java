@@ -17,4 +17,11 @@ public class Bitmap {
     public static Bitmap createBitmap(int[] pixels, int width, int height, Config config) {
         return new Bitmap(pixels, width, height);
     }
+
+    public int getWidth() { return width; }
+    public int getHeight() { return height; }
+    public void getPixels(
+            int[] target, int offset, int stride, int x, int y, int columns, int rows) {
+        System.arraycopy(pixels, 0, target, offset, columns * rows);
+    }
 }

@@ -24,4 +24,13 @@ public class Typeface {
     public int getStyle() { return (bold ? BOLD : NORMAL) | (italic ? ITALIC : NORMAL); }
     public boolean isBold() { return bold; }
     public boolean isItalic() { return italic; }
+
+    public static final class Builder {
+        private final String path;
+
+        public Builder(String path) { this.path = path; }
+
+        public Builder setTtcIndex(int index) { return this; }
+        public Typeface build() { return createFromFile(path); }
+    }
 }

@@ -40,6 +40,7 @@ public class TextView {
     public CharSequence getText() { throw unwanted(); }
     public void invalidate() { throw unwanted(); }
     public void setFontFeatureSettings(String settings) { throw unwanted(); }
+    public boolean setFontVariationSettings(String settings) { throw unwanted(); }
     public void setGravity(int gravity) { throw unwanted(); }
     public void setLetterSpacing(float spacing) { throw unwanted(); }
     public void setLineSpacing(float extra, float factor) { throw unwanted(); }

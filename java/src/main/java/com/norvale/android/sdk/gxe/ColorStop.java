@@ -1,8 +1,8 @@
 package com.norvale.android.sdk.gxe;
 
-import com.norvale.android.sdk.gxe.annotation.ColorInt;
-import com.norvale.android.sdk.gxe.annotation.FloatRange;
-import com.norvale.android.sdk.gxe.annotation.NonNull;
+import androidx.annotation.ColorInt;
+import androidx.annotation.FloatRange;
+import androidx.annotation.NonNull;
 
 /** A colour at one place of a gradient. Immutable. */
 public final class ColorStop {

@@ -1,31 +1,24 @@
 package com.norvale.android.sdk.gxe;
 
-import android.util.JsonWriter;
-import com.norvale.android.sdk.gxe.annotation.ColorInt;
-import com.norvale.android.sdk.gxe.annotation.FloatRange;
-import com.norvale.android.sdk.gxe.annotation.NonNull;
-import com.norvale.android.sdk.gxe.annotation.Px;
-import java.io.IOException;
+import androidx.annotation.ColorInt;
+import androidx.annotation.FloatRange;
+import androidx.annotation.NonNull;
+import androidx.annotation.Px;
 
-/** An effect in one colour: {@link StrokeEffect}, {@link ShadowEffect} or {@link OuterGlowEffect}. */
+/** An effect in one colour: {@link StrokeEffect}, {@link ShadowEffect} or {@link GlowEffect}. */
 public abstract class ColoredEffect extends TextEffect {
-    private final float size;
-    private final int color;
-
-    ColoredEffect(String type, Builder<?> builder) {
-        super(type, builder.opacity);
-        size = builder.size;
-        color = builder.color;
+    ColoredEffect(Builder<?> builder) {
+        super(builder);
     }
 
     /**
      * Width of an outline, blur of a shadow, reach of a glow.
      *
-     * @return pixels, 0 to 100
+     * @return pixels, 0 to 100, more in a scaled style
      */
     @Px
     public final float getSize() {
-        return size;
+        return number("size");
     }
 
     /**
@@ -35,20 +28,7 @@ public abstract class ColoredEffect extends TextEffect {
      */
     @ColorInt
     public final int getColor() {
-        return color;
-    }
-
-    /**
-     * The opacity with the alpha of the colour in it. The native library takes a colour without its
-     * alpha; style files have both multiplied.
-     */
-    final float fadedOpacity() {
-        return faded(getOpacity(), color);
-    }
-
-    final void writeSizeAndColor(JsonWriter writer) throws IOException {
-        writer.name("size").value(StyleWriter.number(size));
-        writer.name("color").value(StyleWriter.color(color));
+        return color("color");
     }
 
     /**
@@ -56,30 +36,21 @@ public abstract class ColoredEffect extends TextEffect {
      *
      * @param <B> the builder of the effect itself
      */
-    public abstract static class Builder<B extends Builder<B>> {
-        private float size;
-        private int color;
-        private float opacity;
-
-        Builder(float size, int color, float opacity) {
-            this.size = size;
-            this.color = color;
-            this.opacity = opacity;
+    public abstract static class Builder<B extends Builder<B>> extends TextEffect.Builder<B> {
+        Builder(EffectType type) {
+            super(type);
         }
-
-        abstract B self();
 
         /**
          * Sets the width of an outline, the blur of a shadow, the reach of a glow.
          *
-         * @param size pixels, 0 to 100; rounded to whole pixels
+         * @param size pixels, 0 to 100; rounded to whole pixels when drawn
          * @return this builder
          * @throws IllegalArgumentException when out of range
          */
         @NonNull
         public final B setSize(@Px @FloatRange(from = 0, to = 100) float size) {
-            this.size = Range.PERCENT.check("size", size);
-            return self();
+            return set("size", size);
         }
 
         /**
@@ -90,21 +61,7 @@ public abstract class ColoredEffect extends TextEffect {
          */
         @NonNull
         public final B setColor(@ColorInt int color) {
-            this.color = color;
-            return self();
-        }
-
-        /**
-         * Sets the opacity.
-         *
-         * @param opacity 0 to 1
-         * @return this builder
-         * @throws IllegalArgumentException when out of range
-         */
-        @NonNull
-        public final B setOpacity(@FloatRange(from = 0, to = 1) float opacity) {
-            this.opacity = Range.UNIT.check("opacity", opacity);
-            return self();
+            return set("color", color);
         }
     }
 }

@@ -1,15 +1,11 @@
 package com.norvale.android.sdk.gxe;
 
+import android.content.Context;
 import android.content.res.AssetManager;
 import android.graphics.Typeface;
-import android.graphics.fonts.Font;
-import android.graphics.fonts.SystemFonts;
 import android.os.Build;
-import java.io.ByteArrayOutputStream;
 import java.io.File;
-import java.io.FileInputStream;
 import java.io.IOException;
-import java.io.InputStream;
 import java.util.Locale;
 
 /**
@@ -17,16 +13,29 @@ import java.util.Locale;
  * Equal when it is the same font.
  */
 final class FontSource {
-    private enum Kind { FILE, ASSET, FAMILY, SYSTEM }
+    private enum Kind { FILE, ASSET, FAMILY }
 
     private final Kind kind;
     private final String name;
     private final AssetManager assets;
+    private int index;
+    private String variations = "";
 
     private FontSource(Kind kind, String name, AssetManager assets) {
         this.kind = kind;
         this.name = name;
         this.assets = assets;
+    }
+
+    /** The font of a style, or null when it names none. */
+    static FontSource of(TextStyle style, Context context) {
+        if (style.getFont() == null) {
+            return null;
+        }
+        FontSource source = of(style.getFont(), context.getAssets());
+        source.index = style.getFontIndex() == null ? 0 : style.getFontIndex();
+        source.variations = style.getFontVariations() == null ? "" : style.getFontVariations();
+        return source;
     }
 
     /**
@@ -45,22 +54,15 @@ final class FontSource {
                 : new FontSource(Kind.FAMILY, font, null);
     }
 
-    /** The system's own font, for texts without one. */
-    static FontSource system(boolean bold) {
-        return new FontSource(Kind.SYSTEM, systemFileName(bold), null);
-    }
-
-    private static String systemFileName(boolean bold) {
-        return bold ? "Roboto-Bold.ttf" : "Roboto-Regular.ttf";
-    }
-
     Typeface toTypeface() {
         switch (kind) {
             case FILE:
                 if (!new File(name).canRead()) {
                     throw new IllegalArgumentException("font: no readable file \"" + name + "\"");
                 }
-                return Typeface.createFromFile(name);
+                return index == 0 || Build.VERSION.SDK_INT < 26
+                        ? Typeface.createFromFile(name)
+                        : Api26.ofFile(name, index);
             case ASSET:
                 requireAsset();
                 return Typeface.createFromAsset(assets, name);
@@ -82,43 +84,18 @@ final class FontSource {
     void putOn(GxText text) {
         switch (kind) {
             case FILE:
-                text.setFont(name);
+                text.setFont(name, index, variations);
                 break;
             case ASSET:
-                text.setFont(assets, name);
-                break;
-            case FAMILY:
-                text.setFontFamilyName(name);
-                text.setSystemFont(false);
+                if (index != 0) {
+                    throw new GxTextException("fontIndex: of a collection among the assets only the"
+                            + " first font is taken; copy \"" + name + "\" to a file");
+                }
+                text.setFont(assets, name, variations);
                 break;
             default:
-                text.setSystemFont(name.equals(systemFileName(true)));
+                text.setFontFamilyName(name);
                 break;
-        }
-    }
-
-    /** The system's own font; throws GxTextException when it has none that can be read. */
-    static File systemFile(boolean bold) {
-        String fileName = systemFileName(bold);
-        File file = Build.VERSION.SDK_INT >= 29
-                ? Api29.find(fileName)
-                : new File("/system/fonts/" + fileName);
-        if (file == null || !file.canRead()) {
-            throw new GxTextException("the system has no readable font; set one");
-        }
-        return file;
-    }
-
-    static byte[] readAll(File file) {
-        try (InputStream in = new FileInputStream(file)) {
-            ByteArrayOutputStream out = new ByteArrayOutputStream((int) file.length());
-            byte[] buffer = new byte[1 << 16];
-            for (int count = in.read(buffer); count >= 0; count = in.read(buffer)) {
-                out.write(buffer, 0, count);
-            }
-            return out.toByteArray();
-        } catch (IOException e) {
-            throw new GxTextException("the system's font " + file + " could not be read: " + e);
         }
     }
 
@@ -126,32 +103,27 @@ final class FontSource {
     public boolean equals(Object other) {
         return other instanceof FontSource
                 && kind == ((FontSource) other).kind
-                && name.equals(((FontSource) other).name);
+                && name.equals(((FontSource) other).name)
+                && index == ((FontSource) other).index
+                && variations.equals(((FontSource) other).variations);
     }
 
     @Override
     public int hashCode() {
-        return 31 * kind.hashCode() + name.hashCode();
+        return 31 * (31 * (31 * kind.hashCode() + name.hashCode()) + index) + variations.hashCode();
     }
 
-    /** Apart, so that older systems do not meet the class SystemFonts. */
-    private static final class Api29 {
-        private Api29() {}
+    /** Apart, so that older systems do not meet the class Typeface.Builder. */
+    private static final class Api26 {
+        private Api26() {}
 
-        /** The system font of that name, or else an upright one of ordinary weight; may be null. */
-        static File find(String fileName) {
-            File other = null;
-            for (Font font : SystemFonts.getAvailableFonts()) {
-                File file = font.getFile();
-                if (file != null && file.getName().equals(fileName)) {
-                    return file;
-                }
-                if (other == null && file != null && font.getStyle().getWeight() == 400
-                        && font.getStyle().getSlant() == 0) {
-                    other = file;
-                }
+        static Typeface ofFile(String name, int index) {
+            Typeface typeface = new Typeface.Builder(name).setTtcIndex(index).build();
+            if (typeface == null) {
+                throw new IllegalArgumentException(
+                        "fontIndex: \"" + name + "\" has no font " + index);
             }
-            return other;
+            return typeface;
         }
     }
 }

@@ -5,12 +5,15 @@ import android.graphics.Bitmap;
 import android.graphics.Paint;
 import android.text.Layout;
 import android.widget.TextView;
-import com.norvale.android.sdk.gxe.annotation.IntRange;
-import com.norvale.android.sdk.gxe.annotation.NonNull;
-import com.norvale.android.sdk.gxe.annotation.Px;
+import androidx.annotation.IntRange;
+import androidx.annotation.NonNull;
+import androidx.annotation.Px;
+import androidx.annotation.WorkerThread;
 import com.norvale.android.sdk.gxe.font.FontManager;
 import com.norvale.android.sdk.gxe.util.NativeLibrary;
 import java.io.File;
+import java.nio.charset.StandardCharsets;
+import java.util.ArrayList;
 import java.util.List;
 import java.util.Objects;
 
@@ -33,11 +36,24 @@ import java.util.Objects;
  * <p>Threads: one at a time, any; different objects may draw at the same time.
  */
 public final class GxText implements AutoCloseable {
+    private static final int REGULAR = 400;
+    private static final int BOLD = 700;
+
     /** Handle of the native object; negative until the first native call makes one. */
     // Read and written by the native library under this name.
     private int mHandle = -1;
 
     private boolean closed;
+
+    private TextStyle style = TextStyle.EMPTY;
+    private PatternLoader patternLoader;
+    private boolean keepsWholeInk;
+    private boolean confinesInside = true;
+
+    /** Family of the font that was set; negative without one. */
+    private int ownFamily = -1;
+    private final List<Integer> fallbackFamilies = new ArrayList<>();
+    private boolean systemBold;
 
     /**
      * Loads the native library if that has not been done.
@@ -49,12 +65,23 @@ public final class GxText implements AutoCloseable {
     }
 
     /**
+     * Reads the fonts of the system for all texts, see {@link FontManager#loadSystemFonts}.
+     *
+     * @return whether there is one that can be read
+     */
+    @WorkerThread
+    public static boolean loadSystemFonts() {
+        NativeLibrary.load();
+        return SystemFamilies.get().length > 0;
+    }
+
+    /**
      * Uses a font file for the text.
      *
-     * <p>The name's ending says which style the font has when it holds one of {@code -Thin},
-     * {@code -Light}, {@code -Medium}, {@code -Bold}, {@code -Black} or {@code -Italic}. Fonts
-     * under {@code /system/fonts/Roboto-} are taken from the system's configuration, see {@link
-     * FontManager#setFontConfig}.
+     * <p>After {@link FontManager#setFontConfig} the name's ending says which style the font has when
+     * it holds one of {@code -Thin}, {@code -Light}, {@code -Medium}, {@code -Bold}, {@code -Black}
+     * or {@code -Italic}, and fonts under {@code /system/fonts/Roboto-} are taken from that
+     * configuration. Otherwise the font itself says what it is.
      *
      * @param file path of a TrueType, OpenType or collection file, or the name of a font that
      *     {@link FontManager#insertFontData} has added
@@ -62,12 +89,56 @@ public final class GxText implements AutoCloseable {
      *     the process lives
      */
     public void setFont(@NonNull String file) {
+        setFont(file, 0, "");
+    }
+
+    /**
+     * Uses one font of a file, or a variable font at other places of its axes.
+     *
+     * @param file as for {@link #setFont(String)}
+     * @param index place in a collection file, 0 to 99; 0 in others
+     * @param variations axis settings such as {@code 'wght' 650, 'wdth' 80}, or an empty string
+     * @throws IllegalArgumentException when the settings are none
+     * @throws GxTextException when there is no such font
+     */
+    public void setFont(@NonNull String file, @IntRange(from = 0, to = 99) int index,
+            @NonNull String variations) {
         requireUsable("file", file);
-        if (!GxText_SetFont(file)) {
+        String problem = TextSettings.check("fontVariations", variations);
+        if (problem != null) {
+            throw new IllegalArgumentException("variations: " + problem);
+        }
+        int family = GxText_SetFont(file) ? SystemFamilies.familyOf(file, index, variations, "") : -1;
+        if (family < 0) {
             throw new GxTextException("file \"" + file + "\" " + (new File(file).canRead()
-                    ? "is not a usable font"
+                    ? "is not a usable font" + (index == 0 ? "" : ", or has none at index " + index)
                     : "is no readable file and no font of that name was added"));
         }
+        ownFamily = family;
+    }
+
+    /**
+     * Adds a font for what the text's own font and those added before lack; it goes before the
+     * system's. Not used after {@link FontManager#setFontConfig}.
+     *
+     * @param file as for {@link #setFont(String)}
+     * @param index place in a collection file, 0 to 99; 0 in others
+     * @param locales languages that it is preferred for, BCP 47, comma-separated; may be empty
+     * @throws IllegalArgumentException when the languages are none
+     * @throws GxTextException when there is no such font
+     */
+    public void addFallbackFont(@NonNull String file, @IntRange(from = 0, to = 99) int index,
+            @NonNull String locales) {
+        requireUsable("file", file);
+        String problem = TextSettings.checkLocale(locales);
+        if (problem != null) {
+            throw new IllegalArgumentException("locales: " + problem);
+        }
+        int family = SystemFamilies.familyOf(file, index, "", locales);
+        if (family < 0) {
+            throw new GxTextException("file \"" + file + "\" is not a usable font");
+        }
+        fallbackFamilies.add(family);
     }
 
     /**
@@ -85,6 +156,7 @@ public final class GxText implements AutoCloseable {
             throw new GxTextException(
                     "data (" + data.length + " bytes, name \"" + name + "\") is not a usable font");
         }
+        ownFamily = SystemFamilies.familyOf(name, 0, "", "");
     }
 
     /**
@@ -95,36 +167,41 @@ public final class GxText implements AutoCloseable {
      * @throws GxTextException when there is no such asset or it is no font
      */
     public void setFont(@NonNull AssetManager assets, @NonNull String path) {
+        setFont(assets, path, "");
+    }
+
+    void setFont(AssetManager assets, String path, String variations) {
         requireUsable("path", path);
         Objects.requireNonNull(assets, "assets");
         if (!GxText_SetFont3(assets, path)) {
             throw new GxTextException("path \"" + path + "\" is no font among the assets");
         }
+        ownFamily = SystemFamilies.familyOf(path, 0, variations, "");
     }
 
     /**
-     * Uses the system's own font. When the fonts of the system have been given to {@link
-     * FontManager#setFontConfig}, a text has them without this, and nothing is done.
+     * Uses the fonts of the system and no font of the text's own, as a new object does. They are read
+     * once for the process, see {@link FontManager#loadSystemFonts}.
      *
      * @param bold the bold weight instead of the regular one
      * @throws GxTextException when the system has no font that can be read
      */
-    // Under its own path the font would be taken for a part of a configuration that ordinary apps
-    // cannot give; so it is loaded under another name.
     public void setSystemFont(boolean bold) {
         requireOpen();
-        if (FontManager.hasSystemFonts()) {
-            return;
+        if (!FontManager.hasSystemFonts() && SystemFamilies.get().length == 0) {
+            throw new GxTextException("the system has no readable font; call setFont");
         }
-        File file = FontSource.systemFile(bold);
-        setFont("system:" + file.getName(), FontSource.readAll(file));
+        ownFamily = -1;
+        systemBold = bold;
     }
 
     /**
-     * Names the family that the text is set in. It chooses between styles of a font that was set;
-     * it does not look for a font.
+     * Uses a family of the system, such as {@code serif} or {@code monospace}. After {@link
+     * FontManager#setFontConfig} the name chooses between styles of a font that was set only.
      *
      * @param familyName the family's name
+     * @throws IllegalArgumentException when the system has no such family; the message names those
+     *     that it has
      * @throws GxTextException when the native library refuses it
      */
     public void setFontFamilyName(@NonNull String familyName) {
@@ -132,24 +209,100 @@ public final class GxText implements AutoCloseable {
         if (!GxText_SetFontFamilyName(familyName)) {
             throw new GxTextException("familyName \"" + familyName + "\" was refused");
         }
+        if (!FontManager.hasSystemFonts() && ownFamily < 0) {
+            ownFamily = SystemFamilies.named(familyName);
+        }
+    }
+
+    /**
+     * Gives the pictures of patterns; wanted before the effects that name them are set.
+     *
+     * @param loader gives a picture by its name
+     */
+    public void setPatternLoader(@NonNull PatternLoader loader) {
+        requireUsable("loader", loader);
+        patternLoader = loader;
     }
 
     /**
      * Replaces the effects.
      *
-     * @param effects in order of addition, at most one of each type
-     * @throws GxTextException when the native library refuses one; those before it stay
+     * @param effects at most 256, of two outside effects, and of two inside ones, the later on top
+     * @throws StyleException when a pattern has no picture, with its place; the object then has no
+     *     effects
      */
     public void setEffects(@NonNull List<? extends TextEffect> effects) {
         requireUsable("effects", effects);
-        GxText_ClearAllTextEffect();
+        TextStyle.Builder builder = style.toBuilder().clearEffects().setOrder(
+                TextStyle.Order.LISTED);
         for (int i = 0; i < effects.size(); i++) {
             TextEffect effect = effects.get(i);
             requireUsable("effects[" + i + "]", effect); // the list may have closed this object
-            if (effect.addTo(this) < 0) {
-                throw new GxTextException("effects[" + i + "] " + effect + " was refused");
-            }
+            builder.addEffect(effect);
         }
+        setStyle(builder.build());
+    }
+
+    /**
+     * Takes what a picture has of a style beside its text: effects, opacity, opacity of the letters'
+     * fill, canvas and the shape of background boxes. Text, font, colours and layout are the
+     * view's: see {@link TextStyle#applyTo}.
+     *
+     * @param style the style
+     * @throws StyleException when a pattern has no picture, with its place; the object then has no
+     *     effects
+     */
+    public void setStyle(@NonNull TextStyle style) {
+        requireUsable("style", style);
+        Pictures pictures = new Pictures(style, patternLoader);
+        this.style = TextStyle.EMPTY;
+        byte[] mistakes = TextExtension.dress(this,
+                StyleWriter.writeLook(style).getBytes(StandardCharsets.UTF_8), lengths(style),
+                (keepsWholeInk ? TextExtension.WHOLE_INK : 0)
+                        | (confinesInside ? 0 : TextExtension.LET_INSIDE_OUT),
+                pictures.names(), pictures.widths(), pictures.pixels());
+        if (mistakes != null) {
+            throw StyleException.of(mistakes);
+        }
+        this.style = style;
+    }
+
+    /** Size and distance of each effect. */
+    private static float[] lengths(TextStyle style) {
+        List<TextEffect> effects = style.getEffects();
+        float[] lengths = new float[2 * effects.size()];
+        for (int i = 0; i < effects.size(); i++) {
+            Object size = effects.get(i).get("size");
+            Object distance = effects.get(i).get("distance");
+            lengths[2 * i] = size == null ? 0 : (Float) size;
+            lengths[2 * i + 1] = distance == null ? 0 : (Float) distance;
+        }
+        return lengths;
+    }
+
+    /**
+     * Whether lines show all of their ink: the first letter keeps its bearing, what overhangs a
+     * line's end is not cut, and padding does not cut either. The picture is larger by what reaches
+     * beyond the view, and so are the margins.
+     *
+     * @param keeps true for all ink; false, as at first, begins the ink of a line at its left end
+     *     and ends it at its advance
+     */
+    public void setKeepsWholeInk(boolean keeps) {
+        requireOpen();
+        keepsWholeInk = keeps;
+        setStyle(style);
+    }
+
+    /**
+     * Whether inside effects (inner shadow, inner glow, inside stroke) stay within the letters.
+     *
+     * @param confines true, as at first; false lets them colour pixels beside the letters
+     */
+    public void setConfinesInside(boolean confines) {
+        requireOpen();
+        confinesInside = confines;
+        setStyle(style);
     }
 
     /**
@@ -200,6 +353,9 @@ public final class GxText implements AutoCloseable {
                     + view.getHeight() + " pixels");
         }
         require(GxText_SetView(view), "view");
+        if (style.number("opacity") != 1) {
+            TextExtension.fade(this, style.number("opacity"));
+        }
     }
 
     /**
@@ -238,7 +394,7 @@ public final class GxText implements AutoCloseable {
     @Px
     public int getLeftMargin() {
         requireOpen();
-        return GxText_GetEffectLeftOffset();
+        return keepsWholeInk ? measure()[TextExtension.LEFT] : GxText_GetEffectLeftOffset();
     }
 
     /**
@@ -249,7 +405,7 @@ public final class GxText implements AutoCloseable {
     @Px
     public int getTopMargin() {
         requireOpen();
-        return GxText_GetEffectTopOffset();
+        return keepsWholeInk ? measure()[TextExtension.TOP] : GxText_GetEffectTopOffset();
     }
 
     /**
@@ -260,7 +416,7 @@ public final class GxText implements AutoCloseable {
     @Px
     public int getRightMargin() {
         requireOpen();
-        return GxText_GetEffectRightOffset();
+        return keepsWholeInk ? measure()[TextExtension.RIGHT] : GxText_GetEffectRightOffset();
     }
 
     /**
@@ -271,7 +427,7 @@ public final class GxText implements AutoCloseable {
     @Px
     public int getBottomMargin() {
         requireOpen();
-        return GxText_GetEffectBottomOffset();
+        return keepsWholeInk ? measure()[TextExtension.BOTTOM] : GxText_GetEffectBottomOffset();
     }
 
     /**
@@ -282,15 +438,15 @@ public final class GxText implements AutoCloseable {
      * @throws GxTextException when the native library cannot draw, for want of memory for example
      */
     @NonNull
+    @WorkerThread
     public TextImage render() {
-        int[] pixels = renderPixels();
-        int[] size = GxText_GetDrawingBitmapSize();
-        if (size == null) {
-            throw new GxTextException("the size of the picture could not be read");
-        }
+        int[] frame = new int[TextExtension.FRAME_SIZE];
+        int[] pixels = renderPixels(frame);
         return new TextImage(
-                Bitmap.createBitmap(pixels, size[0], size[1], Bitmap.Config.ARGB_8888),
-                getLeftMargin(), getTopMargin(), getRightMargin(), getBottomMargin());
+                Bitmap.createBitmap(pixels, frame[TextExtension.WIDTH],
+                        frame[TextExtension.HEIGHT], Bitmap.Config.ARGB_8888),
+                frame[TextExtension.LEFT], frame[TextExtension.TOP], frame[TextExtension.RIGHT],
+                frame[TextExtension.BOTTOM]);
     }
 
     /**
@@ -302,9 +458,17 @@ public final class GxText implements AutoCloseable {
      * @throws GxTextException when the native library cannot draw, for want of memory for example
      */
     @NonNull
+    @WorkerThread
     public int[] renderPixels() {
+        return renderPixels(new int[TextExtension.FRAME_SIZE]);
+    }
+
+    private int[] renderPixels(int[] frame) {
         requireOpen();
-        int[] pixels = GxText_RenderTextEffect();
+        useFonts();
+        int[] pixels = keepsWholeInk
+                ? TextExtension.render(this, frame)
+                : renderView(frame);
         if (pixels == null) {
             throw new GxTextException("the text could not be drawn");
         }
@@ -312,6 +476,58 @@ public final class GxText implements AutoCloseable {
             throw new IllegalStateException("there is no view to draw for; call setSource first");
         }
         return pixels;
+    }
+
+    /** With the margins of the effects alone. */
+    private int[] renderView(int[] frame) {
+        int[] pixels = GxText_RenderTextEffect();
+        int[] size = GxText_GetDrawingBitmapSize();
+        if (pixels == null || size == null) {
+            return null;
+        }
+        frame[TextExtension.WIDTH] = size[0];
+        frame[TextExtension.HEIGHT] = size[1];
+        frame[TextExtension.LEFT] = GxText_GetEffectLeftOffset();
+        frame[TextExtension.TOP] = GxText_GetEffectTopOffset();
+        frame[TextExtension.RIGHT] = GxText_GetEffectRightOffset();
+        frame[TextExtension.BOTTOM] = GxText_GetEffectBottomOffset();
+        return pixels;
+    }
+
+    private int[] measure() {
+        useFonts();
+        int[] frame = new int[TextExtension.FRAME_SIZE];
+        if (!TextExtension.measure(this, frame)) {
+            throw new GxTextException("the text could not be measured");
+        }
+        return frame;
+    }
+
+    /** The text's own font first, those of the system for what it lacks. */
+    private void useFonts() {
+        if (FontManager.hasSystemFonts()) {
+            return; // the configuration serves by itself
+        }
+        List<Integer> order = new ArrayList<>();
+        if (ownFamily >= 0) {
+            order.add(ownFamily);
+        }
+        order.addAll(fallbackFamilies);
+        for (int family : SystemFamilies.get()) {
+            order.add(family);
+        }
+        if (order.isEmpty()) {
+            throw new GxTextException("the text has no font and the system none that can be read; "
+                    + "call setFont or set the style's font");
+        }
+        int[] families = new int[order.size()];
+        for (int i = 0; i < families.length; i++) {
+            families[i] = order.get(i);
+        }
+        int weight = ownFamily >= 0 ? 0 : systemBold ? BOLD : REGULAR;
+        if (!TextExtension.setFamilies(this, families, weight)) {
+            throw new GxTextException("the fonts were refused");
+        }
     }
 
     /** Gives the native memory back. Does nothing when that has been done. */
@@ -347,28 +563,6 @@ public final class GxText implements AutoCloseable {
         }
     }
 
-    int addInnerShadow(float angle, float distance, float size, int color, float opacity) {
-        return GxText_AddInnerShadowTextEffect(angle, distance, size, color, opacity);
-    }
-
-    int addOuterShadow(float angle, float distance, float size, int color, float opacity) {
-        return GxText_AddOuterShadowTextEffect(angle, distance, size, color, opacity);
-    }
-
-    int addOuterGlow(float size, int color, float opacity) {
-        return GxText_AddOuterGlowTextEffect(size, color, opacity);
-    }
-
-    int addStroke(float size, int color, float opacity, int cap, int position) {
-        return GxText_AddStrokeTextEffect(size, color, opacity, cap, position);
-    }
-
-    int addLinearGradient(float angle, float scale, int[] colors, float[] opacities,
-            float[] positions, float opacity) {
-        return GxText_AddLinearGradientTextEffect(
-                angle, scale, colors, opacities, positions, opacity);
-    }
-
     private void requireOpen() {
         if (closed) {
             throw new IllegalStateException("this GxText is closed");
@@ -388,6 +582,7 @@ public final class GxText implements AutoCloseable {
 
     private native void GxText_finalize();
 
+    // The effects go in as a style; these stay for the table that registers them all.
     private native int GxText_AddInnerShadowTextEffect(
             float angle, float distance, float size, int color, float opacity);
 

@@ -1,6 +1,6 @@
 package com.norvale.android.sdk.gxe;
 
-import com.norvale.android.sdk.gxe.annotation.NonNull;
+import androidx.annotation.NonNull;
 import com.norvale.android.sdk.gxe.util.GxError;
 
 /** The native library refused something. The message names it and what the library's code means. */

@@ -1,6 +1,8 @@
 package com.norvale.android.sdk.gxe;
 
 import android.content.Context;
+import android.graphics.Bitmap;
+import android.graphics.BitmapFactory;
 import android.graphics.Canvas;
 import android.graphics.Paint;
 import android.graphics.drawable.Drawable;
@@ -12,9 +14,13 @@ import android.util.Log;
 import android.view.ViewGroup;
 import android.view.ViewParent;
 import android.widget.TextView;
-import com.norvale.android.sdk.gxe.annotation.NonNull;
-import com.norvale.android.sdk.gxe.annotation.Nullable;
+import androidx.annotation.NonNull;
+import androidx.annotation.Nullable;
 import com.norvale.android.sdk.gxe.font.FontManager;
+import java.io.File;
+import java.io.FileInputStream;
+import java.io.IOException;
+import java.io.InputStream;
 import java.util.Arrays;
 import java.util.Objects;
 
@@ -36,8 +42,7 @@ import java.util.Objects;
  * text (which shows the hint), a scrolled text, compound drawables, the layout editor. Selection
  * and cursor are not drawn over effects; links and other spans do not show but the background.
  *
- * <p>The system's own font serves when the style names none, in the regular and the bold weight.
- * Texts in scripts that it lacks need a font of their own.
+ * <p>The system's fonts serve when the style names none, and for what its font lacks.
  *
  * <p>Threads: the main one, as with all views.
  */
@@ -46,6 +51,7 @@ public class GxTextView extends TextView {
     private static final String TAG = "GxTextView";
 
     private TextStyle style = TextStyle.EMPTY;
+    private PatternLoader patternLoader = this::loadPattern;
     private boolean growsBeyondBounds = true;
 
     /** Native object; null until something is drawn and while detached. */
@@ -99,7 +105,7 @@ public class GxTextView extends TextView {
      */
     public void setTextStyle(@NonNull TextStyle style) {
         Objects.requireNonNull(style, "style");
-        FontSource font = fontOf(style);
+        FontSource font = FontSource.of(style, getContext());
         GxText opened =
                 style.getEffects().isEmpty() || isInEditMode() ? null : openText(style, font);
         try {
@@ -124,6 +130,30 @@ public class GxTextView extends TextView {
     @NonNull
     public TextStyle getTextStyle() {
         return style;
+    }
+
+    /**
+     * Gives the pictures of patterns from now on. Without one, an absolute path is a file and all
+     * else an asset.
+     *
+     * @param loader gives a picture by its name
+     */
+    public void setPatternLoader(@NonNull PatternLoader loader) {
+        patternLoader = Objects.requireNonNull(loader, "loader");
+    }
+
+    private Bitmap loadPattern(String pattern) throws IOException {
+        BitmapFactory.Options options = new BitmapFactory.Options();
+        options.inPremultiplied = false;
+        try (InputStream in = new File(pattern).isAbsolute()
+                        ? new FileInputStream(pattern)
+                        : getContext().getAssets().open(pattern)) {
+            Bitmap picture = BitmapFactory.decodeStream(in, null, options);
+            if (picture == null) {
+                throw new IOException("not a picture");
+            }
+            return picture;
+        }
     }
 
     /**
@@ -200,7 +230,7 @@ public class GxTextView extends TextView {
         image = null;
         try {
             if (text == null) {
-                textFont = fontOf(style);
+                textFont = FontSource.of(style, getContext());
                 text = openText(style, textFont);
             }
             useSystemFont();
@@ -214,16 +244,11 @@ public class GxTextView extends TextView {
         return image;
     }
 
-    private FontSource fontOf(TextStyle style) {
-        return style.getFont() == null
-                ? null
-                : FontSource.of(style.getFont(), getContext().getAssets());
-    }
-
-    private static GxText openText(TextStyle style, FontSource font) {
+    private GxText openText(TextStyle style, FontSource font) {
         GxText opened = new GxText();
         try {
-            opened.setEffects(style.getEffects());
+            opened.setPatternLoader(patternLoader);
+            opened.setStyle(style);
             if (font != null) {
                 font.putOn(opened);
             }
@@ -235,13 +260,8 @@ public class GxTextView extends TextView {
     }
 
     private void useSystemFont() {
-        if (style.getFont() != null || FontManager.hasSystemFonts()) {
-            return;
-        }
-        FontSource wanted = FontSource.system(getTypeface() != null && getTypeface().isBold());
-        if (!wanted.equals(textFont)) {
-            wanted.putOn(text);
-            textFont = wanted;
+        if (textFont == null) {
+            text.setSystemFont(getTypeface() != null && getTypeface().isBold());
         }
     }
 

@@ -1,52 +1,54 @@
 package com.norvale.android.sdk.gxe;
 
-import android.util.JsonWriter;
-import com.norvale.android.sdk.gxe.annotation.NonNull;
-import java.io.IOException;
+import androidx.annotation.NonNull;
 
-/** A glow around the letters. */
-public final class OuterGlowEffect extends ColoredEffect {
+/**
+ * A glow around the letters.
+ *
+ * <p>Defaults: white, reaching 5 pixels, opacity 0.75, no spread, cast from the bare letters.
+ *
+ * <p><img src="doc-files/outerGlow.png" alt="Letters that glow">
+ */
+public final class OuterGlowEffect extends GlowEffect {
     private OuterGlowEffect(Builder builder) {
-        super("outerGlow", builder);
+        super(builder);
+    }
+
+    /**
+     * What casts the glow.
+     *
+     * @return the letters alone or with their outlines
+     */
+    @NonNull
+    public CastFrom getCastFrom() {
+        return (CastFrom) get("castFrom");
     }
 
     @Override
-    int addTo(GxText text) {
-        return text.addOuterGlow(whole(getSize()), getColor(), fadedOpacity());
-    }
-
-    @Override
-    int rank() {
-        return 1;
-    }
-
-    @Override
-    Object[] settings() {
-        return new Object[] {getSize(), getColor()};
-    }
-
-    @Override
-    void writeSettings(JsonWriter writer) throws IOException {
-        writeSizeAndColor(writer);
+    @NonNull
+    public Builder toBuilder() {
+        return copyTo(new Builder());
     }
 
     /** Starts from a white glow of 5 pixels with opacity 0.75. */
-    public static final class Builder extends ColoredEffect.Builder<Builder> {
+    public static final class Builder extends GlowEffect.Builder<Builder> {
         /** A glow with the settings that a style file leaves out. */
         public Builder() {
-            super(5, 0xFFFFFFFF, 0.75f);
-        }
-
-        @Override
-        Builder self() {
-            return this;
+            super(EffectType.OUTER_GLOW);
         }
 
         /**
-         * Makes the effect.
+         * Sets what casts the glow.
          *
-         * @return a glow with the settings so far
+         * @param castFrom the letters alone or with their outlines
+         * @return this builder
          */
+        @NonNull
+        public Builder setCastFrom(@NonNull CastFrom castFrom) {
+            return setRequired("castFrom", castFrom);
+        }
+
+        @Override
         @NonNull
         public OuterGlowEffect build() {
             return new OuterGlowEffect(this);

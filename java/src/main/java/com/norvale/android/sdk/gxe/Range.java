@@ -5,9 +5,6 @@ import java.math.BigDecimal;
 /** A closed interval of accepted values: those of the style files. */
 final class Range {
     static final Range UNIT = new Range(0, 1);
-    static final Range PERCENT = new Range(0, 100);
-    static final Range ANGLE = new Range(-360, 360);
-    static final Range GRADIENT_SCALE = new Range(0, 2);
 
     final double min;
     final double max;
@@ -28,6 +25,10 @@ final class Range {
             throw new IllegalArgumentException(where + ": " + plain(value) + " is out of range " + this);
         }
         return (float) value;
+    }
+
+    float clamp(float value) {
+        return (float) Math.max(min, Math.min(max, value));
     }
 
     /** "0-100", or "-360 to 360" when a sign would blur into the dash. */

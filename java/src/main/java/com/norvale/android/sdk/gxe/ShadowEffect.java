@@ -1,22 +1,21 @@
 package com.norvale.android.sdk.gxe;
 
-import android.util.JsonWriter;
-import com.norvale.android.sdk.gxe.annotation.FloatRange;
-import com.norvale.android.sdk.gxe.annotation.NonNull;
-import com.norvale.android.sdk.gxe.annotation.Px;
-import java.io.IOException;
+import androidx.annotation.FloatRange;
+import androidx.annotation.NonNull;
+import androidx.annotation.Px;
 
-/** A soft shadow, behind the letters or inside them. */
+/**
+ * A soft shadow, behind the letters or inside them.
+ *
+ * <p>Defaults: black, 5 pixels away from a light at 120 degrees, blurred over 5 pixels, opacity 0.75,
+ * no spread, cast from the bare letters.
+ *
+ * <p><img src="doc-files/outerShadow.png" alt="Letters with a shadow behind them"> <img
+ * src="doc-files/innerShadow.png" alt="Letters with a shadow inside them">
+ */
 public final class ShadowEffect extends ColoredEffect {
-    private final boolean inner;
-    private final float angle;
-    private final float distance;
-
     private ShadowEffect(Builder builder) {
-        super(builder.inner ? "innerShadow" : "outerShadow", builder);
-        inner = builder.inner;
-        angle = builder.angle;
-        distance = builder.distance;
+        super(builder);
     }
 
     /**
@@ -27,7 +26,7 @@ public final class ShadowEffect extends ColoredEffect {
      */
     @NonNull
     public static Builder outer() {
-        return new Builder(false);
+        return new Builder(EffectType.OUTER_SHADOW);
     }
 
     /**
@@ -38,7 +37,7 @@ public final class ShadowEffect extends ColoredEffect {
      */
     @NonNull
     public static Builder inner() {
-        return new Builder(true);
+        return new Builder(EffectType.INNER_SHADOW);
     }
 
     /**
@@ -47,7 +46,7 @@ public final class ShadowEffect extends ColoredEffect {
      * @return true for an inner shadow, false for an outer one
      */
     public boolean isInner() {
-        return inner;
+        return type == EffectType.INNER_SHADOW;
     }
 
     /**
@@ -56,92 +55,103 @@ public final class ShadowEffect extends ColoredEffect {
      * @return degrees counter-clockwise from the right, -360 to 360
      */
     public float getAngle() {
-        return angle;
+        return number("angle");
     }
 
     /**
      * How far the shadow is shifted away from the light.
      *
-     * @return pixels, 0 to 100
+     * @return pixels, 0 to 100, more in a scaled style
      */
     @Px
     public float getDistance() {
-        return distance;
+        return number("distance");
+    }
+
+    /**
+     * How much wider than the letters an outer shadow starts, or how far inside their edges an inner
+     * one does ({@code choke} in style files).
+     *
+     * @return pixels, 0 to 100
+     */
+    @Px
+    public float getSpread() {
+        return number(isInner() ? "choke" : "spread");
+    }
+
+    /**
+     * What casts an outer shadow.
+     *
+     * @return the letters alone, as always with an inner one, or with their outlines
+     */
+    @NonNull
+    public CastFrom getCastFrom() {
+        return isInner() ? CastFrom.LETTERS : (CastFrom) get("castFrom");
     }
 
     @Override
-    int addTo(GxText text) {
-        return inner
-                ? text.addInnerShadow(whole(angle), whole(distance), whole(getSize()), getColor(),
-                        fadedOpacity())
-                : text.addOuterShadow(whole(angle), whole(distance), whole(getSize()), getColor(),
-                        fadedOpacity());
-    }
-
-    @Override
-    int rank() {
-        return inner ? 6 : 0;
-    }
-
-    @Override
-    Object[] settings() {
-        return new Object[] {angle, distance, getSize(), getColor()};
-    }
-
-    @Override
-    void writeSettings(JsonWriter writer) throws IOException {
-        writer.name("angle").value(StyleWriter.number(angle));
-        writer.name("distance").value(StyleWriter.number(distance));
-        writeSizeAndColor(writer);
+    @NonNull
+    public Builder toBuilder() {
+        return copyTo(new Builder(type));
     }
 
     /** Collects the settings of a shadow; see {@link #outer()} and {@link #inner()}. */
     public static final class Builder extends ColoredEffect.Builder<Builder> {
-        private final boolean inner;
-        private float angle = 120;
-        private float distance = 5;
-
-        private Builder(boolean inner) {
-            super(5, 0xFF000000, 0.75f);
-            this.inner = inner;
+        private Builder(EffectType type) {
+            super(type);
         }
 
         /**
          * Sets where the light comes from.
          *
          * @param angle degrees counter-clockwise from the right, -360 to 360; rounded to a whole one
+         *     when drawn
          * @return this builder
          * @throws IllegalArgumentException when out of range
          */
         @NonNull
         public Builder setAngle(@FloatRange(from = -360, to = 360) float angle) {
-            this.angle = Range.ANGLE.check("angle", angle);
-            return this;
+            return set("angle", angle);
         }
 
         /**
          * Sets the shift away from the light.
          *
-         * @param distance pixels, 0 to 100; rounded to whole pixels
+         * @param distance pixels, 0 to 100; rounded to whole pixels when drawn
          * @return this builder
          * @throws IllegalArgumentException when out of range
          */
         @NonNull
         public Builder setDistance(@Px @FloatRange(from = 0, to = 100) float distance) {
-            this.distance = Range.PERCENT.check("distance", distance);
-            return this;
-        }
-
-        @Override
-        Builder self() {
-            return this;
+            return set("distance", distance);
         }
 
         /**
-         * Makes the effect.
+         * Sets how much wider than the letters an outer shadow starts, or how far inside their edges
+         * an inner one does ({@code choke} in style files).
          *
-         * @return a shadow with the settings so far
+         * @param spread pixels, 0 to 100; rounded to whole pixels when drawn
+         * @return this builder
+         * @throws IllegalArgumentException when out of range
          */
+        @NonNull
+        public Builder setSpread(@Px @FloatRange(from = 0, to = 100) float spread) {
+            return set(type == EffectType.INNER_SHADOW ? "choke" : "spread", spread);
+        }
+
+        /**
+         * Sets what casts an outer shadow.
+         *
+         * @param castFrom the letters alone or with their outlines
+         * @return this builder
+         * @throws IllegalArgumentException for an inner shadow
+         */
+        @NonNull
+        public Builder setCastFrom(@NonNull CastFrom castFrom) {
+            return setRequired("castFrom", castFrom);
+        }
+
+        @Override
         @NonNull
         public ShadowEffect build() {
             return new ShadowEffect(this);

@@ -1,38 +1,40 @@
 package com.norvale.android.sdk.gxe;
 
-import android.util.JsonWriter;
-import com.norvale.android.sdk.gxe.annotation.NonNull;
-import java.io.IOException;
-import java.util.Objects;
+import androidx.annotation.ColorInt;
+import androidx.annotation.NonNull;
+import androidx.annotation.Nullable;
 
-/** An outline along the edges of the letters. */
+/**
+ * An outline along the edges of the letters, in a colour, a gradient or a pattern.
+ *
+ * <p>Defaults: 2 pixels wide, black, opaque, around the letters.
+ *
+ * <p><img src="doc-files/stroke.png" alt="Letters with an outline">
+ */
 public final class StrokeEffect extends ColoredEffect {
     /** Which side of the edge the outline lies on. */
-    public enum Position {
+    public enum Position implements Property.Named {
         /** Half inside, half outside; drawn over the text's fill. */
-        CENTER("center", 0),
+        CENTER("center"),
         /** Around the letters, beneath their fill. */
-        OUTSIDE("outside", 1),
+        OUTSIDE("outside"),
         /** Within the letters. */
-        INSIDE("inside", 2);
+        INSIDE("inside");
 
-        final String styleName;
-        final int nativeValue;
+        private final String styleName;
 
-        Position(String styleName, int nativeValue) {
+        Position(String styleName) {
             this.styleName = styleName;
-            this.nativeValue = nativeValue;
+        }
+
+        @Override
+        public String styleName() {
+            return styleName;
         }
     }
 
-    /** The native library takes a number that no effect reads. */
-    private static final int NO_CAP = 0;
-
-    private final Position position;
-
     private StrokeEffect(Builder builder) {
-        super("stroke", builder);
-        position = builder.position;
+        super(builder);
     }
 
     /**
@@ -42,38 +44,30 @@ public final class StrokeEffect extends ColoredEffect {
      */
     @NonNull
     public Position getPosition() {
-        return position;
+        return (Position) get("position");
+    }
+
+    /**
+     * What paints the outline in place of the colour.
+     *
+     * @return a gradient or a pattern, or null for the colour
+     */
+    @Nullable
+    public TextEffect getFill() {
+        return get("fill") instanceof TextEffect ? (TextEffect) get("fill") : null;
     }
 
     @Override
-    int addTo(GxText text) {
-        return text.addStroke(
-                whole(getSize()), getColor(), fadedOpacity(), NO_CAP, position.nativeValue);
-    }
-
-    @Override
-    int rank() {
-        return position == Position.OUTSIDE ? 2 : 8;
-    }
-
-    @Override
-    Object[] settings() {
-        return new Object[] {getSize(), getColor(), position};
-    }
-
-    @Override
-    void writeSettings(JsonWriter writer) throws IOException {
-        writeSizeAndColor(writer);
-        writer.name("position").value(position.styleName);
+    @NonNull
+    public Builder toBuilder() {
+        return copyTo(new Builder());
     }
 
     /** Starts from a black outline of 2 pixels around the letters. */
     public static final class Builder extends ColoredEffect.Builder<Builder> {
-        private Position position = Position.OUTSIDE;
-
         /** An outline with the settings that a style file leaves out. */
         public Builder() {
-            super(2, 0xFF000000, 1);
+            super(EffectType.STROKE);
         }
 
         /**
@@ -84,20 +78,40 @@ public final class StrokeEffect extends ColoredEffect {
          */
         @NonNull
         public Builder setPosition(@NonNull Position position) {
-            this.position = Objects.requireNonNull(position, "position");
-            return this;
-        }
-
-        @Override
-        Builder self() {
-            return this;
+            return setRequired("position", position);
         }
 
         /**
-         * Makes the effect.
+         * Paints the outline with an effect that runs over the outline's own box.
          *
-         * @return an outline with the settings so far
+         * @param fill a {@link LinearGradientEffect}, a {@link RadialGradientEffect} or a {@link
+         *     PatternEffect}; null for the colour
+         * @return this builder
+         * @throws IllegalArgumentException for any other effect
          */
+        @NonNull
+        public Builder setFill(@Nullable TextEffect fill) {
+            if (fill != null && !(fill instanceof GradientEffect)
+                    && !(fill instanceof PatternEffect)) {
+                throw new IllegalArgumentException(
+                        "fill: " + fill.getType() + " is no gradient and no pattern");
+            }
+            return set("fill", fill);
+        }
+
+        /**
+         * Paints the outline with a colour that goes before {@link #setColor}'s, as a style file
+         * can say it too.
+         *
+         * @param color {@code 0xAARRGGBB}; the alpha multiplies the opacity
+         * @return this builder
+         */
+        @NonNull
+        public Builder setFillColor(@ColorInt int color) {
+            return set("fill", color);
+        }
+
+        @Override
         @NonNull
         public StrokeEffect build() {
             return new StrokeEffect(this);

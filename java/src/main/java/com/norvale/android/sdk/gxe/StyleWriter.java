@@ -3,6 +3,7 @@ package com.norvale.android.sdk.gxe;
 import android.util.JsonWriter;
 import java.io.IOException;
 import java.io.StringWriter;
+import java.util.Arrays;
 import java.util.List;
 import java.util.Locale;
 
@@ -12,33 +13,52 @@ final class StyleWriter {
         void write(JsonWriter writer) throws IOException;
     }
 
+    /** The fields that show in a picture beside the effects and that views know nothing of. */
+    private static final List<String> LOOK =
+            Arrays.asList("opacity", "fillOpacity", "background", "canvas");
+
     private StyleWriter() {}
 
     /** A whole style, indented; only what it says. */
     static String write(TextStyle style) {
         return toText("  ", writer -> {
             writer.beginObject();
-            for (TextStyle.Field field : TextStyle.Field.values()) {
-                Object value = style.get(field);
-                if (value != null) {
-                    writeValue(writer.name(field.styleName), field, value);
-                }
-            }
+            writeFields(writer, style);
             if (!style.getEffects().isEmpty()) {
-                writeEffects(writer.name("effects"), style.getEffects());
+                writeEffects(writer.name("effects"), style.getEffects(), false);
             }
             writer.endObject();
         });
     }
 
-    /** A list of effects on one line. */
-    static String write(List<TextEffect> effects) {
-        return toText("", writer -> writeEffects(writer, effects));
+    /** What the native object takes of a style, in the order of the stack, on one line. */
+    static String writeLook(TextStyle style) {
+        return writeLook(style, true);
+    }
+
+    /** The same with lengths as they are, also those that no file may hold. */
+    static String key(TextStyle style) {
+        return writeLook(style, false);
+    }
+
+    private static String writeLook(TextStyle style, boolean fitting) {
+        return toText("", writer -> {
+            writer.beginObject();
+            for (Property property : TextStyle.PROPERTIES) {
+                Object value = style.get(property.name);
+                if (value != null && LOOK.contains(property.name)) {
+                    writeValue(writer.name(property.name), property, value, fitting);
+                }
+            }
+            writer.name("order").value("listed");
+            writeEffects(writer.name("effects"), style.getEffects(), fitting);
+            writer.endObject();
+        });
     }
 
     /** One effect on one line. */
     static String write(TextEffect effect) {
-        return toText("", writer -> writeEffect(writer, effect));
+        return toText("", writer -> writeEffect(writer, effect, false));
     }
 
     /** "#RRGGBB" when opaque, otherwise "#AARRGGBB". */
@@ -68,26 +88,45 @@ final class StyleWriter {
         return text.toString();
     }
 
-    private static void writeValue(JsonWriter writer, TextStyle.Field field, Object value)
-            throws IOException {
-        switch (field.kind) {
+    private static void writeFields(JsonWriter writer, TextStyle style) throws IOException {
+        for (Property property : TextStyle.PROPERTIES) {
+            Object value = style.get(property.name);
+            if (value != null) {
+                writeValue(writer.name(property.name), property, value, false);
+            }
+        }
+    }
+
+    private static void writeValue(JsonWriter writer, Property property, Object value,
+            boolean fitting) throws IOException {
+        switch (property.kind) {
             case COLOR:
                 writer.value(color((Integer) value));
                 break;
             case NUMBER:
-                writer.value(number((Float) value));
-                break;
-            case PADDING:
-                writePadding(writer, (List<?>) value);
+                float number = (Float) value;
+                writer.value(number(fitting ? property.range.clamp(number) : number));
                 break;
             case CHOICE:
-                writer.value(((TextStyle.Named) value).styleName());
+                writer.value(((Property.Named) value).styleName());
                 break;
             case BOOLEAN:
                 writer.value((Boolean) value);
                 break;
             case INTEGER:
                 writer.value((Integer) value);
+                break;
+            case PADDING:
+                writePadding(writer, (List<?>) value);
+                break;
+            case STOPS:
+                writeStops(writer, (List<?>) value);
+                break;
+            case FILL:
+                writeFill(writer, value, fitting);
+                break;
+            case BACKGROUND:
+                writeBackground(writer, (TextBackground) value);
                 break;
             default:
                 writer.value((String) value);
@@ -103,20 +142,63 @@ final class StyleWriter {
         writer.endArray();
     }
 
-    private static void writeEffects(JsonWriter writer, List<TextEffect> effects)
-            throws IOException {
+    private static void writeStops(JsonWriter writer, List<?> stops) throws IOException {
         writer.beginArray();
-        for (TextEffect effect : effects) {
-            writeEffect(writer, effect);
+        for (Object element : stops) {
+            ColorStop stop = (ColorStop) element;
+            writer.beginObject();
+            writer.name("color").value(color(stop.getColor()));
+            if (stop.getOpacity() != 1) {
+                writer.name("opacity").value(number(stop.getOpacity()));
+            }
+            writer.name("position").value(number(stop.getPosition()));
+            writer.endObject();
         }
         writer.endArray();
     }
 
-    private static void writeEffect(JsonWriter writer, TextEffect effect) throws IOException {
+    private static void writeFill(JsonWriter writer, Object fill, boolean fitting)
+            throws IOException {
+        if (fill instanceof TextEffect) {
+            writeEffect(writer, (TextEffect) fill, fitting);
+        } else {
+            writer.value(color((Integer) fill));
+        }
+    }
+
+    private static void writeBackground(JsonWriter writer, TextBackground box)
+            throws IOException {
+        if (box.isPlain()) {
+            writer.value(color(box.getColor()));
+            return;
+        }
+        writer.beginObject();
+        writer.name("color").value(color(box.getColor()));
+        writer.name("radius").value(box.getRadius());
+        writer.name("padding").value(box.getPadding());
+        writer.name("span").value(box.getSpan().styleName());
+        writer.endObject();
+    }
+
+    private static void writeEffects(JsonWriter writer, List<TextEffect> effects, boolean fitting)
+            throws IOException {
+        writer.beginArray();
+        for (TextEffect effect : effects) {
+            writeEffect(writer, effect, fitting);
+        }
+        writer.endArray();
+    }
+
+    private static void writeEffect(JsonWriter writer, TextEffect effect, boolean fitting)
+            throws IOException {
         writer.beginObject();
         writer.name("type").value(effect.getType());
-        effect.writeSettings(writer);
-        writer.name("opacity").value(number(effect.getOpacity()));
+        for (Property property : effect.type.properties.values()) {
+            Object value = effect.get(property.name);
+            if (value != null) {
+                writeValue(writer.name(property.name), property, value, fitting);
+            }
+        }
         writer.endObject();
     }
 }

@@ -1,32 +1,50 @@
 package com.norvale.android.sdk.gxe;
 
-import android.util.JsonWriter;
-import com.norvale.android.sdk.gxe.annotation.FloatRange;
-import com.norvale.android.sdk.gxe.annotation.NonNull;
-import java.io.IOException;
-import java.util.Arrays;
+import androidx.annotation.FloatRange;
+import androidx.annotation.NonNull;
+import java.util.ArrayList;
+import java.util.Collections;
+import java.util.LinkedHashMap;
+import java.util.List;
+import java.util.Map;
+import java.util.Objects;
 
 /**
- * One effect of a text: {@link StrokeEffect}, {@link ShadowEffect}, {@link OuterGlowEffect} or
- * {@link LinearGradientEffect}. Immutable; equal when type and settings are.
+ * One effect of a text: {@link StrokeEffect}, {@link ShadowEffect}, {@link OuterGlowEffect}, {@link
+ * InnerGlowEffect}, {@link LinearGradientEffect}, {@link RadialGradientEffect}, {@link
+ * PatternEffect}, {@link BevelEffect} or {@link EmbossEffect}. Immutable; equal when type and
+ * settings are.
  */
 public abstract class TextEffect {
-    private final String type;
-    private final float opacity;
+    /** The most colour stops of a gradient or glow. */
+    public static final int MAX_STOPS = 256;
 
-    TextEffect(String type, float opacity) {
-        this.type = type;
-        this.opacity = opacity;
+    final EffectType type;
+    private final Map<String, Object> values;
+
+    TextEffect(Builder<?> builder) {
+        type = builder.type;
+        values = Collections.unmodifiableMap(new LinkedHashMap<>(builder.values));
     }
 
     /**
-     * The effect's name in style files. A text has each type at most once.
+     * The effect's name in style files.
      *
-     * @return "stroke", "outerShadow", "innerShadow", "outerGlow" or "linearGradient"
+     * @return "stroke", "outerShadow", "innerShadow", "outerGlow", "innerGlow", "linearGradient",
+     *     "radialGradient", "pattern", "bevel" or "emboss"
      */
     @NonNull
     public final String getType() {
-        return type;
+        return type.styleName;
+    }
+
+    /**
+     * Whether it is drawn.
+     *
+     * @return true unless it was switched off
+     */
+    public final boolean isEnabled() {
+        return (Boolean) get("enabled");
     }
 
     /**
@@ -36,49 +54,67 @@ public abstract class TextEffect {
      */
     @FloatRange(from = 0, to = 1)
     public final float getOpacity() {
-        return opacity;
+        return number("opacity");
     }
 
     /**
-     * The opacity with the alpha of a colour in it. The native library takes a colour without its
-     * alpha; style files have both multiplied.
+     * Starts an effect from this one.
+     *
+     * @return a builder with all settings of this effect
      */
-    static float faded(float opacity, int color) {
-        return opacity * ((color >>> 24) / 255f);
+    @NonNull
+    public abstract Builder<?> toBuilder();
+
+    final <B extends Builder<B>> B copyTo(B builder) {
+        builder.values.putAll(values);
+        return builder;
     }
 
-    /** To the nearest whole number, halves upwards: the native library cuts fractions off. */
-    static float whole(float value) {
-        return (float) Math.floor(value + 0.5);
+    /** The value of a field; null when it has none. */
+    final Object get(String name) {
+        return values.get(name);
+    }
+
+    final float number(String name) {
+        return (Float) get(name);
+    }
+
+    final int color(String name) {
+        return (Integer) get(name);
+    }
+
+    @SuppressWarnings("unchecked") // what the builder put there
+    final List<ColorStop> stops() {
+        Object stops = get("stops");
+        return stops == null ? Collections.emptyList() : (List<ColorStop>) stops;
     }
 
     /**
-     * Where the effect lies in natural order, beneath all that has a higher number. The same in all
-     * readers of style files, which have more effects.
+     * The effect with its lengths multiplied.
+     *
+     * @throws IllegalArgumentException when one is longer than what can be drawn
      */
-    abstract int rank();
-
-    /** Adds the effect to a native stack: its id, or -1. */
-    abstract int addTo(GxText text);
-
-    /** All settings but type and opacity, for comparison. */
-    abstract Object[] settings();
-
-    /** Writes the settings in the form of the style files; type and opacity are written already. */
-    abstract void writeSettings(JsonWriter writer) throws IOException;
+    final TextEffect scaled(float factor) {
+        Builder<?> builder = toBuilder();
+        for (Property property : type.properties.values()) {
+            Object value = get(property.name);
+            if (value != null) {
+                builder.values.put(property.name, property.scaled(value, factor));
+            }
+        }
+        return builder.build();
+    }
 
     @Override
     public final boolean equals(Object other) {
         return other instanceof TextEffect
-                && type.equals(((TextEffect) other).type)
-                && opacity == ((TextEffect) other).opacity
-                && Arrays.deepEquals(settings(), ((TextEffect) other).settings());
+                && type == ((TextEffect) other).type
+                && values.equals(((TextEffect) other).values);
     }
 
     @Override
     public final int hashCode() {
-        return 31 * (31 * type.hashCode() + Float.hashCode(opacity))
-                + Arrays.deepHashCode(settings());
+        return 31 * type.styleName.hashCode() + values.hashCode();
     }
 
     /**
@@ -90,5 +126,89 @@ public abstract class TextEffect {
     @NonNull
     public final String toString() {
         return StyleWriter.write(this);
+    }
+
+    /**
+     * Collects the settings of an effect. A new one has those that a style file leaves out.
+     *
+     * @param <B> the builder of the effect itself
+     */
+    public abstract static class Builder<B extends Builder<B>> {
+        final EffectType type;
+        final Map<String, Object> values = new LinkedHashMap<>();
+
+        Builder(EffectType type) {
+            this.type = type;
+            for (Property property : type.properties.values()) {
+                if (property.initial != null) {
+                    values.put(property.name, property.initial);
+                }
+            }
+        }
+
+        @SuppressWarnings("unchecked") // B is the class itself
+        private B self() {
+            return (B) this;
+        }
+
+        /** Sets a field of the type; null takes the value away. */
+        final B set(String name, Object value) {
+            Property property = type.properties.get(name);
+            if (property == null) {
+                throw new IllegalArgumentException(
+                        name + ": " + type.styleName + " has no such setting");
+            }
+            if (value == null) {
+                values.remove(name);
+            } else {
+                values.put(name, property.check(value));
+            }
+            return self();
+        }
+
+        final B setRequired(String name, Object value) {
+            return set(name, Objects.requireNonNull(value, name));
+        }
+
+        /** Sets the list of a field to what it holds and one more. */
+        final B addTo(String name, Object element) {
+            List<Object> longer = new ArrayList<>();
+            if (values.get(name) != null) {
+                longer.addAll((List<?>) values.get(name));
+            }
+            longer.add(Objects.requireNonNull(element, "stop"));
+            return set(name, longer);
+        }
+
+        /**
+         * Switches the effect on or off.
+         *
+         * @param enabled whether it is drawn; true at first
+         * @return this builder
+         */
+        @NonNull
+        public final B setEnabled(boolean enabled) {
+            return set("enabled", enabled);
+        }
+
+        /**
+         * Sets the opacity.
+         *
+         * @param opacity 0 to 1
+         * @return this builder
+         * @throws IllegalArgumentException when out of range
+         */
+        @NonNull
+        public final B setOpacity(@FloatRange(from = 0, to = 1) float opacity) {
+            return set("opacity", opacity);
+        }
+
+        /**
+         * Makes the effect.
+         *
+         * @return an effect with the settings so far
+         */
+        @NonNull
+        public abstract TextEffect build();
     }
 }

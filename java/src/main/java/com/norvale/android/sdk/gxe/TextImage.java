@@ -2,8 +2,8 @@ package com.norvale.android.sdk.gxe;
 
 import android.graphics.Bitmap;
 import android.graphics.Canvas;
-import com.norvale.android.sdk.gxe.annotation.NonNull;
-import com.norvale.android.sdk.gxe.annotation.Px;
+import androidx.annotation.NonNull;
+import androidx.annotation.Px;
 
 /** A drawn text: the picture, and how far it reaches beyond the view it was drawn for. */
 public final class TextImage {

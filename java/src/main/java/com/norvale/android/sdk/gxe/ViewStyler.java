@@ -1,6 +1,7 @@
 package com.norvale.android.sdk.gxe;
 
 import android.graphics.Typeface;
+import android.os.Build;
 import android.os.LocaleList;
 import android.text.SpannableString;
 import android.text.Spanned;
@@ -34,9 +35,8 @@ final class ViewStyler {
         if (style.getFont() == null && bold == null && italic == null) {
             return;
         }
-        Typeface typeface = style.getFont() == null
-                ? view.getTypeface()
-                : FontSource.of(style.getFont(), view.getContext().getAssets()).toTypeface();
+        FontSource source = FontSource.of(style, view.getContext());
+        Typeface typeface = source == null ? view.getTypeface() : source.toTypeface();
         int before = view.getTypeface() == null ? Typeface.NORMAL : view.getTypeface().getStyle();
         boolean isBold = bold == null ? (before & Typeface.BOLD) != 0 : bold;
         boolean isItalic = italic == null ? (before & Typeface.ITALIC) != 0 : italic;
@@ -61,6 +61,9 @@ final class ViewStyler {
         }
         if (style.getFontFeatures() != null) {
             view.setFontFeatureSettings(style.getFontFeatures());
+        }
+        if (style.getFontVariations() != null && Build.VERSION.SDK_INT >= 26) {
+            view.setFontVariationSettings(style.getFontVariations());
         }
         if (style.getLocale() != null) {
             view.setTextLocales(LocaleList.forLanguageTags(style.getLocale()));

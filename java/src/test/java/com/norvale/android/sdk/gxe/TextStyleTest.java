@@ -12,8 +12,8 @@ import java.util.List;
 import java.util.Set;
 import org.junit.Test;
 
-/** Styles as values and as files; needs no device and no native library. */
-public class TextStyleTest {
+/** Styles as values and as files. */
+public class TextStyleTest extends NativeTest {
     private static TextStyle.Builder style() {
         return new TextStyle.Builder();
     }
@@ -89,20 +89,24 @@ public class TextStyleTest {
     }
 
     @Test
-    public void textThatIsNoJsonIsRefusedAtItsPlace() {
-        String[][] cases = {
-            {"", "$: the text ends"},
-            {"{} {}", "$: "},
-            {"{\"size\": 5", "$: the text ends"},
-            {"{'size': 5}", "$: "},
-            {"{\"size\": NaN}", "$: "},
-            {"{\"a\":" + "[".repeat(100000), "$.a"},
-        };
-        for (String[] c : cases) {
-            IllegalArgumentException e = assertThrows(c[0],
-                    IllegalArgumentException.class, () -> TextStyle.fromJson(c[0]));
-            assertTrue(c[0] + " gave " + e.getMessage(), e.getMessage().startsWith(c[1]));
-        }
+    public void scaledMultipliesLengthsAndNothingElse() {
+        TextStyle scaled = style().setSize(20).setLetterSpacing(0.1f).setPadding(1, 2, 3, 4)
+                .setWidth(333).setBackground(new TextBackground(0xFF000000, 3, 5,
+                        TextBackground.Span.BLOCK))
+                .addEffect(ShadowEffect.outer().setAngle(45).setDistance(80).setSize(60).build())
+                .addEffect(new BevelEffect.Builder().setSize(9).setSoften(3).setDepth(2).build())
+                .build().scaled(1.5f);
+        assertEquals(style().setSize(30).setLetterSpacing(0.1f).setPadding(2, 3, 5, 6)
+                .setWidth(500).setBackground(new TextBackground(0xFF000000, 5, 8,
+                        TextBackground.Span.BLOCK)).build().toBuilder().build(),
+                scaled.toBuilder().clearEffects().build());
+        ShadowEffect shadow = (ShadowEffect) scaled.getEffects().get(0);
+        assertEquals(120f, shadow.getDistance(), 0); // more than a file allows
+        assertEquals(90f, shadow.getSize(), 0);
+        assertEquals(45f, shadow.getAngle(), 0);
+        assertEquals(new BevelEffect.Builder().setSize(13.5f).setSoften(5).setDepth(2).build(),
+                scaled.getEffects().get(1));
+        assertNotEquals(scaled.getEffectKey(), scaled.scaled(2).getEffectKey());
     }
 
     @Test
@@ -138,7 +142,11 @@ public class TextStyleTest {
             () -> new LinearGradientEffect.Builder().addStop(0, 0.5f).addStop(0, 0.4f),
             () -> style().setSize(0), () -> style().setLetterSpacing(Float.NaN),
             () -> style().setWidth(65536), () -> style().setPadding(0, 0, -1, 0),
-            () -> style().addEffect(stroke.build()).addEffect(stroke.build()),
+            () -> new BevelEffect.Builder().setSize(251), () -> new EmbossEffect.Builder().setSoften(17),
+            () -> new StrokeEffect.Builder().setFill(ShadowEffect.outer().build()),
+            () -> ShadowEffect.inner().setCastFrom(CastFrom.OUTLINE),
+            () -> style().setFontVariations("wide"), () -> style().setFillOpacity(1.1f),
+            () -> style().build().scaled(0), () -> style().setSize(4096).build().scaled(1.1f),
         };
         for (int i = 0; i < calls.length; i++) {
             assertThrows("call " + i, IllegalArgumentException.class, calls[i]::run);

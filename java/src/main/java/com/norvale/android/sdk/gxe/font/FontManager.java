@@ -3,7 +3,8 @@ package com.norvale.android.sdk.gxe.font;
 import android.text.FontConfig;
 import com.norvale.android.sdk.gxe.GxText;
 import com.norvale.android.sdk.gxe.GxTextException;
-import com.norvale.android.sdk.gxe.annotation.NonNull;
+import androidx.annotation.NonNull;
+import androidx.annotation.WorkerThread;
 import com.norvale.android.sdk.gxe.util.NativeLibrary;
 
 /**
@@ -76,6 +77,18 @@ public final class FontManager {
      */
     public static synchronized boolean hasSystemFonts() {
         return systemFontsSet;
+    }
+
+    /**
+     * Reads the fonts of the system for all texts, once for the process: where it has a list of them
+     * (API level 29 and later) those of the list, else those in its folder. The first text that is
+     * drawn does so by itself; an app calls this earlier to choose moment and thread.
+     *
+     * @return whether there is one that can be read
+     */
+    @WorkerThread
+    public static boolean loadSystemFonts() {
+        return GxText.loadSystemFonts();
     }
 
     private static native boolean GxFontManager_InsertFontData(String name, byte[] data);

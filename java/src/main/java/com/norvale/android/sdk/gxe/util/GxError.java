@@ -1,7 +1,7 @@
 package com.norvale.android.sdk.gxe.util;
 
 import android.os.Build;
-import com.norvale.android.sdk.gxe.annotation.NonNull;
+import androidx.annotation.NonNull;
 
 /**
  * The error codes of the native library. Each thread has a code of its own: that of the last

@@ -1,6 +1,6 @@
 package com.norvale.android.sdk.gxe.util;
 
-import com.norvale.android.sdk.gxe.annotation.NonNull;
+import androidx.annotation.NonNull;
 
 /**
  * Loads {@code libgxtext.so}. The SDK does so by itself when it is first needed; an app calls it

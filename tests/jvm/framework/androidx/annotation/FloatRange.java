@@ -1,4 +1,4 @@
-package com.norvale.android.sdk.gxe.annotation;
+package androidx.annotation;
 
 import java.lang.annotation.Documented;
 import java.lang.annotation.ElementType;
@@ -6,22 +6,22 @@ import java.lang.annotation.Retention;
 import java.lang.annotation.RetentionPolicy;
 import java.lang.annotation.Target;
 
-/** Marks an integer within a closed interval. */
+/** Marks a number within a closed interval. */
 @Documented
-@Retention(RetentionPolicy.SOURCE)
+@Retention(RetentionPolicy.CLASS)
 @Target({ElementType.PARAMETER, ElementType.METHOD, ElementType.FIELD})
-public @interface IntRange {
+public @interface FloatRange {
     /**
      * The least value.
      *
      * @return the lower end, itself included
      */
-    long from() default Long.MIN_VALUE;
+    double from() default Double.NEGATIVE_INFINITY;
 
     /**
      * The greatest value.
      *
      * @return the upper end, itself included
      */
-    long to() default Long.MAX_VALUE;
+    double to() default Double.POSITIVE_INFINITY;
 }

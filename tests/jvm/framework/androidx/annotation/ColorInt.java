@@ -1,4 +1,4 @@
-package com.norvale.android.sdk.gxe.annotation;
+package androidx.annotation;
 
 import java.lang.annotation.Documented;
 import java.lang.annotation.ElementType;
@@ -6,8 +6,8 @@ import java.lang.annotation.Retention;
 import java.lang.annotation.RetentionPolicy;
 import java.lang.annotation.Target;
 
-/** Marks a length in pixels of the screen. */
+/** Marks a colour as {@code 0xAARRGGBB}. */
 @Documented
-@Retention(RetentionPolicy.SOURCE)
+@Retention(RetentionPolicy.CLASS)
 @Target({ElementType.PARAMETER, ElementType.METHOD, ElementType.FIELD})
-public @interface Px {}
+public @interface ColorInt {}

@@ -1,4 +1,4 @@
-package com.norvale.android.sdk.gxe.annotation;
+package androidx.annotation;
 
 import java.lang.annotation.Documented;
 import java.lang.annotation.ElementType;
@@ -6,8 +6,8 @@ import java.lang.annotation.Retention;
 import java.lang.annotation.RetentionPolicy;
 import java.lang.annotation.Target;
 
-/** Marks what may be null; what null means is said where it is used. */
+/** Marks what is never null. */
 @Documented
-@Retention(RetentionPolicy.SOURCE)
+@Retention(RetentionPolicy.CLASS)
 @Target({ElementType.PARAMETER, ElementType.METHOD, ElementType.FIELD})
-public @interface Nullable {}
+public @interface NonNull {}
