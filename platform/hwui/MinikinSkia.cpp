@@ -19,6 +19,7 @@ enum FontFlag : uint32_t {
     kSubpixel = 1u << 2,
     kEmbeddedBitmaps = 1u << 3,
     kForceAutoHinting = 1u << 4,
+    kColorGlyphs = 1u << 5,
 };
 constexpr unsigned kEdgingShift = 8;
 constexpr unsigned kHintingShift = 16;
@@ -129,6 +130,7 @@ uint32_t MinikinFontSkia::packFontFlags(const SkFont& font) {
     if (font.isSubpixel()) flags |= kSubpixel;
     if (font.isEmbeddedBitmaps()) flags |= kEmbeddedBitmaps;
     if (font.isForceAutoHinting()) flags |= kForceAutoHinting;
+    if (font.isColorGlyphs()) flags |= kColorGlyphs;
     return flags;
 }
 
@@ -140,6 +142,7 @@ void MinikinFontSkia::unpackFontFlags(SkFont* font, uint32_t fontFlags) {
     font->setSubpixel(fontFlags & kSubpixel);
     font->setEmbeddedBitmaps(fontFlags & kEmbeddedBitmaps);
     font->setForceAutoHinting(fontFlags & kForceAutoHinting);
+    font->setColorGlyphs(fontFlags & kColorGlyphs);
 }
 
 void MinikinFontSkia::populateSkFont(SkFont* skFont, const minikin::MinikinFont* font,

@@ -48,6 +48,11 @@ public:
     bool isForceAutoHinting() const { return fForceAutoHinting; }
     void setForceAutoHinting(bool on) { fForceAutoHinting = on; }
 
+    // Ours alone. The text is to be drawn in colour: glyphs of COLR version 1 are their pictures, in boxes and
+    // masks too, not the font's outlines; pictures that are measured are kept unpacked.
+    bool isColorGlyphs() const { return fColorGlyphs; }
+    void setColorGlyphs(bool on) { fColorGlyphs = on; }
+
     Edging getEdging() const { return fEdging; }
     void setEdging(Edging edging) { fEdging = edging; }
     SkFontHinting getHinting() const { return fHinting; }
@@ -82,7 +87,7 @@ public:
                a.fSkewX == b.fSkewX && a.fEdging == b.fEdging && a.fHinting == b.fHinting &&
                a.fEmbolden == b.fEmbolden && a.fSubpixel == b.fSubpixel &&
                a.fLinearMetrics == b.fLinearMetrics && a.fEmbeddedBitmaps == b.fEmbeddedBitmaps &&
-               a.fForceAutoHinting == b.fForceAutoHinting;
+               a.fForceAutoHinting == b.fForceAutoHinting && a.fColorGlyphs == b.fColorGlyphs;
     }
     friend bool operator!=(const SkFont& a, const SkFont& b) { return !(a == b); }
 
@@ -98,4 +103,5 @@ private:
     bool fLinearMetrics = false;
     bool fEmbeddedBitmaps = false;
     bool fForceAutoHinting = false;
+    bool fColorGlyphs = false;
 };

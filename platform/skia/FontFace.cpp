@@ -88,6 +88,25 @@ FontFace::Access::~Access() {
     if (this->outOfMemory()) fFace.closeFace();
 }
 
+const ColorTable* FontFace::Access::colorTable() const {
+    if (fFace.fLookedForColors) return fFace.fColorTable.get();
+    constexpr FT_ULong kTable = FT_MAKE_TAG('C', 'O', 'L', 'R');
+    FT_ULong length = 0;
+    FT_Byte version[2] = {};
+    FT_ULong versionLength = sizeof(version);
+    const bool isNew = FT_Load_Sfnt_Table(fFace.fFace, kTable, 0, version, &versionLength) == 0 &&
+                       (version[0] != 0 || version[1] != 0) &&
+                       FT_Load_Sfnt_Table(fFace.fFace, kTable, 0, nullptr, &length) == 0;
+    if (isNew) {
+        std::vector<uint8_t> bytes(length);
+        if (FT_Load_Sfnt_Table(fFace.fFace, kTable, 0, bytes.data(), &length) == 0) {
+            fFace.fColorTable = std::make_unique<const ColorTable>(std::move(bytes));
+        }
+    }
+    fFace.fLookedForColors = true;
+    return fFace.fColorTable.get();
+}
+
 void FontFace::closeFace() {
     if (!fFace) return;
     const std::lock_guard<std::mutex> lock(library().mutex);

@@ -11,6 +11,7 @@
 
 #include "AllocationWatch.h"
 #include "SkStream.h"
+#include "skia/ColorTable.h"
 #include "skia/GlyphData.h"
 
 namespace portable {
@@ -47,6 +48,8 @@ public:
         bool outOfMemory() const { return fWatch.failed(); }
         Scaling& scaling() const { return fFace.fScaling; }
         const GlyphData& glyphData() const { return fFace.fGlyphData; }
+        // Null when the font has none of version 1. Throws std::bad_alloc.
+        const ColorTable* colorTable() const;
         bool isVaried() const { return !fFace.fVariations.empty(); }
 
     private:
@@ -83,6 +86,8 @@ private:
     FT_Face fFace = nullptr;  // null after memory ran out
     Scaling fScaling;
     GlyphData fGlyphData;
+    bool fLookedForColors = false;
+    std::unique_ptr<const ColorTable> fColorTable;
 };
 
 // Font units per em; 0 when the font does not say. Bitmap fonts have it only in their 'head' table.

@@ -36,6 +36,51 @@ std::shared_ptr<const GlyphMask> loadMask(const SkTypeface& typeface, const Glyp
     return makeMask(scaler, phase, gammaLevel);
 }
 
+// Their alpha: what the mask of a colour glyph is.
+std::shared_ptr<const GlyphMask> maskOf(const GlyphColors& colors) {
+    auto mask = std::make_shared<GlyphMask>();
+    mask->kind = MaskKind::kColor;
+    mask->bounds = colors.bounds;
+    const size_t pixels = pixelCount(colors.bounds);
+    mask->coverage.resize(pixels + kMaskBlock);
+    for (size_t i = 0; i < pixels; ++i) mask->coverage[i] = colors.pixels[i * kColorBytes + 3];
+    return mask;
+}
+
+// Room for the pixels of a colour glyph. False when there is nothing to draw, or too much.
+bool prepareColors(const SkIRect& bounds, GlyphColors* colors) {
+    colors->isColored = true;
+    colors->bounds = bounds;
+    const size_t pixels = pixelCount(bounds);
+    if (pixels == 0 || pixels > GlyphCache::kMaxMaskPixels) return false;
+    colors->pixels.resize(pixels * kColorBytes);
+    return true;
+}
+
+std::shared_ptr<const GlyphColors> makeColors(const GlyphPicture& picture, unsigned phase) {
+    const GlyphPlacement placement = {1, phase * 0.25, 0};
+    auto colors = std::make_shared<GlyphColors>();
+    if (prepareColors(picture.bounds(placement), colors.get())) {
+        picture.renderColors(placement, colors->bounds, colors->pixels.data());
+    }
+    return colors;
+}
+
+std::shared_ptr<const GlyphColors> loadColors(const SkTypeface& typeface,
+                                              const GlyphSettings& settings, SkGlyphID glyph,
+                                              unsigned phase, SkColor foreground) {
+    const GlyphPlacement placement = {1, phase * 0.25, 0};
+    auto colors = std::make_shared<GlyphColors>();
+    colors->foreground = foreground;
+    GlyphScaler scaler(typeface.face(), settings);
+    if (!scaler.load(glyph) || scaler.kind() != MaskKind::kColor) return colors;
+    if (prepareColors(scaler.bounds(placement), colors.get())) {
+        colors->usesForeground =
+            scaler.renderColors(placement, colors->bounds, foreground, colors->pixels.data());
+    }
+    return colors;
+}
+
 }  // namespace
 
 GlyphCache& GlyphCache::shared() {
@@ -55,7 +100,7 @@ size_t GlyphCache::KeyHash::operator()(const Key& key) const {
     uint64_t hash = 0;
     for (const uint64_t part :
          {uint64_t{key.typeface} << 32 | key.size, uint64_t{key.scaleX} << 32 | key.skewX,
-          uint64_t{key.flags} << 32 | uint64_t{key.glyph} << 16 | key.form}) {
+          uint64_t{key.flags ^ key.foreground} << 32 | uint64_t{key.glyph} << 16 | key.form}) {
         // The odd multiplier is 2^64 divided by the golden ratio.
         hash = (hash ^ part) * 0x9E3779B97F4A7C15u;
         hash ^= hash >> 32;
@@ -68,6 +113,8 @@ size_t GlyphCache::cost(const Entry& entry) {
     constexpr size_t kBookkeeping = 128;
     size_t bytes = sizeof(Entry) + kBookkeeping;
     if (entry.outline) bytes += entry.outline->bytes();
+    if (entry.picture) bytes += entry.picture->bytes();
+    if (entry.colors) bytes += sizeof(GlyphColors) + entry.colors->pixels.capacity();
     if (entry.mask) bytes += sizeof(GlyphMask) + entry.mask->coverage.capacity();
     return bytes;
 }
@@ -88,7 +135,7 @@ void GlyphCache::measure(const SkTypeface& typeface, const GlyphSettings& settin
             continue;
         }
         lock.unlock();
-        Entry made = {key, {}, nullptr, nullptr};
+        Entry made(key);
         {
             GlyphScaler scaler(typeface.face(), settings);
             if (scaler.load(glyphs[i])) {
@@ -96,6 +143,7 @@ void GlyphCache::measure(const SkTypeface& typeface, const GlyphSettings& settin
                 const size_t pixels = pixelCount(made.metrics.bounds);
                 if (drawnNext && pixels > 0 && pixels <= kMaxMaskPixels) {
                     made.outline = scaler.copyOutline();
+                    if (settings.colorGraphs) made.picture = scaler.copyPicture();
                 }
             }
         }
@@ -112,10 +160,14 @@ std::shared_ptr<const GlyphMask> GlyphCache::draw(const SkTypeface& typeface,
     Key key(typeface, settings, glyph);
     const Key metricsKey = key;
     key.form = static_cast<uint16_t>(phase << 8 | gammaLevel);
+    Key colorKey = key;
+    colorKey.form = static_cast<uint16_t>(kColors | phase << 8);
     std::shared_ptr<const GlyphOutline> outline;
+    std::shared_ptr<const GlyphColors> colors;
     {
         const std::lock_guard<std::mutex> lock(fMutex);
         if (const Entry* known = this->find(key)) return known->mask;
+        if (const Entry* colored = this->find(colorKey)) colors = colored->colors;
         if (Entry* measured = this->find(metricsKey)) {
             fBytes -= cost(*measured);
             // The other phases will want it, too.
@@ -123,12 +175,54 @@ std::shared_ptr<const GlyphMask> GlyphCache::draw(const SkTypeface& typeface,
             fBytes += cost(*measured);
         }
     }
-    std::shared_ptr<const GlyphMask> made =
-        outline ? makeMask(*outline, phase, gammaLevel)
-                : loadMask(typeface, settings, glyph, phase, gammaLevel);
+    Entry made(key);
+    if (colors && !colors->pixels.empty()) {
+        made.mask = maskOf(*colors);
+    } else if (outline) {
+        made.mask = makeMask(*outline, phase, gammaLevel);
+    } else {
+        made.mask = loadMask(typeface, settings, glyph, phase, gammaLevel);
+    }
     const std::lock_guard<std::mutex> lock(fMutex);
-    this->insert({key, {}, nullptr, made});
-    return made;
+    this->insert(made);
+    return made.mask;
+}
+
+std::shared_ptr<const GlyphColors> GlyphCache::drawColors(const SkTypeface& typeface,
+                                                          const GlyphSettings& settings,
+                                                          SkGlyphID glyph, unsigned phase,
+                                                          SkColor foreground) {
+    if (!settings.drawable()) return std::make_shared<GlyphColors>();
+    Key key(typeface, settings, glyph);
+    const Key metricsKey = key;
+    key.form = static_cast<uint16_t>(kColors | phase << 8);
+    foreground |= SK_ColorBLACK;
+    std::shared_ptr<const GlyphPicture> picture;
+    {
+        const std::lock_guard<std::mutex> lock(fMutex);
+        const auto fits = [foreground](const Entry* known) {
+            return known &&
+                   (!known->colors->usesForeground || known->colors->foreground == foreground);
+        };
+        const Entry* known = this->find(key);
+        if (fits(known)) return known->colors;
+        if (known) {
+            key.foreground = foreground;
+            known = this->find(key);
+            if (fits(known)) return known->colors;
+        }
+        if (Entry* measured = this->find(metricsKey)) {
+            fBytes -= cost(*measured);
+            picture = settings.subpixel ? measured->picture : std::move(measured->picture);
+            fBytes += cost(*measured);
+        }
+    }
+    Entry made(key);
+    made.colors = picture ? makeColors(*picture, phase)
+                          : loadColors(typeface, settings, glyph, phase, foreground);
+    const std::lock_guard<std::mutex> lock(fMutex);
+    this->insert(made);
+    return made.colors;
 }
 
 GlyphCache::Entry* GlyphCache::find(const Key& key) {

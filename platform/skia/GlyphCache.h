@@ -10,6 +10,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "SkColor.h"
 #include "SkTypeface.h"
 #include "SkTypes.h"
 #include "skia/GlyphScaler.h"
@@ -35,6 +36,17 @@ struct GlyphMask {
     std::vector<uint8_t> coverage;
 };
 
+// A colour glyph likewise.
+struct GlyphColors {
+    bool isColored = false;  // else it is drawn by its mask
+    SkIRect bounds = SkIRect::MakeEmpty();
+    // Premultiplied R, G, B, A of bounds, rows packed. Empty as masks are.
+    std::vector<uint8_t> pixels;
+    // Whether another foreground may give other pixels.
+    bool usesForeground = false;
+    SkColor foreground = 0;
+};
+
 // Process-wide; used from any thread. What was used longest ago goes first when it is full.
 class GlyphCache {
 public:
@@ -54,6 +66,10 @@ public:
     // std::bad_alloc.
     std::shared_ptr<const GlyphMask> draw(const SkTypeface& typeface, const GlyphSettings& settings,
                                           SkGlyphID glyph, unsigned phase, unsigned gammaLevel);
+    // Foreground is the colour of the text, opaque. Never null; throws std::bad_alloc.
+    std::shared_ptr<const GlyphColors> drawColors(const SkTypeface& typeface,
+                                                  const GlyphSettings& settings, SkGlyphID glyph,
+                                                  unsigned phase, SkColor foreground);
     // Drops what belongs to a typeface that is gone.
     void forget(SkFontID typeface);
     void clear();
@@ -71,19 +87,26 @@ private:
         uint32_t skewX;
         uint32_t flags;
         SkGlyphID glyph;
-        // kMetrics, or the mask at one phase for one gamma level.
+        // kMetrics, or the mask at one phase for one gamma level, or kColors at one.
         uint16_t form;
+        SkColor foreground = 0;  // of colours that are not the first of their glyph
     };
     static constexpr uint16_t kMetrics = 0xFFFF;
+    static constexpr uint16_t kColors = 0x4000;
 
     struct KeyHash {
         size_t operator()(const Key& key) const;
     };
     struct Entry {
+        explicit Entry(const Key& of) : key(of) {}
+
         Key key;
+        // One of metrics, mask and colours; beside metrics what is to be drawn, until it was.
         GlyphMetrics metrics;
-        std::shared_ptr<const GlyphOutline> outline;  // beside metrics, until it was drawn
-        std::shared_ptr<const GlyphMask> mask;        // null beside metrics
+        std::shared_ptr<const GlyphOutline> outline;
+        std::shared_ptr<const GlyphPicture> picture;
+        std::shared_ptr<const GlyphMask> mask;
+        std::shared_ptr<const GlyphColors> colors;
     };
     using Entries = std::list<Entry>;
 

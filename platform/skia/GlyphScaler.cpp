@@ -11,6 +11,7 @@
 #include <limits>
 #include <new>
 
+#include "skia/ColorGraph.h"
 #include "skia/GlyphEffort.h"
 #include "skia/Numbers.h"
 
@@ -155,13 +156,18 @@ bool GlyphScaler::loadGlyph(SkGlyphID glyph) {
     fContent = Content::kBlank;
     fKind = fSettings.alias ? MaskKind::kBinary : MaskKind::kGrey;
     fLayers.clear();
+    fGlyph = glyph;
     if (!fReady || !this->loadSlot(glyph)) return false;
     this->readAdvance(glyph);
     const FT_GlyphSlot slot = fFace->glyph;
     if (slot->format == FT_GLYPH_FORMAT_BITMAP) {
-        if (!fStrike.assign(*slot)) return true;
+        fStrike = std::make_shared<StrikeImage>();
+        if (!fStrike->assign(*slot)) return true;
         fContent = Content::kStrike;
-        if (slot->bitmap.pixel_mode == FT_PIXEL_MODE_BGRA) fKind = MaskKind::kColor;
+        if (fStrike->isColored()) fKind = MaskKind::kColor;
+    } else if (this->hasGraph(glyph)) {
+        fContent = Content::kGraph;
+        fKind = MaskKind::kColor;
     } else if (slot->format == FT_GLYPH_FORMAT_OUTLINE) {
         fContent = Content::kOutline;
         this->readLayers(glyph);
@@ -229,7 +235,7 @@ void GlyphScaler::readAdvance(FT_UInt glyph) {
     fAdvance = fMatrix.xx * fromFixed(advance);
 }
 
-// The layers of a COLR glyph, bottom first, each with the alpha of its palette colour.
+// The layers of a COLR glyph, bottom first, each with its palette colour.
 void GlyphScaler::readLayers(FT_UInt glyph) {
     FT_UInt layerGlyph = 0;
     FT_UInt colorIndex = 0;
@@ -246,8 +252,8 @@ void GlyphScaler::readLayers(FT_UInt glyph) {
         if (!effort.add(layerGlyph)) break;
         // Index 0xFFFF, and any other beyond the palette, is the text colour: opaque here.
         const bool inPalette = palette && colorIndex < info.num_palette_entries;
-        const uint8_t alpha = inPalette ? palette[colorIndex].alpha : 255;
-        fLayers.push_back({layerGlyph, alpha});
+        const FT_Color color = inPalette ? palette[colorIndex] : FT_Color{0, 0, 0, 255};
+        fLayers.push_back({layerGlyph, !inPalette, color});
     } while (FT_Get_Color_Glyph_Layer(fFace, glyph, &layerGlyph, &colorIndex, &iterator));
     fContent = Content::kLayers;
     fKind = MaskKind::kColor;
@@ -274,8 +280,14 @@ bool GlyphScaler::layersBox(FT_BBox* all) {
 SkIRect GlyphScaler::bounds(const GlyphPlacement& placement) {
     FT_BBox box;
     if (fContent == Content::kStrike) {
-        const SkIRect picture = fStrike.bounds(fMatrix, placement);
-        return picture.isEmpty() ? SkIRect::MakeEmpty() : picture;
+        return fStrike->bounds(fMatrix, placement);
+    }
+    if (fContent == Content::kGraph) {
+        SkIRect shapes = SkIRect::MakeEmpty();
+        this->withGraph(SK_ColorBLACK, [&](ColorGraph& graph) {
+            shapes = graph.bounds(fGlyph, fMatrix, placement);
+        });
+        return shapes;
     }
     if ((fContent == Content::kOutline && outlineBox(fFace->glyph->outline, &box)) ||
         (fContent == Content::kLayers && this->layersBox(&box))) {
@@ -294,29 +306,82 @@ void GlyphScaler::render(const GlyphPlacement& placement, const SkIRect& window,
             this->throwIfOutOfMemory();
             return;
         case Content::kLayers:
-            this->renderLayers(placement, window, out);
-            this->throwIfOutOfMemory();
+            this->forEachLayer(placement, window, [&](const Layer& layer, const uint8_t* mask) {
+                for (size_t i = 0; i < pixelCount(window); ++i) {
+                    const unsigned alpha = div255(mask[i] * layer.color.alpha);
+                    out[i] = static_cast<uint8_t>(alpha + div255(out[i] * (255 - alpha)));
+                }
+            });
             return;
+        case Content::kGraph: {
+            std::vector<uint8_t> colors(pixelCount(window) * kColorBytes);
+            this->renderColors(placement, window, SK_ColorBLACK, colors.data());
+            for (size_t i = 0; i < pixelCount(window); ++i) out[i] = colors[i * kColorBytes + 3];
+            return;
+        }
         case Content::kStrike:
-            fStrike.render(fMatrix, placement, window, out);
+            fStrike->render(fMatrix, placement, window, out);
             if (fKind == MaskKind::kBinary) makeBinary(out, pixelCount(window));
             return;
     }
 }
 
-void GlyphScaler::renderLayers(const GlyphPlacement& placement, const SkIRect& window,
-                               uint8_t* out) {
-    const size_t count = pixelCount(window);
-    std::vector<uint8_t> mask(count);
+bool GlyphScaler::renderColors(const GlyphPlacement& placement, const SkIRect& window,
+                               SkColor foreground, uint8_t* out) {
+    if (window.isEmpty()) return false;
+    bool usesForeground = false;
+    if (fContent == Content::kStrike) {
+        fStrike->renderColors(fMatrix, placement, window, out);
+    } else if (fContent == Content::kGraph) {
+        this->withGraph(foreground, [&](ColorGraph& graph) {
+            graph.render(fGlyph, fMatrix, placement, window, out);
+            usesForeground = graph.usesForeground();
+        });
+    } else if (fContent == Content::kLayers) {
+        this->forEachLayer(placement, window, [&](const Layer& layer, const uint8_t* mask) {
+            usesForeground = usesForeground || layer.isForeground;
+            const SkColor color = layer.isForeground
+                                      ? foreground | SK_ColorBLACK
+                                      : SkColorSetARGB(layer.color.alpha, layer.color.red,
+                                                       layer.color.green, layer.color.blue);
+            const unsigned alpha = SkColorGetA(color);
+            const auto scaled = [alpha](unsigned c) {
+                return static_cast<uint8_t>(div255(c * alpha));
+            };
+            const uint8_t pixel[] = {scaled(SkColorGetR(color)), scaled(SkColorGetG(color)),
+                                     scaled(SkColorGetB(color)), static_cast<uint8_t>(alpha)};
+            for (size_t i = 0; i < pixelCount(window); ++i) {
+                coverPixel(pixel, mask[i], out + i * kColorBytes);
+            }
+        });
+    }
+    return usesForeground;
+}
+
+template <typename Cover>
+void GlyphScaler::forEachLayer(const GlyphPlacement& placement, const SkIRect& window,
+                               Cover cover) {
+    std::vector<uint8_t> mask(pixelCount(window));
     for (const Layer& layer : fLayers) {
         if (!this->loadLayer(layer)) continue;
         std::fill(mask.begin(), mask.end(), uint8_t{0});
         this->renderSlot(placement, window, mask.data());
-        for (size_t i = 0; i < count; ++i) {
-            const unsigned alpha = div255(mask[i] * layer.alpha);
-            out[i] = static_cast<uint8_t>(alpha + div255(out[i] * (255 - alpha)));
-        }
+        cover(layer, mask.data());
     }
+    this->throwIfOutOfMemory();
+}
+
+bool GlyphScaler::hasGraph(SkGlyphID glyph) {
+    const ColorTable* table = fSettings.colorGraphs ? fAccess.colorTable() : nullptr;
+    return table && table->graphOf(glyph);
+}
+
+template <typename Use>
+void GlyphScaler::withGraph(SkColor foreground, Use use) {
+    ColorGraph graph(fFace, fAccess.glyphData(), *fAccess.colorTable(), fAccess.isVaried(),
+                     foreground);
+    use(graph);
+    this->throwIfOutOfMemory();
 }
 
 void GlyphScaler::renderSlot(const GlyphPlacement& placement, const SkIRect& window, uint8_t* out) {
@@ -327,6 +392,11 @@ void GlyphScaler::renderSlot(const GlyphPlacement& placement, const SkIRect& win
 std::shared_ptr<const GlyphOutline> GlyphScaler::copyOutline() const {
     if (fContent != Content::kOutline) return nullptr;
     return std::make_shared<const GlyphOutline>(*fFace->glyph, fKind);
+}
+
+std::shared_ptr<const GlyphPicture> GlyphScaler::copyPicture() const {
+    if (fContent != Content::kStrike || fKind != MaskKind::kColor) return nullptr;
+    return std::make_shared<const GlyphPicture>(fStrike, fMatrix);
 }
 
 }  // namespace portable

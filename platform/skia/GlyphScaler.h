@@ -1,12 +1,14 @@
-// Takes single glyphs out of a font: advance, box and coverage, by FreeType.
+// Takes single glyphs out of a font: advance, box, coverage and colours, by FreeType.
 #pragma once
 
 #include <cstdint>
 #include <memory>
 #include <vector>
 
+#include "SkColor.h"
 #include "SkRect.h"
 #include "SkTypes.h"
+#include "skia/ColorPaint.h"
 #include "skia/FontFace.h"
 #include "skia/GlyphOutline.h"
 #include "skia/GlyphSettings.h"
@@ -38,14 +40,22 @@ public:
     // What cannot be drawn stays 0.
     void render(const GlyphPlacement& placement, const SkIRect& window, uint8_t* out);
 
+    // The same for the premultiplied bytes R, G, B, A of a colour glyph. What the font leaves to
+    // the colour of the text is painted in `foreground`, whose alpha is not looked at: true when
+    // anything was.
+    bool renderColors(const GlyphPlacement& placement, const SkIRect& window, SkColor foreground,
+                      uint8_t* out);
+
     // The glyph, to be boxed and rendered later as by the calls above; null when it is not a single
-    // outline.
+    // outline, or not a coloured picture.
     std::shared_ptr<const GlyphOutline> copyOutline() const;
+    std::shared_ptr<const GlyphPicture> copyPicture() const;
 
 private:
     struct Layer {
         FT_UInt glyph;
-        uint8_t alpha;
+        bool isForeground;
+        FT_Color color;  // straight; opaque black for the foreground
     };
     bool loadGlyph(SkGlyphID glyph);
     void throwIfOutOfMemory() const;
@@ -61,7 +71,11 @@ private:
 
     bool loadLayer(const Layer& layer);
     bool layersBox(FT_BBox* all);
-    void renderLayers(const GlyphPlacement& placement, const SkIRect& window, uint8_t* out);
+    template <typename Cover>
+    void forEachLayer(const GlyphPlacement& placement, const SkIRect& window, Cover cover);
+    bool hasGraph(SkGlyphID glyph);
+    template <typename Use>
+    void withGraph(SkColor foreground, Use use);
     void renderSlot(const GlyphPlacement& placement, const SkIRect& window, uint8_t* out);
 
     FontFace::Access fAccess;
@@ -74,9 +88,10 @@ private:
 
     float fAdvance = 0;
     MaskKind fKind = MaskKind::kGrey;
-    enum class Content { kBlank, kOutline, kLayers, kStrike } fContent = Content::kBlank;
+    enum class Content { kBlank, kOutline, kLayers, kGraph, kStrike } fContent = Content::kBlank;
+    SkGlyphID fGlyph = 0;
     std::vector<Layer> fLayers;
-    StrikeImage fStrike;
+    std::shared_ptr<StrikeImage> fStrike;
 };
 
 }  // namespace portable

@@ -18,6 +18,7 @@ GlyphSettings GlyphSettings::forMasks(const SkFont& font) {
     s.subpixel = font.isSubpixel();
     s.embeddedBitmaps = font.isEmbeddedBitmaps();
     s.forceAutoHinting = font.isForceAutoHinting();
+    s.colorGraphs = font.isColorGlyphs();
     return s;
 }
 
@@ -38,8 +39,8 @@ bool GlyphSettings::drawable() const {
 }
 
 unsigned GlyphSettings::flags() const {
-    return static_cast<unsigned>(hinting) << 8 | alias << 4 | embolden << 3 | subpixel << 2 |
-           embeddedBitmaps << 1 | (forceAutoHinting ? 1u : 0u);
+    return static_cast<unsigned>(hinting) << 8 | colorGraphs << 5 | alias << 4 | embolden << 3 |
+           subpixel << 2 | embeddedBitmaps << 1 | (forceAutoHinting ? 1u : 0u);
 }
 
 bool drawsAsOutlines(const SkFont& font) {

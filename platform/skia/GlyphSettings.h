@@ -22,6 +22,7 @@ struct GlyphSettings {
     bool subpixel;
     bool embeddedBitmaps;
     bool forceAutoHinting;
+    bool colorGraphs;
 
     // Glyphs at their own size. Linear metrics and any skew switch hinting off.
     static GlyphSettings forMasks(const SkFont& font);

@@ -20,8 +20,6 @@ uint8_t coverageAt(const FT_Bitmap& bitmap, const uint8_t* row, unsigned x) {
             return (row[x >> 1] >> (4 - 4 * (x & 1)) & 15) * 17;
         case FT_PIXEL_MODE_GRAY:
             return row[x];
-        case FT_PIXEL_MODE_BGRA:
-            return row[4 * static_cast<size_t>(x) + 3];
         default:
             return 0;
     }
@@ -41,48 +39,75 @@ struct Taps {
 };
 
 // The device's mipmaps: means of 2 by 2, or up to 3 by 3, cut to whole numbers.
-Picture halved(const Picture& from) {
+template <size_t kChannels>
+Picture halvedChannels(const Picture& from) {
     Picture to;
     to.width = std::max(from.width / 2, 1);
     to.height = std::max(from.height / 2, 1);
-    to.pixels.reserve(static_cast<size_t>(to.width) * to.height);
+    to.channels = kChannels;
+    to.pixels.resize(static_cast<size_t>(to.width) * to.height * kChannels);
     const Taps columns(from.width);
     const Taps rows(from.height);
+    uint8_t* out = to.pixels.data();
     for (int y = 0; y < to.height; ++y) {
         for (int x = 0; x < to.width; ++x) {
-            unsigned sum = 0;
+            unsigned sums[kChannels] = {};
             for (int j = 0; j < rows.count; ++j) {
                 for (int i = 0; i < columns.count; ++i) {
-                    sum += rows.weights[j] * columns.weights[i] * from.at(2 * x + i, 2 * y + j);
+                    const uint8_t* pixel = from.at(2 * x + i, 2 * y + j);
+                    const unsigned weight = rows.weights[j] * columns.weights[i];
+                    for (size_t c = 0; c < kChannels; ++c) sums[c] += weight * pixel[c];
                 }
             }
-            to.pixels.push_back(static_cast<uint8_t>(sum >> (rows.shift() + columns.shift())));
+            for (const unsigned sum : sums) {
+                *out++ = static_cast<uint8_t>(sum >> (rows.shift() + columns.shift()));
+            }
         }
     }
     return to;
 }
 
-// Bilinear between pixel centres, beyond the outer ones their colour; x and y from the corner.
-float sample(const Picture& picture, double x, double y) {
-    const int x0 = floorToInt(x - 0.5);
-    const int y0 = floorToInt(y - 0.5);
-    const auto fx = static_cast<float>(x - 0.5 - x0);
-    const auto fy = static_cast<float>(y - 0.5 - y0);
-    const auto at = [&picture](int px, int py) -> float {
-        return picture.at(std::clamp(px, 0, picture.width - 1),
-                          std::clamp(py, 0, picture.height - 1));
-    };
-    const float top = at(x0, y0) * (1 - fx) + at(x0 + 1, y0) * fx;
-    const float bottom = at(x0, y0 + 1) * (1 - fx) + at(x0 + 1, y0 + 1) * fx;
-    return top * (1 - fy) + bottom * fy;
+Picture halved(const Picture& from) {
+    return from.channels == 1 ? halvedChannels<1>(from) : halvedChannels<4>(from);
+}
+
+// The two pixels of a row or column between whose centres a place lies, beyond the outer ones twice
+// the same, and how far from the first.
+struct Between {
+    Between(double place, int length) {
+        const int below = floorToInt(place - 0.5);
+        part = static_cast<float>(place - 0.5 - below);
+        first = std::clamp(below, 0, length - 1);
+        second = std::clamp(below + 1, 0, length - 1);
+    }
+
+    int first;
+    int second;
+    float part;
+};
+
+// Bilinear, channels kFirst to kFirst + kChannels - 1.
+template <size_t kFirst, size_t kChannels>
+void sample(const Picture& picture, const Between& x, const Between& y, uint8_t* out) {
+    const uint8_t* corners[] = {picture.at(x.first, y.first), picture.at(x.second, y.first),
+                                picture.at(x.first, y.second), picture.at(x.second, y.second)};
+    for (size_t c = kFirst; c < kFirst + kChannels; ++c) {
+        const auto at = [&](int corner) -> float { return corners[corner][c]; };
+        const float top = at(0) * (1 - x.part) + at(1) * x.part;
+        const float bottom = at(2) * (1 - x.part) + at(3) * x.part;
+        // Between 0 and 255: cutting what is half more rounds to the nearest.
+        *out++ = static_cast<uint8_t>(top * (1 - y.part) + bottom * y.part + 0.5f);
+    }
 }
 
 // How often a picture is halved before it is drawn through (xx, xy; 0, yy): until the smaller of
 // its scales is above a half.
 int halvings(double xx, double xy, double yy) {
-    const double scale = std::min(std::fabs(xx), std::fabs(yy) / std::hypot(xy / xx, 1.0));
-    if (!(scale < 1)) return 0;
-    return std::clamp(floorToInt(-std::log2(scale)), 0, 31);
+    const double lean = xy / xx;
+    double scale = std::min(std::fabs(xx), std::fabs(yy) / std::sqrt(lean * lean + 1));
+    int count = 0;
+    for (; count < 31 && scale <= 0.5; scale *= 2) ++count;
+    return count;
 }
 
 }  // namespace
@@ -96,14 +121,24 @@ bool StrikeImage::assign(const FT_GlyphSlotRec& slot) {
     fPicture.height = static_cast<int>(bitmap.rows);
     fLeft = slot.bitmap_left;
     fTop = -slot.bitmap_top;
-    fPicture.pixels.resize(static_cast<size_t>(count));
+    const bool colored = bitmap.pixel_mode == FT_PIXEL_MODE_BGRA;
+    fPicture.channels = colored ? 4 : 1;
+    fPicture.pixels.resize(static_cast<size_t>(count) * fPicture.channels);
     // With a negative pitch the rows come bottom first, and buffer is still the first in memory.
     const ptrdiff_t pitch = bitmap.pitch;
     const uint8_t* row = bitmap.buffer;
     if (pitch < 0) row -= pitch * static_cast<ptrdiff_t>(bitmap.rows - 1);
     uint8_t* out = fPicture.pixels.data();
     for (unsigned y = 0; y < bitmap.rows; ++y, row += pitch) {
-        for (unsigned x = 0; x < bitmap.width; ++x) *out++ = coverageAt(bitmap, row, x);
+        if (!colored) {
+            for (unsigned x = 0; x < bitmap.width; ++x) *out++ = coverageAt(bitmap, row, x);
+            continue;
+        }
+        for (const uint8_t* bgra = row; bgra < row + size_t{4} * bitmap.width; bgra += 4) {
+            const uint8_t alpha = bgra[3];
+            for (const int channel : {2, 1, 0}) *out++ = std::min(bgra[channel], alpha);
+            *out++ = alpha;
+        }
     }
     return true;
 }
@@ -116,35 +151,53 @@ SkIRect StrikeImage::bounds(const GlyphMatrix& m, const GlyphPlacement& p) const
     // The corners' x are xx * x + xy * y: each extreme is a sum of extremes.
     const double x0 = std::min(m.xx * left, m.xx * right) + std::min(m.xy * top, m.xy * bottom);
     const double x1 = std::max(m.xx * left, m.xx * right) + std::max(m.xy * top, m.xy * bottom);
-    return SkIRect::MakeLTRB(
+    const SkIRect box = SkIRect::MakeLTRB(
         floorToInt(x0 * p.scale + p.dx), floorToInt(m.yy * top * p.scale + p.dy),
         ceilToInt(x1 * p.scale + p.dx), ceilToInt(m.yy * bottom * p.scale + p.dy));
+    return box.isEmpty() ? SkIRect::MakeEmpty() : box;
+}
+
+template <size_t kFirst, size_t kChannels>
+void StrikeImage::draw(const GlyphMatrix& matrix, const GlyphPlacement& placement,
+                       const SkIRect& window, uint8_t* out) const {
+    if (matrix.isIdentity() && placement.scale == 1) {
+        this->copy<kFirst, kChannels>(placement, window, out);
+    } else {
+        this->resample<kFirst, kChannels>(matrix, placement, window, out);
+    }
 }
 
 void StrikeImage::render(const GlyphMatrix& matrix, const GlyphPlacement& placement,
                          const SkIRect& window, uint8_t* out) const {
-    if (matrix.isIdentity() && placement.scale == 1) {
-        this->copy(placement, window, out);
+    if (this->isColored()) {
+        this->draw<3, 1>(matrix, placement, window, out);
     } else {
-        this->resample(matrix, placement, window, out);
+        this->draw<0, 1>(matrix, placement, window, out);
     }
 }
 
+void StrikeImage::renderColors(const GlyphMatrix& matrix, const GlyphPlacement& placement,
+                               const SkIRect& window, uint8_t* out) const {
+    if (this->isColored()) this->draw<0, 4>(matrix, placement, window, out);
+}
+
 // Unscaled pictures keep to whole pixels.
+template <size_t kFirst, size_t kChannels>
 void StrikeImage::copy(const GlyphPlacement& p, const SkIRect& window, uint8_t* out) const {
     const int dx = floorToInt(p.dx) + fLeft;
     const int dy = floorToInt(p.dy) + fTop;
     for (int y = window.fTop; y < window.fBottom; ++y) {
-        for (int x = window.fLeft; x < window.fRight; ++x, ++out) {
+        for (int x = window.fLeft; x < window.fRight; ++x, out += kChannels) {
             const int sx = x - dx;
             const int sy = y - dy;
             if (sx < 0 || sy < 0 || sx >= fPicture.width || sy >= fPicture.height) continue;
-            *out = fPicture.at(sx, sy);
+            std::copy_n(fPicture.at(sx, sy) + kFirst, kChannels, out);
         }
     }
 }
 
 // Pixels whose centre lies in the picture take its colour there.
+template <size_t kFirst, size_t kChannels>
 void StrikeImage::resample(const GlyphMatrix& m, const GlyphPlacement& p, const SkIRect& window,
                            uint8_t* out) const {
     const double xx = m.xx * p.scale;
@@ -161,10 +214,11 @@ void StrikeImage::resample(const GlyphMatrix& m, const GlyphPlacement& p, const 
     // Where the picture lies, from where x is 0 in it.
     const double edges[] = {xx * fLeft, xx * (fLeft + fPicture.width)};
     const int width = window.fRight - window.fLeft;
-    for (int y = window.fTop; y < window.fBottom; ++y, out += width) {
+    for (int y = window.fTop; y < window.fBottom; ++y, out += kChannels * width) {
         const double sy = (y + 0.5 - p.dy) / yy;
         const double v = sy - fTop;
         if (!(v >= 0 && v < fPicture.height)) continue;
+        const Between across(v * rows, level->height);
         const double zero = p.dx + xy * sy;
         const int first = floorToInt(std::min(edges[0], edges[1]) + zero);
         const int last = ceilToInt(std::max(edges[0], edges[1]) + zero);
@@ -172,8 +226,8 @@ void StrikeImage::resample(const GlyphMatrix& m, const GlyphPlacement& p, const 
         for (int x = std::max(first - 1, window.fLeft); x < end; ++x) {
             const double u = (x + 0.5 - zero) / xx - fLeft;
             if (!(u >= 0 && u < fPicture.width)) continue;
-            out[x - window.fLeft] =
-                static_cast<uint8_t>(roundToInt(sample(*level, u * columns, v * rows)));
+            sample<kFirst, kChannels>(*level, Between(u * columns, level->width), across,
+                                      out + kChannels * (x - window.fLeft));
         }
     }
 }

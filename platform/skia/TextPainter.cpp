@@ -8,6 +8,7 @@
 #include <cstring>
 #include <vector>
 
+#include "skia/ColorPaint.h"
 #include "skia/GlyphCache.h"
 #include "skia/GlyphScaler.h"
 #include "skia/GlyphSettings.h"
@@ -97,6 +98,7 @@ public:
         : fBitmap(bitmap),
           fFormat(pixelFormat(bitmap)),
           fClip(clip),
+          fForeground(color),
           fAlpha(SkColorGetA(color)),
           fColor(premultiply(color)),
           fGammaLevel(gammaLevel(color)) {}
@@ -110,10 +112,20 @@ private:
     void paintOutline(GlyphScaler& scaler, SkGlyphID glyph, const GlyphPlacement& placement);
     void blit(const Mask& mask);
     void blitColor(uint8_t* row, const uint8_t* mask, int count) const;
+    bool paintColors(const SkTypeface& typeface, const GlyphSettings& settings, SkGlyphID glyph,
+                     unsigned phase, int left, int top);
+    bool paintColorPart(GlyphScaler& scaler, const GlyphPlacement& placement);
+    void blitColors(const Mask& colors) const;
+    uint8_t* rowAt(int x, int y) const {
+        return static_cast<uint8_t*>(fBitmap.getPixels()) +
+               static_cast<size_t>(y) * fBitmap.rowBytes() +
+               static_cast<size_t>(x) * bytesPerPixel(fFormat);
+    }
 
     const SkBitmap& fBitmap;
     PixelFormat fFormat;
     SkIRect fClip;
+    SkColor fForeground;
     unsigned fAlpha;
     ColorF fColor;
     unsigned fGammaLevel;
@@ -152,6 +164,7 @@ void TextPainter::paintMask(const SkTypeface& typeface, const GlyphSettings& set
         phase = static_cast<unsigned>(floorToInt((biased - static_cast<float>(left)) * 4)) & 3;
     }
     const int top = roundToInt(y);
+    if (this->paintColors(typeface, settings, glyph, phase, left, top)) return;
     const auto mask = GlyphCache::shared().draw(typeface, settings, glyph, phase, fGammaLevel);
     if (!mask->coverage.empty()) {
         this->blit({mask->coverage.data(), moved(mask->bounds, left, top)});
@@ -166,8 +179,58 @@ void TextPainter::paintMask(const SkTypeface& typeface, const GlyphSettings& set
 // Beyond the mask size: exactly where it falls, without gamma.
 void TextPainter::paintOutline(GlyphScaler& scaler, SkGlyphID glyph,
                                const GlyphPlacement& placement) {
-    if (!scaler.load(glyph)) return;
+    if (!scaler.load(glyph) || this->paintColorPart(scaler, placement)) return;
     this->paintPart(scaler, placement, false);
+}
+
+// Onto colours, glyphs that have some are painted in them. False for other glyphs, and on masks.
+bool TextPainter::paintColors(const SkTypeface& typeface, const GlyphSettings& settings,
+                              SkGlyphID glyph, unsigned phase, int left, int top) {
+    if (fFormat == PixelFormat::kAlpha8) return false;
+    const auto colors =
+        GlyphCache::shared().drawColors(typeface, settings, glyph, phase, fForeground);
+    if (!colors->pixels.empty()) {
+        this->blitColors({colors->pixels.data(), moved(colors->bounds, left, top)});
+    } else if (colors->isColored && !colors->bounds.isEmpty()) {
+        GlyphScaler scaler(typeface.face(), settings);
+        if (scaler.load(glyph)) {
+            this->paintColorPart(scaler, {1, left + phase * 0.25, static_cast<double>(top)});
+        }
+    }
+    return colors->isColored;
+}
+
+bool TextPainter::paintColorPart(GlyphScaler& scaler, const GlyphPlacement& placement) {
+    if (fFormat == PixelFormat::kAlpha8 || scaler.kind() != MaskKind::kColor) return false;
+    SkIRect window = scaler.bounds(placement);
+    if (window.isEmpty() || !window.intersect(fClip)) return true;
+    fScratch.assign(pixelCount(window) * kColorBytes, 0);
+    scaler.renderColors(placement, window, fForeground, fScratch.data());
+    this->blitColors({fScratch.data(), window});
+    return true;
+}
+
+void TextPainter::blitColors(const Mask& colors) const {
+    SkIRect area = colors.bounds;
+    if (!area.intersect(fClip)) return;
+    const ptrdiff_t stride = colors.bounds.fRight - colors.bounds.fLeft;
+    for (int y = area.fTop; y < area.fBottom; ++y) {
+        const uint8_t* source =
+            colors.pixels + ((y - colors.bounds.fTop) * stride + area.fLeft - colors.bounds.fLeft) *
+                                static_cast<ptrdiff_t>(kColorBytes);
+        uint8_t* pixel = this->rowAt(area.fLeft, y);
+        for (int x = area.fLeft; x < area.fRight; ++x, source += kColorBytes, pixel += 4) {
+            if (source[3] == 0) continue;
+            if (fFormat == PixelFormat::kPremul) {
+                coverPixel(source, fAlpha, pixel);
+                continue;
+            }
+            const float part = static_cast<float>(fAlpha) * kByteToUnit * kByteToUnit;
+            blendPixel(fFormat,
+                       {source[0] * part, source[1] * part, source[2] * part, source[3] * part},
+                       pixel);
+        }
+    }
 }
 
 // Fills only what the clip shows of the glyph, however large it is.
@@ -189,9 +252,7 @@ void TextPainter::blit(const Mask& mask) {
     for (int y = area.fTop; y < area.fBottom; ++y) {
         const uint8_t* source =
             mask.pixels + (y - mask.bounds.fTop) * stride + (area.fLeft - mask.bounds.fLeft);
-        uint8_t* row = static_cast<uint8_t*>(fBitmap.getPixels()) +
-                       static_cast<size_t>(y) * fBitmap.rowBytes() +
-                       static_cast<size_t>(area.fLeft) * bytesPerPixel(fFormat);
+        uint8_t* row = this->rowAt(area.fLeft, y);
         if (fFormat == PixelFormat::kAlpha8) {
             const auto length = static_cast<size_t>(count);
             const auto room = static_cast<size_t>(fBitmap.width() - area.fLeft);

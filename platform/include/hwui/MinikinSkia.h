@@ -58,7 +58,7 @@ public:
     const std::string& getFilePath() const { return mFilePath; }
 
     // hinting << 16 | edging << 8 | embolden 1 | linear metrics 2 | subpixel 4 | embedded bitmaps 8
-    // | force auto-hinting 16
+    // | force auto-hinting 16 | colour glyphs 32
     static uint32_t packFontFlags(const SkFont& font);
     static void unpackFontFlags(SkFont* font, uint32_t fontFlags);
 
