@@ -9,6 +9,7 @@
 #include <numeric>
 #include <optional>
 
+#include "effect/ColorGlyphs.h"
 #include "effect/GxCoreFactory.h"
 #include "effect/KeyWriter.h"
 #include "effect/LineMasks.h"
@@ -285,6 +286,8 @@ void GxEffect::releaseBitmap() {
     srcBitmap = nullptr;
     backBitmap.reset();
     dstBitmap = nullptr;
+    lettersBitmap.reset();
+    colorGlyphs.clear();
 }
 
 bool GxEffect::setSilhouette(int id, const GxSilhouette& silhouette) {
@@ -601,6 +604,11 @@ void GxEffect::orderTwoLayers() {
 }
 
 void GxEffect::renderEffectLayer(int x, int y, const GxGlyph* glyph) {
+    renderEffectLayer(x, y, glyph, nullptr);
+}
+
+void GxEffect::renderEffectLayer(int x, int y, const GxGlyph* glyph,
+                                 std::unique_ptr<ColorGlyphs> colors) {
     if (glyph && srcBitmap) {
         const GxRect box(x, y, saturateInt(int64_t{x} + glyph->width),
                          saturateInt(int64_t{y} + glyph->height));
@@ -608,12 +616,41 @@ void GxEffect::renderEffectLayer(int x, int y, const GxGlyph* glyph) {
         textRectEmpty = false;
         const int32_t maskX = saturateInt(int64_t{x} - maskLeft);
         const int32_t maskY = saturateInt(int64_t{y} - maskTop);
+        const uint8_t* letters = colors ? colors->letters.get() : nullptr;
+        if (lineMasks && !lineMasks->keep(maskX, maskY, *glyph, letters)) renderFailed = true;
+        if (!keepColors(x, y, *glyph, std::move(colors))) renderFailed = true;
         GxBlender().drawBitmap(maskX, maskY, srcBitmap, glyph->pixels, glyph->width, glyph->height,
                                0xFF000000u);
-        if (lineMasks && !lineMasks->keep(maskX, maskY, *glyph)) renderFailed = true;
     }
     GxECore::ParamRender param{x, y, glyph, dstBitmap};
     for (GxECoreBase* core : layers) core->render(&param);
+}
+
+// Before the mask joins the others. False when memory ran out.
+bool GxEffect::keepColors(int x, int y, const GxGlyph& glyph, std::unique_ptr<ColorGlyphs> colors) {
+    if (!colors && !lettersBitmap) return true;
+    if (!lettersBitmap) {
+        lettersBitmap = newBitmap(srcBitmap->width, srcBitmap->height, 1);
+        if (!lettersBitmap) return false;
+        std::copy_n(srcBitmap->data, srcBitmap->pixelCount(), lettersBitmap->get()->data);
+    }
+    const uint8_t* letters = colors ? colors->letters.get() : glyph.pixels;
+    GxBlender().drawBitmap(saturateInt(int64_t{x} - maskLeft), saturateInt(int64_t{y} - maskTop),
+                           lettersBitmap->get(), letters, glyph.width, glyph.height, 0xFF000000u);
+    if (!colors) return true;
+    colors->x = x;
+    colors->y = y;
+    try {
+        colorGlyphs.push_back(std::move(colors));
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+    return true;
+}
+
+// What the text fill, and what lies over it, is painted in.
+GxBitmap* GxEffect::fillMask() const {
+    return lettersBitmap ? lettersBitmap->get() : srcBitmap;
 }
 
 void GxEffect::clampTextRect() {
@@ -665,18 +702,19 @@ void GxEffect::forEachSpan(const GxBitmap& layer, Step step) const {
 // Cuts such a stretch where the mask begins and ends and calls step(first, count, coverage), null
 // for pixels that the mask does not hold.
 template <typename Step>
-void GxEffect::forEachPart(const GxBitmap& layer, uint64_t first, uint64_t count, Step step) const {
+void GxEffect::forEachPart(const GxBitmap& layer, const GxBitmap& mask, uint64_t first,
+                           uint64_t count, Step step) const {
     uint64_t begin = 0, end = 0;  // of the mask's cells
-    const uint8_t* coverage = srcBitmap->data;
+    const uint8_t* coverage = mask.data;
     if (!startedEmpty(&layer)) {
-        end = srcBitmap->pixelCount();
+        end = mask.pixelCount();
     } else if (layer.width > 0) {
         const uint64_t y = first / layer.width;
         const int64_t maskRow = static_cast<int64_t>(y) - maskTop;
-        if (maskRow >= 0 && maskRow < srcBitmap->height) {
+        if (maskRow >= 0 && maskRow < mask.height) {
             begin = y * layer.width + static_cast<uint64_t>(maskLeft);
-            end = begin + srcBitmap->width;
-            coverage += maskRow * srcBitmap->width;
+            end = begin + mask.width;
+            coverage += maskRow * mask.width;
         }
     }
     const uint64_t last = first + count;
@@ -697,14 +735,15 @@ void GxEffect::clearUncovered() const {
         }
     };
     forEachSpan(*dstBitmap, [&](uint64_t first, uint64_t count) {
-        forEachPart(*dstBitmap, first, count, clear);
+        forEachPart(*dstBitmap, *fillMask(), first, count, clear);
     });
 }
 
 void GxEffect::runOverLines(GxECoreBase& core, const GxRect& canvas,
                             GxECore::ParamPostProcessing& param) {
     if (!lineMasks) return;
-    const bool hasMemory = lineMasks->forEach(*srcBitmap, [&](GxBitmap& mask, const GxRect& box) {
+    const bool ofLetters = placeOf(core).rank != EffectRank::kBeneath;
+    const auto runOver = [&](GxBitmap& mask, const GxRect& box) {
         GxECore::ParamPostProcessing line = param;
         line.src = &mask;
         line.srcLeft = maskLeft;
@@ -715,7 +754,8 @@ void GxEffect::runOverLines(GxECoreBase& core, const GxRect& canvas,
         Silhouettes ofLine(line, canvas, layers);
         if (ofLine.choose(core, line)) core.doPostProcessing(&line);
         param.outOfMemory = param.outOfMemory || line.outOfMemory;
-    });
+    };
+    const bool hasMemory = lineMasks->forEach(*srcBitmap, ofLetters, runOver);
     param.outOfMemory = param.outOfMemory || !hasMemory;
 }
 
@@ -759,7 +799,9 @@ void GxEffect::renderCores() {
         output == Output::kFreshWords
             ? GxRect(0, 0, saturateInt(front->width), saturateInt(front->height))
             : GxRect(0, 0, saturateInt(srcBitmap->width), saturateInt(srcBitmap->height));
-    Silhouettes silhouettes(param, canvas, layers);
+    Silhouettes ofAll(param, canvas, layers);
+    param.src = fillMask();
+    Silhouettes ofLetters(param, canvas, layers);
     bool confine = false;  // something over the text has painted, and the text has not
     for (GxECoreBase* core : layers) {
         const EffectPlace place = placeOf(*core);
@@ -773,7 +815,7 @@ void GxEffect::renderCores() {
         param.outOfMemory = false;
         if (core->getSpan() == GXE_SPAN_LINE) {
             runOverLines(*core, canvas, param);
-        } else if (silhouettes.choose(*core, param)) {
+        } else if ((place.rank == EffectRank::kBeneath ? ofAll : ofLetters).choose(*core, param)) {
             core->doPostProcessing(&param);
         }
         renderFailed = renderFailed || param.outOfMemory;
@@ -796,12 +838,12 @@ void GxEffect::mixLayers(const GxBitmap& result, uint64_t first, uint64_t count)
             std::copy_n(beneath, pixels, pixelsOf(&result) + from);
         }
     };
-    forEachPart(result, first, std::min(count, end - first), mix);
+    forEachPart(result, *srcBitmap, first, std::min(count, end - first), mix);
 }
 
 // Letters alone onto an output that started empty: a pixel depends on its coverage only.
 bool GxEffect::isBareText() const {
-    return mode == GXE_MODE_SINGLE_LAYER && layers.size() == 1 &&
+    return mode == GXE_MODE_SINGLE_LAYER && layers.size() == 1 && colorGlyphs.empty() &&
            layers.front()->getStyle() == GXE_STYLE_TEXT && isLayer(dstBitmap) &&
            startedEmpty(dstBitmap);
 }
@@ -828,6 +870,44 @@ void GxEffect::paintBareText(const GxBitmap& result, uint32_t alpha) const {
         words.data());
 }
 
+// 0 to 255.
+uint32_t GxEffect::fillOpacity() const {
+    GxECoreBase* fill = getEffect(GXE_STYLE_TEXT);
+    const GxProperty* record = fill ? fill->getProperty() : nullptr;
+    return record ? alphaOf(record->opacity) : 255;
+}
+
+// Over one layer; or into the upper one of two, so that mixing them by coverage shows them.
+void GxEffect::paintColors(const GxBitmap& result, const ColorGlyphs& colors) const {
+    const GxBitmap& pixels = *colors.pixels->get();
+    const GxBitmap& mask = *srcBitmap;
+    const uint32_t opacity = fillOpacity();
+    const bool mixes = isLayer(bitmapOf(backBitmap));
+    const auto place = [](int64_t edge, int32_t first, uint32_t extent) {
+        return static_cast<int32_t>(std::clamp<int64_t>(edge, first, int64_t{first} + extent));
+    };
+    const GxRect shown =
+        cutTo(result.width, result.height,
+              GxRect(place(int64_t{colors.x} + colors.box.left, maskLeft, mask.width),
+                     place(int64_t{colors.y} + colors.box.top, maskTop, mask.height),
+                     place(int64_t{colors.x} + colors.box.right, maskLeft, mask.width),
+                     place(int64_t{colors.y} + colors.box.bottom, maskTop, mask.height)));
+    for (int32_t y = shown.top; y < shown.bottom; ++y) {
+        const auto rowAt = [&](const GxBitmap& bitmap, int32_t left, int32_t top) {
+            return static_cast<size_t>(y - top) * bitmap.width +
+                   static_cast<size_t>(shown.left - left);
+        };
+        kernels::Rgba* out = pixelsOf(&result) + rowAt(result, 0, 0);
+        const kernels::Rgba* color = pixelsOf(&pixels) + rowAt(pixels, colors.x, colors.y);
+        const uint8_t* coverage = mask.data + rowAt(mask, maskLeft, maskTop);
+        for (uint32_t i = 0; i < shown.width(); ++i) {
+            if (color[i].a == 0) continue;
+            out[i] = mixes ? kernels::coverForMix(out[i], color[i], opacity, coverage[i])
+                           : kernels::coverFaded(out[i], color[i], opacity);
+        }
+    }
+}
+
 void GxEffect::compositeLayers(GxBitmap* result) {
     __android_log_print(ANDROID_LOG_DEBUG, kTag, "CompositeLayers(%p) - start", this);
     if (isLayer(result)) {
@@ -836,6 +916,7 @@ void GxEffect::compositeLayers(GxBitmap* result) {
         const bool mixes =
             isMask(srcBitmap) && isLayer(bitmapOf(backBitmap)) && (!fresh || startedEmpty(result));
         const auto fade = fresh ? kernels::fadeIntoWordsRow : kernels::fadeAndUnpremultiplyRow;
+        for (const auto& colors : colorGlyphs) paintColors(*result, *colors);
         if (result == dstBitmap && !paintedRect.isEmpty() && isBareText()) {
             paintBareText(*result, alpha);
         } else {

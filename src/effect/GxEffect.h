@@ -14,8 +14,9 @@
 
 namespace GxFontEffect {
 
-class LineMasks;    // effect/LineMasks.h
-class PlaneBitmap;  // raster/PlaneMemory.h
+struct ColorGlyphs;  // effect/ColorGlyphs.h
+class LineMasks;     // effect/LineMasks.h
+class PlaneBitmap;   // raster/PlaneMemory.h
 
 // Ordered set of effects, each style at most once unless repeats are on, and the four steps of a
 // render:
@@ -185,6 +186,10 @@ public:
 
     void initEffect(uint32_t width, uint32_t height);
     void renderEffectLayer(int x, int y, const GxGlyph* glyph);
+    // A mask some of whose glyphs have colours of their own; null for none. Effects beneath the
+    // text see all silhouettes; the fill and the effects over it see the letters, and the colours
+    // come over everything, as opaque as the fill. The stack takes them over.
+    void renderEffectLayer(int x, int y, const GxGlyph* glyph, std::unique_ptr<ColorGlyphs> colors);
     void doEffectPostProcessing();
     void compositeLayers(GxBitmap* result);
 
@@ -199,6 +204,10 @@ private:
     int appendEffect(int id, int style, const GxProperty* property);
     int margin(int (GxECoreBase::*offset)()) const;
     void runOverLines(GxECoreBase& core, const GxRect& canvas, GxECore::ParamPostProcessing& param);
+    bool keepColors(int x, int y, const GxGlyph& glyph, std::unique_ptr<ColorGlyphs> colors);
+    GxBitmap* fillMask() const;
+    uint32_t fillOpacity() const;
+    void paintColors(const GxBitmap& result, const ColorGlyphs& colors) const;
     int64_t silhouetteGrowth(GxECoreBase& core, int (GxECoreBase::*ofStroke)()) const;
     bool needsTwoLayers() const;
     bool needsLines() const;
@@ -211,7 +220,8 @@ private:
     template <typename Step>
     void forEachSpan(const GxBitmap& layer, Step step) const;
     template <typename Step>
-    void forEachPart(const GxBitmap& layer, uint64_t first, uint64_t count, Step step) const;
+    void forEachPart(const GxBitmap& layer, const GxBitmap& mask, uint64_t first, uint64_t count,
+                     Step step) const;
     void clearUncovered() const;
     void mixLayers(const GxBitmap& result, uint64_t first, uint64_t count) const;
     void renderCores();
@@ -222,7 +232,11 @@ private:
     std::vector<GxECoreBase*> layers;
     std::unique_ptr<PlaneBitmap> ownSrcBitmap;
     std::unique_ptr<LineMasks> lineMasks;  // of this render, when an effect runs over lines
-    GxBitmap* srcBitmap = nullptr;         // the own one unless a caller set another
+    // Of a render with colour glyphs: the mask of the letters alone, and the colours, which lie in
+    // the output.
+    std::unique_ptr<PlaneBitmap> lettersBitmap;
+    std::vector<std::unique_ptr<ColorGlyphs>> colorGlyphs;
+    GxBitmap* srcBitmap = nullptr;  // the own one unless a caller set another
     GxBitmap* dstBitmap = nullptr;
     std::unique_ptr<PlaneBitmap> backBitmap;
     // Of the render: extents of the output, and where the mask and the rows of the back layer lie

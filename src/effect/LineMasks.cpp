@@ -10,13 +10,16 @@
 
 namespace GxFontEffect {
 
-bool LineMasks::keep(int x, int y, const GxGlyph& glyph) {
+bool LineMasks::keep(int x, int y, const GxGlyph& glyph, const uint8_t* letters) {
     const size_t count = size_t{glyph.width} * glyph.height;
     if (!glyph.pixels || count == 0) return true;
-    Line line{x, y, glyph.width, glyph.height,
-              std::unique_ptr<uint8_t[]>(new (std::nothrow) uint8_t[count])};
-    if (!line.pixels) return false;
-    std::memcpy(line.pixels.get(), glyph.pixels, count);
+    const auto copy = [count](const uint8_t* from) {
+        std::unique_ptr<uint8_t[]> to(from ? new (std::nothrow) uint8_t[count] : nullptr);
+        if (to) std::memcpy(to.get(), from, count);
+        return to;
+    };
+    Line line{x, y, glyph.width, glyph.height, copy(glyph.pixels), copy(letters)};
+    if (!line.pixels || (letters && !line.letters)) return false;
     try {
         lines.push_back(std::move(line));
     } catch (const std::bad_alloc&) {
@@ -33,8 +36,9 @@ GxRect LineMasks::Line::cutTo(const GxBitmap& bitmap) const {
             place(int64_t{x} + width, bitmap.width), place(int64_t{y} + height, bitmap.height)};
 }
 
-void LineMasks::Line::drawInto(const GxBitmap& mask) const {
-    GxBlender().drawBitmap8To8(x, y, &mask, pixels.get(), width, height);
+void LineMasks::Line::drawInto(const GxBitmap& mask, bool ofLetters) const {
+    const uint8_t* shown = ofLetters && letters ? letters.get() : pixels.get();
+    GxBlender().drawBitmap8To8(x, y, &mask, shown, width, height);
 }
 
 void LineMasks::clear(const GxBitmap& mask, const GxRect& box) {

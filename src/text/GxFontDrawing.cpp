@@ -2,10 +2,8 @@
 
 #include <SkBitmap.h>
 #include <SkCanvas.h>
-#include <SkFont.h>
 #include <SkImageInfo.h>
 #include <SkRect.h>
-#include <SkTextBlob.h>
 #include <android/log.h>
 #include <hwui/MinikinUtils.h>
 #include <hwui/Paint.h>
@@ -24,11 +22,14 @@
 #include "base/GxString.h"
 #include "base/List.h"
 #include "base/NativeError.h"
+#include "effect/ColorGlyphs.h"
 #include "effect/GxEffect.h"
 #include "font/FontManager.h"
 #include "raster/GxBitmap.h"
 #include "raster/GxGlyph.h"
 #include "raster/GxMath.h"
+#include "text/ColorGlyphDrawing.h"
+#include "text/GlyphRuns.h"
 #include "text/GxLineInfo.h"
 #include "text/GxTextObject.h"
 
@@ -59,32 +60,6 @@ void deleteGlyph(GxGlyph* glyph) {
     delete[] glyph->pixels;
     delete glyph;
 }
-
-// Draws one font run of a layout. The platform's font set-up changes the very paint that forFontRun
-// is given, so the paint is held by reference and copied per run.
-struct DrawTextFunctor {
-    const minikin::Layout& layout;
-    SkCanvas& canvas;
-    const android::Paint& paint;
-    SkRect bounds;
-    float left;  // what lands at the mask's origin
-    float top;
-
-    void operator()(size_t start, size_t end) {
-        android::Paint fill(paint);
-        fill.setStyle(SkPaint::kFill_Style);
-        SkTextBlobBuilder builder;
-        const auto& run =
-            builder.allocRunPos(fill.getSkFont(), static_cast<int>(end - start), &bounds);
-        for (size_t i = start; i < end; ++i) {
-            const int glyph = static_cast<int>(i);
-            run.glyphs[i - start] = static_cast<SkGlyphID>(layout.getGlyphId(glyph));
-            run.pos[2 * (i - start)] = layout.getX(glyph);
-            run.pos[2 * (i - start) + 1] = layout.getY(glyph);
-        }
-        canvas.drawTextBlob(builder.make(), -left, -top, fill);
-    }
-};
 
 // UTF-16 range of a line and of the text around it that decides shaping and direction.
 struct LineRange {
@@ -143,11 +118,21 @@ bool isEmpty(const GxGlyph& glyph) {
     return glyph.width == 0 || glyph.height == 0;
 }
 
+// The point of the layout that lands at the mask's corner.
+LayoutCorner cornerOf(const minikin::Layout& layout, const GxGlyph& glyph, bool wholeInk) {
+    if (wholeInk) {
+        return {static_cast<float>(glyph.xOffset), static_cast<float>(-glyph.baseline)};
+    }
+    minikin::MinikinRect ink;
+    layout.getBounds(&ink);
+    return {ink.mLeft, ink.mTop};
+}
+
 // With the line's coverage; without pixels when that is too large. Null when memory runs out.
-std::unique_ptr<GxGlyph, void (*)(GxGlyph*)> drawMask(const minikin::Layout& layout,
-                                                      android::Paint& paint, bool wholeInk) {
-    std::unique_ptr<GxGlyph, void (*)(GxGlyph*)> glyph(
-        new (std::nothrow) GxGlyph(maskOf(layout, wholeInk)), deleteGlyph);
+// `colors` receives what the line's colour glyphs are painted with, if it is to and there are any.
+OwnedGlyph drawMask(const minikin::Layout& layout, android::Paint& paint, bool wholeInk,
+                    const ColorGlyphDrawing* coloring, std::unique_ptr<ColorGlyphs>* colors) {
+    OwnedGlyph glyph(new (std::nothrow) GxGlyph(maskOf(layout, wholeInk)), deleteGlyph);
     if (!glyph) return glyph;
     const size_t pixelCount = size_t{glyph->width} * glyph->height;
     if (pixelCount > kMaxMaskPixels) return glyph;
@@ -158,22 +143,11 @@ std::unique_ptr<GxGlyph, void (*)(GxGlyph*)> drawMask(const minikin::Layout& lay
     }
     if (pixelCount == 0) return glyph;
 
-    SkBitmap bitmap;
-    if (!bitmap.installPixels(SkImageInfo::MakeA8(glyph->width, glyph->height), glyph->pixels,
-                              glyph->width)) {
-        return glyph;
-    }
-    SkCanvas canvas(bitmap);
-    minikin::MinikinRect ink;
-    layout.getBounds(&ink);
-    DrawTextFunctor draw{layout,    canvas,
-                         paint,     SkRect::MakeLTRB(ink.mLeft, ink.mTop, ink.mRight, ink.mBottom),
-                         ink.mLeft, ink.mTop};
-    if (wholeInk) {
-        draw.left = static_cast<float>(glyph->xOffset);
-        draw.top = static_cast<float>(-glyph->baseline);
-    }
-    android::MinikinUtils::forFontRun(layout, &paint, draw);
+    const LayoutCorner corner = cornerOf(layout, *glyph, wholeInk);
+    // First: what it keeps in the platform's cache serves the mask.
+    if (coloring) *colors = coloring->draw(layout, paint, *glyph, corner);
+    drawGlyphs(layout, paint, corner, nullptr, SkImageInfo::MakeA8(glyph->width, glyph->height),
+               glyph->pixels);
     return glyph;
 }
 
@@ -347,6 +321,7 @@ bool GxFontDrawing::withLines(const GxTextObject* text, int left, int top, Use u
 
     const int length = text->GetText()->GetUTF16Size() - 1;
     android::Paint paint(text->paint());
+    if (text->getKeepsColorGlyphs()) askForColorGlyphs(paint);
     List& lines = *text->GetLineInfo();
     std::vector<LaidOutLine> laidOut;
     LineRange range;
@@ -357,7 +332,7 @@ bool GxFontDrawing::withLines(const GxTextObject* text, int left, int top, Use u
         laidOut.push_back({line, penOf(line->x, left), penOf(line->y, top),
                            layOut(range, line->direction, utf16.get(), length, paint, *typeface)});
     }
-    return use(laidOut, paint);
+    return use(laidOut, paint, *typeface);
 }
 
 bool GxFontDrawing::drawLines(GxTextObject* text, GxEffect* effect) {
@@ -365,18 +340,24 @@ bool GxFontDrawing::drawLines(GxTextObject* text, GxEffect* effect) {
     const GxRect ink = text->GetInkMargins();
     const int left = saturateInt(int64_t{effect->getLeftOffset()} + ink.left);
     const int top = saturateInt(int64_t{effect->getTopOffset()} + ink.top);
-    const auto draw = [&](const std::vector<LaidOutLine>& lines, android::Paint& paint) {
+    const auto draw = [&](const std::vector<LaidOutLine>& lines, android::Paint& paint,
+                          const android::Typeface& typeface) {
+        const ColorGlyphDrawing coloring(typeface, text->GetTextColor());
         effect->setTextBox(boxOf(lines, wholeInk));
         if (effect->hasFailed()) return false;
         for (const LaidOutLine& line : lines) {
             ClearGlyphList();
-            auto mask = drawMask(line.layout, paint, wholeInk);
+            std::unique_ptr<ColorGlyphs> colors;
+            auto mask = drawMask(line.layout, paint, wholeInk,
+                                 text->getKeepsColorGlyphs() ? &coloring : nullptr, &colors);
             if (!mask || !glyphList->Add(mask.get())) {
                 return ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, kSiteNoMemory);
             }
-            const bool isDrawn = !wholeInk || !isEmpty(*mask);
-            static_cast<void>(mask.release());  // the list's from here on
-            if (isDrawn) {
+            const GxGlyph& glyph = *mask.release();  // the list's from here on
+            if (colors) {
+                effect->renderEffectLayer(maskLeft(glyph, line.penX), maskTop(glyph, line.penY),
+                                          &glyph, std::move(colors));
+            } else if (!wholeInk || !isEmpty(glyph)) {
                 _DoRender(line.penX, line.penY, glyphList.get(), effect, line.info->direction);
             }
             moveBackgroundBox(*line.info, left, top, line.layout.getAdvance());
@@ -392,11 +373,13 @@ bool GxFontDrawing::MeasureInk(const GxTextObject* text, GxRect* ink) {
     const GxString* string = text->GetText();
     const List* lines = text->GetLineInfo();
     if (!string || string->GetUTF16Size() - 1 < 1 || !lines || lines->GetCount() < 1) return true;
-    return withLines(text, 0, 0, [ink](const std::vector<LaidOutLine>& laidOut, android::Paint&) {
+    const auto measure = [ink](const std::vector<LaidOutLine>& laidOut, android::Paint&,
+                               const android::Typeface&) {
         *ink = boxOf(laidOut, true);
         if (ink->isEmpty()) *ink = GxRect();
         return true;
-    });
+    };
+    return withLines(text, 0, 0, measure);
 }
 
 void GxFontDrawing::_DoRender(int x, int y, List* glyphs, GxEffect* effect, int direction) {

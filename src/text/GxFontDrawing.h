@@ -58,8 +58,8 @@ public:
     void ClearGlyphList();
 
 private:
-    // Lays out the lines, their pens moved by (left, top), and calls use(lines, paint); its answer,
-    // or false when memory ran out, true when there is nothing to draw with.
+    // Lays out the lines, their pens moved by (left, top), and calls use(lines, paint, typeface);
+    // its answer, or false when memory ran out, true when there is nothing to draw with.
     template <typename Use>
     bool withLines(const GxTextObject* text, int left, int top, Use use);
     bool drawLines(GxTextObject* text, GxEffect* effect);

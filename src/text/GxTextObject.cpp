@@ -68,6 +68,7 @@ constexpr int kSiteFitBitmap = 276;
 constexpr int kSiteFitBitmapTooLarge = 277;
 constexpr int kSiteFadesFill = 754;
 constexpr int kSiteWholeInk = 758;
+constexpr int kSiteColorGlyphs = 762;
 constexpr int kSiteBackgroundShape = 739;
 constexpr int kSiteCanvas = 741;
 constexpr int kSiteMeasureNoMemory = 278;
@@ -422,6 +423,7 @@ public:
     uint32_t canvasColor = 0;
     bool fadesFill = false;
     bool keepsWholeInk = false;
+    bool keepsColorGlyphs = false;
     GxRect inkMargins;
     uint32_t textColor = kOpaqueBlack;
 };
@@ -777,6 +779,14 @@ void GxTextObject::setFadesFill(bool fades) {
 
 bool GxTextObject::getFadesFill() const {
     return requireConstructed(kSiteFadesFill) && impl->fadesFill;
+}
+
+void GxTextObject::setKeepsColorGlyphs(bool keeps) {
+    if (requireConstructed(kSiteColorGlyphs)) impl->keepsColorGlyphs = keeps;
+}
+
+bool GxTextObject::getKeepsColorGlyphs() const {
+    return requireConstructed(kSiteColorGlyphs) && impl->keepsColorGlyphs;
 }
 
 void GxTextObject::SetBackgroundColor(uint32_t color, bool enabled) {

@@ -160,6 +160,15 @@ public:
     void setFadesFill(bool fades);
     bool getFadesFill() const;
 
+    // Whether glyphs that have colours of their own, such as emoji, are painted in them: bitmaps
+    // (CBDT, sbix) and layers or graphs of outlines (COLR 0 and 1) with the font's first palette.
+    // They come over the effects, and the fill and the effects over the letters leave them out;
+    // what lies beneath, shadows, glows and strokes, is made from their silhouettes. The text
+    // colour's alpha and the fill's opacity fade them like letters. Glyphs that are SVG stay their
+    // outlines. Off by default: they are letters in the shape of their silhouettes.
+    void setKeepsColorGlyphs(bool keeps);
+    bool getKeepsColorGlyphs() const;
+
     // 0xAARRGGBB boxes behind each line, drawn when enabled.
     void SetBackgroundColor(uint32_t color, bool enabled);
     // The shape of those boxes. The plain one is the default.

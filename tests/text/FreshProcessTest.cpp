@@ -137,6 +137,7 @@ private:
         text_->GetView()->SetBitmapHeight(kHeight);
         text_->SetBackgroundColor(0x60FFFF00, true);
         text_->SetTextColor(kColor);
+        text_->setKeepsColorGlyphs(true);
         return true;
     }
     // Texts do not ask for this family: whoever configures the families loads it.

@@ -65,6 +65,8 @@ TEST(GxTextObject, UnconstructedAnswersWithError8AtEachSite) {
         {754, [&] { return !text.getFadesFill(); }},
         {758, [&] { return text.setKeepsWholeInk(true), true; }},
         {758, [&] { return !text.getKeepsWholeInk(); }},
+        {762, [&] { return text.setKeepsColorGlyphs(true), true; }},
+        {762, [&] { return !text.getKeepsColorGlyphs(); }},
         {758, [&] { return text.GetInkMargins().isEmpty(); }},
     };
     for (const Case& c : cases) {

@@ -102,6 +102,24 @@ constexpr Rgba dstOver32(Rgba d, Rgba s) {
     return d.a == 0 ? s : saturatingAdd(d, scaled(s, 255u - d.a));
 }
 
+// A glyph's own colours s over d, with opacity t (0-255): what is beneath ends where they are,
+// however faded they are.
+constexpr Rgba coverFaded(Rgba d, Rgba s, uint32_t t) {
+    return saturatingAdd(scaled(d, 255u - s.a), scaled(s, t));
+}
+
+// The same into the output of mixLayers() with coverage m, which is not below the alpha of s: there
+// the sum of what is left of `out` and of s is to come out.
+constexpr Rgba coverForMix(Rgba out, Rgba s, uint32_t t, uint32_t m) {
+    const uint32_t covered = scale(s.a, t);
+    if (covered == 0 || m == 0) return out;
+    const uint32_t left = covered < m ? m - covered : 0;
+    const auto channel = [&](uint32_t o, uint32_t c) {
+        return clamp255(((scale(o, left) + scale(c, t)) * 255 + m / 2) / m);
+    };
+    return {channel(out.r, s.r), channel(out.g, s.g), channel(out.b, s.b), channel(out.a, s.a)};
+}
+
 // --- overwriting ---
 
 constexpr Rgba overwrite8(uint32_t m, Rgba color) {
