@@ -61,6 +61,7 @@ FontRequest fontRequest(const Style& style) {
 android::Paint makePaint(const Style& style, bool fakeBold) {
     android::Paint paint;
     SkFont& font = paint.getSkFont();
+    font.setColorGlyphs(style.emoji == Emoji::kColor);
     font.setScaleX(style.scaleX);
     font.setSkewX(style.skewX);
     font.setSize(style.size);
@@ -182,6 +183,7 @@ void Renderer::Impl::setLook(const Style& style, const android::Paint& paint) {
     object_.SetCanvasColor(style.canvas.value_or(Color{0}).argb);
     GxEffect& effect = *object_.GetEffect();
     effect.cleanAllEffect();
+    object_.setKeepsColorGlyphs(style.emoji == Emoji::kColor);
     object_.setFadesFill(style.fillOpacity < 1);
     effect.setTextOpacity(style.fillOpacity < 1 ? style.fillOpacity : style.opacity);
     dress(effect, style, loadPattern);

@@ -21,6 +21,7 @@ constexpr std::string_view kBevelKindNames[] = {"outside", "inside"};
 constexpr std::string_view kEmbossKindNames[] = {"emboss", "pillow"};
 constexpr std::string_view kTechniqueNames[] = {"smooth", "chiselHard", "chiselSoft"};
 constexpr std::string_view kDirectionNames[] = {"up", "down"};
+constexpr std::string_view kEmojiNames[] = {"color", "silhouette"};
 constexpr std::string_view kCastFromNames[] = {"letters", "outline"};
 constexpr std::string_view kSpanNames[] = {"text", "line"};
 constexpr std::string_view kBoxSpanNames[] = {"line", "block"};
@@ -154,6 +155,12 @@ const std::vector<Field<Style>>& styleFields() {
          .control = Control::kSlider,
          .meaning =
              "Opacity of the letters' own colour; 0 leaves the effects around hollow letters"},
+        {.name = "emoji",
+         .target = choiceOf<&Style::emoji, Style>(kEmojiNames),
+         .initial = "color",
+         .control = Control::kMenu,
+         .meaning = "Whether glyphs with colours of their own are painted in them, or are letters "
+                    "in the shape of their silhouettes"},
         {.name = "background",
          .target = &Style::background,
          .control = Control::kBox,

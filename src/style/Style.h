@@ -35,6 +35,7 @@ enum class EmbossKind { kEmboss = 0, kPillow = 1 };
 enum class Technique { kSmooth = 0, kChiselHard = 1, kChiselSoft = 2 };
 enum class Direction { kUp = 0, kDown = 1 };
 enum class Span { kText = 0, kLine = 1 };
+enum class Emoji { kColor = 0, kSilhouette = 1 };
 enum class CastFrom { kLetters = 0, kOutline = 1 };
 
 // Pixels.
@@ -198,6 +199,7 @@ struct GXTEXT_API Style {
     Color color;
     float opacity = 0.0f;
     float fillOpacity = 0.0f;
+    Emoji emoji = Emoji::kColor;
     std::optional<Background> background;
     std::optional<Color> canvas;
     std::optional<int> width;  // pixels, padding included; unset means as wide as the text

@@ -55,6 +55,19 @@ TEST(Look, FillOpacityFadesTheLettersAlone) {
     }
 }
 
+TEST(Look, EmojiAreInColourOrInTheTexts) {
+    Renderer renderer(FontSource::files({fontPath(gxtest::kNotoColorEmoji)}));
+    const auto redOnly = [&](const std::string& fields) {
+        const Style style = Style::fromJson(R"({"color": "#FF0000")" + fields + "}");
+        const Picture picture = renderer.render(style, "\U0001F600");
+        return std::ranges::all_of(picture.pixels(), [](uint32_t pixel) {
+            return pixel >> 24 == 0 || (pixel & 0xFFFFFF) == 0xFF0000;
+        });
+    };
+    EXPECT_FALSE(redOnly(""));
+    EXPECT_TRUE(redOnly(R"(, "emoji": "silhouette")"));
+}
+
 // Each corner's pixels by the distance from its circle's centre, in a box that stands alone; the
 // overlap of two boxes is no darker than they are.
 TEST(Look, BackgroundBoxesHaveRoundCornersAndMakeOneShape) {

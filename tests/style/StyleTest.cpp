@@ -48,6 +48,7 @@ const char* const kFullStyle = R"({
   "color": "#80102030",
   "opacity": 0.3,
   "fillOpacity": 0.6,
+  "emoji": "silhouette",
   "background": {
     "color": "#FFCC00",
     "radius": 8,
