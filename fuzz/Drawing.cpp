@@ -97,6 +97,7 @@ android::Paint choosePaint(FuzzedDataProvider& input) {
         constexpr const char* kLocales[] = {"ja", "zh-Hant,ko", "ar", "und-Deva", "und-Zsye", "en"};
         paint.setMinikinLocaleListId(minikin::registerLocaleList(input.PickValueInArray(kLocales)));
     }
+    font.setColorGlyphs(given & 64);
     paint.setJavaFlags(input.ConsumeIntegral<uint16_t>());
     font.setHinting(static_cast<SkFontHinting>(input.ConsumeIntegralInRange(0, 3)));
     paint.setFamilyVariant(static_cast<minikin::FamilyVariant>(input.ConsumeIntegralInRange(0, 2)));

@@ -43,7 +43,7 @@ const fs::path& fontFolder() {
 const char* fontFileName(FontKind kind) {
     constexpr const char* kNames[] = {"latin.ttf",    "latin-bold.ttf", "arabic.ttf",
                                       "indic.ttf",    "ideographs.ttf", "color.ttf",
-                                      "pictures.ttf", "growing.ttf"};
+                                      "pictures.ttf", "growing.ttf",    "graphs.ttf"};
     return kNames[kind];
 }
 

@@ -7,6 +7,7 @@
 #include "SkTypeface.h"
 #include "hwui/MinikinSkia.h"
 #include "minikin/Font.h"
+#include "support/ColorGraphs.h"
 #include "support/SyntheticFont.h"
 
 namespace gxfuzz {
@@ -106,6 +107,29 @@ SyntheticFont growing() {
     return font;
 }
 
+SyntheticFont graphs() {
+    SyntheticFont font;
+    const uint16_t first = font.addLetters(0x1F600, 0x1F603);
+    font.addLetters('0', '9');
+    const auto shape = static_cast<uint16_t>(first + 4);
+    const auto glyph = [&](int i) { return static_cast<uint16_t>(first + i); };
+    const std::vector<ColorStop> stops = {{0, 0}, {0.5, 0xFFFF, 0.5}, {1, 1}};
+    const Paint linear = linearPaint({0, 0, 400, 100, 0, 300}, stops, Extend::kReflect);
+    const Paint radial = radialPaint({200, 200, 10, 300, 200, 400}, stops, Extend::kRepeat);
+    const Paint sweep = sweepPaint(200, 200, 30, 300, stops);
+    const Paint turned =
+        rotatePaint(0.3, 100, 100,
+                    skewPaint(0.1, -0.1, scalePaint(1.5, -0.5, 50, 50, glyphPaint(shape, sweep))));
+    addColorGraphs(
+        font,
+        {{glyph(0), layersPaint(3, 0), {{0, 0, 500, 500}}},
+         {glyph(1), compositePaint(24, glyphPaint(shape, linear), colorGlyphPaint(glyph(0)))},
+         {glyph(2), translatePaint(50, -50, transformPaint({1, 0.5, -0.5, 1, 10, 10}, turned))},
+         {glyph(3), colorGlyphPaint(glyph(3))}},
+        {0xFF205080, 0x80FF8000}, {glyphPaint(shape, radial), turned, layersPaint(3, 0)});
+    return font;
+}
+
 Bytes make(FontKind kind) {
     switch (kind) {
         case kLatin:
@@ -124,6 +148,8 @@ Bytes make(FontKind kind) {
             return pictures().build();
         case kGrowing:
             return growing().build();
+        case kGraphs:
+            return graphs().build();
         case kFontKinds:
             break;
     }

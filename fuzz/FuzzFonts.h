@@ -20,6 +20,7 @@ enum FontKind : int {
     kColor,       // emoji of layers
     kPictures,    // emoji of bitmaps at one size
     kGrowing,     // one glyph becomes many, several times over
+    kGraphs,      // emoji of graphs of paints, and one in a circle
     kFontKinds,
 };
 

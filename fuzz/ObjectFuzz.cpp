@@ -54,6 +54,12 @@ GxFontFamily* systemFamily(FontKind kind, const char* locales) {
     return family;
 }
 
+// A bit each: a byte more would shift those of every kept input.
+void keepMore(GxTextObject& object, unsigned what) {
+    object.setKeepsWholeInk(what & 1);
+    object.setKeepsColorGlyphs(what & 2);
+}
+
 void setSystemFamilies() {
     auto* list = new List;
     list->Construct();
@@ -62,6 +68,7 @@ void setSystemFamilies() {
     list->Add(systemFamily(kIndic, "und-Deva"));
     list->Add(systemFamily(kIdeographs, "ja"));
     list->Add(systemFamily(kColor, "und-Zsye"));
+    list->Add(systemFamily(kGraphs, "und-Zsym"));
     FontManager& fonts = FontManager::GetInstance();
     fonts.ClearFontFamilies();
     if (fonts.SetSystemFontFamilies(list)) fonts.LoadMinikinFontFamily(0);
@@ -336,7 +343,7 @@ void Objects::operate(FuzzedDataProvider& input) {
             object->SetBackgroundShape({chooseInt(input), chooseInt(input), input.ConsumeBool()});
             object->SetCanvasColor(input.ConsumeIntegral<uint32_t>());
             object->setFadesFill(input.ConsumeBool());
-            object->setKeepsWholeInk(input.ConsumeBool());
+            keepMore(*object, input.ConsumeIntegral<uint8_t>());
             break;
         case 13:
             if (input.ConsumeIntegral<uint8_t>() == 1) FontManager::GetInstance().ClearFontMaps();

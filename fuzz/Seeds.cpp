@@ -13,8 +13,8 @@ namespace {
 
 // What FontFuzz reads behind the font, from the end: size, what else is given, flags, hinting,
 // variant, text, index, direction, canvas.
-Bytes settings(uint8_t size, uint8_t text, bool antialias) {
-    return {0, 0, 0, text, 0, 2, 0, antialias, 0, size, 0};
+Bytes settings(uint8_t size, uint8_t text, bool antialias, uint8_t given = 0) {
+    return {0, 0, 0, text, 0, 2, 0, antialias, given, size, 0};
 }
 
 void write(const std::filesystem::path& file, Bytes font, const Bytes& tail) {
@@ -38,11 +38,14 @@ Bytes collection(const Bytes& font) {
 }
 
 void writeSeeds(const std::filesystem::path& folder) {
-    constexpr uint8_t kTexts[] = {0, 0, 1, 2, 3, 4, 4, 0};  // which of kSampleTexts, by FontKind
+    constexpr uint8_t kTexts[] = {0, 0, 1, 2, 3, 4, 4, 0, 4};  // which of kSampleTexts, by FontKind
     for (int kind = 0; kind < kFontKinds; ++kind) {
         const Bytes& font = fontFile(static_cast<FontKind>(kind));
         const std::string name = fontFileName(static_cast<FontKind>(kind));
-        write(folder / name, font, settings(static_cast<uint8_t>(kind), kTexts[kind], kind % 2));
+        constexpr uint8_t kColors = 64;
+        write(folder / name, font,
+              settings(static_cast<uint8_t>(kind), kTexts[kind], kind % 2,
+                       kind == kGraphs ? kColors : 0));
     }
     write(folder / "collection.ttc", collection(fontFile(kArabic)), settings(2, 1, true));
 }
