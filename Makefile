@@ -9,7 +9,7 @@ ARMHF_SUITES := raster effect library
 space := $(subst ,, )
 FUZZ_SECONDS ?= 60
 
-.PHONY: help setup demo demo-java test agreement aar wheel bench bench-instructions bench-scaling bench-png bench-memory bench-pictures bench-docs lint format sanitize fuzz test-aarch64 package clean
+.PHONY: help setup demo demo-java test agreement aar apk wheel bench bench-instructions bench-scaling bench-png bench-memory bench-pictures bench-docs lint format sanitize fuzz test-aarch64 package clean
 
 help:
 	@echo "make demo          build, then render sample pictures into out/demo/"
@@ -17,6 +17,7 @@ help:
 	@echo "make test          build and run every test"
 	@echo "make agreement     the text stack against HarfBuzz, FreeType, ICU, Unicode and CanvasKit, in figures"
 	@echo "make aar           pack the SDK and the libraries built for Android into out/aar/"
+	@echo "make apk           build the example app with the SDK into out/apk/, without Gradle or an NDK"
 	@echo "make package       shared libraries and program, tested, as a Debian package with sources into out/package/"
 	@echo "make wheel         the Python package with its libraries inside, tested, into out/wheel/"
 	@echo "make bench         build and run the benchmarks: ratios to the peers, targets beside"
@@ -50,7 +51,7 @@ demo-java: setup
 	scripts/demo-java $(BUILD)/release out/demo-java
 
 test: setup
-	@scripts/setup demo java peers python
+	@scripts/setup demo java apk peers python
 	options=$$(scripts/python-env $(BUILD)/python) && cmake --preset $(PRESET) $$options
 	cmake --build --preset $(PRESET)
 	ctest --preset $(PRESET)
@@ -64,6 +65,10 @@ agreement: setup
 aar: setup
 	@scripts/setup java
 	scripts/aar out/aar $(AAR_OPTIONS)
+
+apk: setup
+	@scripts/setup java apk
+	scripts/apk out/apk $(APK_OPTIONS)
 
 package: setup
 	@scripts/setup demo package

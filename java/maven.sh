@@ -31,3 +31,24 @@ run_maven_or_skip() {
     cat "$log"
     exit 1
 }
+
+# Puts the jar GROUP:ARTIFACT:VERSION into $build/tools.
+fetch_tool() {
+    local name=${1#*:}
+    [[ -e $build/tools/${name/:/-}.jar ]] || run_maven_or_skip \
+        org.apache.maven.plugins:maven-dependency-plugin:3.6.1:copy "-Dartifact=$1" "-DoutputDirectory=$build/tools"
+}
+
+# The shrinker, as the Android build runs it: full mode, with the SDK's rules and those of the caller.
+#   shrink RULES OUTPUT OPTION_OR_JAR...
+R8=8.5.35
+shrink() {
+    local rules=$1 output=$2 home
+    shift 2
+    fetch_tool "com.android.tools:r8:$R8"
+    home=$(java -XshowSettings:properties -version 2>&1 | sed -n 's/^ *java.home = //p') # java.lang and its like
+    # What a rule does not match is told at length; an app without the SDK matches none.
+    java -cp "$build/tools/r8-$R8.jar" com.android.tools.r8.R8 --release \
+        --pg-conf "$(dirname "${BASH_SOURCE[0]}")/consumer-rules.pro" --pg-conf "$rules" --output "$output" \
+        "$@" --lib "$home" >"$build/r8.log" 2>&1 || { cat "$build/r8.log" && exit 1; }
+}

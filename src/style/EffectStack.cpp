@@ -243,8 +243,10 @@ std::vector<size_t> stackingOrder(const Style& style) {
         if (style.effects[i].enabled) order.push_back(i);
     }
     if (style.order == EffectOrder::kNatural) {
-        std::stable_sort(order.begin(), order.end(), [&style](size_t a, size_t b) {
-            return naturalRank(style.effects[a]) < naturalRank(style.effects[b]);
+        std::sort(order.begin(), order.end(), [&style](size_t a, size_t b) {
+            const int rankOfA = naturalRank(style.effects[a]);
+            const int rankOfB = naturalRank(style.effects[b]);
+            return rankOfA != rankOfB ? rankOfA < rankOfB : a < b;
         });
     }
     return order;

@@ -1,6 +1,7 @@
 // Ramps and how they lie.
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 
 #include "style/FieldTable.h"
 #include "style/LayerPaint.h"
@@ -69,10 +70,16 @@ Knots<count> readKnots(LayerRecord& gradient, std::string_view name, ReadValue r
         stops.push_back({{position, readValue(stop)}, midpoint});
         stop.finish();
     }
-    std::stable_sort(stops.begin(), stops.end(), [](const auto& a, const auto& b) {
-        return a.first.position < b.first.position;
+    // Those at one place stay in the order of the file.
+    std::vector<size_t> order(stops.size());
+    std::iota(order.begin(), order.end(), size_t{0});
+    std::sort(order.begin(), order.end(), [&stops](size_t a, size_t b) {
+        const double ofA = stops[a].first.position, ofB = stops[b].first.position;
+        return ofA != ofB ? ofA < ofB : a < b;
     });
-    return withMidpoints(stops);
+    std::vector<std::pair<Knot<count>, double>> sorted;
+    for (const size_t i : order) sorted.push_back(stops[i]);
+    return withMidpoints(sorted);
 }
 
 Stop stopAt(double position, const std::array<double, 4>& color, double opacity) {
