@@ -76,6 +76,12 @@ JNIEXPORT jint JNICALL Java_com_norvale_android_sdk_gxe_TextExtension_addFamily(
     JNIEnv* env, jclass, jobjectArray files, jintArray indices, jintArray weights,
     jbooleanArray italics, jobjectArray variations, jstring locales, jint variant);
 
+// Whether one of these families, negative numbers aside, has each character that wants a glyph.
+JNIEXPORT jboolean JNICALL Java_com_norvale_android_sdk_gxe_TextExtension_covers(JNIEnv* env,
+                                                                                 jclass,
+                                                                                 jintArray families,
+                                                                                 jstring text);
+
 // Draws the text with these families, in order of preference, in place of all other fonts. `weight`
 // chooses among the fonts of a family; 0 is that of the first font. False for a number that is
 // none.

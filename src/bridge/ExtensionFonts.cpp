@@ -6,6 +6,7 @@
 #include <minikin/LocaleList.h>
 
 #include <algorithm>
+#include <iterator>
 #include <memory>
 #include <mutex>
 #include <new>
@@ -129,6 +130,16 @@ Family MakeFamily(const std::vector<FontEntry>& entries, const std::string& loca
                                                  std::move(fonts), false);
 }
 
+// Controls, spaces, joiners and variation selectors are drawn without one.
+bool WantsGlyph(uint32_t c) {
+    const bool invisible = c <= 0x20 || (c >= 0x7F && c <= 0xA0) || c == 0xAD ||
+                           (c >= 0x2000 && c <= 0x200F) || (c >= 0x2028 && c <= 0x202F) ||
+                           (c >= 0x205F && c <= 0x206F) || c == 0x3000 || c == 0xFEFF ||
+                           (c >= 0xFE00 && c <= 0xFE0F) || (c >= 0xD800 && c <= 0xF8FF) ||
+                           (c >= 0xE0000 && c <= 0x10FFFF);
+    return !invisible;
+}
+
 jint LogFailure(const char* what) {
     __android_log_print(ANDROID_LOG_ERROR, kFontManagerTag, "TextExtension - %s", what);
     return -1;
@@ -171,6 +182,32 @@ GX_EXTENSION(jint, addFamily)
             return family ? Families::Instance().Add(std::move(family)) : -1;
         },
         LogFailure);
+}
+
+GX_EXTENSION(jboolean, covers)(JNIEnv* env, jclass, jintArray numbers, jstring text) {
+    return Contained(
+               [&]() -> jint {
+                   if (!numbers || !text) return -1;
+                   const ArrayElements<jintArray> chosen(env, numbers);
+                   const UtfChars chars(env, text);
+                   if (!chosen || !chars) return -1;
+                   std::vector<jint> known;
+                   std::copy_if(chosen.get(), chosen.get() + chosen.length(),
+                                std::back_inserter(known), [](jint number) { return number >= 0; });
+                   const auto families =
+                       Families::Instance().Find(known.data(), static_cast<jsize>(known.size()));
+                   for (const wchar_t c : WideFromModifiedUtf8(chars.get())) {
+                       const auto has = [c](const Family& family) {
+                           return family->hasGlyph(static_cast<uint32_t>(c), 0);
+                       };
+                       if (WantsGlyph(static_cast<uint32_t>(c)) &&
+                           std::none_of(families.begin(), families.end(), has)) {
+                           return -1;
+                       }
+                   }
+                   return 0;
+               },
+               LogFailure) == 0;
 }
 
 GX_EXTENSION(jboolean, setFamilies)

@@ -197,8 +197,8 @@ const std::set<std::string> kExports = {
 };
 // Natives of Java classes that are looked up by name.
 constexpr const char* kByName = "Java_com_norvale_android_sdk_gxe_TextExtension_";
-const std::set<std::string> kNativesByName = {"addFamily", "check",  "dress",      "fade",
-                                              "measure",   "render", "setFamilies"};
+const std::set<std::string> kNativesByName = {"addFamily", "check",   "covers", "dress",
+                                              "fade",      "measure", "render", "setFamilies"};
 // The effect cores and their helpers (functions begin in lower case), for callers that drive one by
 // itself.
 const std::set<std::string> kCores = {

@@ -54,6 +54,8 @@ public final class GxText implements AutoCloseable {
     private int ownFamily = -1;
     private final List<Integer> fallbackFamilies = new ArrayList<>();
     private boolean systemBold;
+    /** Of the layout, for which fonts are chosen. */
+    private String characters = "";
 
     /**
      * Loads the native library if that has not been done.
@@ -72,7 +74,7 @@ public final class GxText implements AutoCloseable {
     @WorkerThread
     public static boolean loadSystemFonts() {
         NativeLibrary.load();
-        return SystemFamilies.get().length > 0;
+        return !SystemFamilies.isEmpty();
     }
 
     /**
@@ -188,7 +190,7 @@ public final class GxText implements AutoCloseable {
      */
     public void setSystemFont(boolean bold) {
         requireOpen();
-        if (!FontManager.hasSystemFonts() && SystemFamilies.get().length == 0) {
+        if (!FontManager.hasSystemFonts() && SystemFamilies.isEmpty()) {
             throw new GxTextException("the system has no readable font; call setFont");
         }
         ownFamily = -1;
@@ -384,6 +386,7 @@ public final class GxText implements AutoCloseable {
     public void setLayout(@NonNull Layout layout) {
         requireUsable("layout", layout);
         require(GxText_SetLayout(layout), "layout");
+        characters = String.valueOf(layout.getText());
     }
 
     /**
@@ -513,7 +516,7 @@ public final class GxText implements AutoCloseable {
             order.add(ownFamily);
         }
         order.addAll(fallbackFamilies);
-        for (int family : SystemFamilies.get()) {
+        for (int family : SystemFamilies.of(characters, ownFamily)) {
             order.add(family);
         }
         if (order.isEmpty()) {

@@ -7,28 +7,31 @@ import android.os.Build;
 import java.io.File;
 import java.util.ArrayList;
 import java.util.Arrays;
-import java.util.Collection;
 import java.util.Comparator;
 import java.util.HashMap;
+import java.util.HashSet;
 import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Locale;
 import java.util.Map;
+import java.util.Set;
 import java.util.TreeSet;
 
 /**
- * The fonts of the system as families of the process: made once, in the order in which they stand
- * in for each other.
+ * The fonts of the system as families of the process: listed once, in the order in which they stand
+ * in for each other, and opened when a text wants them.
  */
 final class SystemFamilies {
     /** One font. */
-    private static final class Face {
+    static final class Face {
         final File file;
         final int index;
         final int weight;
         final boolean italic;
         final String locales;
         final String variations;
+        /** Of the family: "NotoSansArabicUI" of "NotoSansArabicUI-Bold.ttf". */
+        final String name;
 
         Face(File file, int index, int weight, boolean italic, String locales,
                 String variations) {
@@ -38,10 +41,10 @@ final class SystemFamilies {
             this.italic = italic;
             this.locales = locales;
             this.variations = variations;
+            name = nameOf(file);
         }
 
-        /** Of the file: "NotoSansArabicUI" of "NotoSansArabicUI-Bold.ttf". */
-        String family() {
+        private static String nameOf(File file) {
             String name = file.getName();
             int end = name.indexOf('-');
             return name.substring(0, end > 0 ? end : Math.max(name.lastIndexOf('.'), 0));
@@ -63,43 +66,156 @@ final class SystemFamilies {
     private static final int VARIANT_COMPACT = 1;
     private static final int VARIANT_ELEGANT = 2;
 
+    /** What stands in for characters that belong to no script of their own. */
+    private static final List<String> SHARED = Arrays.asList("emoji", "symbol", "math", "music");
+
+    /** Scripts by other names than those of the files. */
+    private static final String[][] SCRIPTS = {{"HAN", "cjk"}, {"HIRAGANA", "cjk"},
+        {"KATAKANA", "cjk"}, {"HANGUL", "cjk"}, {"BOPOMOFO", "cjk"}};
+
+    private static final int[] NOTHING = new int[0];
+
     private static final Map<String, Integer> OWN = new HashMap<>();
 
-    /** Null until they are made; by the name of their files. */
-    private static Map<String, Integer> named;
-    private static int[] inOrder;
+    /** In order of preference; null until they are listed. */
+    private static List<Family> families;
 
     private SystemFamilies() {}
 
-    /** The families in order of preference; none on a system without a font that can be read. */
-    static synchronized int[] get() {
-        if (inOrder == null) {
-            make(Build.VERSION.SDK_INT >= 29 ? Api29.faces() : facesBelow(SYSTEM_FOLDER));
+    /** Faces of one design, opened when a text wants it. */
+    private static final class Family {
+        static final int NOT_OPENED = -2;
+
+        final List<Face> faces;
+        final String name;
+        final int variant;
+        final int rank;
+        private int number = NOT_OPENED;
+
+        Family(List<Face> faces, int variant) {
+            this.faces = faces;
+            this.variant = variant;
+            name = faces.get(0).name;
+            rank = rank(name);
         }
-        return inOrder;
+
+        /** Negative when a file is no font. */
+        int number() {
+            if (number == NOT_OPENED) {
+                number = add(faces, variant);
+            }
+            return number;
+        }
+    }
+
+    /** Whether there is a font that can be read. */
+    static synchronized boolean isEmpty() {
+        return list().isEmpty();
+    }
+
+    /** How many families there are. */
+    static synchronized int count() {
+        return list().size();
+    }
+
+    private static List<Family> list() {
+        if (families == null) {
+            families = inOrder(Build.VERSION.SDK_INT >= 29
+                    ? Api29.faces() : facesBelow(SYSTEM_FOLDER));
+        }
+        return families;
+    }
+
+    /**
+     * The families that a text wants, in order of preference: the system's own, those that are named
+     * after its scripts, and as many of the others as its characters need. The same for the same
+     * text, whatever was drawn before.
+     */
+    static synchronized int[] of(String text, int own) {
+        List<Family> all = list();
+        if (all.isEmpty()) {
+            return NOTHING;
+        }
+        Set<String> keys = scriptsOf(text);
+        boolean[] taken = new boolean[all.size()];
+        for (int i = 0; i < taken.length; i++) {
+            taken[i] = i == 0 || isNamedAfter(all.get(i).name, keys);
+        }
+        int[] numbers = numbersOf(all, taken);
+        for (int i = 0; i < taken.length && !covers(own, numbers, text); i++) {
+            if (!taken[i]) {
+                taken[i] = true;
+                numbers = numbersOf(all, taken);
+            }
+        }
+        return numbers;
+    }
+
+    private static int[] numbersOf(List<Family> all, boolean[] taken) {
+        int[] numbers = new int[taken.length];
+        int count = 0;
+        for (int i = 0; i < taken.length; i++) {
+            if (taken[i] && all.get(i).number() >= 0) {
+                numbers[count++] = all.get(i).number();
+            }
+        }
+        return Arrays.copyOf(numbers, count);
+    }
+
+    private static boolean covers(int own, int[] numbers, String text) {
+        int[] families = Arrays.copyOf(numbers, numbers.length + 1);
+        families[numbers.length] = own;
+        return TextExtension.covers(families, text);
+    }
+
+    /** What names of files hold that draw the text's scripts. */
+    private static Set<String> scriptsOf(String text) {
+        Set<String> keys = new TreeSet<>();
+        for (int i = 0; i < text.length(); i += Character.charCount(text.codePointAt(i))) {
+            int c = text.codePointAt(i);
+            String script = Character.UnicodeScript.of(c).name();
+            String key = script.toLowerCase(Locale.ROOT).replace("_", "");
+            for (String[] other : SCRIPTS) {
+                key = other[0].equals(script) ? other[1] : key;
+            }
+            if (!key.equals("common") && !key.equals("inherited")) {
+                keys.add(key);
+            } else if (c > 0xFF && Character.getType(c) != Character.NON_SPACING_MARK) {
+                keys.addAll(SHARED);
+            }
+        }
+        return keys;
+    }
+
+    private static boolean isNamedAfter(String family, Set<String> keys) {
+        String name = key(family);
+        for (String key : keys) {
+            if (name.contains(key)) {
+                return true;
+            }
+        }
+        return false;
     }
 
     /** The family of that name; throws IllegalArgumentException when there is none. */
     static synchronized int named(String name) {
-        int[] families = get();
-        if (families.length > 0 && isDefault(name)) {
-            return families[0];
+        if (!list().isEmpty() && isDefault(name)) {
+            return list().get(0).number();
         }
-        TreeSet<String> known = new TreeSet<>();
+        Set<String> known = new TreeSet<>();
         known.add("sans-serif");
-        for (Map.Entry<String, Integer> family : named.entrySet()) {
-            if (key(family.getKey()).equals(key(name))) {
-                return family.getValue();
+        for (Family family : list()) {
+            if (key(family.name).equals(key(name))) {
+                return family.number();
             }
-            known.add(family.getKey());
-        }
-        for (String[] alias : ALIASES) {
-            Integer family = named.get(alias[1]);
-            if (family != null) {
-                if (key(alias[0]).equals(key(name))) {
-                    return family;
+            known.add(family.name);
+            for (String[] alias : ALIASES) {
+                if (alias[1].equals(family.name)) {
+                    if (key(alias[0]).equals(key(name))) {
+                        return family.number();
+                    }
+                    known.add(alias[0]);
                 }
-                known.add(alias[0]);
             }
         }
         throw new IllegalArgumentException("font: the system has no family \"" + name
@@ -168,37 +284,29 @@ final class SystemFamilies {
         return new Face(file, index, weight, style.contains("italic"), locales, "");
     }
 
-    private static void make(List<Face> faces) {
+    private static List<Family> inOrder(List<Face> faces) {
         // By family and language, for a collection holds one design for several.
-        Map<String, List<Face>> families = new LinkedHashMap<>();
+        Map<String, List<Face>> byName = new LinkedHashMap<>();
         faces.sort(Comparator.comparing((Face face) -> face.file.getPath())
                 .thenComparing(face -> face.index).thenComparing(face -> face.weight)
                 .thenComparing(face -> face.italic));
+        Set<String> names = new HashSet<>();
         for (Face face : faces) {
+            names.add(face.name);
             if (face.file.canRead()) {
-                families.computeIfAbsent(face.family() + '\0' + face.locales,
+                byName.computeIfAbsent(face.name + '\0' + face.locales,
                         key -> new ArrayList<>()).add(face);
             }
         }
-        List<List<Face>> order = new ArrayList<>(families.values());
-        order.sort(Comparator.comparing((List<Face> family) -> rank(family.get(0))));
-        named = new LinkedHashMap<>();
-        List<Integer> numbers = new ArrayList<>();
-        for (List<Face> family : order) {
-            int number = add(family, variant(family.get(0), families.values()));
-            if (number >= 0) {
-                numbers.add(number);
-                named.putIfAbsent(family.get(0).family(), number);
-            }
+        List<Family> families = new ArrayList<>();
+        for (List<Face> family : byName.values()) {
+            families.add(new Family(family, variant(family.get(0).name, names)));
         }
-        inOrder = new int[numbers.size()];
-        for (int i = 0; i < inOrder.length; i++) {
-            inOrder[i] = numbers.get(i);
-        }
+        families.sort(Comparator.comparingInt(family -> family.rank));
+        return families;
     }
 
-    private static int rank(Face face) {
-        String family = face.family();
+    private static int rank(String family) {
         int place = DEFAULTS.indexOf(family);
         if (place >= 0) {
             return place;
@@ -220,17 +328,11 @@ final class SystemFamilies {
     }
 
     /** A script with a family for user interfaces has a taller one beside it. */
-    private static int variant(Face face, Collection<List<Face>> families) {
-        String name = face.family();
+    private static int variant(String name, Set<String> names) {
         if (name.endsWith("UI")) {
             return VARIANT_COMPACT;
         }
-        for (List<Face> other : families) {
-            if (other.get(0).family().equals(name + "UI")) {
-                return VARIANT_ELEGANT;
-            }
-        }
-        return VARIANT_DEFAULT;
+        return names.contains(name + "UI") ? VARIANT_ELEGANT : VARIANT_DEFAULT;
     }
 
     private static int add(List<Face> family, int variant) {
@@ -253,7 +355,7 @@ final class SystemFamilies {
     }
 
     /** Apart, so that older systems do not meet the class SystemFonts. */
-    private static final class Api29 {
+    static final class Api29 {
         private Api29() {}
 
         static List<Face> faces() {

@@ -40,6 +40,9 @@ final class TextExtension {
     static native int addFamily(String[] files, int[] indices, int[] weights, boolean[] italics,
             String[] variations, String locales, int variant);
 
+    /** Whether one of the families, negative numbers aside, has each visible character. */
+    static native boolean covers(int[] families, String text);
+
     /** Draws with these families alone; false for a number that is none. */
     static native boolean setFamilies(GxText text, int[] families, int weight);
 }
