@@ -9,11 +9,12 @@ ARMHF_SUITES := raster effect library
 space := $(subst ,, )
 FUZZ_SECONDS ?= 60
 
-.PHONY: help setup demo demo-java test agreement aar apk wheel bench bench-instructions bench-scaling bench-png bench-memory bench-pictures bench-docs lint format sanitize fuzz test-aarch64 package clean
+.PHONY: help setup demo demo-java demo-spark test agreement aar apk wheel bench bench-instructions bench-scaling bench-png bench-memory bench-pictures bench-docs lint format sanitize fuzz test-aarch64 package clean
 
 help:
 	@echo "make demo          build, then render sample pictures into out/demo/"
 	@echo "make demo-java     render pictures through the Java SDK into out/demo-java/"
+	@echo "make demo-spark    render pictures on a Spark cluster of this machine into out/demo-spark/"
 	@echo "make test          build and run every test"
 	@echo "make agreement     the text stack against HarfBuzz, FreeType, ICU, Unicode and CanvasKit, in figures"
 	@echo "make aar           pack the SDK and the libraries built for Android into out/aar/"
@@ -49,6 +50,12 @@ demo-java: setup
 	cmake --preset release
 	cmake --build --preset release --target gxtext
 	scripts/demo-java $(BUILD)/release out/demo-java
+
+demo-spark: setup
+	@scripts/setup demo python
+	options=$$(scripts/python-env $(BUILD)/python) && cmake --preset release $$options
+	cmake --build --preset release --target gxtext_python
+	PYTHONPATH=$(BUILD)/release/python $(BUILD)/python/bin/python examples/spark/render.py --out out/demo-spark
 
 test: setup
 	@scripts/setup demo java apk peers python
