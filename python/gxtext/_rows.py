@@ -57,8 +57,16 @@ def render_many(
     A row that cannot be drawn has its error; all other exceptions, those of `finish` too, are raised at its
     turn."""
     renderer = fonts if isinstance(fonts, Renderer) else Renderer(fonts)
-    count = workers or len(os.sched_getaffinity(0))
+    return _results(rows, style, renderer, workers or len(os.sched_getaffinity(0)), finish)
 
+
+def _results(
+    rows: Iterable[str | Mapping[str, Any]],
+    style: Style,
+    renderer: Renderer,
+    count: int,
+    finish: Callable[[Any, Picture], Any] | None,
+) -> Iterator[Rendered]:
     def render(number: int, row: str | Mapping[str, Any]) -> Rendered:
         fields = {"text": row} if isinstance(row, str) else row
         name = fields.get("id", number)

@@ -355,7 +355,7 @@ def main(arguments: list[str] | None = None, say: Callable[[str], object] = sys.
     parser = argparse.ArgumentParser(prog="python -m gxtext.psd", description="Styles of the text layers of a PSD file")
     parser.add_argument("file", metavar="FILE.psd")
     parser.add_argument("--out", metavar="DIR", default=".", help="where the styles go, one file a layer")
-    parser.add_argument("--fonts", metavar="DIR", help="folder of the fonts that there are, in place of those installed")
+    parser.add_argument("--fonts", metavar="DIR", help="folder of fonts, taken instead of those installed")
     parser.add_argument("--strict", action="store_true", help="fail when anything is approximated or dropped")
     options = parser.parse_args(arguments)
     try:

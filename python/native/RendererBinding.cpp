@@ -34,7 +34,7 @@ public:
         Lease(const Lease&) = delete;
         Lease& operator=(const Lease&) = delete;
         ~Lease() { pool_.giveBack(std::move(renderer_)); }
-        Renderer* operator->() { return renderer_.get(); }
+        Renderer& operator*() { return *renderer_; }
 
     private:
         RendererPool& pool_;
@@ -69,31 +69,26 @@ private:
     size_t made_ = 0;
 };
 
-std::optional<std::string_view> viewOf(const std::optional<nb::bytes>& text) {
-    if (!text) return std::nullopt;
-    return std::string_view(text->c_str(), text->size());
+// What the call makes of a renderer and the text, without the interpreter's lock.
+template <typename Call>
+auto called(RendererPool& pool, const std::optional<nb::bytes>& text, Call call) {
+    std::optional<std::string_view> utf8;
+    if (text) utf8 = std::string_view(text->c_str(), text->size());
+    const LongWork work;
+    RendererPool::Lease renderer(pool);
+    return call(*renderer, utf8);
 }
 
 nb::object render(RendererPool& pool, const Style& style, const std::optional<nb::bytes>& text) {
-    const std::optional<std::string_view> utf8 = viewOf(text);
-    gxtext::Picture picture;
-    {
-        const LongWork work;
-        RendererPool::Lease renderer(pool);
-        picture = utf8 ? renderer->render(style, *utf8) : renderer->render(style);
-    }
-    return toPython(std::move(picture));
+    return toPython(called(pool, text, [&style](Renderer& renderer, const auto& utf8) {
+        return utf8 ? renderer.render(style, *utf8) : renderer.render(style);
+    }));
 }
 
 nb::object arrange(RendererPool& pool, const Style& style, const std::optional<nb::bytes>& text) {
-    const std::optional<std::string_view> utf8 = viewOf(text);
-    gxtext::Arrangement arrangement;
-    {
-        const LongWork work;
-        RendererPool::Lease renderer(pool);
-        arrangement = utf8 ? renderer->arrange(style, *utf8) : renderer->arrange(style);
-    }
-    return toPython(arrangement);
+    return toPython(called(pool, text, [&style](Renderer& renderer, const auto& utf8) {
+        return utf8 ? renderer.arrange(style, *utf8) : renderer.arrange(style);
+    }));
 }
 
 template <typename Open>

@@ -1,5 +1,7 @@
 """The package draws what the program draws."""
 
+import json
+
 import pytest
 from conftest import STYLES
 
@@ -33,7 +35,7 @@ def test_layer_effects_are_imported_as_by_the_program(program, tmp_path):
     effects = {"dropShadow": [{"size": {"units": "Pixels", "value": 10}, "noise": 0.5}], "satin": {"enabled": True}}
     imported = gxtext.import_layer_style(effects)
     file = tmp_path / "effects.json"
-    file.write_text('{"dropShadow": [{"size": {"units": "Pixels", "value": 10}, "noise": 0.5}], "satin": {"enabled": true}}')
+    file.write_text(json.dumps(effects))
     assert imported.style.to_json().encode() == program("import", str(file))
     assert [(loss.path, loss.kind) for loss in imported.losses] == [
         ("$.dropShadow[0].noise", "dropped"),

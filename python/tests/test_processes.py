@@ -135,6 +135,9 @@ def test_rows_may_be_endless(renderer, title):
     results.close()
     assert len(taken) < 60
 
+    with pytest.raises(gxtext.FontError):
+        gxtext.render_many([], title, fonts="nowhere")
+
     def fail(name, picture):
         raise KeyError(name)
 

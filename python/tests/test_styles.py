@@ -73,7 +73,7 @@ def test_values_do_not_change(title):
     [
         (lambda: gxtext.Style(size=0), "$.size", "0 is out of range 1-4096", "1-4096"),
         (lambda: gxtext.Style(effects=[gxtext.Stroke(), gxtext.Stroke(101)]), "$.effects[1].size", "101 is", "0-100"),
-        (lambda: gxtext.Style(effects=[gxtext.OuterShadow(cast_form="outline")]), "$.effects[0].castForm", "", "castFrom"),
+        (lambda: gxtext.Style(effects=[gxtext.OuterShadow(cast_form="")]), "$.effects[0].castForm", "", "castFrom"),
         (lambda: gxtext.Style(letter_spacin=1), "$.letterSpacin", "letterSpacing", ""),
         (lambda: gxtext.Style(size=math.nan), "$.size", "", "number"),
         (lambda: gxtext.Style(size="8"), "$.size", "", "number"),
