@@ -114,30 +114,37 @@ def test_a_process_forks_while_threads_render(renderer, title):
             thread.join()
 
 
-def test_rows_come_in_order_and_bad_ones_alone_fail(renderer, title):
+def test_rows_come_in_order_and_bad_ones_alone_fail(renderer, title, tmp_path):
+    title.replace(size=20).save(tmp_path / "own.json")
     rows = [
         "plain",
         {"id": "red", "text": "red", "color": "#FF0000", "effects[0].size": 1},
         {"text": "wrong", "effects[0].size": -1},
         {"text": None},
         {"text": 7},
+        {"text": "styled", "style": str(tmp_path / "own.json"), "color": "#00FF00"},
+        {"text": "astray", "style": "nowhere.json"},
+        {"text": "odd", "style": 7},
         {"id": "last", "text": "last"},
     ]
     results = list(gxtext.render_many(rows, title, fonts=renderer, workers=3, finish=lambda _, p: p.to_png("fast")))
-    assert [result.id for result in results] == [0, "red", 2, 3, 4, "last"]
+    assert [result.id for result in results] == [1, "red", 3, 4, 5, 6, 7, 8, "last"]
     assert [type(result.error).__name__ for result in results] == [
-        "NoneType", "NoneType", "StyleError", "TextError", "TextError", "NoneType",
+        "NoneType", "NoneType", "StyleError", "TextError", "TextError", "NoneType", "FileError", "TextError",
+        "NoneType",
     ]  # fmt: skip
     red = title.with_values({"color": "#FF0000", "effects[0].size": 1})
     assert results[1].value == renderer.render(red, "red").to_png("fast")
-    assert results[5].picture.to_png() == renderer.render(title, "last").to_png()
+    own = title.replace(size=20, color="#00FF00")
+    assert results[5].picture.to_png() == renderer.render(own, "styled").to_png()
+    assert results[-1].picture.to_png() == renderer.render(title, "last").to_png()
 
 
 def test_rows_may_be_endless(renderer, title):
     taken = []
     rows = (taken.append(number) or f"Title {number}" for number in itertools.count())
     results = gxtext.render_many(rows, title, fonts=renderer, workers=2)
-    assert [result.id for result in itertools.islice(results, 50)] == list(range(50))
+    assert [result.id for result in itertools.islice(results, 50)] == list(range(1, 51))
     results.close()
     assert len(taken) < 60
 
