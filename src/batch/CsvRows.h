@@ -35,7 +35,6 @@ private:
     std::vector<std::string> cells_;
     size_t cellBytes_ = 0;
     uint64_t rows_ = 0;
-    bool atStart_ = true;
     const Sink* sink_ = nullptr;  // during a call of the parser
     std::exception_ptr thrown_;
 };

@@ -12,6 +12,7 @@
 #include <memory>
 
 #include "raster/PlaneMemory.h"
+#include "scene/RowDeflate.h"
 #include "scene/SceneError.h"
 
 namespace gxtext {
@@ -105,7 +106,14 @@ Sized imageData(const uint32_t* pixels, uint32_t width, uint32_t height,
     const auto packed = [&](Filter filter, int level) {
         return compress(filteredRows(pixels, width, height, filter), level);
     };
-    if (compression == PngCompression::kFast) return packed(kNone, 2);
+    if (compression == PngCompression::kFast) {
+        const Sized rows = filteredRows(pixels, width, height, kNone);
+        const std::vector<uint8_t> bytes =
+            deflateRows(rows.bytes.get(), rows.size, size_t{width} * 4 + 1);
+        Sized out{Bytes(new uint8_t[bytes.size()]), bytes.size()};
+        std::memcpy(out.bytes.get(), bytes.data(), bytes.size());
+        return out;
+    }
     if (compression == PngCompression::kDefault) return packed(kNone, 5);
     Sized plain = packed(kNone, 10);
     Sized differences = packed(kUp, 10);

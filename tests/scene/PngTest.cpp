@@ -36,6 +36,33 @@ TEST(Png, KeepsEveryPixel) {
     }
 }
 
+// Of rare and frequent bytes, runs, pairs seen before and rows like the one above: what the fast
+// way looks for, in blocks of many tokens, with codes longer than the format has.
+TEST(Png, KeepsEveryPixelOfRunsAndRepetitions) {
+    std::mt19937 random(7);
+    std::geometric_distribution<uint32_t> skewed(0.382);
+    for (const uint32_t width : {1u, 2u, 61u, 900u, 8191u, 8192u, 9001u}) {
+        const uint32_t height = 200000 / width + 1;
+        Image image{width, height, {}};
+        std::vector<uint32_t>& pixels = image.pixels;
+        while (pixels.size() < size_t{width} * height) {
+            const size_t length = 1 + random() % (random() % 8 == 0 ? 3000 : 4);
+            const size_t far = random() % 3 == 0 ? width : 1 + random() % 12000;
+            const uint32_t kind = random() % 4;
+            for (size_t i = 0; i < length; i++) {
+                uint32_t pixel = 0;
+                for (int byte = 0; byte < 4; byte++) pixel = pixel << 8 | (skewed(random) & 0xFF);
+                if (kind == 1 && !pixels.empty()) pixel = pixels.back();
+                if (kind == 2 && pixels.size() >= far) pixel = pixels[pixels.size() - far];
+                pixels.push_back(kind == 3 ? 0 : pixel);
+            }
+        }
+        pixels.resize(size_t{width} * height);
+        const std::string bytes = encodePng(pixels.data(), width, height, PngCompression::kFast);
+        EXPECT_EQ(decodePng(bytes, "test").pixels, pixels) << width;
+    }
+}
+
 // The two filters: rows that repeat, and rows that rise by one from row to row.
 TEST(Png, TakesLongerToWriteLess) {
     for (const uint32_t step : {0u, 0x01010101u}) {
@@ -52,7 +79,7 @@ TEST(Png, TakesLongerToWriteLess) {
             return bytes.size();
         };
         const size_t normal = sizeOf(PngCompression::kDefault);
-        EXPECT_LE(normal, sizeOf(PngCompression::kFast));
+        EXPECT_LE(normal, sizeOf(PngCompression::kFast) * 101 / 100);
         EXPECT_LE(sizeOf(PngCompression::kSmall), step ? normal / 4 : normal);
     }
 }
