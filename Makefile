@@ -9,7 +9,7 @@ ARMHF_SUITES := raster effect library
 space := $(subst ,, )
 FUZZ_SECONDS ?= 60
 
-.PHONY: help setup demo demo-java demo-spark test agreement aar apk wheel bench bench-instructions bench-scaling bench-png bench-memory bench-pictures bench-docs lint format sanitize fuzz test-aarch64 package clean
+.PHONY: help setup demo demo-java demo-spark test agreement aar apk wheel bench bench-instructions bench-scaling bench-png bench-memory bench-pictures bench-docs goldens lint format sanitize fuzz test-aarch64 package clean
 
 help:
 	@echo "make demo          build, then render sample pictures into out/demo/"
@@ -28,6 +28,7 @@ help:
 	@echo "make bench-png     time against size of PNG files, into docs/"
 	@echo "make bench-pictures  what everyone draws, into out/bench-pictures/"
 	@echo "make bench-docs    all of it into docs/performance.md and README.md"
+	@echo "make goldens       golden pictures anew: shows where they differ, then asks"
 	@echo "make lint          formatting, include rules, clang-tidy, shellcheck"
 	@echo "make format        reformat the sources in place"
 	@echo "make sanitize      the tests under the address, undefined and thread sanitizers"
@@ -95,6 +96,12 @@ bench bench-instructions bench-scaling bench-png bench-memory bench-pictures ben
 	cmake --preset release -DGXTEXT_BUILD_BENCH=ON
 	cmake --build --preset release --target gxtext_bench
 	scripts/bench $(patsubst bench-%,--%,$(filter bench-%,$@)) $(BUILD)/release
+
+goldens: setup
+	@scripts/setup demo
+	cmake --preset release
+	cmake --build --preset release --target gxtext_tool gxtext_text_test gxtext_tool_test
+	scripts/goldens $(BUILD)/release
 
 lint: setup
 	@scripts/setup lint

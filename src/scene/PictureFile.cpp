@@ -1,8 +1,10 @@
 #include "scene/PictureFile.h"
 
+#include <webp/decode.h>
 #include <webp/encode.h>
 
 #include <algorithm>
+#include <bit>
 
 #include "scene/SceneError.h"
 
@@ -73,6 +75,32 @@ std::string encodeWebp(const uint32_t* pixels, uint32_t width, uint32_t height,
     picture.record.argb_stride = static_cast<int>(width);
     if (!WebPEncode(&config, &picture.record)) throw PictureError("the picture", "out of memory");
     return {reinterpret_cast<const char*>(picture.writer.mem), picture.writer.size};
+}
+
+Image decodePicture(std::string_view bytes, const std::string& name) {
+    if (!bytes.starts_with("RIFF") || bytes.substr(0, 12).substr(8) != "WEBP") {
+        return decodePng(bytes, name);
+    }
+    const auto* data = reinterpret_cast<const uint8_t*>(bytes.data());
+    int width = 0, height = 0;
+    if (!WebPGetInfo(data, bytes.size(), &width, &height)) {
+        throw PictureError(name, "a damaged WebP picture");
+    }
+    Image image{static_cast<uint32_t>(width), static_cast<uint32_t>(height), {}};
+    const uint64_t count = uint64_t{image.width} * image.height;
+    if (count > kMaxReadPixels) {
+        throw PictureError(name, std::to_string(width) + " x " + std::to_string(height) + " pixels",
+                           "up to " + std::to_string(kMaxReadPixels) + " in all");
+    }
+    image.pixels.resize(count);
+    // Words 0xAARRGGBB as they lie in memory.
+    const auto decode =
+        std::endian::native == std::endian::little ? WebPDecodeBGRAInto : WebPDecodeARGBInto;
+    if (!decode(data, bytes.size(), reinterpret_cast<uint8_t*>(image.pixels.data()), count * 4,
+                width * 4)) {
+        throw PictureError(name, "a damaged WebP picture");
+    }
+    return image;
 }
 
 }  // namespace gxtext

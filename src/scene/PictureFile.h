@@ -4,8 +4,10 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "scene/Picture.h"
+#include "scene/Png.h"
 
 namespace gxtext {
 
@@ -22,5 +24,9 @@ std::string encode(const Picture& picture, PictureFormat format, PngCompression 
 // Lossless, the colours of clear pixels included.
 std::string encodeWebp(const uint32_t* pixels, uint32_t width, uint32_t height,
                        PngCompression compression);
+
+// What encode() gives and other files of the two formats, told by their first bytes. Throws as
+// decodePng() does.
+Image decodePicture(std::string_view bytes, const std::string& name);
 
 }  // namespace gxtext

@@ -6,6 +6,8 @@
 
 #include <random>
 
+#include "scene/PictureDifference.h"
+#include "scene/PictureFile.h"
 #include "scene/SceneError.h"
 
 namespace gxtext {
@@ -61,6 +63,44 @@ TEST(Png, KeepsEveryPixelOfRunsAndRepetitions) {
         const std::string bytes = encodePng(pixels.data(), width, height, PngCompression::kFast);
         EXPECT_EQ(decodePng(bytes, "test").pixels, pixels) << width;
     }
+}
+
+TEST(PictureFile, WebpKeepsEveryPixelAndTellsDamage) {
+    const Image image = randomImage(97, 41);
+    for (const auto how :
+         {PngCompression::kFast, PngCompression::kDefault, PngCompression::kSmall}) {
+        const std::string bytes = encodeWebp(image.pixels.data(), 97, 41, how);
+        const Image back = decodePicture(bytes, "test");
+        EXPECT_EQ(back.width, 97u);
+        EXPECT_EQ(back.pixels, image.pixels);
+        EXPECT_EQ(encodeWebp(image.pixels.data(), 97, 41, how), bytes);
+        for (const size_t size : {size_t{12}, size_t{30}, bytes.size() - 1}) {
+            EXPECT_THROW(decodePicture(bytes.substr(0, size), "test"), PictureError) << size;
+        }
+    }
+    const std::vector<uint32_t> wide(16384);
+    EXPECT_THROW(encodeWebp(wide.data(), 16384, 1, PngCompression::kFast), PictureError);
+}
+
+TEST(PictureDifference, CountsPixelsBeyondTheTolerance) {
+    const Image before{2, 1, {0xFF102030u, 0x00FFFFFFu}};
+    Image after = before;
+    EXPECT_EQ(comparePictures(before, after, 0).pixels, 0u);
+    after.pixels[0] = 0xFF102A30u;
+    EXPECT_EQ(comparePictures(before, after, 0).largest, 10);
+    EXPECT_EQ(comparePictures(before, after, 9).pixels, 1u);
+    EXPECT_EQ(comparePictures(before, after, 10).pixels, 0u);
+    after.pixels[1] = 0;  // as clear as before, and another one
+    EXPECT_EQ(comparePictures(before, after, 0).pixels, 2u);
+    const Image taller{1, 2, {0xFF102030u, 0}};
+    const PictureDifference difference = comparePictures(before, taller, 255);
+    EXPECT_FALSE(difference.sameSize);
+    EXPECT_EQ(comparePictures(before, taller, 0).pixels, 2u) << "neither has the lower right one";
+    const Image drawn = drawDifference(before, taller, 0);
+    EXPECT_EQ(drawn.width, 6u);
+    EXPECT_EQ(drawn.pixels[0], 0xFF102030u);
+    EXPECT_EQ(drawn.pixels[4], 0xFF000000u);
+    EXPECT_EQ(drawn.pixels[5], 0xFFFF0000u);
 }
 
 // The two filters: rows that repeat, and rows that rise by one from row to row.

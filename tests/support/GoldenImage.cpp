@@ -2,7 +2,6 @@
 
 #include <png.h>
 
-#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 
@@ -19,24 +18,6 @@ png_image header(const Image& image) {
     png.width = static_cast<png_uint_32>(image.width);
     png.height = static_cast<png_uint_32>(image.height);
     return png;
-}
-
-Image sideBySide(const Image& expected, const Image& actual) {
-    const int width = std::max(expected.width, actual.width);
-    const int height = std::max(expected.height, actual.height);
-    Image result{3 * width, height, std::vector<uint32_t>(size_t{3} * width * height, 0xFF808080u)};
-    const auto at = [](const Image& image, int x, int y) {
-        return x < image.width && y < image.height ? image.pixels[size_t(y) * image.width + x] : 0u;
-    };
-    for (int y = 0; y < height; ++y) {
-        uint32_t* row = &result.pixels[size_t(y) * result.width];
-        for (int x = 0; x < width; ++x) {
-            row[x] = at(expected, x, y);
-            row[width + x] = at(expected, x, y) == at(actual, x, y) ? 0xFF000000u : 0xFFFF0000u;
-            row[2 * width + x] = at(actual, x, y);
-        }
-    }
-    return result;
 }
 
 }  // namespace
@@ -58,18 +39,18 @@ bool writePng(const std::string& path, const Image& image) {
 
 testing::AssertionResult matchesGolden(const Image& actual, const std::string& name) {
     const std::string path = GXTEXT_GOLDEN_DIR "/" + name + ".png";
-    if (std::getenv("GXTEXT_UPDATE_GOLDEN")) {
-        const bool written = writePng(path, actual);
-        return testing::AssertionFailure()
-               << (written ? "golden replaced, look at it: " : "cannot write ") << path;
+    const char* const given = std::getenv("GXTEXT_GOLDEN_OUT");
+    const std::string folder = given ? given : ".";
+    if (given && !writePng(folder + "/" + name + ".png", actual)) {
+        return testing::AssertionFailure() << "cannot write into " << folder;
     }
     Image expected;
-    if (!readPng(path, expected)) return testing::AssertionFailure() << "cannot read " << path;
-    if (expected == actual) return testing::AssertionSuccess();
-    const std::string difference = name + "-difference.png";
-    writePng(difference, sideBySide(expected, actual));
-    return testing::AssertionFailure() << name << " differs from its golden: see " << difference
-                                       << " (expected | difference | actual)";
+    if (readPng(path, expected) && expected == actual) return testing::AssertionSuccess();
+    const std::string written = folder + "/" + name + ".png";
+    if (!given) writePng(written, actual);
+    return testing::AssertionFailure()
+           << name << " differs from its golden: gxtext compare --diff difference.png " << path
+           << " " << written << " shows how, make goldens replaces it";
 }
 
 }  // namespace gxtest

@@ -20,10 +20,9 @@ struct Image {
 bool readPng(const std::string& path, Image& image);
 bool writePng(const std::string& path, const Image& image);
 
-// Compares with tests/golden/<name>.png. On a difference expected | difference | actual is written
-// as one picture into the test's working folder and named in the message. With GXTEXT_UPDATE_GOLDEN
-// set in the environment the golden is replaced and the test fails all the same, so that a new
-// golden is always looked at.
+// Compares with tests/golden/<name>.png. What differs is written as <name>.png into the test's
+// working folder; into the folder GXTEXT_GOLDEN_OUT of the environment every picture is
+// (scripts/goldens).
 testing::AssertionResult matchesGolden(const Image& actual, const std::string& name);
 
 }  // namespace gxtest

@@ -74,9 +74,11 @@ TEST(Program, WrongCommandLinesExitWith2AndSayWhatIsAllowed) {
         std::string message;
     };
     const Case cases[] = {
-        {{}, "a command is missing; allowed: render, measure, key, fonts, batch, import\n"},
+        {{},
+         "a command is missing; allowed: render, measure, key, fonts, batch, import, compare\n"},
         {{"paint"},
-         "no command is called paint; allowed: render, measure, key, fonts, batch, import\n"},
+         "no command is called paint; allowed: render, measure, key, fonts, batch, import, "
+         "compare\n"},
         {{"rendr"}, "no command is called rendr; did you mean \"render\"?\n"},
         {{"--text", "a", "render"}, "--text goes after render\n"},
         {{"render"}, "there is no text"},
@@ -281,6 +283,44 @@ TEST_F(Files, FailedWritesAreFailuresAndKeepWhatWasThere) {
     for (const auto& entry : std::filesystem::directory_iterator(folder.path(""))) {
         EXPECT_NE(entry.path().filename().string().front(), '.') << entry;
     }
+}
+
+TEST_F(Files, ComparesPicturesAndFolders) {
+    const auto run = [this](const std::string& arguments) {
+        return gxtest::runShell("gxtext compare " + arguments, folder.path(""));
+    };
+    ASSERT_EQ(
+        gxtest::runShell("mkdir a b && cp pattern.png a/same.png && cp pattern.png b/same.png &&"
+                         "gxtext render style.json -o a/x.png && cp a/x.png a/only.png &&"
+                         "gxtext render style.json -o b/x.png --opacity 0.5 &&"
+                         "gxtext render style.json -o a/moved.webp && cp a/x.png b/moved.webp &&"
+                         "cp old.png b/broken.png; cp a/x.png a/broken.png",
+                         folder.path(""))
+            .status,
+        0);
+    EXPECT_EQ(run("a/same.png b/same.png").status, 0);
+    const Outcome pair = run("a/x.png b/x.png --diff d/x.png");
+    EXPECT_EQ(pair.status, 1);
+    EXPECT_THAT(pair.out,
+                testing::ContainsRegex("^b/x.png: [0-9]+ of [0-9]+ pixels differ, by up to "));
+    const gxtext::Image drawn = gxtext::decodePng(readFile(folder.path("d/x.png")), "difference");
+    EXPECT_EQ(drawn.width, 3 * gxtext::decodePng(readFile(folder.path("a/x.png")), "a").width);
+
+    const Outcome folders = run("a b --diff sheet");
+    EXPECT_EQ(folders.status, 1);
+    EXPECT_THAT(folders.out, HasSubstr("only.png: not in b\n"));
+    EXPECT_THAT(folders.out, HasSubstr("broken.png: b/broken.png: "));
+    EXPECT_THAT(folders.out, testing::Not(HasSubstr("same.png")));
+    EXPECT_THAT(folders.out, testing::Not(HasSubstr("moved.webp"))) << "the same pixels";
+    const std::string page = readFile(folder.path("sheet/index.html"));
+    EXPECT_THAT(page, HasSubstr("src=\"x.png.png\""));
+    EXPECT_THAT(page, HasSubstr("3 of 5 pictures differ."));
+    EXPECT_TRUE(std::filesystem::exists(folder.path("sheet/x.png.png")));
+    const json list = json::parse(run("a b --json --tolerance 255").out);
+    EXPECT_EQ(list[4]["name"], "x.png");
+    EXPECT_EQ(list[4]["same"], true);
+    EXPECT_GT(list[4]["largest"], 0);
+    EXPECT_EQ(run("a/x.png none.png").status, 1);
 }
 
 TEST_F(Files, ImportsLayerEffectsAndSaysWhatIsLost) {

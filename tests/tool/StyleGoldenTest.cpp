@@ -39,6 +39,9 @@ TEST(StyleGolden, GalleryKeepsItsBytes) {
         gxtest::Image image;
         EXPECT_TRUE(gxtest::readPng(picture, image));
         EXPECT_TRUE(gxtest::matchesGolden(image, "style-" + name));
+        const gxtest::Outcome same =
+            gxtest::runGxtext({"compare", GXTEXT_GOLDEN_DIR "/style-" + name + ".png", picture});
+        EXPECT_EQ(same.status, 0) << same.out;
     }
 }
 

@@ -138,17 +138,17 @@ void addRunOptions(CLI::App& app, BatchArguments& arguments) {
     app.add_option("--jobs", arguments.jobs,
                    "Processes that draw, 1-1024 (default: one a processor)")
         ->type_name("N")
-        ->check(CLI::Range(1, kMostJobs))
+        ->check(CLI::Range(1, kMostJobs).description(""))
         ->group(group);
     app.add_option("--timeout", arguments.timeout,
                    "Seconds that a row may take, 0-86400; 0 for any time (default 60)")
         ->type_name("S")
-        ->check(CLI::Range(0.0, 86400.0))
+        ->check(CLI::Range(0.0, 86400.0).description(""))
         ->group(group);
     app.add_option("--memory", arguments.memory,
                    "Megabytes that a process may take, 0-1048576; 0 for any (default 0)")
         ->type_name("MB")
-        ->check(CLI::Range(0.0, 1048576.0))
+        ->check(CLI::Range(0.0, 1048576.0).description(""))
         ->group(group);
     app.add_option("--shard", arguments.shard,
                    "Part I of N of the rows alone: every N-th, from row I")

@@ -20,6 +20,7 @@
 
 #include "BatchCommand.h"
 #include "Commands.h"
+#include "CompareCommand.h"
 #include "EffectOptions.h"
 #include "EncodingOptions.h"
 #include "Streams.h"
@@ -402,6 +403,8 @@ int parseAndRun(int argc, char** argv, const std::function<void(bool)>& showLibr
     Subcommand batch(app, "batch", "Render many texts, a picture for each row of a file", addBatch);
     ImportOptions importOptions;
     const CLI::App* import = addImport(app, importOptions);
+    CompareOptions compareOptions;
+    const CLI::App* compare = addCompare(app, compareOptions);
 
     try {
         app.parse(argc, argv);
@@ -419,6 +422,7 @@ int parseAndRun(int argc, char** argv, const std::function<void(bool)>& showLibr
     if (measure.app->parsed()) measureCommand(makeRequest(measure.arguments), measure.json);
     if (key.app->parsed()) keyCommand(makeStyle(key.arguments));
     if (fonts.app->parsed()) fontsCommand(makeRequest(fonts.arguments), fonts.json);
+    if (compare->parsed()) return compareCommand(compareOptions);
     if (import->parsed()) importCommand(importOptions);
     return kOk;
 }
