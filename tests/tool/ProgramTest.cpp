@@ -170,7 +170,7 @@ TEST(Program, EffectsNeedNoFile) {
               "gxtext: --set effects[0].size=140: $.effects[0].size: 140 is out of range 0-100\n");
 }
 
-TEST(Program, AFolderOfFontsIsAllThereIs) {
+TEST(Program, AFolderOrAListOfFontsIsAllThereIs) {
     const gxtest::TempFolder folder;
     std::filesystem::copy_file(kLatin, folder.path("latin.ttf"));
     const Outcome fonts =
@@ -178,6 +178,12 @@ TEST(Program, AFolderOfFontsIsAllThereIs) {
     EXPECT_EQ(fonts.status, 0);
     EXPECT_EQ(json::parse(fonts.out)[0]["file"], folder.path("latin.ttf"));
     EXPECT_EQ(fonts.err, "gxtext: warning: no font has U+0E01\n");
+    const Outcome list =
+        runGxtext({"fonts", "--fonts", kLatin, "--fonts", fontPath(gxtest::kNotoHebrew), "--text",
+                   "a\u05D0\u0E01", "--json"});
+    EXPECT_EQ(json::parse(list.out)[0]["file"], kLatin);
+    EXPECT_EQ(json::parse(list.out)[1]["codePoints"], json({"U+05D0"}));
+    EXPECT_EQ(list.err, fonts.err);
 }
 
 TEST(Program, FailuresExitWith1AndSayWhy) {

@@ -46,7 +46,7 @@ struct StyleArguments {
     std::string file;
     std::string text;
     bool hasText = false;
-    std::string fontFolder;
+    std::vector<std::string> fonts;  // a folder, or files
     std::vector<std::function<void(Style&)>> changes;
     EffectOptions effects;
 };
@@ -196,10 +196,11 @@ void addColorOptions(StyleOptions& options) {
         ->check(inRange<float>(styleField("opacity").range));
 }
 
-void addFontFolder(CLI::App& app, StyleArguments& arguments) {
-    app.add_option("--fonts", arguments.fontFolder,
-                   "Folder of fonts, taken instead of those installed")
-        ->type_name("DIR")
+void addFonts(CLI::App& app, StyleArguments& arguments) {
+    app.add_option("--fonts", arguments.fonts,
+                   "Folder of fonts, or font files one by one, taken instead of those installed")
+        ->type_name("FILE|DIR")
+        ->allow_extra_args(false)
         ->group("Text");
 }
 
@@ -227,7 +228,7 @@ void addStyleOptions(CLI::App& app, StyleArguments& arguments, StyleOptions& opt
                    "Style file, JSON; - reads standard input. Options go over it")
         ->type_name("STYLE.json");
     addTextOptions(app, arguments, options);
-    addFontFolder(app, arguments);
+    addFonts(app, arguments);
     addColorOptions(options);
     addLayoutOptions(options);
     arguments.effects.addTo(app);
@@ -261,8 +262,11 @@ Style makeStyle(const StyleArguments& arguments) {
 }
 
 gxtext::FontSource makeFonts(const StyleArguments& arguments) {
-    return arguments.fontFolder.empty() ? gxtext::FontSource::installed()
-                                        : gxtext::FontSource::folder(arguments.fontFolder);
+    const std::vector<std::string>& fonts = arguments.fonts;
+    if (fonts.empty()) return gxtext::FontSource::installed();
+    const bool isFile = std::filesystem::is_regular_file(fonts.front());
+    if (fonts.size() == 1 && !isFile) return gxtext::FontSource::folder(fonts.front());
+    return gxtext::FontSource::files({fonts.begin(), fonts.end()});
 }
 
 Request makeRequest(const StyleArguments& arguments) {
