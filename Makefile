@@ -59,7 +59,7 @@ demo-spark: setup
 	PYTHONPATH=$(BUILD)/release/python $(BUILD)/python/bin/python examples/spark/render.py --out out/demo-spark
 
 test: setup
-	@scripts/setup demo java apk peers python
+	@scripts/setup demo java apk peers node studio python
 	options=$$(scripts/python-env $(BUILD)/python) && cmake --preset $(PRESET) $$options
 	cmake --build --preset $(PRESET)
 	ctest --preset $(PRESET)

@@ -348,6 +348,30 @@ CLI::App* addImport(CLI::App& parent, ImportOptions& options) {
     return app;
 }
 
+// What the page itself has controls for is no option.
+CLI::App* addStudio(CLI::App& parent, StudioOptions& options) {
+    CLI::App* app = parent.add_subcommand("studio", "Open a page that makes styles");
+    app->add_option("style", options.file, "Style file to begin with, JSON")
+        ->type_name("STYLE.json");
+    app->add_option("--fonts", options.fontFolder,
+                    "Folder of fonts, taken instead of those installed")
+        ->type_name("DIR")
+        ->group("Text");
+    const char* group = "Page";
+    app->add_option("--port", options.port, "Port, 0-65535; 0 takes a free one (default 0)")
+        ->type_name("N")
+        ->check(inRange<int>({0, 65535}))
+        ->group(group);
+    app->add_option("--idle", options.idleSeconds,
+                    "Seconds without a page until it ends, 1-86400 (default 600)")
+        ->type_name("N")
+        ->check(inRange<int>({1, 86400}))
+        ->group(group);
+    app->add_flag("--no-browser", options.noBrowser, "Print the address, and open nothing")
+        ->group(group);
+    return app;
+}
+
 void addJson(Subcommand& command) {
     command.app->add_flag("--json", command.json, "As JSON")->group("Output");
 }
@@ -409,6 +433,8 @@ int parseAndRun(int argc, char** argv, const std::function<void(bool)>& showLibr
     const CLI::App* import = addImport(app, importOptions);
     CompareOptions compareOptions;
     const CLI::App* compare = addCompare(app, compareOptions);
+    StudioOptions studioOptions;
+    const CLI::App* studio = addStudio(app, studioOptions);
 
     try {
         app.parse(argc, argv);
@@ -428,6 +454,7 @@ int parseAndRun(int argc, char** argv, const std::function<void(bool)>& showLibr
     if (fonts.app->parsed()) fontsCommand(makeRequest(fonts.arguments), fonts.json);
     if (compare->parsed()) return compareCommand(compareOptions);
     if (import->parsed()) importCommand(importOptions);
+    if (studio->parsed()) studioCommand(studioOptions);
     return kOk;
 }
 

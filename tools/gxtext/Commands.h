@@ -34,11 +34,21 @@ struct ImportOptions {
     bool json = false;    // losses as data on standard output
 };
 
+struct StudioOptions {
+    std::string file;
+    std::string fontFolder;
+    int port = 0;  // 0 for a free one
+    int idleSeconds = 600;
+    bool noBrowser = false;
+};
+
 void renderCommand(const Request& request, const RenderOptions& options);
 void measureCommand(const Request& request, bool asJson);
 void keyCommand(const Style& style);
 void fontsCommand(const Request& request, bool asJson);
 void importCommand(const ImportOptions& options);
+// Goes on as the program gxtext-studio.
+void studioCommand(const StudioOptions& options);
 
 // "U+0041, U+1F600"
 std::string formatCodePoints(const std::vector<char32_t>& codePoints);

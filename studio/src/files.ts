@@ -1,0 +1,136 @@
+// Styles in files, in the browser's memory, and what becomes of them when something else changes them.
+import { type Json, Lost, Mistakes, Refused, call } from './server';
+import { type State, change, current, isChanged, replace, update, watch } from './store';
+import { words } from './words';
+
+interface Opened {
+  name: string;
+  text: string;
+  version: string;
+  remembered: string;
+}
+
+const WATCH_MILLISECONDS = 1000;
+const REMEMBER_MILLISECONDS = 600;
+
+// A style without what editors alone read.
+function readStyle(text: string): Json {
+  const { $schema: _, ...style } = JSON.parse(text);
+  return style;
+}
+
+function memoryKey(): string {
+  const { session, name } = current();
+  return `gxtext:${session.folder}/${name}`;
+}
+
+// What goes wrong is told where it is not the server's absence.
+export async function attempt(action: () => Promise<void>) {
+  try {
+    await action();
+  } catch (error) {
+    if (error instanceof Lost) update({ isLost: true });
+    else if (error instanceof Mistakes) update({ problems: error.problems });
+    else if (error instanceof SyntaxError) update({ notice: words.notStyle });
+    else if (error instanceof Refused) update({ notice: error.message });
+    else throw error;
+  }
+}
+
+export async function openStyle(name: string) {
+  const opened = await call<Opened>('open', { name });
+  const saved = readStyle(opened.text);
+  replace({ style: saved, saved, name, version: opened.version, notice: '' });
+  restore(opened.remembered);
+}
+
+// Without a file.
+export function beginWith(style: Json) {
+  replace({ style, saved: style, name: '', version: '', notice: '' });
+}
+
+export function openText(text: string) {
+  const style = readStyle(text);
+  replace({ style, saved: {}, name: '', version: '', notice: '' });
+}
+
+// What the browser has, or what lies beside the file after a crash of both.
+export function restore(beside: string) {
+  const kept = localStorage.getItem(memoryKey()) ?? beside;
+  if (!kept) return;
+  const style = JSON.parse(kept) as Json;
+  if (JSON.stringify(style) === JSON.stringify(current().saved)) return;
+  change(style, '', { notice: words.recovered, canDiscard: true });
+}
+
+export function discard() {
+  change(current().saved, '', { notice: '', canDiscard: false });
+}
+
+export async function saveStyle(name: string) {
+  const { style, version } = current();
+  const known = name === current().name ? version : '';
+  try {
+    const saved = await call<Opened>('save', { name, style, version: known });
+    localStorage.removeItem(memoryKey());
+    update({ name, version: saved.version, saved: style, notice: words.saved(name), conflict: '', canDiscard: false });
+  } catch (error) {
+    if (!(error instanceof Refused && error.isConflict)) throw error;
+    const found = await call<{ version: string }>('watch', { name });
+    update({ name, version: known, conflict: found.version });
+  }
+}
+
+export function keepMine() {
+  update({ version: current().conflict, conflict: '' });
+  return saveStyle(current().name);
+}
+
+export async function loadTheirs() {
+  const { name } = current();
+  const opened = await call<Opened>('open', { name });
+  const saved = readStyle(opened.text);
+  // A step that can be undone.
+  change(saved, '', { saved, version: opened.version, notice: words.reloaded(name), conflict: '' });
+}
+
+async function look() {
+  const { name, version, isLost } = current();
+  const found = await call<{ version: string; styles: string[] }>('watch', { name });
+  const changes: Partial<State> = {};
+  if (isLost) changes.isLost = false;
+  if (JSON.stringify(found.styles) !== JSON.stringify(current().styles)) changes.styles = found.styles;
+  if (Object.keys(changes).length > 0) update(changes);
+  if (!name || name !== current().name || version !== current().version || found.version === version) return;
+  if (!found.version || found.version === current().conflict) return;
+  if (isChanged()) update({ conflict: found.version });
+  else await loadTheirs();
+}
+
+export function startWatching() {
+  const again = async () => {
+    await attempt(look);
+    setTimeout(again, WATCH_MILLISECONDS);
+  };
+  void again();
+  addEventListener('pagehide', () => void fetch('close', { method: 'POST', body: '{}', keepalive: true, headers: { 'Content-Type': 'application/json' } }));
+}
+
+// In the browser at once, beside the file a little later.
+export function startRemembering() {
+  let known: Json | undefined;
+  let timer = 0;
+  const remember = () => {
+    const { style, name } = current();
+    if (style === known) return;
+    known = style;
+    const text = isChanged() ? JSON.stringify(style) : '';
+    if (text) localStorage.setItem(memoryKey(), text);
+    else localStorage.removeItem(memoryKey());
+    if (!name) return;
+    clearTimeout(timer);
+    timer = setTimeout(() => void attempt(async () => void (await call('remember', { name, text }))), REMEMBER_MILLISECONDS);
+  };
+  watch(remember);
+  remember();
+}

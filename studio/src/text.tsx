@@ -1,0 +1,250 @@
+// The text, its font, and styles to begin with.
+import { useEffect, useRef, useState } from 'preact/hooks';
+import { DropZone, Fields, dropInto } from './controls';
+import { withText } from './drawing';
+import { type Drawn, type Json, draw } from './server';
+import { change, current, setValue, useStore } from './store';
+import { Canvas } from './stage';
+import { words } from './words';
+
+// What has a place of its own on the page.
+const ELSEWHERE = ['text', 'font', 'effects', '$schema'];
+const MOST_FAMILIES = 80;
+const PRESET_SIZE: [number, number] = [260, 90];
+const PRESET_WAIT = 250;
+// What stays the user's when a preset takes over.
+const OWN = ['text', 'font', 'fontIndex', 'fontVariations', 'locale', 'width', 'align'];
+
+const TABS = { presets: words.presets, whole: words.whole };
+type Tab = keyof typeof TABS;
+
+export function TextPanel() {
+  const { style, schema, problems, session } = useStore();
+  const [tab, setTab] = useState<Tab>(session.file ? 'whole' : 'presets');
+  const mistakes = problems.filter((problem) => problem.path === '$.text');
+  return (
+    <section class="panel text" aria-labelledby="text-title">
+      <h2 id="text-title">{words.text}</h2>
+      <textarea
+        aria-label={words.textField}
+        rows={2}
+        dir="auto"
+        value={(style.text as string | undefined) ?? ''}
+        onInput={(event) => setValue(['text'], event.currentTarget.value || undefined)}
+      />
+      {mistakes.map((problem) => (
+        <p class="mistake" role="alert">
+          {problem.reason}
+        </p>
+      ))}
+      <FontChoice />
+      <Variations />
+      <div class="tabs" role="tablist" aria-label={words.text}>
+        {(Object.keys(TABS) as Tab[]).map((item) => (
+          <button
+            type="button"
+            role="tab"
+            id={`tab-${item}`}
+            aria-selected={tab === item}
+            aria-controls="tab-panel"
+            tabIndex={tab === item ? 0 : -1}
+            onClick={() => setTab(item)}
+            onKeyDown={(event) => {
+              if (event.key !== 'ArrowLeft' && event.key !== 'ArrowRight') return;
+              const other = item === 'presets' ? 'whole' : 'presets';
+              setTab(other);
+              document.getElementById(`tab-${other}`)?.focus();
+            }}
+          >
+            {TABS[item]}
+          </button>
+        ))}
+      </div>
+      <div id="tab-panel" role="tabpanel" aria-labelledby={`tab-${tab}`}>
+        {tab === 'presets' ? <Presets /> : <Fields fields={schema.style.filter((field) => !ELSEWHERE.includes(field.name))} path={[]} />}
+      </div>
+    </section>
+  );
+}
+
+function FontChoice() {
+  const { style, session, problems } = useStore();
+  const [typed, setTyped] = useState<string>();
+  const [active, setActive] = useState(0);
+  const list = useRef<HTMLUListElement>(null);
+  const font = (style.font as string | undefined) ?? '';
+  const isOpen = typed !== undefined;
+  const found = isOpen ? session.families.filter((family) => family.toLowerCase().includes(typed.toLowerCase())).slice(0, MOST_FAMILIES) : [];
+  const choose = (family: string) => {
+    change({ ...current().style, font: family || undefined, fontIndex: undefined, fontVariations: undefined });
+    setTyped(undefined);
+  };
+  useEffect(() => list.current?.children[active]?.scrollIntoView({ block: 'nearest' }), [active]);
+  const keys = (event: KeyboardEvent) => {
+    if (event.key === 'ArrowDown' && !isOpen) setTyped('');
+    else if (event.key === 'ArrowDown') setActive(Math.min(active + 1, found.length - 1));
+    else if (event.key === 'ArrowUp') setActive(Math.max(active - 1, 0));
+    else if (event.key === 'Enter' && found[active]) choose(found[active]);
+    else if (event.key === 'Enter' && typed === '') choose('');
+    else if (event.key === 'Escape') setTyped(undefined);
+    else return;
+    event.preventDefault();
+  };
+  return (
+    <div class="font">
+      <label>
+        <span class="name">{words.font}</span>
+        <input
+          type="text"
+          role="combobox"
+          aria-label={words.fontSearch}
+          aria-expanded={isOpen}
+          aria-controls="families"
+          aria-autocomplete="list"
+          aria-activedescendant={isOpen && found.length > 0 ? `family-${active}` : undefined}
+          spellcheck={false}
+          placeholder={words.fontDefault}
+          value={typed ?? font}
+          onFocus={(event) => event.currentTarget.select()}
+          onInput={(event) => {
+            setTyped(event.currentTarget.value);
+            setActive(0);
+          }}
+          onKeyDown={keys}
+          onBlur={() => setTyped(undefined)}
+        />
+      </label>
+      <ul id="families" role="listbox" aria-label={words.font} ref={list} hidden={found.length === 0}>
+        {found.map((family, index) => (
+          <li
+            id={`family-${index}`}
+            role="option"
+            aria-selected={index === active}
+            style={{ fontFamily: `"${family.replaceAll('"', '')}"` }}
+            onPointerDown={(event) => {
+              event.preventDefault();
+              choose(family);
+            }}
+          >
+            {family}
+          </li>
+        ))}
+      </ul>
+      {problems
+        .filter((problem) => problem.path === '$.font')
+        .map((problem) => (
+          <p class="mistake" role="alert">
+            {problem.reason}
+          </p>
+        ))}
+      <DropZone name={words.fontDrop} text={words.fontDrop} accept=".ttf,.otf,.ttc,.otc" onFile={(file) => void dropInto(['font'], file, 'font')} />
+    </div>
+  );
+}
+
+// "'wght' 650, 'wdth' 80"
+function readAxes(text: string): Map<string, number> {
+  return new Map([...text.matchAll(/'?(\w{4})'?\s+(-?[\d.]+)/g)].map(([, tag, value]) => [tag, Number(value)]));
+}
+
+function Variations() {
+  const { drawn, style } = useStore();
+  const axes = drawn?.axes ?? [];
+  if (axes.length === 0) return null;
+  const set = readAxes((style.fontVariations as string | undefined) ?? '');
+  const write = (tag: string, value: number | undefined) => {
+    const values = new Map(set);
+    if (value === undefined) values.delete(tag);
+    else values.set(tag, value);
+    setValue(['fontVariations'], [...values].map(([axis, at]) => `'${axis}' ${at}`).join(', ') || undefined);
+  };
+  return (
+    <div class="variations" role="group" aria-label={words.variations}>
+      {axes.map((axis) => {
+        const value = set.get(axis.tag) ?? axis.initial;
+        return (
+          <div class="field">
+            <span class="name" title={words.toDefault} onDblClick={() => write(axis.tag, undefined)}>
+              {axis.tag}
+            </span>
+            <div class="control">
+              <input
+                type="range"
+                aria-label={axis.tag}
+                min={axis.min}
+                max={axis.max}
+                step={axis.max - axis.min > 20 ? 1 : 0.01}
+                value={value}
+                onInput={(event) => write(axis.tag, event.currentTarget.valueAsNumber)}
+                onDblClick={() => write(axis.tag, undefined)}
+              />
+              <output>{value}</output>
+            </div>
+          </div>
+        );
+      })}
+    </div>
+  );
+}
+
+// The preset with what stays the user's.
+function dressed(preset: Json): Json {
+  const { style } = current();
+  const kept = Object.fromEntries(OWN.filter((name) => style[name] !== undefined).map((name) => [name, style[name]]));
+  const { $schema: _, ...own } = preset;
+  for (const name of OWN) delete own[name];
+  // Patterns of presets go by their plain names.
+  const plain = JSON.parse(JSON.stringify(own).replaceAll('"../patterns/', '"'));
+  return { ...kept, ...plain };
+}
+
+function Presets() {
+  const { session } = useStore();
+  const pictures = usePresets();
+  const begin = (preset: Json) => {
+    const style = dressed(preset);
+    change(style, '', { selected: ((style.effects as Json[] | undefined)?.length ?? 0) - 1 });
+  };
+  return (
+    <div class="presets">
+      {session.presets.map(({ name, style }) => {
+        const title = name.replace('.json', '').replaceAll('-', ' ');
+        const drawn = pictures.get(name);
+        return (
+          <button type="button" class="preset" aria-label={words.presetUse(title)} title={title} onClick={() => begin(style)}>
+            {drawn && <Canvas drawn={drawn} factor={Math.min(1, 130 / drawn.width)} label="" />}
+            <span aria-hidden="true">{title}</span>
+          </button>
+        );
+      })}
+    </div>
+  );
+}
+
+// Drawn one after the other, anew when the text or the font is another.
+function usePresets(): Map<string, Drawn> {
+  const { style, session } = useStore();
+  const [pictures, setPictures] = useState(new Map<string, Drawn>());
+  const key = JSON.stringify(OWN.map((name) => style[name]));
+  useEffect(() => {
+    let isStale = false;
+    const drawAll = async () => {
+      for (const { name, style: preset } of session.presets) {
+        if (isStale) return;
+        try {
+          const drawn = await draw({ style: withText(dressed(preset)), name: current().name, fit: PRESET_SIZE });
+          if (!isStale) setPictures((before) => new Map(before).set(name, drawn));
+        } catch {
+          // The picture of the text itself says what is wrong.
+        }
+      }
+    };
+    const timer = setTimeout(() => void drawAll(), PRESET_WAIT);
+    return () => {
+      isStale = true;
+      clearTimeout(timer);
+    };
+  }, [key]);
+  return pictures;
+}
+

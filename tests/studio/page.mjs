@@ -1,0 +1,384 @@
+// The page of the studio, used as a designer uses it.
+import assert from 'node:assert/strict';
+import { execFileSync } from 'node:child_process';
+import fs from 'node:fs';
+import os from 'node:os';
+import path from 'node:path';
+import { after, afterEach, before, beforeEach, test } from 'node:test';
+import { Studio, assertShown, drawWithProgram, environment, require, startBrowser } from './studio.mjs';
+
+const WIDE = { width: 1280, height: 800 };
+const TABLET = { width: 834, height: 1112 };
+const gallery = path.join(environment.source, 'examples/styles/gallery');
+let browser, studio, folder, context, page;
+
+before(async () => {
+  browser = await startBrowser();
+});
+after(() => browser.close());
+beforeEach(async () => {
+  folder = fs.mkdtempSync(path.join(os.tmpdir(), 'studio-page-'));
+  studio = undefined;
+});
+afterEach(async () => {
+  await context?.close();
+  await studio?.stop();
+  fs.rmSync(folder, { recursive: true });
+});
+
+async function open(file, viewport = WIDE, more = {}) {
+  studio = await Studio.start(folder, ...(file ? [file] : []));
+  context = await browser.newContext({ viewport, acceptDownloads: true, permissions: ['clipboard-read', 'clipboard-write'], ...more });
+  page = await context.newPage();
+  page.setDefaultTimeout(8000);
+  page.on('pageerror', (error) => assert.fail(error));
+  page.on('request', (request) => assert.ok(request.url().startsWith(studio.address) || /^(data|blob):/.test(request.url()), request.url()));
+  await page.goto(studio.address);
+  await page.locator('.picture canvas').first().waitFor();
+}
+
+const write = (name, style) => fs.writeFileSync(path.join(folder, name), JSON.stringify(style));
+const read = (name) => JSON.parse(fs.readFileSync(path.join(folder, name)));
+const control = (place, selector = 'input') => page.locator(`[data-path="${place}"] ${selector}`);
+const button = (name, exact = true) => page.getByRole('button', { name, exact });
+
+// Saves under a name, and waits for it.
+async function save(name) {
+  if (name) {
+    await button('Save as').click();
+    await page.getByRole('textbox', { name: /File name/ }).fill(name);
+    await page.keyboard.press('Enter');
+  } else {
+    await page.keyboard.press('Control+s');
+  }
+  await page.getByText(/^Saved/).waitFor();
+}
+
+// The picture that is shown is the one that the program draws of the file.
+async function assertSame(name) {
+  await settled();
+  await assertShown(page, drawWithProgram(path.join(folder, name)));
+}
+
+// Until nothing is being drawn.
+const settled = () => page.waitForTimeout(150);
+
+async function dropFile(target, file) {
+  const bytes = fs.readFileSync(file).toString('base64');
+  const transfer = await page.evaluateHandle(({ bytes, name }) => {
+    const transfer = new DataTransfer();
+    transfer.items.add(new File([Uint8Array.from(atob(bytes), (c) => c.charCodeAt(0))], name));
+    return transfer;
+  }, { bytes, name: path.basename(file) });
+  await target.dispatchEvent('dragover', { dataTransfer: transfer });
+  await target.dispatchEvent('drop', { dataTransfer: transfer });
+}
+
+test('own text, own font, a preset: and the file draws what was shown', async () => {
+  await open();
+  await page.getByRole('textbox', { name: 'Text to draw' }).fill('Καλημέρα مرحبا');
+  const search = page.getByRole('combobox', { name: 'Search fonts' });
+  await search.fill('dejavu ser');
+  await page.getByRole('option').first().waitFor();
+  await page.keyboard.press('Enter');
+  const preset = button('Begin with chiselled gold');
+  await preset.locator('canvas').waitFor();
+  await preset.click();
+  await save('gold.json');
+  assert.equal(read('gold.json').font, 'DejaVu Serif');
+  assert.equal(read('gold.json').text, 'Καλημέρα مرحبا');
+  await assertSame('gold.json');
+  // Opened again it is the same, to the byte.
+  const bytes = fs.readFileSync(path.join(folder, 'gold.json'));
+  await page.reload();
+  await button('Open').click();
+  await button('gold.json').click();
+  await assertSame('gold.json');
+  await save('again.json');
+  assert.deepEqual(fs.readFileSync(path.join(folder, 'again.json')), bytes);
+});
+
+test('layers by mouse and by keyboard, and every step back', async () => {
+  write('plain.json', { text: 'Layers', size: 90 });
+  await open('plain.json');
+  const add = page.getByRole('combobox', { name: 'Add effect' });
+  const names = () => page.locator('.layer .title').allTextContents();
+  await add.selectOption('stroke');
+  await add.selectOption('outerShadow');
+  await page.waitForFunction(() => document.querySelector('.layer .title')?.textContent === 'Stroke');
+  await page.locator('.layer', { hasText: 'Stroke' }).getByRole('button', { name: 'Duplicate' }).click();
+  await control('$.effects[1].size', 'input[type=number]').fill('9');
+  await page.getByRole('textbox', { name: 'Color, #RRGGBB or #AARRGGBB' }).last().fill('#C02020');
+  await settled();
+  assert.deepEqual(await names(), ['Stroke', 'Stroke', 'Outer shadow']);
+  // The shadow to the top, by keyboard, and back down with the mouse.
+  await page.locator('.layer .title').last().focus();
+  await page.keyboard.press('Alt+ArrowUp');
+  await page.waitForTimeout(100);
+  await page.keyboard.press('Alt+ArrowUp');
+  await settled();
+  assert.deepEqual(await names(), ['Outer shadow', 'Stroke', 'Stroke']);
+  await page.locator('.layer').first().dragTo(page.locator('.layer').last());
+  await settled();
+  assert.deepEqual(await names(), ['Stroke', 'Stroke', 'Outer shadow']);
+  await page.locator('.layer').first().getByRole('checkbox').click();
+  await save();
+  const saved = read('plain.json');
+  assert.equal(saved.order, 'listed');
+  assert.deepEqual(saved.effects.map((effect) => [effect.type, effect.enabled ?? true]), [['outerShadow', true], ['stroke', true], ['stroke', false]]);
+  await assertSame('plain.json');
+  await page.locator('.layer .title').first().focus();
+  await page.keyboard.press('Delete');
+  assert.equal((await names()).length, 2);
+  while (await button('Undo').isEnabled()) await page.keyboard.press('Control+z');
+  await settled();
+  assert.deepEqual(await names(), []);
+  while (await button('Redo').isEnabled()) await page.keyboard.press('Control+y');
+  await settled();
+  assert.equal((await names()).length, 2);
+});
+
+test('every kind of control writes what it shows', async () => {
+  write('all.json', { text: 'Dials', size: 80, effects: [{ type: 'outerShadow' }, { type: 'linearGradient', stops: [{ color: '#FF0000', position: 0 }, { color: '#0000FF', position: 1 }] }, { type: 'stroke' }] });
+  await open('all.json');
+  await page.locator('.layer .title', { hasText: 'Outer shadow' }).click();
+  await control('$.effects[0].distance', 'input[type=range]').focus();
+  for (let i = 0; i < 3; i++) await page.keyboard.press('ArrowRight');
+  await control('$.effects[0].size', 'input[type=range]').fill('500');
+  const dial = page.getByRole('slider', { name: 'Angle' });
+  const box = await dial.boundingBox();
+  await page.mouse.move(box.x + box.width / 2, box.y + 4);
+  await page.mouse.down();
+  await page.mouse.move(box.x + box.width - 3, box.y + box.height / 2, { steps: 5 });
+  await page.mouse.up();
+  await page.locator('.layer .title', { hasText: 'Linear gradient' }).click();
+  const bar = await page.locator('.paint').boundingBox();
+  await page.mouse.click(bar.x + bar.width / 2, bar.y + 8);
+  await control('$.effects[1].stops[1].color', '.hex').fill('#80FFFF00');
+  await page.locator('.layer .title', { hasText: 'Stroke' }).click();
+  await page.getByRole('combobox', { name: 'Fill' }).selectOption('pattern');
+  await dropFile(page.locator('.of-file .drop'), path.join(environment.source, 'examples/styles/patterns/bricks.png'));
+  await page.getByText('bricks.png', { exact: true }).waitFor();
+  await save();
+  const { effects } = read('all.json');
+  assert.deepEqual(effects[0], { type: 'outerShadow', angle: 0, distance: 8, size: 50 });
+  assert.deepEqual(effects[1].stops[1], { color: '#80FFFF00', position: 0.5 });
+  assert.equal(effects[2].fill.pattern, 'bricks.png');
+  assert.ok(fs.existsSync(path.join(folder, 'bricks.png')));
+  await assertSame('all.json');
+  // A mistake is told where it was made, and the picture stays.
+  await control('$.effects[2].size', 'input[type=number]').fill('140');
+  await page.locator('[data-path="$.effects[2].size"] [role=alert]', { hasText: '0-100' }).waitFor();
+  await assertSame('all.json');
+  await page.locator('[data-path="$.effects[2].size"] .name').dblclick();
+  await settled();
+  assert.equal(await control('$.effects[2].size', 'input[type=number]').inputValue(), '2');
+});
+
+test('a dropped font with its variations', async () => {
+  const font = execFileSync('fc-match', ['-f', '%{file}', 'Inter:variable=true']).toString();
+  await open();
+  await dropFile(page.locator('.font .drop'), font);
+  const weight = page.getByRole('slider', { name: 'wght' });
+  await weight.fill('800');
+  await page.getByRole('textbox', { name: 'Text to draw' }).fill('Weight 日 \u{16A40}');
+  await page.getByText(/Other letters come from .*CJK/).waitFor();
+  await save('own.json');
+  assert.equal(read('own.json').font, path.basename(font));
+  assert.match(read('own.json').fontVariations, /'wght' 800/);
+  assert.deepEqual(fs.readFileSync(path.join(folder, path.basename(font))), fs.readFileSync(font));
+  await assertSame('own.json');
+});
+
+test('characters that no font has are named', async () => {
+  await open();
+  await page.getByRole('textbox', { name: 'Text to draw' }).fill('A\u{1E6C0}');
+  await page.getByText(/No installed font has U\+1E6C0/).waitFor();
+});
+
+test('backdrops, zoom to pixels, overlays and a phone', async () => {
+  write('one.json', { text: 'Il', size: 40, padding: 8, color: '#123456', effects: [{ type: 'outerGlow' }] });
+  await open('one.json');
+  for (const name of ['Light', 'Dark', 'Colour', 'Photo', 'Checker']) {
+    await button(name).click();
+    await page.locator(`.room.${name === 'Colour' ? 'color' : name.toLowerCase()}`).waitFor();
+  }
+  await page.getByLabel('Zoom').selectOption('16');
+  await page.locator('.grid').waitFor();
+  const canvas = await page.locator('.picture canvas').boundingBox();
+  const png = drawWithProgram(path.join(folder, 'one.json'));
+  assert.equal(canvas.width, 16 * png.readUInt32BE(16));
+  await page.locator('.picture').hover({ position: { x: 16 * 3 + 2, y: 16 * 4 + 2 } });
+  assert.match(await page.locator('.pixel').textContent(), /^3, 4 {2}#[0-9A-F]{8}$/);
+  for (const name of ['Margins', 'Lines', 'Ink']) await button(name).click();
+  assert.equal(await page.locator('.overlays rect').count(), 3);
+  await page.getByLabel('Phone').selectOption('3');
+  await settled();
+  await assertShown(page, drawWithProgram(path.join(folder, 'one.json'), '--scale', '3'));
+});
+
+test('nothing is lost by a reload, a crash of the server, or another editor', async () => {
+  write('kept.json', { text: 'Kept', size: 60 });
+  await open('kept.json');
+  const text = page.getByRole('textbox', { name: 'Text to draw' });
+  await text.fill('Changed');
+  await page.reload();
+  assert.equal(await text.inputValue(), 'Changed');
+  // Beside the file, too, for another browser.
+  await page.waitForTimeout(900);
+  assert.equal(read('.kept.json.studio').text, 'Changed');
+  const children = fs.readFileSync(`/proc/${studio.process.pid}/task/${studio.process.pid}/children`, 'utf8').trim().split(' ');
+  for (const pid of children) process.kill(Number(pid), 'SIGKILL');
+  await text.fill('After the crash');
+  await page.locator('.lost').waitFor({ state: 'detached' });
+  await save();
+  assert.ok(!fs.existsSync(path.join(folder, '.kept.json.studio')));
+  await assertSame('kept.json');
+  // An editor saves: shown at once.
+  write('kept.json', { text: 'Edited', size: 60 });
+  await page.waitForFunction(() => document.querySelector('textarea').value === 'Edited');
+  await assertSame('kept.json');
+  // Changed in both places: asked.
+  await text.fill('Mine');
+  write('kept.json', { text: 'Theirs', size: 60 });
+  await page.getByRole('dialog').waitFor();
+  await button('Keep mine').click();
+  await page.getByText(/^Saved/).waitFor();
+  assert.equal(read('kept.json').text, 'Mine');
+  await text.fill('Mine again');
+  write('kept.json', { text: 'Theirs again', size: 60 });
+  await button('Load the file').click();
+  await page.waitForFunction(() => document.querySelector('textarea').value === 'Theirs again');
+  await studio.stop();
+  await page.locator('.lost').waitFor();
+});
+
+test('imports layer effects and tells what is lost', async () => {
+  const effects = path.join(folder, 'layer.json.txt');
+  fs.writeFileSync(effects, JSON.stringify({ stroke: [{ enabled: true, size: { units: 'Pixels', value: 7 }, position: 'outside', fillType: 'color', color: { r: 10, g: 20, b: 30 } }], satin: { enabled: true } }));
+  await open();
+  await button('Import').click();
+  await dropFile(page.locator('dialog .drop'), effects);
+  await page.locator('.losses').getByText('$.satin').waitFor();
+  await button('Use this style').click();
+  await save('imported.json');
+  assert.equal(read('imported.json').effects[0].size, 7);
+  await assertSame('imported.json');
+});
+
+test('exports pictures and code that draws them', async () => {
+  const source = JSON.parse(fs.readFileSync(path.join(gallery, 'news-banner.json')));
+  write('title.json', { ...source, $schema: undefined, text: `It's "$HOME" \\ — 'EOF'` });
+  await open('title.json');
+  await button('Export').click();
+  for (const scale of [1, 3]) {
+    const [download] = await Promise.all([page.waitForEvent('download'), button(`PNG ${scale}×`).click()]);
+    assert.deepEqual(fs.readFileSync(await download.path()), drawWithProgram(path.join(folder, 'title.json'), '--scale', String(scale)));
+  }
+  const code = async (kind) => {
+    await page.getByRole('group', { name: 'Code' }).getByRole('button', { name: kind, exact: true }).click();
+    return page.getByRole('textbox', { name: 'Code' }).inputValue();
+  };
+  const expected = drawWithProgram(path.join(folder, 'title.json'));
+  const bin = path.dirname(environment.program);
+  execFileSync('bash', ['-c', await code('Command line')], { cwd: folder, env: { ...process.env, PATH: `${bin}:${process.env.PATH}` } });
+  assert.deepEqual(fs.readFileSync(path.join(folder, 'title.png')), expected);
+  const json = JSON.parse(await code('JSON'));
+  // What a Java string, a Kotlin string or a raw C++ string holds.
+  const strings = (text) => [...text.matchAll(/"(?:[^"\\]|\\.)*"/g)].map(([literal]) => JSON.parse(literal.replaceAll('\\$', '$'))).join('');
+  assert.deepEqual(JSON.parse(strings(await code('Java'))), json);
+  assert.deepEqual(JSON.parse(strings(await code('Kotlin'))), json);
+  assert.deepEqual(JSON.parse(/R"json\((.*)\)json"/s.exec(await code('C++'))[1]), json);
+  assert.deepEqual(JSON.parse(/r"""(.*)"""/s.exec(await code('Python'))[1]), json);
+  await button('Copy').click();
+  assert.equal(await page.evaluate(() => navigator.clipboard.readText()), await code('Python'));
+});
+
+test('compares with a kept state and with a file', async () => {
+  write('a.json', { text: 'Compare', size: 60 });
+  write('b.json', { text: 'Compare', size: 60, effects: [{ type: 'outerShadow' }] });
+  await open('a.json');
+  await button('Keep this state').click();
+  const mode = page.getByRole('combobox', { name: 'Compare', exact: true });
+  await mode.selectOption('difference');
+  await page.getByText('The same, to the byte').waitFor();
+  await page.getByRole('combobox', { name: 'With a file' }).selectOption('b.json');
+  await page.getByText(/[1-9]\d* pixels differ/).waitFor();
+  await mode.selectOption('wipe');
+  await page.getByRole('slider', { name: 'Where the wipe is' }).fill('0.3');
+  await mode.selectOption('side');
+  assert.equal(await page.locator('.pictures > .picture').count(), 2);
+});
+
+test('works for everybody: no violation of accessibility in any panel', async () => {
+  const axe = fs.readFileSync(require.resolve('axe-core'), 'utf8');
+  const source = { text: 'Everybody', size: 80, background: { color: '#80000000' }, effects: [{ type: 'outerShadow' }, { type: 'linearGradient', stops: [{ color: '#FF0000', position: 0 }, { color: '#0000FF', position: 1 }] }, { type: 'stroke', fill: '#FF0000' }, { type: 'bevel' }] };
+  let panels = 0;
+  const assertAccessible = async (panel) => {
+    const violations = await page.evaluate(async () => (await axe.run()).violations.map(({ id, nodes }) => `${id}: ${nodes.map((node) => node.target).join(', ')}`));
+    assert.deepEqual(violations, [], panel);
+    await page.screenshot({ path: path.join(environment.output, `${panel}.png`) });
+    panels++;
+  };
+  for (const [viewport, colorScheme] of [[WIDE, 'light'], [TABLET, 'dark']]) {
+    write('all.json', source);
+    await open('all.json', viewport, { colorScheme, bypassCSP: true });
+    await page.evaluate(axe);
+    const shot = (name) => assertAccessible(`${name}-${colorScheme}`);
+    await shot('whole');
+    await page.getByRole('tab', { name: 'Presets' }).click();
+    await page.locator('.preset canvas').nth(8).waitFor();
+    await shot('presets');
+    for (const layer of await page.locator('.layer .title').all()) {
+      await layer.click();
+      await shot(`layer-${(await layer.textContent()).toLowerCase().replace(' ', '-')}`);
+    }
+    await page.getByRole('combobox', { name: 'Search fonts' }).fill('noto');
+    await page.getByRole('option').first().waitFor();
+    await shot('fonts');
+    await page.keyboard.press('Escape');
+    await button('Keep this state').click();
+    await shot('compare');
+    for (const name of ['Open', 'Save as', 'Import', 'Export']) {
+      await button(name).click();
+      await page.getByRole('dialog').waitFor();
+      await shot(name.toLowerCase().replace(' ', '-'));
+      await page.keyboard.press('Escape');
+      await page.getByRole('dialog').waitFor({ state: 'detached' });
+    }
+    await context.close();
+    await studio.stop();
+    context = studio = undefined;
+  }
+  console.log(`accessibility: ${panels} panels, no violation`);
+});
+
+test('a change shows soon', async () => {
+  write('title.json', { text: 'Summer Nights', font: 'DejaVu Sans', bold: true, size: 96, width: 900, align: 'center', padding: [0, 20, 0, 20], effects: [{ type: 'outerShadow', distance: 8, size: 12 }, { type: 'outerGlow', size: 12 }, { type: 'stroke', size: 5 }] });
+  await open('title.json');
+  await page.locator('.layer .title').first().click();
+  await page.evaluate(() => {
+    window.times = [];
+    let started = 0;
+    addEventListener('keydown', (event) => (started = event.timeStamp), true);
+    const put = CanvasRenderingContext2D.prototype.putImageData;
+    CanvasRenderingContext2D.prototype.putImageData = function (...all) {
+      put.apply(this, all);
+      // After the frame that shows it.
+      requestAnimationFrame(() => {
+        const channel = new MessageChannel();
+        channel.port1.onmessage = () => window.times.push(performance.now() - started);
+        channel.port2.postMessage(0);
+      });
+    };
+  });
+  await control('$.effects[2].size', 'input[type=range]').focus();
+  const rounds = 60;
+  for (let i = 0; i < rounds; i++) {
+    await page.keyboard.press(i % 2 ? 'ArrowLeft' : 'ArrowRight');
+    await page.waitForFunction((count) => window.times.length >= count, i + 1);
+  }
+  const times = (await page.evaluate(() => window.times)).sort((a, b) => a - b);
+  const size = await page.locator('.picture canvas').evaluate((canvas) => `${canvas.width} x ${canvas.height}`);
+  console.log(`latency of ${rounds} changes to ${size}: median ${times[rounds / 2].toFixed(1)} ms, p95 ${times[Math.floor(rounds * 0.95)].toFixed(1)} ms`);
+});

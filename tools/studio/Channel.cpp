@@ -1,0 +1,68 @@
+#include "Channel.h"
+
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+
+namespace gxstudio {
+
+namespace {
+
+struct Head {
+    uint64_t ticket = 0;
+    uint64_t size = 0;
+};
+
+bool sendFully(int socket, const char* bytes, size_t size) {
+    while (size > 0) {
+        const ssize_t count = ::send(socket, bytes, size, MSG_NOSIGNAL);
+        if (count < 0 && errno == EINTR) continue;
+        if (count <= 0) return false;
+        bytes += count;
+        size -= static_cast<size_t>(count);
+    }
+    return true;
+}
+
+bool receiveFully(int socket, char* bytes, size_t size) {
+    while (size > 0) {
+        const ssize_t count = recv(socket, bytes, size, 0);
+        if (count < 0 && errno == EINTR) continue;
+        if (count <= 0) return false;
+        bytes += count;
+        size -= static_cast<size_t>(count);
+    }
+    return true;
+}
+
+}  // namespace
+
+std::pair<Channel, Channel> Channel::pair() {
+    int ends[2];
+    if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) {
+        throw std::system_error(errno, std::generic_category(), "cannot start the server");
+    }
+    return {Channel(ends[0]), Channel(ends[1])};
+}
+
+Channel::~Channel() {
+    if (socket_ >= 0) close(socket_);
+}
+
+bool Channel::send(const Message& message) {
+    const Head head{message.ticket, message.bytes.size()};
+    return sendFully(socket_, reinterpret_cast<const char*>(&head), sizeof(head)) &&
+           sendFully(socket_, message.bytes.data(), message.bytes.size());
+}
+
+std::optional<Message> Channel::receive() {
+    Head head;
+    if (!receiveFully(socket_, reinterpret_cast<char*>(&head), sizeof(head))) return std::nullopt;
+    Message message{head.ticket, std::string(head.size, '\0')};
+    if (!receiveFully(socket_, message.bytes.data(), head.size)) return std::nullopt;
+    return message;
+}
+
+}  // namespace gxstudio
