@@ -17,7 +17,7 @@ interface BarProps {
 export function ComparisonBar({ mode, setMode, wipe, setWipe }: BarProps) {
   const { comparison, styles } = useStore();
   const keep = () => {
-    update({ comparison: { style: current().style, label: words.compareKeep } });
+    update({ comparison: { style: current().style, label: words.compareKept } });
     if (mode === 'off') setMode('side');
   };
   const withFile = (name: string) =>

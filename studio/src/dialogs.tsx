@@ -3,9 +3,9 @@ import type { ComponentChildren } from 'preact';
 import { useEffect, useRef, useState } from 'preact/hooks';
 import { codeFor } from './code';
 import { DropZone } from './controls';
-import { attempt, beginWith, keepMine, loadTheirs, openStyle, openText, saveStyle } from './files';
+import { attempt, beginWith, keepMine, loadTheirs, mayLeave, openStyle, openText, saveStyle } from './files';
 import { type Json, ask, drawFile } from './server';
-import { current, isChanged, useStore } from './store';
+import { current, useStore } from './store';
 import { label, words } from './words';
 
 export type DialogName = '' | 'open' | 'save' | 'import' | 'export';
@@ -59,7 +59,7 @@ function ConflictDialog() {
 function OpenDialog({ close }: DialogProps) {
   const { styles, session } = useStore();
   const go = (action: () => Promise<void>) => {
-    if (isChanged() && !confirm(words.discardStyle)) return;
+    if (!mayLeave()) return;
     void attempt(action);
     close();
   };

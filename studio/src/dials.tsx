@@ -143,7 +143,7 @@ export function Ramp({ field, path, name }: ControlProps) {
       </div>
       {stops.length === 0 ? (
         <button type="button" onClick={() => add(0.5)}>
-          {words.add}
+          {words.addStop}
         </button>
       ) : (
         <div class="nested">

@@ -17,11 +17,13 @@ class Loop {
   constructor(
     private readonly wanted: () => DrawRequest | undefined,
     private readonly take: (drawn: Drawn | undefined, problems: Problem[]) => void,
+    private readonly tell: (isBusy: boolean) => void = () => {},
   ) {}
 
   async run() {
     if (this.isBusy) return;
     this.isBusy = true;
+    this.tell(true);
     try {
       for (let request = this.next(); request; request = this.next()) await this.drawOne(request);
     } catch (error) {
@@ -30,6 +32,7 @@ class Loop {
       update({ isLost: true });
     } finally {
       this.isBusy = false;
+      this.tell(false);
     }
   }
 
@@ -57,6 +60,8 @@ export function startDrawing() {
   const main = new Loop(
     () => ({ style: withText(current().style), name: current().name, scale: scale() }),
     (drawn, problems) => update(drawn ? { drawn, problems } : { problems }),
+    // Not a part of the state: nothing else on the page changes with it.
+    (isBusy) => document.querySelector('.room')?.setAttribute('aria-busy', String(isBusy)),
   );
   const other = new Loop(
     () => {

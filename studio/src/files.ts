@@ -37,6 +37,11 @@ export async function attempt(action: () => Promise<void>) {
   }
 }
 
+// Whether what is not saved may go.
+export function mayLeave(): boolean {
+  return !isChanged() || confirm(words.discardStyle);
+}
+
 export async function openStyle(name: string) {
   const opened = await call<Opened>('open', { name });
   const saved = readStyle(opened.text);

@@ -1,8 +1,9 @@
 import { render } from 'preact';
 import { useEffect, useState } from 'preact/hooks';
+import { dropInto } from './controls';
 import { type DialogName, Dialogs } from './dialogs';
 import { startDrawing } from './drawing';
-import { attempt, discard, openStyle, restore, saveStyle, startRemembering, startWatching } from './files';
+import { attempt, discard, mayLeave, openStyle, openText, restore, saveStyle, startRemembering, startWatching } from './files';
 import { Layers } from './layers';
 import { Schema } from './schema';
 import { type Session, call } from './server';
@@ -22,6 +23,7 @@ function Page() {
     else setDialog('save');
   };
   useKeys({ save, open: () => setDialog('open') });
+  useDrops();
   return (
     <>
       <Header setDialog={setDialog} save={save} />
@@ -114,11 +116,27 @@ function useKeys({ save, open }: { save(): void; open(): void }) {
       event.preventDefault();
     };
     addEventListener('keydown', keys);
-    // What is dropped beside every place for it is not opened in the page's place.
-    const stay = (event: DragEvent) => event.preventDefault();
-    addEventListener('dragover', stay);
-    addEventListener('drop', stay);
     return () => removeEventListener('keydown', keys);
+  }, []);
+}
+
+// A file that is dropped beside every place for it goes where its kind belongs, and never in the page's place.
+function useDrops() {
+  useEffect(() => {
+    const stay = (event: DragEvent) => event.preventDefault();
+    const take = (event: DragEvent) => {
+      const file = event.dataTransfer?.files[0];
+      if (event.defaultPrevented || !file) return;
+      event.preventDefault();
+      if (/\.(ttf|otf|ttc|otc)$/i.test(file.name)) void dropInto(['font'], file, 'font');
+      else if (/\.json$/i.test(file.name) && mayLeave()) void attempt(async () => openText(await file.text()));
+    };
+    addEventListener('dragover', stay);
+    addEventListener('drop', take);
+    return () => {
+      removeEventListener('dragover', stay);
+      removeEventListener('drop', take);
+    };
   }, []);
 }
 

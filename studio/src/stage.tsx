@@ -35,7 +35,7 @@ export function Stage() {
 
   const isSide = mode === 'side' && compared !== undefined;
   const shown = drawn && { width: drawn.width * (isSide ? 2 : 1), height: drawn.height };
-  const fitted = shown ? Math.min(MOST_FITTED, (size[0] - 32) / shown.width, (size[1] - 32) / shown.height) : 1;
+  const fitted = shown ? Math.min(MOST_FITTED, (size[0] - (isSide ? 72 : 32)) / shown.width, (size[1] - (isSide ? 72 : 32)) / shown.height) : 1;
   const factor = density > 0 ? 1 / density : zoom || (fitted >= 1 ? Math.floor(fitted) : fitted);
   const paint = backdrop === 'color' ? { background: color } : backdrop === 'photo' && photo ? { backgroundImage: `url(${photo})` } : {};
   const picture = (of: Drawn, extra?: ComponentChildren) => (
@@ -92,7 +92,12 @@ export function Stage() {
           ) : (
             drawn && (
               <div class="pictures">
-                {isSide && picture(compared)}
+                {isSide && (
+                  <figure>
+                    {picture(compared)}
+                    <figcaption>{comparison?.label}</figcaption>
+                  </figure>
+                )}
                 {picture(drawn, mode === 'wipe' && compared && comparison && <Wipe drawn={compared} under={drawn} factor={factor} at={wipe} />)}
               </div>
             )
@@ -205,7 +210,7 @@ function Wipe({ drawn, under, factor, at }: { drawn: Drawn; under: Drawn; factor
 function DifferenceView({ one, other, factor }: { one: Drawn; other: Drawn; factor: number }) {
   const difference = differenceOf(one, other);
   return (
-    <figure class="difference">
+    <figure>
       <Canvas drawn={difference} factor={factor} label={words.compareModes.difference} />
       <figcaption>{difference.count === 0 ? words.compareSame : words.compareCount(difference.count)}</figcaption>
     </figure>

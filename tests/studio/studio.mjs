@@ -1,6 +1,7 @@
 // Starts the studio and a browser on its page.
 import assert from 'node:assert/strict';
 import { execFileSync, spawn } from 'node:child_process';
+import fs from 'node:fs';
 import { createRequire } from 'node:module';
 import path from 'node:path';
 import zlib from 'node:zlib';
@@ -76,4 +77,54 @@ export async function assertShown(page, png) {
     return at < 0 ? '' : `pixel ${(at >> 2) % width}, ${Math.floor((at >> 2) / width)} is another`;
   }, { width: expected.width, height: expected.height, text: expected.pixels.toString('base64') });
   assert.equal(problem, '');
+}
+
+// Fails unless small copies of the screenshots are those of the golden sheet, but for what another
+// release of browser or fonts changes. GXTEXT_UPDATE_GOLDEN=1 writes the sheet anew.
+export async function assertLooks(page, shots, name) {
+  const golden = path.join(environment.source, 'tests/golden', name);
+  const before = fs.existsSync(golden) ? fs.readFileSync(golden).toString('base64') : '';
+  const { sheet, worst } = await page.evaluate(async ({ shots, before }) => {
+    const decode = async (text) => createImageBitmap(await (await fetch(`data:image/png;base64,${text}`)).blob());
+    const pictures = await Promise.all(shots.map(decode));
+    const [columns, scale] = [6, 0.13];
+    const [width, height] = [Math.round(pictures[0].width * scale), Math.round(pictures[0].height * scale)];
+    const canvas = new OffscreenCanvas(columns * width, Math.ceil(shots.length / columns) * height);
+    const context = canvas.getContext('2d', { willReadFrequently: true });
+    context.imageSmoothingQuality = 'high';
+    pictures.forEach((picture, index) => context.drawImage(picture, (index % columns) * width, Math.floor(index / columns) * height, width, height));
+    // Means of blocks, which hardly move with the edges of letters.
+    const means = (from) => {
+      const block = 7;
+      const small = new OffscreenCanvas(Math.ceil(canvas.width / block), Math.ceil(canvas.height / block)).getContext('2d');
+      small.imageSmoothingQuality = 'high';
+      small.drawImage(from, 0, 0, small.canvas.width, small.canvas.height);
+      return small.getImageData(0, 0, small.canvas.width, small.canvas.height).data;
+    };
+    const now = means(canvas);
+    const then = before ? means(await decode(before)) : [];
+    const bytes = new Uint8Array(await (await canvas.convertToBlob({ type: 'image/png' })).arrayBuffer());
+    const worst = now.reduce((most, value, index) => Math.max(most, Math.abs(value - (then[index] ?? 999))), 0);
+    return { sheet: btoa(bytes.reduce((text, byte) => text + String.fromCharCode(byte), '')), worst };
+  }, { shots, before });
+  const tolerance = 48;
+  fs.writeFileSync(path.join(environment.output, name), Buffer.from(sheet, 'base64'));
+  if (process.env.GXTEXT_UPDATE_GOLDEN) return fs.writeFileSync(golden, Buffer.from(sheet, 'base64'));
+  assert.ok(worst <= tolerance, `${name}: a block differs by ${worst} of 255`);
+}
+
+// Pictures beside each other, each so wide.
+export async function joined(page, pictures, width) {
+  const text = await page.evaluate(async ({ pictures, width }) => {
+    const bytesOf = (text) => Uint8Array.from(atob(text), (c) => c.charCodeAt(0));
+    const images = await Promise.all(pictures.map((text) => createImageBitmap(new Blob([bytesOf(text)], { type: 'image/png' }))));
+    const height = Math.round((images[0].height * width) / images[0].width);
+    const canvas = new OffscreenCanvas(images.length * width, height);
+    const context = canvas.getContext('2d');
+    context.imageSmoothingQuality = 'high';
+    images.forEach((image, index) => context.drawImage(image, index * width, 0, width - 8, height));
+    const bytes = new Uint8Array(await (await canvas.convertToBlob({ type: 'image/png' })).arrayBuffer());
+    return btoa(bytes.reduce((text, byte) => text + String.fromCharCode(byte), ''));
+  }, { pictures, width });
+  return Buffer.from(text, 'base64');
 }

@@ -40,6 +40,7 @@ void studioCommand(const StudioOptions& options) {
         "idle=" + std::to_string(options.idleSeconds),
         std::string("browser=") + (options.noBrowser ? "no" : "yes")};
     std::vector<char*> pointers;
+    pointers.reserve(arguments.size() + 1);
     for (std::string& argument : arguments) pointers.push_back(argument.data());
     pointers.push_back(nullptr);
     execv(program.c_str(), pointers.data());

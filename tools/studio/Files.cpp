@@ -115,8 +115,7 @@ std::string Files::save(const std::string& name, const std::string& text,
         if (!isFile(target)) {
             gxtext::writeFile(target.string(), bytes);
         } else if (gxtext::readFile(target.string(), kMaxDropped) != bytes) {
-            throw Error("there is another " + used + " beside " + name +
-                        "; drop the file under another name");
+            throw Error("there is another file of that name beside the style: " + used);
         }
     }
     gxtext::writeFile(path.string(), text);

@@ -143,7 +143,7 @@ void Server::addPage() {
     }
 }
 
-void Server::addCall(const std::string& name, Call call) {
+void Server::addCall(const std::string& name, const Call& call) {
     http_.Post(root_ + "/" + name, [call](const auto& request, auto& response) {
         if (request.body.size() > 2 * gxtext::Style::kMaxBytes) {
             response.status = 413;
@@ -211,17 +211,15 @@ Server::Json Server::presets() {
 Server::Json Server::openStyle(const Json& request) {
     const std::string name = request.at("name");
     const std::string text = files_.open(name);
-    // Reads as the program reads it, so that the page gets the mistakes by their places.
-    Json answer = {{"name", name},
-                   {"text", text},
-                   {"version", files_.versionOf(name)},
-                   {"remembered", files_.remembered(name)}};
-    return answer;
+    return {{"name", name},
+            {"text", text},
+            {"version", files_.versionOf(name)},
+            {"remembered", files_.remembered(name)}};
 }
 
 Server::Json Server::saveStyle(const Json& request) {
     const std::string name = request.at("name");
-    const Json checked = wordsOf(renders_.answer(
+    Json checked = wordsOf(renders_.answer(
         completed({{"op", "check"}, {"style", request.at("style")}, {"name", name}})));
     if (!checked.contains("text")) return checked;
     const std::string text = checked["text"];

@@ -39,7 +39,7 @@ private:
     void addCalls();
     void addRenders();
     // POST of JSON with an answer in JSON.
-    void addCall(const std::string& name, Call call);
+    void addCall(const std::string& name, const Call& call);
     // POST of JSON that a worker answers.
     void addRender(const std::string& op);
     bool isAllowed(const httplib::Request& request, httplib::Response& response) const;
