@@ -79,7 +79,7 @@ apk: setup
 	scripts/apk out/apk $(APK_OPTIONS)
 
 package: setup
-	@scripts/setup demo package
+	@scripts/setup demo package node
 	cmake --preset package
 	cmake --build --preset package
 	ctest --preset package

@@ -291,6 +291,8 @@ test('exports pictures and code that draws them', async () => {
   const strings = (text) => [...text.matchAll(/"(?:[^"\\]|\\.)*"/g)].map(([literal]) => JSON.parse(literal.replaceAll('\\$', '$'))).join('');
   assert.deepEqual(JSON.parse(strings(await code('Java'))), json);
   assert.deepEqual(JSON.parse(strings(await code('Kotlin'))), json);
+  fs.writeFileSync(path.join(folder, 'title.cpp'), await code('C++'));
+  execFileSync('c++', ['-std=c++20', '-fsyntax-only', '-I', path.join(environment.source, 'src'), path.join(folder, 'title.cpp')]);
   assert.deepEqual(JSON.parse(/R"json\((.*)\)json"/s.exec(await code('C++'))[1]), json);
   assert.deepEqual(JSON.parse(/r"""(.*)"""/s.exec(await code('Python'))[1]), json);
   await button('Copy').click();

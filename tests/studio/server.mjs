@@ -17,6 +17,8 @@ before(async () => {
 });
 after(async () => {
   await studio.stop();
+  // Of a worker's death the page is told no more than that it died.
+  assert.doesNotMatch(studio.errors, /Sanitizer|runtime error/);
   fs.rmSync(folder, { recursive: true });
 });
 
@@ -140,7 +142,7 @@ test('what dies is followed by another, at the same address', async () => {
   // The first request may be the one that is lost.
   await ask('png', { body: JSON.stringify({ style }) });
   assert.deepEqual((await work('png', { style })).picture, before);
-  process.kill(server, 'SIGSEGV');
+  process.kill(server, 'SIGKILL');
   while (serverProcess() === undefined || serverProcess() === server) await new Promise((done) => setTimeout(done, 20));
   assert.deepEqual((await work('png', { style })).picture, before);
 });
@@ -173,17 +175,18 @@ test('requests of random bytes', async () => {
   assert.ok((await work('render', { style })).words.width > 0);
 });
 
-test('memory stays flat', async () => {
+const renders = Number(process.env.GXTEXT_STUDIO_RENDERS ?? 1500);
+
+test('memory stays flat', { skip: renders === 0 && 'what is freed is kept by the sanitizer' }, async () => {
   const megabytes = () =>
     [serverProcess(), ...workers()].reduce((sum, pid) => sum + Number(/VmRSS:\s+(\d+)/.exec(fs.readFileSync(`/proc/${pid}/status`, 'utf8'))[1]) / 1024, 0);
-  const count = Number(process.env.GXTEXT_STUDIO_RENDERS ?? 1500);
   const draw = async (from, to) => {
     for (let i = from; i < to; i++) await work('render', { style: { ...style, size: 20 + (i % 40), text: `Title ${i % 50}` } });
   };
-  await draw(0, count / 3);
+  await draw(0, renders / 3);
   const before = megabytes();
-  await draw(count / 3, count);
-  console.log(`memory after ${count / 3} renders: ${before.toFixed(1)} MB, after ${count}: ${megabytes().toFixed(1)} MB`);
+  await draw(renders / 3, renders);
+  console.log(`memory after ${Math.round(renders / 3)} renders: ${before.toFixed(1)} MB, after ${renders}: ${megabytes().toFixed(1)} MB`);
   assert.ok(megabytes() < before * 1.2 + 8);
 });
 

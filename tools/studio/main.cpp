@@ -199,7 +199,9 @@ private:
     httplib::Server http_;
 };
 
+// Where there is a screen to open one on.
 void openBrowser(const std::string& address) {
+    if (!getenv("DISPLAY") && !getenv("WAYLAND_DISPLAY")) return;
     if (fork() != 0) return;
     setsid();
     if (freopen("/dev/null", "w", stdout) && freopen("/dev/null", "w", stderr)) {
