@@ -32,13 +32,10 @@ extern "C" int __wrap_fsync(int) {
 namespace GxFontEffect {
 namespace {
 
-void expectError(int code, const std::function<void()>& operation) {
-    gxtest::expectNativeError("GX_File", code, operation);
-}
-
 class FileTest : public testing::Test {
 protected:
     gxtest::TempFolder folder;
+    gxtest::Failures failures{"GX_File"};
     const std::string path = folder.path("caf\xC3\xA9.bin");
 };
 
@@ -57,13 +54,12 @@ TEST_F(FileTest, WritesSeeksAndReadsBack) {
     EXPECT_EQ(file.Error(), 0);
     EXPECT_EQ(fileno(file.GetFilePointer()), file.GetFileDescriptor());
     EXPECT_EQ(file.Read(nullptr, 0, 1), 0u);
-    expectError(7, [&] { EXPECT_EQ(file.Read(nullptr, 1, 1), 0u); });
-    expectError(7, [&] { EXPECT_EQ(file.Write(nullptr, 1, 1), 0u); });
-    expectError(7, [&] { EXPECT_EQ(file.Read(back, SIZE_MAX, 2), 0u); });
+    failures.expect(
+        7, {file.Read(nullptr, 1, 1), file.Write(nullptr, 1, 1), file.Read(back, SIZE_MAX, 2)});
     EXPECT_TRUE(file.Close());
     EXPECT_TRUE(file.Close()) << "harmless twice";
-    expectError(8, [&] { EXPECT_EQ(file.Read(back, 1, 1), 0u); });
-    expectError(4, [&] { EXPECT_FALSE(file.Construct(path.c_str(), "r")); });
+    failures.expect(8, {file.Read(back, 1, 1)});
+    failures.expect(4, {file.Construct(path.c_str(), "r")});
 }
 
 TEST_F(FileTest, SyncsOnCloseWhenTheModeWrites) {
@@ -102,22 +98,19 @@ TEST_F(FileTest, FailedConstructLeavesItUnconstructed) {
     GxString bare, empty;
     ASSERT_TRUE(empty.Construct(L""));
     File file;
-    expectError(7, [&] { EXPECT_FALSE(file.Construct(static_cast<const char*>(nullptr), "r")); });
-    expectError(7, [&] { EXPECT_FALSE(file.Construct(path.c_str(), nullptr)); });
-    expectError(7, [&] { EXPECT_FALSE(file.Construct(&bare, "r", false)); });
-    expectError(11, [&] { EXPECT_FALSE(file.Construct(&empty, "r", false)); });
-    expectError(11, [&] { EXPECT_FALSE(file.Construct("", "r")); });
-    expectError(11, [&] { EXPECT_FALSE(file.Construct(path.c_str(), "no mode")); });
+    const char* none = nullptr;
+    failures.expect(7, {file.Construct(none, "r"), file.Construct(path.c_str(), none),
+                        file.Construct(&bare, "r", false)});
+    failures.expect(11, {file.Construct(&empty, "r", false), file.Construct("", "r"),
+                         file.Construct(path.c_str(), "no mode")});
     char c;
-    expectError(8, [&] { EXPECT_EQ(file.Read(&c, 1, 1), 0u); });
-    expectError(8, [&] { EXPECT_EQ(file.Write(&c, 1, 1), 0u); });
-    expectError(8, [&] { EXPECT_EQ(file.Seek(0, SEEK_SET), -1); });
-    expectError(8, [&] { EXPECT_EQ(file.Tell(), -1); });
-    expectError(8, [&] { EXPECT_EQ(file.Eof(), -1); });
-    expectError(8, [&] { EXPECT_EQ(file.Error(), -1); });
-    expectError(8, [&] { EXPECT_EQ(file.GetFilePointer(), nullptr); });
-    expectError(8, [&] { EXPECT_EQ(file.GetFileDescriptor(), -1); });
-    expectError(8, [&] { EXPECT_FALSE(file.Close()); });
+    failures.expect(8, {file.Read(&c, 1, 1), file.Write(&c, 1, 1)});
+    failures.expect<long>(
+        8,
+        {file.Seek(0, SEEK_SET), file.Tell(), file.Eof(), file.Error(), file.GetFileDescriptor()},
+        -1);
+    failures.expect<FILE*>(8, {file.GetFilePointer()});
+    failures.expect(8, {file.Close()});
     EXPECT_TRUE(file.Construct(path.c_str(), "w"));
 }
 
@@ -137,7 +130,7 @@ TEST_F(FileTest, UnwrittenDataIsAFailedClose) {
     File file;
     ASSERT_TRUE(file.Construct("/dev/full", "w"));
     EXPECT_EQ(file.Write("x", 1, 1), 1u);
-    expectError(1, [&] { EXPECT_FALSE(file.Close()); });
+    failures.expect(1, {file.Close()});
 }
 
 TEST_F(FileTest, UnsyncedDataIsAFailedClose) {
@@ -146,7 +139,7 @@ TEST_F(FileTest, UnsyncedDataIsAFailedClose) {
         ASSERT_TRUE(file.Construct(path.c_str(), "w"));
         syncError = error;
         if (fails) {
-            expectError(1, [&] { EXPECT_FALSE(file.Close()); });
+            failures.expect(1, {file.Close()});
         } else {
             EXPECT_TRUE(file.Close()) << "pipes cannot be synced";
         }
@@ -170,10 +163,10 @@ TEST_F(FileTest, PathOperationsTakeBothKindsOfText) {
     });
 
     const char* none = nullptr;
-    expectError(7, [&] { EXPECT_EQ(File::IsAccessible(none, R_OK), -1); });
-    expectError(7, [&] { EXPECT_EQ(File::Unlink(none), -1); });
-    expectError(7, [&] { EXPECT_EQ(File::Rename(none, "abc"), -1); });
-    expectError(7, [&] { EXPECT_EQ(File::Rename(&from, &bare), -1); });
+    failures.expect(7,
+                    {File::IsAccessible(none, R_OK), File::Unlink(none), File::Rename(none, "abc"),
+                     File::Rename(&from, &bare)},
+                    -1);
 }
 
 TEST_F(FileTest, LogsWhichPathOperationHadNoPath) {

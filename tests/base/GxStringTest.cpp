@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <climits>
 #include <clocale>
 #include <cstring>
@@ -9,6 +10,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "base/Error.h"
@@ -19,14 +21,12 @@ namespace GxFontEffect {
 namespace {
 
 using gxtest::expectSilence;
+using gxtest::Failures;
 
+constexpr const char* kTag = "GxString";
 constexpr const wchar_t* kNoWide = nullptr;
 constexpr const char* kNoNarrow = nullptr;
 constexpr const GxString* kNoString = nullptr;
-
-void expectError(int code, const std::function<void()>& operation) {
-    gxtest::expectNativeError("GxString", code, operation);
-}
 
 // A constructed string, to be used in one expression or kept.
 class Text {
@@ -59,34 +59,17 @@ TEST(GxString, EveryOperationNeedsConstruct) {
     char buffer[4];
     wchar_t c;
     Text other(L"x");
-    const std::vector<std::function<void()>> operations = {
-        [&] { EXPECT_FALSE(s.Set(L"a")); },
-        [&] { EXPECT_FALSE(s.Set("a")); },
-        [&] { EXPECT_FALSE(s.Set(L"a", 1)); },
-        [&] { EXPECT_FALSE(s.Set(other.get())); },
-        [&] { EXPECT_FALSE(s.Clear()); },
-        [&] { EXPECT_EQ(s.GetLength(), -1); },
-        [&] { EXPECT_EQ(s.GetPointer(), nullptr); },
-        [&] { EXPECT_FALSE(s.GetChar(0, &c)); },
-        [&] { EXPECT_FALSE(s.Append(L"a")); },
-        [&] { EXPECT_FALSE(s.Append("a")); },
-        [&] { EXPECT_FALSE(s.Append(kNoString)); },
-        [&] { EXPECT_FALSE(s.Insert(L"a", 0)); },
-        [&] { EXPECT_FALSE(s.Remove(0, 0)); },
-        [&] { EXPECT_FALSE(s.SetSubstring(other.get(), 0, 0)); },
-        [&] { EXPECT_EQ(s.CompareTo(other.get()), -1); },
-        [&] { EXPECT_EQ(s.CompareTo("a"), -1); },
-        [&] { EXPECT_EQ(s.CompareTo("a", 1), -1); },
-        [&] { EXPECT_EQ(s.Find(L"a"), -1); },
-        [&] { EXPECT_EQ(s.Find("a"), -1); },
-        [&] { EXPECT_EQ(s.ReverseFind(L"a"), -1); },
-        [&] { EXPECT_EQ(s.ReverseFind("a"), -1); },
-        [&] { EXPECT_EQ(s.GetUTF8Size(), -1); },
-        [&] { EXPECT_FALSE(s.GetUTF8(buffer, 4)); },
-        [&] { EXPECT_EQ(s.GetUTF16Size(), -1); },
-        [&] { EXPECT_EQ(s.GetUTF16(), nullptr); },
-    };
-    for (const auto& operation : operations) expectError(8, operation);
+    Failures failures(kTag);
+    failures.expect(
+        8, {s.Set(L"a"), s.Set("a"), s.Set(L"a", 1), s.Set(other.get()), s.Clear(),
+            s.GetChar(0, &c), s.Append(L"a"), s.Append("a"), s.Append(kNoString), s.Insert(L"a", 0),
+            s.Remove(0, 0), s.SetSubstring(other.get(), 0, 0), s.GetUTF8(buffer, 4)});
+    failures.expect(8,
+                    {s.GetLength(), s.CompareTo(other.get()), s.CompareTo("a"), s.CompareTo("a", 1),
+                     s.Find(L"a"), s.Find("a"), s.ReverseFind(L"a"), s.ReverseFind("a"),
+                     s.GetUTF8Size(), s.GetUTF16Size()},
+                    -1);
+    failures.expect<const void*>(8, {s.GetPointer(), s.GetUTF16()});
 }
 
 TEST(GxString, ConstructsFromEverySource) {
@@ -114,15 +97,12 @@ TEST(GxString, ConstructsFromEverySource) {
 
 TEST(GxString, ConstructFailsTwiceAndWithoutASource) {
     Text built(L"a");
-    expectError(4, [&] { EXPECT_FALSE(built->Construct()); });
     GxString s, unconstructed;
-    expectError(7, [&] { EXPECT_FALSE(s.Construct(kNoWide)); });
-    expectError(7, [&] { EXPECT_FALSE(s.Construct(kNoNarrow)); });
-    expectError(7, [&] { EXPECT_FALSE(s.Construct(kNoString)); });
-    expectError(7, [&] { EXPECT_FALSE(s.Construct(&unconstructed)); });
-    expectError(7, [&] { EXPECT_FALSE(s.Construct(kNoWide, 3)); });
-    expectError(7, [&] { EXPECT_FALSE(s.Construct(kNoString, 3)); });
-    expectError(7, [&] { EXPECT_FALSE(s.Construct(L"abc", -1)); });
+    Failures failures(kTag);
+    failures.expect(4, {built->Construct()});
+    failures.expect(7, {s.Construct(kNoWide), s.Construct(kNoNarrow), s.Construct(kNoString),
+                        s.Construct(&unconstructed), s.Construct(kNoWide, 3),
+                        s.Construct(kNoString, 3), s.Construct(L"abc", -1)});
     EXPECT_TRUE(s.Construct("now it works"));
 }
 
@@ -149,7 +129,7 @@ TEST(GxString, SetsClearsAndMeasuresNoTextAsEmpty) {
         EXPECT_TRUE(s->Clear());
         EXPECT_EQ(s->GetPointer(), nullptr);
     });
-    expectError(3, [&] { EXPECT_FALSE(s->Remove(0, 0)); });
+    Failures(kTag).expect(3, {s->Remove(0, 0)});
 }
 
 TEST(GxString, AppendsAlsoItself) {
@@ -176,10 +156,9 @@ TEST(GxString, InsertsInsideTheText) {
         EXPECT_TRUE(s->Insert(s.get(), 1));
         EXPECT_TRUE(s->Insert(kNoWide, -5));
     });
-    EXPECT_EQ(s.wide(), L"aabcdebcde");
-    expectError(3, [&] { EXPECT_FALSE(s->Insert(L"x", -1)); });
-    expectError(3, [&] { EXPECT_FALSE(s->Insert(L"x", 11)); });
-    expectError(7, [&] { EXPECT_FALSE(s->Insert(L"", 0)); });
+    Failures failures(kTag);
+    failures.expect(3, {s->Insert(L"x", -1), s->Insert(L"x", 11)});
+    failures.expect(7, {s->Insert(L"", 0)});
     EXPECT_EQ(s.wide(), L"aabcdebcde");
 }
 
@@ -191,36 +170,28 @@ TEST(GxString, RemovesInPlace) {
     EXPECT_TRUE(s->Remove(3, 1));
     EXPECT_EQ(s.wide(), L"ade");
     EXPECT_TRUE(s->Remove(1, 0));
-    expectError(3, [&] { EXPECT_FALSE(s->Remove(-1, 1)); });
-    expectError(3, [&] { EXPECT_FALSE(s->Remove(3, 0)); });
-    expectError(7, [&] { EXPECT_FALSE(s->Remove(1, 3)); });
-    expectError(7, [&] { EXPECT_FALSE(s->Remove(1, INT_MAX)); });
-    expectError(7, [&] { EXPECT_FALSE(s->Remove(1, -1)); });
+    Failures failures(kTag);
+    failures.expect(3, {s->Remove(-1, 1), s->Remove(3, 0)});
+    failures.expect(7, {s->Remove(1, 3), s->Remove(1, INT_MAX), s->Remove(1, -1)});
     EXPECT_TRUE(s->Remove(0, 3));
     EXPECT_EQ(s.wide(), L"");
     EXPECT_EQ(s->GetPointer(), buffer);
 }
 
 TEST(GxString, TakesSubstringsInclusively) {
-    Text source(L"abcdef");
-    Text s(L"old");
+    Text source(L"abcdef"), s(L"old");
     GxString unconstructed;
-    EXPECT_TRUE(s->SetSubstring(source.get(), 1, 3));
-    EXPECT_EQ(s.wide(), L"bcd");
-    EXPECT_TRUE(s->SetSubstring(s.get(), 2, 2));
-    EXPECT_EQ(s.wide(), L"d");
-    EXPECT_TRUE(s->SetSubstring(source.get(), 3, 2));
-    EXPECT_EQ(s.wide(), L"");
-    EXPECT_TRUE(s->SetSubstring(source.get(), 4, 6));
-    EXPECT_EQ(s.wide(), L"ef");
-    expectError(7, [&] { EXPECT_FALSE(s->SetSubstring(nullptr, 0, 0)); });
-    expectError(7, [&] { EXPECT_FALSE(s->SetSubstring(&unconstructed, 0, 0)); });
-    for (auto [start, end] : {std::pair{-1, 2}, {0, 7}, {3, 1}, {INT_MIN, INT_MAX}, {INT_MAX, 0}}) {
-        expectError(7, [&, start = start, end = end] {
-            EXPECT_FALSE(s->SetSubstring(source.get(), start, end));
-        });
+    for (const auto& [start, end, part] :
+         {std::tuple{1, 3, L"bcd"}, {3, 2, L""}, {2, 2, L"c"}, {4, 6, L"ef"}}) {
+        EXPECT_TRUE(s->SetSubstring(source.get(), start, end));
+        EXPECT_EQ(s.wide(), part);
     }
-    EXPECT_EQ(s.wide(), L"ef");
+    EXPECT_TRUE(s->SetSubstring(s.get(), 1, 1));
+    const auto from = [&](int start, int end) { return s->SetSubstring(source.get(), start, end); };
+    Failures(kTag).expect(
+        7, {s->SetSubstring(nullptr, 0, 0), s->SetSubstring(&unconstructed, 0, 0), from(-1, 2),
+            from(0, 7), from(3, 1), from(INT_MIN, INT_MAX), from(INT_MAX, 0)});
+    EXPECT_EQ(s.wide(), L"f");
 }
 
 TEST(GxString, ReadsCharacters) {
@@ -228,28 +199,22 @@ TEST(GxString, ReadsCharacters) {
     wchar_t c = 0;
     EXPECT_TRUE(s->GetChar(1, &c));
     EXPECT_EQ(c, L'\U0001F600');
-    expectError(3, [&] { EXPECT_FALSE(s->GetChar(2, &c)); });
-    expectError(3, [&] { EXPECT_FALSE(s->GetChar(-1, &c)); });
-    expectError(7, [&] { EXPECT_FALSE(s->GetChar(0, nullptr)); });
+    Failures failures(kTag);
+    failures.expect(3, {s->GetChar(2, &c), s->GetChar(-1, &c)});
+    failures.expect(7, {s->GetChar(0, nullptr)});
 }
 
 TEST(GxString, ComparesLengthBeforeContent) {
-    struct Case {
-        const wchar_t* a;
-        const wchar_t* b;
-        const char* narrow;
-        int sign;
-    };
-    for (const Case& c : std::vector<Case>{{L"ab", L"b", "b", 1},
-                                           {L"b", L"ab", "ab", -1},
-                                           {L"ab", L"ac", "ac", -1},
-                                           {L"zz", L"za", "za", 1},
-                                           {L"same", L"same", "same", 0},
-                                           {L"", L"", "", 0}}) {
-        Text a(c.a), b(c.b);
-        const auto sign = [](int v) { return (v > 0) - (v < 0); };
-        EXPECT_EQ(sign(a->CompareTo(b.get())), c.sign) << c.narrow;
-        EXPECT_EQ(sign(a->CompareTo(c.narrow)), c.sign) << c.narrow;
+    for (const auto& [a, b, sign] : {std::tuple{"ab", "b", 1},
+                                     {"b", "ab", -1},
+                                     {"ab", "ac", -1},
+                                     {"zz", "za", 1},
+                                     {"same", "same", 0},
+                                     {"", "", 0}}) {
+        GxString left, right;
+        EXPECT_TRUE(left.Construct(a) && right.Construct(b));
+        EXPECT_EQ(std::clamp(left.CompareTo(&right), -1, 1), sign) << a << " " << b;
+        EXPECT_EQ(std::clamp(left.CompareTo(b), -1, 1), sign) << a << " " << b;
     }
 }
 
@@ -262,47 +227,39 @@ TEST(GxString, ComparesNarrowTextByItsBytesAndByCount) {
     EXPECT_LT(s->CompareTo("abxy", 3), 0);
     EXPECT_EQ(s->CompareTo("zzz", 0), 0);
     EXPECT_GT(s->CompareTo("abc", 10), 0);
-    expectError(7, [&] { EXPECT_EQ(s->CompareTo("a", -1), -1); });
-    expectError(7, [&] { EXPECT_EQ(s->CompareTo(kNoNarrow), -1); });
-    expectError(7, [&] { EXPECT_EQ(s->CompareTo(kNoNarrow, 1), -1); });
-    expectError(7, [&] { EXPECT_EQ(s->CompareTo(kNoString), -1); });
+    Failures(kTag).expect(7,
+                          {s->CompareTo("a", -1), s->CompareTo(kNoNarrow),
+                           s->CompareTo(kNoNarrow, 1), s->CompareTo(kNoString)},
+                          -1);
 }
 
 TEST(GxString, FindLeavesOutTheLastPosition) {
-    struct Case {
-        const wchar_t* text;
-        const char* pattern;
-        int first;
-        int last;
-    };
-    const std::vector<Case> cases = {
-        {L"abc", "abc", -1, 0},
-        {L"abc", "c", -1, 2},
-        {L"abc", "b", 1, 1},
-        {L"abc", "a", 0, 0},
-        {L"abab", "ab", 0, 2},
-        {L"xab", "ab", -1, 1},
-        {L"abc", "abcd", -1, -1},
-        {L"aaaa", "aa", 0, 2},
-        {L"x", "x", -1, 0},
-        {L"", "", -1, 0},
-        {L"ab", "", 0, 2},
-        {L"", "a", -1, -1},
-        {L"a-\u00e9-b", "\xC3\xA9", 2, 2},
-    };
-    for (const Case& c : cases) {
-        Text s(c.text), pattern(L"");
-        ASSERT_TRUE(pattern->Set(c.pattern));
-        EXPECT_EQ(s->Find(c.pattern), c.first) << c.pattern;
-        EXPECT_EQ(s->Find(pattern->GetPointer()), c.first) << c.pattern;
-        EXPECT_EQ(s->ReverseFind(c.pattern), c.last) << c.pattern;
-        EXPECT_EQ(s->ReverseFind(pattern->GetPointer()), c.last) << c.pattern;
+    for (const auto& [text, pattern, first, last] : {std::tuple{"abc", "abc", -1, 0},
+                                                     {"abc", "c", -1, 2},
+                                                     {"abc", "b", 1, 1},
+                                                     {"abab", "ab", 0, 2},
+                                                     {"xab", "ab", -1, 1},
+                                                     {"abc", "abcd", -1, -1},
+                                                     {"aaaa", "aa", 0, 2},
+                                                     {"x", "x", -1, 0},
+                                                     {"", "", -1, 0},
+                                                     {"ab", "", 0, 2},
+                                                     {"", "a", -1, -1},
+                                                     {"a-\xC3\xA9-b", "\xC3\xA9", 2, 2}}) {
+        GxString s, wide;
+        ASSERT_TRUE(s.Construct(text) && wide.Construct(pattern));
+        for (const int found : {s.Find(pattern), s.Find(wide.GetPointer())}) {
+            EXPECT_EQ(found, first) << pattern;
+        }
+        for (const int found : {s.ReverseFind(pattern), s.ReverseFind(wide.GetPointer())}) {
+            EXPECT_EQ(found, last) << pattern;
+        }
     }
     Text s(L"abc");
-    expectError(7, [&] { EXPECT_EQ(s->Find(kNoWide), -1); });
-    expectError(7, [&] { EXPECT_EQ(s->Find(kNoNarrow), -1); });
-    expectError(7, [&] { EXPECT_EQ(s->ReverseFind(kNoWide), -1); });
-    expectError(7, [&] { EXPECT_EQ(s->ReverseFind(kNoNarrow), -1); });
+    Failures(kTag).expect(
+        7,
+        {s->Find(kNoWide), s->Find(kNoNarrow), s->ReverseFind(kNoWide), s->ReverseFind(kNoNarrow)},
+        -1);
 }
 
 TEST(GxString, ConvertsToUtf8WithinTheGivenRoom) {
@@ -322,9 +279,8 @@ TEST(GxString, ConvertsToUtf8WithinTheGivenRoom) {
         EXPECT_EQ(buffer[size - 1], '\0');
         EXPECT_EQ(buffer[size], '#');
     }
-    expectError(7, [&] { EXPECT_FALSE(s->GetUTF8(nullptr, 8)); });
-    expectError(7, [&] { EXPECT_FALSE(s->GetUTF8(buffer, -1)); });
-    expectError(7, [&] { EXPECT_FALSE(s->GetUTF8(buffer, 0)); });
+    Failures(kTag).expect(7,
+                          {s->GetUTF8(nullptr, 8), s->GetUTF8(buffer, -1), s->GetUTF8(buffer, 0)});
 }
 
 TEST(GxString, OddCodePointsInUtf8AndUtf16) {
@@ -425,7 +381,7 @@ TEST(GxString, CountedTextHoldsEveryCharacter) {
         EXPECT_TRUE(s->Set(L"\xFFFF"));
         EXPECT_EQ(utf16(*s.get()), (std::vector<uint16_t>{0xDBFF, 0xDFFF, 0})) << "no longer";
     });
-    expectError(7, [&] { EXPECT_FALSE(s->Set(wide.data(), -1)); });
+    Failures(kTag).expect(7, {s->Set(wide.data(), -1)});
 }
 
 TEST(GxString, SurvivesEveryFailedAllocation) {

@@ -51,29 +51,20 @@ protected:
 
 TEST_F(ListTest, EveryOperationNeedsConstruct) {
     List bare;
-    const std::vector<std::function<void()>> operations = {
-        [&] { EXPECT_FALSE(bare.Add(A)); },
-        [&] { EXPECT_FALSE(bare.Add(&list)); },
-        [&] { EXPECT_FALSE(bare.Insert(A, 0)); },
-        [&] { EXPECT_FALSE(bare.Remove(A)); },
-        [&] { EXPECT_FALSE(bare.Remove(0)); },
-        [&] { EXPECT_FALSE(bare.Remove(0, 1)); },
-        [&] { EXPECT_FALSE(bare.RemoveAll()); },
-        [&] { EXPECT_EQ(bare.GetCount(), -1); },
-        [&] { EXPECT_EQ(bare.Get(0), nullptr); },
-        [&] { EXPECT_EQ(bare.GetIndex(A), -1); },
-        [&] { EXPECT_FALSE(bare.IsContained(A)); },
-        [&] { EXPECT_FALSE(bare.IsContained(&list)); },
-        [&] { EXPECT_EQ(bare.BeginTraversal(), -1); },
-        [&] { EXPECT_EQ(bare.GetData(1), nullptr); },
-        [&] { EXPECT_FALSE(bare.NextData(1)); },
-        [&] { EXPECT_FALSE(bare.PrevData(1)); },
-        [&] { EXPECT_FALSE(bare.MoveFirst(1)); },
-        [&] { EXPECT_FALSE(bare.MoveLast(1)); },
-        [&] { EXPECT_FALSE(bare.Move(1, 0)); },
-        [&] { EXPECT_FALSE(bare.EndTraversal(1)); },
-    };
-    for (const auto& operation : operations) expectError(8, operation);
+    expectError(8, [&] {
+        EXPECT_FALSE(bare.Add(A) || bare.Add(&list) || bare.Insert(A, 0) || bare.Remove(A) ||
+                     bare.Remove(0) || bare.Remove(0, 1) || bare.RemoveAll() ||
+                     bare.IsContained(A) || bare.IsContained(&list) || bare.NextData(1) ||
+                     bare.PrevData(1) || bare.MoveFirst(1) || bare.MoveLast(1) || bare.Move(1, 0));
+    });
+    for (const auto& operation : std::vector<std::function<void()>>{
+             [&] { EXPECT_EQ(bare.GetCount(), -1); }, [&] { EXPECT_EQ(bare.Get(0), nullptr); },
+             [&] { EXPECT_EQ(bare.GetIndex(A), -1); },
+             [&] { EXPECT_EQ(bare.BeginTraversal(), -1); },
+             [&] { EXPECT_EQ(bare.GetData(1), nullptr); },
+             [&] { EXPECT_FALSE(bare.EndTraversal(1)); }}) {
+        expectError(8, operation);
+    }
 }
 
 TEST_F(ListTest, ConstructsFromListsAndArrays) {
