@@ -1,7 +1,8 @@
 # Builds a user's project, runs its program, and checks that the program needs no library matching FORBIDDEN and, with
 # NEEDED, one that matches that.
 #   cmake -DCOMPONENT=... -DBUILD=... -DCOMPILER=... [-DPREFIX=installed tree -DVERSION=... [-DPKG_CONFIG=program]
-#       -DPKG_CONFIG_FOLDER=...] [-DGXTEXT_SOURCE_DIR=...] [-DFORBIDDEN=regex] [-DNEEDED=regex] [-DEXTRA=-D...] -P build.cmake
+#       -DPKG_CONFIG_FOLDER=...] [-DGXTEXT_SOURCE_DIR=...] [-DFORBIDDEN=regex] [-DNEEDED=regex] [-DEXTRA=-D...]
+#       [-DKEEP=ON: goes on in the tree that BUILD is] -P build.cmake
 function(run)
     execute_process(COMMAND ${ARGN} RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
     if(NOT result EQUAL 0)
@@ -19,7 +20,9 @@ function(flags out)
     set(${out} "${output}" PARENT_SCOPE)
 endfunction()
 
-file(REMOVE_RECURSE "${BUILD}")
+if(NOT KEEP)
+    file(REMOVE_RECURSE "${BUILD}")
+endif()
 if(PKG_CONFIG)
     flags(cflags --cflags)
     flags(libs --libs)
