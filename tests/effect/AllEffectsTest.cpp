@@ -10,7 +10,6 @@
 #include <string>
 #include <vector>
 
-#include "effect/GxEffect.h"
 #include "effect/filters/FilterTesting.h"
 #include "support/AllocationFailure.h"
 
@@ -34,18 +33,9 @@ std::vector<uint8_t> ringMask() {
 }
 
 GxBitmap render(GxEffect& stack) {
-    static std::vector<uint8_t> pixels = ringMask();
-    GxGlyph glyph;
-    glyph.pixels = pixels.data();
-    glyph.width = glyph.height = kSize;
+    static const GxBitmap mask(kSize, kSize, ringMask().data(), 1);
     const uint32_t extent = kSize + 2 * kMargin;
-    GxBitmap output(extent, extent, 4);
-    stack.initEffect(extent, extent);
-    stack.setDstBitmap(&output);
-    stack.renderEffectLayer(kMargin, kMargin, &glyph);
-    stack.doEffectPostProcessing();
-    stack.compositeLayers(&output);
-    return output;
+    return gxtest::renderStack(stack, extent, extent, kMargin, kMargin, mask);
 }
 
 int coverageAt(size_t pixel) {

@@ -220,16 +220,6 @@ TEST_F(GxEffectStack, RepeatsAreEffectsOfTheirOwn) {
     EXPECT_EQ(GxEffect(stack).findEffect(40)->getId(), 40);
 }
 
-TEST_F(GxEffectStack, TargetsInSingleLayerMode) {
-    for (int style : {1, 2, 3, 4, 5, 7, 8, 10, 11, 12}) add(style);
-    render();
-    ASSERT_EQ(calls.size(), 10u);
-    for (const Call& call : calls) {
-        EXPECT_EQ(call.dst, &output) << call.style;
-        EXPECT_EQ(call.other, nullptr) << call.style;
-    }
-}
-
 TEST_F(GxEffectStack, TargetsInTwoLayerMode) {
     struct Case {
         int style, detail;
@@ -325,18 +315,6 @@ TEST_F(GxEffectStack, TheWidestEffectDecidesEachMargin) {
     EXPECT_EQ(stack.getTopOffset(), 9);
     EXPECT_EQ(stack.getRightOffset(), 4);
     EXPECT_EQ(stack.getBottomOffset(), 0);
-}
-
-TEST_F(GxEffectStack, KeyConcatenatesInOrderOfAddition) {
-    const GxGradient stop{0xFF000000, 1, 0.5f};
-    stack.addStrokeText(2, 0xFFFFFFFF, 1, 0, 1);
-    stack.addOuterGlowText(3, 0xFFFFFFFF, 1, 1, &stop);
-    stack.addText(0xFF000000);
-    const std::unique_ptr<char[]> key(stack.getMapKey());
-    EXPECT_STREQ(key.get(),
-                 "K\x82\x8F\x8F\x8F\x8F\x8F\x8F\x8F\x8F\x80\x81"
-                 "G\x83\x8F\x8F\x8F\x8F\x8F\x8F\x8F\x8F\x8F\x8F\x80\x80\x80\x80\x80\x80\xB2"
-                 "T\x8F\x8F\x80\x80\x80\x80\x80\x80");
 }
 
 TEST_F(GxEffectStack, SilhouettesShowInMarginsAndKeys) {

@@ -12,14 +12,15 @@
 #include <string>
 #include <vector>
 
+#include "effect/filters/FilterTesting.h"
 #include "effect/filters/GxText.h"
 #include "support/LogCapture.h"
-#include "support/Random.h"
 
 namespace GxFontEffect {
 namespace {
 
 using gxtest::LogCapture;
+using gxtest::renderStack;
 using Pixel = std::array<int, 4>;  // R, G, B, A
 
 Pixel pixelAt(const GxBitmap& bitmap, int x, int y) {
@@ -27,29 +28,9 @@ Pixel pixelAt(const GxBitmap& bitmap, int x, int y) {
     return {p[0], p[1], p[2], p[3]};
 }
 
-// A mask from a picture: one character per pixel, ' ' 0, '#' 255, digits 0-9 in steps of 28.
-struct Mask {
-    explicit Mask(const std::vector<std::string>& rows) {
-        glyph.width = static_cast<uint16_t>(rows[0].size());
-        glyph.height = static_cast<uint16_t>(rows.size());
-        for (const std::string& row : rows) {
-            for (char c : row) pixels.push_back(c == '#' ? 255 : c == ' ' ? 0 : (c - '0') * 28);
-        }
-        glyph.pixels = pixels.data();
-    }
-    std::vector<uint8_t> pixels;
-    GxGlyph glyph;
-};
-
-// All steps of one render of `mask` at (x, y).
-GxBitmap render(GxEffect& stack, uint32_t width, uint32_t height, int x, int y, const Mask& mask) {
-    GxBitmap output(width, height, 4);
-    stack.initEffect(width, height);
-    stack.setDstBitmap(&output);
-    stack.renderEffectLayer(x, y, &mask.glyph);
-    stack.doEffectPostProcessing();
-    stack.compositeLayers(&output);
-    return output;
+// A mask from a picture.
+GxBitmap maskOf(const std::vector<std::string>& rows) {
+    return gxtest::Scene(rows).mask;
 }
 
 std::string keyOf(GxEffect& stack) {
@@ -191,7 +172,7 @@ TEST(GxEffect, ReleasingACoreTakesItOutOfTheStack) {
 TEST(GxEffect, PlainFillIsStraightAlpha) {
     GxEffect stack;
     stack.addText(0xFF4080C0);
-    const GxBitmap output = render(stack, 5, 3, 1, 1, Mask({"#9 4"}));
+    const GxBitmap output = renderStack(stack, 5, 3, 1, 1, maskOf({"#9 4"}));
     EXPECT_EQ(pixelAt(output, 1, 1), (Pixel{0x40, 0x80, 0xC0, 255}));
     // m = 112: alpha 256 x 112 >> 8 = 112; R: 65 x 112 >> 8 = 28, straight again
     // 28 x 256 / 112 = 64.
@@ -206,7 +187,7 @@ TEST(GxEffect, TwoLayerFillGetsItsEdgeFromTheMix) {
     stack.addText(0xFF4080C0);
     stack.setTextOpacity(
         0.5f);  // the caller's addText decides the fill, the mode follows the opacity
-    const GxBitmap output = render(stack, 3, 1, 0, 0, Mask({"#4 "}));
+    const GxBitmap output = renderStack(stack, 3, 1, 0, 0, maskOf({"#4 "}));
     EXPECT_EQ(pixelAt(output, 0, 0), (Pixel{0x40, 0x80, 0xC0, 255}));
     // Layer (40, 80, C0, FF) mixed with weight 112 over nothing: R 65 x 112 >> 8 = 28, A 112.
     EXPECT_EQ(pixelAt(output, 1, 0), (Pixel{64, 128, 192, 112}));
@@ -217,10 +198,11 @@ TEST(GxEffect, GlyphsUniteAndTheRectangleGrows) {
     GxEffect stack;
     stack.addText(0xFF000000);
     stack.initEffect(10, 10);
-    const Mask first({"#9"}), second({"9#"});
-    stack.renderEffectLayer(4, 4, &first.glyph);
-    stack.renderEffectLayer(4, 4, &second.glyph);
-    stack.renderEffectLayer(-3, 7, &first.glyph);
+    const GxBitmap masks[] = {maskOf({"#9"}), maskOf({"9#"})};
+    const GxGlyph first = gxtest::glyphOf(masks[0]), second = gxtest::glyphOf(masks[1]);
+    stack.renderEffectLayer(4, 4, &first);
+    stack.renderEffectLayer(4, 4, &second);
+    stack.renderEffectLayer(-3, 7, &first);
     EXPECT_EQ(stack.getSrcBitmap()->data[44], 255);
     EXPECT_EQ(stack.getSrcBitmap()->data[45], 255);
     const GxRect* box = stack.getTextRect();
@@ -230,7 +212,7 @@ TEST(GxEffect, GlyphsUniteAndTheRectangleGrows) {
     EXPECT_EQ(box->left, 0) << "clamped to the mask";
     // The next render starts a fresh rectangle.
     stack.initEffect(10, 10);
-    stack.renderEffectLayer(8, 8, &first.glyph);
+    stack.renderEffectLayer(8, 8, &first);
     EXPECT_EQ(box->left, 8);
 }
 
@@ -238,7 +220,7 @@ TEST(GxEffect, NothingIsPaintedWithoutGlyphsInside) {
     GxEffect stack;
     stack.addText(0xFF000000);
     for (const auto& [x, y] : {std::pair{20, 0}, {-9, 0}, {0, INT32_MIN}, {INT32_MAX, INT32_MAX}}) {
-        const GxBitmap output = render(stack, 8, 4, x, y, Mask({"##"}));
+        const GxBitmap output = renderStack(stack, 8, 4, x, y, maskOf({"##"}));
         EXPECT_EQ(std::count(output.data, output.data + 128, 0), 128) << x;
     }
     GxBitmap output(8, 4, 4);
@@ -285,21 +267,22 @@ TEST(GxEffect, WithoutATextColourAlphaIsFull) {
 TEST(GxEffect, StepsOutOfOrderDoNothing) {
     GxEffect stack;
     stack.addText(0xFFFFFFFF);
-    const Mask mask({"#"});
+    const GxBitmap mask = maskOf({"#"});
+    const GxGlyph glyph = gxtest::glyphOf(mask);
     GxBitmap output(3, 3, 4);
-    stack.renderEffectLayer(0, 0, &mask.glyph);
+    stack.renderEffectLayer(0, 0, &glyph);
     stack.doEffectPostProcessing();
     stack.compositeLayers(nullptr);
     stack.compositeLayers(&output);
     stack.initEffect(3, 3);
-    stack.renderEffectLayer(0, 0, &mask.glyph);
+    stack.renderEffectLayer(0, 0, &glyph);
     stack.doEffectPostProcessing();  // no destination
     stack.compositeLayers(&output);
     EXPECT_EQ(std::count(output.data, output.data + 36, 0), 36);
     const auto renderInto = [&](GxBitmap* destination, uint32_t stackSize) {
         stack.initEffect(stackSize, stackSize);
         stack.setDstBitmap(destination);
-        stack.renderEffectLayer(0, 0, &mask.glyph);
+        stack.renderEffectLayer(0, 0, &glyph);
         stack.doEffectPostProcessing();
         stack.compositeLayers(destination);
     };

@@ -20,17 +20,6 @@ Table rampOf(const std::vector<GxGradient>& stops, int curve = 0, float first = 
     return table;
 }
 
-TEST(ColorRamp, TwoStopsMixByTheIndex) {
-    const Table table = rampOf({{0xFF000000, 1, 0}, {0x00FF8001, 1, 1}});
-    EXPECT_EQ(table[0], 0xFF000000u);
-    EXPECT_EQ(table[256], 0x00FF8001u);
-    for (uint32_t i = 1; i < 256; ++i) {
-        const uint32_t expected = (0xFF * (256 - i) >> 8) << 24 | (0xFF * i >> 8) << 16 |
-                                  (0x80 * i >> 8) << 8 | (1 * i >> 8);
-        ASSERT_EQ(table[i], expected) << i;
-    }
-}
-
 TEST(ColorRamp, CountsBelowTwo) {
     EXPECT_EQ(rampOf({})[128], 0xDEADBEEFu);
     const Table one = rampOf({{0x12345678, 1, 0.7f}});

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "effect/GxECore.h"
+#include "effect/GxEffect.h"
 #include "raster/GxBitmap.h"
 #include "raster/GxBlender.h"
 #include "support/Random.h"
@@ -129,6 +130,29 @@ void paintWith(Scene& scene, const Record& record, uint32_t mode = 0, bool both 
     core.setProperty(&record);
     auto param = scene.param(mode, both);
     core.doPostProcessing(&param);
+}
+
+// A mask as glyphs come; it borrows the pixels.
+inline GxFontEffect::GxGlyph glyphOf(const GxFontEffect::GxBitmap& mask) {
+    GxFontEffect::GxGlyph glyph;
+    glyph.pixels = mask.data;
+    glyph.width = static_cast<uint16_t>(mask.width);
+    glyph.height = static_cast<uint16_t>(mask.height);
+    return glyph;
+}
+
+// All steps of one render of `mask` at (x, y).
+inline GxFontEffect::GxBitmap renderStack(GxFontEffect::GxEffect& stack, uint32_t width,
+                                          uint32_t height, int x, int y,
+                                          const GxFontEffect::GxBitmap& mask) {
+    GxFontEffect::GxBitmap output(width, height, 4);
+    const GxFontEffect::GxGlyph glyph = glyphOf(mask);
+    stack.initEffect(width, height);
+    stack.setDstBitmap(&output);
+    stack.renderEffectLayer(x, y, &glyph);
+    stack.doEffectPostProcessing();
+    stack.compositeLayers(&output);
+    return output;
 }
 
 // The first differing byte of two bitmaps of one size, or "".

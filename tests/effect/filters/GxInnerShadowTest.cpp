@@ -18,11 +18,6 @@ GxInnerShadowProperty recordOf(float angle, float distance, float size,
     return {angle, distance, size, color, 0.3f};
 }
 
-// Shade of a pixel: with a white tint on an empty layer all four channels hold it.
-int shadeAt(const Scene& scene, int x, int y) {
-    return static_cast<int>(scene.pixel(x, y) >> 24);
-}
-
 TEST(GxInnerShadow, WeightsAndMargin) {
     std::vector<int> weights(6);
     int sum = 0;
@@ -42,21 +37,6 @@ TEST(GxInnerShadow, ReducesTheAngle) {
     GxInnerShadow core;
     core.setProperty(&record);
     EXPECT_EQ(dynamic_cast<GxInnerShadowProperty&>(*core.getProperty()).angle, -5.0f);
-}
-
-TEST(GxInnerShadow, ExposedBandsAreWhole) {
-    // Blur 1, shift 3 down: rows 0 and 1 see nothing but background, glyph or not.
-    Scene scene({"  ####", "  ####", "  ####", "  ####", "  ####", "  ####"});
-    paintWith<GxInnerShadow>(scene, recordOf(90, 3, 1));
-    for (int x : {0, 1, 3, 5}) {
-        EXPECT_EQ(shadeAt(scene, x, 0), 255) << x;
-        EXPECT_EQ(shadeAt(scene, x, 1), 255) << x;
-        EXPECT_EQ(shadeAt(scene, x, 2) > 0, x > 1) << x;
-    }
-    // Column 4 sees glyph only: rows that the light does not reach count 255, the others 0.
-    EXPECT_EQ(shadeAt(scene, 4, 2), (100 + 1) * 255 / 102);
-    EXPECT_EQ(shadeAt(scene, 4, 3), 1 * 255 / 102);
-    EXPECT_EQ(shadeAt(scene, 4, 4), 0);
 }
 
 // The literal passes: padded mask, horizontal blur of the inverse coverage, 255 bands, column

@@ -67,21 +67,6 @@ TEST(GxOuterShadow, MarginsPerSide) {
     }
 }
 
-TEST(GxOuterShadow, OnePixelSpreadsByTheWeights) {
-    Scene scene({"#"}, 3);
-    paintWith<GxOuterShadow>(scene, recordOf(0, 0, 2));
-    const int weights[] = {100, 32, 1};
-    for (int y = -3; y <= 3; ++y) {
-        const int rowWeight = std::abs(y) > 2 ? 0 : weights[std::abs(y)];
-        for (int x = -3; x <= 3; ++x) {
-            // Rounded down after each direction.
-            const int column = rowWeight * 255 / 166;
-            const int value = std::abs(x) > 2 ? 0 : weights[std::abs(x)] * column / 166;
-            EXPECT_EQ(scene.pixel(3 + x, 3 + y), static_cast<uint32_t>(value) * 0x01010101u);
-        }
-    }
-}
-
 // The definition over an unbounded plane.
 GxBitmap model(const Scene& scene, const GxOuterShadowProperty& record, int shiftX, int shiftY) {
     const int radius = std::max(static_cast<int>(record.size + 0.5), 0);

@@ -31,28 +31,6 @@ void paint(Scene& scene, GxBitmap& picture, float scale, float opacity, uint32_t
     gxtest::paintWith<GxPattern>(scene, record, mode);
 }
 
-TEST(GxPattern, Scales) {
-    GxBitmap picture = pictureOf(2, 1, {0xFF000000, 0xFFFF0000});
-    // Red of output pixel x, weights in 255ths: at scale 2 half-way pixels lie between.
-    struct Case {
-        float scale;
-        std::vector<uint32_t> red;
-    };
-    const auto red = [](uint32_t weight) { return ((weight * 255 * 255 >> 16) + 1) * 253 >> 8; };
-    const std::vector<Case> cases = {
-        {1, {0, red(255), 0, red(255)}},
-        {0.5f, {0, 0, 0, 0}},  // a tile one pixel wide
-        {2, {0, red(127), red(255), red(128), 0, red(127)}},
-    };
-    for (const Case& c : cases) {
-        Scene scene({std::string(c.red.size(), '#')});
-        paint(scene, picture, c.scale, 1);
-        for (size_t x = 0; x < c.red.size(); ++x) {
-            EXPECT_EQ(scene.pixel(static_cast<int>(x), 0) >> 16 & 255, c.red[x]) << c.scale << x;
-        }
-    }
-}
-
 TEST(GxPattern, OpacityWeighsTheAlpha) {
     GxBitmap picture = pictureOf(1, 1, {0xFFFFFFFF});
     for (const auto& [opacity, alpha] : {std::pair{0.0f, 0u},

@@ -97,20 +97,6 @@ void paint(Scene& scene, float size, uint32_t color, int position, uint32_t mode
     gxtest::paintWith<GxStroke>(scene, record, mode, both);
 }
 
-TEST(GxStroke, InsideAFullBoxOnlyTheFrameSpreads) {
-    Scene scene(std::vector<std::string>(9, "#########"));
-    paint(scene, 2, 0xFFFFFFFF, GxStrokeProperty::kInside);
-    // Pixel i is i + 1 from the frame: 2 pixels are reached whole, the third not at all.
-    for (int i = 0; i < 9; ++i) {
-        const int fromFrame = std::min(i, 8 - i) + 1;
-        EXPECT_EQ(scene.pixel(i, 4), fromFrame <= 2 ? 0xFFFFFFFFu : 0u) << i;
-    }
-    Scene empty(5, 5, GxRect(2, 2, 2, 2));
-    paint(empty, 1, 0xFFFFFFFF, 5);
-    EXPECT_EQ(empty.pixel(1, 1), 0xFFFFFFFFu) << "an empty box is all frame";
-    EXPECT_EQ(empty.pixel(4, 4), 0u);
-}
-
 // The band from its definition: each output cell is the maximum over the pixels that reach it.
 std::vector<int> modelPlane(const Scene& scene, const Kernel& kernel, bool inverse, int64_t width,
                             int64_t height) {

@@ -159,32 +159,6 @@ TEST(Relief, DownIsUpUnderTheOppositeLight) {
     }
 }
 
-TEST(Relief, IsBrightestTowardsTheLight) {
-    constexpr double kDegree = 3.14159265358979323846 / 180;
-    for (int angle = 0; angle < 360; angle += 45) {
-        Scene disc(101, 101);
-        for (int i = 0; i < 101 * 101; ++i) {
-            const double inside = 45.0 - std::hypot(i % 101 - 50, i / 101 - 50);
-            disc.mask.data[i] = static_cast<uint8_t>(std::clamp(inside * 255.0, 0.0, 255.0));
-        }
-        GxBevelProperty record = bevel(1, 20, GXE_RELIEF_CHISEL_HARD);
-        record.angle = static_cast<float>(angle);
-        paintWith<GxBevel>(disc, record);
-        std::vector<std::pair<int, int>> byLight;
-        for (int direction = 0; direction < 360; direction += 15) {
-            byLight.emplace_back(
-                lightAt(disc.layer, 50 + std::lround(35 * std::cos(direction * kDegree)),
-                        50 - std::lround(35 * std::sin(direction * kDegree))),
-                direction);
-        }
-        const auto [darkest, brightest] = std::minmax_element(byLight.begin(), byLight.end());
-        EXPECT_EQ(brightest->second, angle);
-        EXPECT_EQ(darkest->second, (angle + 180) % 360);
-        EXPECT_GT(brightest->first, 100);
-        EXPECT_LT(darkest->first, -100);
-    }
-}
-
 TEST(Relief, LevelGroundKeepsItsColour) {
     for (const int technique : kTechniques) {
         for (const auto& [size, soften, altitude] :
