@@ -167,23 +167,6 @@ TEST(FontFamilyTest, DamagedFilesActAsFontsWithoutGlyphs) {
     }
 }
 
-TEST(FontFamilyTest, RandomDamageIsSurvived) {
-    gxtest::Random random(7);
-    SCOPED_TRACE(testing::Message() << "seed " << random.seed());
-    const std::vector<char>& good = gxtest::fontBytes(gxtest::kNotoHebrew);
-    for (int round = 0; round < 200; round++) {
-        std::vector<char> bytes = good;
-        for (int i = 0; i < 40; i++) {
-            const int limit = random.oneIn(2) ? 400 : static_cast<int>(bytes.size()) - 1;
-            bytes[static_cast<size_t>(random.between(0, limit))] = static_cast<char>(random.byte());
-        }
-        const auto family =
-            makeFamily(std::make_shared<MismatchedFont>(bytes.data(), bytes.size(), 0));
-        for (uint32_t c = 0x5D0; c < 0x5EA; c++) family->hasGlyph(c, c % 2 ? 0xFE0F : 0);
-        EXPECT_LE(family->getCoverage().length(), 0x110000u);
-    }
-}
-
 TEST(FontFamilyTest, FirstUseFromSeveralThreads) {
     const auto font = loadFont(gxtest::kNotoSans);
     std::vector<std::thread> threads;

@@ -127,17 +127,6 @@ TEST(MinikinFontSkiaTest, PopulateAddsFakeryToWhatIsSet) {
     EXPECT_EQ(skFont.getTypeface(), nullptr);
 }
 
-TEST(MinikinFontSkiaTest, ExtentFollowsTheSize) {
-    const auto font = gxtest::loadFont(gxtest::kNotoSans);
-    minikin::MinikinPaint paint(nullptr);
-    paint.size = 100;
-    paint.scaleX = 1;
-    minikin::MinikinExtent extent;
-    font->GetFontExtent(&extent, paint, FontFakery());
-    EXPECT_LT(extent.ascent, -70);
-    EXPECT_GT(extent.descent, 15);
-}
-
 // A layout over three fonts and what forFontRun made of it.
 class FontRunTest : public testing::Test {
 protected:

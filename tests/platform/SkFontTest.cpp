@@ -35,38 +35,12 @@ SkRect toRect(const SkIRect& r, float scale = 1) {
     return SkRect::MakeLTRB(r.fLeft * scale, r.fTop * scale, r.fRight * scale, r.fBottom * scale);
 }
 
-TEST(SkFontTest, StretchIsPartOfTheSize) {
-    FreeTypeReference reference(fontBytes(kDejaVuSans));
-    const SkGlyphID glyph = reference.glyph('m');
-    SkFont font(loadTypeface(kDejaVuSans), 30, 0.7f);
-    const GlyphRequest request{to26Dot6(30 * 0.7f), to26Dot6(30), kPlain};
-    const ReferenceGlyph expected = reference.take(glyph, request);
-    EXPECT_EQ(widthOf(font, glyph), expected.advance);
-    EXPECT_EQ(boundsOf(font, glyph), toRect(expected.box));
-
-    font.setScaleX(-0.7f);
-    EXPECT_EQ(widthOf(font, glyph), -expected.advance);
-    EXPECT_LT(boundsOf(font, glyph).fLeft, 0);
-}
-
-TEST(SkFontTest, FakeBoldGrowsRightAndUpByA34thOfTheSize) {
-    FreeTypeReference reference(fontBytes(kDejaVuSans));
-    const SkGlyphID glyph = reference.glyph('H');
-    SkFont plain(loadTypeface(kDejaVuSans), 136);
-    SkFont bold = plain;
-    bold.setEmbolden(true);
-    EXPECT_EQ(widthOf(bold, glyph), widthOf(plain, glyph));
-
-    const SkRect thin = boundsOf(plain, glyph);
-    const SkRect thick = boundsOf(bold, glyph);
-    EXPECT_EQ(thick.fLeft, thin.fLeft);
-    EXPECT_EQ(thick.fBottom, thin.fBottom);
-    EXPECT_NEAR(thick.fRight - thin.fRight, 136 / 34.0, 1);
-    EXPECT_NEAR(thin.fTop - thick.fTop, 136 / 34.0, 1);
-
-    GlyphRequest request{to26Dot6(136), to26Dot6(136), kPlain};
-    request.strength = to26Dot6(136) / 34;
-    EXPECT_EQ(thick, toRect(reference.take(glyph, request).box));
+TEST(SkFontTest, ANegativeStretchMirrors) {
+    const SkGlyphID glyph = FreeTypeReference(fontBytes(kDejaVuSans)).glyph('m');
+    const sk_sp<SkTypeface> typeface = loadTypeface(kDejaVuSans);
+    const SkFont mirrored(typeface, 30, -0.7f);
+    EXPECT_EQ(widthOf(mirrored, glyph), -widthOf(SkFont(typeface, 30, 0.7f), glyph));
+    EXPECT_LT(boundsOf(mirrored, glyph).fLeft, 0);
 }
 
 TEST(SkFontTest, LinearMetricsAndLargeSizesAreMeasuredAtSize64) {

@@ -204,30 +204,6 @@ TEST(SkTypefaceTest, TruncatedFontsAreRefusedOrHarmless) {
     }
 }
 
-TEST(SkTypefaceTest, DamagedFontsAreRefusedOrHarmless) {
-    Random random(12);
-    GX_TRACE_SEED(random);
-    for (const char* file : {kDejaVuSans, kNotoDevanagari, kNotoColorEmoji}) {
-        const SfntFile whole(fontBytes(file));
-        // The tables that say how to read the others, and then the glyphs.
-        std::vector<std::string> tables;
-        for (const char* name : {"head", "hhea", "maxp", "hmtx", "loca", "glyf", "fpgm", "prep",
-                                 "cvt ", "OS/2", "CBLC", "CBDT"}) {
-            if (whole.tables.count(name) && !whole.tables.at(name).empty()) tables.push_back(name);
-        }
-        for (int round = 0; round < 60; ++round) {
-            SfntFile damaged = whole;
-            for (int flips = random.between(1, 6); flips > 0; --flips) {
-                Bytes& table = damaged.tables[tables[random.word() % tables.size()]];
-                table[random.word() % std::min<size_t>(table.size(), 4000)] = random.edgeByte();
-            }
-            const Bytes bytes = damaged.build();
-            const sk_sp<SkTypeface> typeface = makeTypeface(bytes);
-            if (typeface) exercise(typeface, {0, 3, 36, 68, static_cast<SkGlyphID>(random.word())});
-        }
-    }
-}
-
 TEST(SkTypefaceTest, GlyphsMadeOfThemselvesAreBlank) {
     SfntFile file(fontBytes(kDejaVuSans));
     FreeTypeReference reference(fontBytes(kDejaVuSans));
