@@ -157,41 +157,6 @@ void checkPlaces(Random& random, const std::function<void(int, int, const GxBitm
 
 // --- 8-bit masks ---
 
-TEST(GxBlender, HandWorkedMaskPixels) {
-    struct Case {
-        int mode;
-        uint32_t color;
-        int m;
-        Pixel before, after;
-    };
-    const Case cases[] = {
-        // t = 256 x 1: one step of alpha; 254/255 of the old colour, (C + 1) >> 8 of the new.
-        {1, 0xFFFFFFFF, 1, {255, 0, 100, 255}, {255, 1, 101, 255}},
-        {1, 0xFEFFFFFF, 1, {255, 0, 100, 255}, {255, 0, 100, 255}},  // t = 255: left alone
-        {1, 0xFF123456, 255, {9, 9, 9, 9}, {0x12, 0x34, 0x56, 255}},
-        // a = (256 x 128) >> 8 = 128, inv = 127; R: (201 x 127 >> 8) + (65 x 128 >> 8) = 99 + 32;
-        // A: 128 + (256 x 127 >> 8).
-        {1, 0xFF400000, 128, {200, 0, 0, 255}, {131, 0, 0, 255}},
-        {2, 0xFF404040, 255, {1, 2, 3, 255}, {1, 2, 3, 255}},
-        {2, 0x80402010, 0, {0, 0, 0, 0}, {0, 0, 0, 0}},
-        // transparent: scaled by the mask. 65 x 128 >> 8 = 32, 129 x 128 >> 8 = 64.
-        {2, 0x80402010, 128, {7, 7, 7, 0}, {32, 16, 8, 64}},
-        {3, 0x80402010, 1, {7, 7, 7, 0}, {0x40, 0x20, 0x10, 0x80}},
-        {7, 0xFF402010, 128, {80, 80, 80, 255}, {40, 40, 40, 128}},  // 81 x 128 >> 8 = 40
-        {7, 0xFF402010, 0, {80, 80, 80, 255}, {80, 80, 80, 255}},
-        {7, 0xFF402010, 255, {80, 80, 80, 255}, {80, 80, 80, 255}},
-        // (255 + 254 + 1) x 254 passes 65,535: 255. A: 255 x 254 >> 8 = 253, twice.
-        {7, 0xFFFFFFFF, 254, {255, 255, 255, 1}, {255, 255, 255, 253}},
-    };
-    for (const Case& c : cases) {
-        GxBitmap layer(1, 1, 4);
-        for (int i = 0; i < 4; ++i) layer.data[i] = static_cast<uint8_t>(c.before[i]);
-        const auto mask = static_cast<uint8_t>(c.m);
-        GxBlender().drawBitmapBlend8(0, 0, &layer, &mask, 1, 1, 1, c.color, c.mode);
-        EXPECT_EQ(pixelAt(layer, 0, 0), c.after) << "mode " << c.mode << " mask " << c.m;
-    }
-}
-
 TEST(GxBlender, MaskModesEqualTheirFormulasForEveryAlpha) {
     Random random(11);
     GX_TRACE_SEED(random);

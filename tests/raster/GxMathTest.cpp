@@ -10,13 +10,6 @@ namespace GxFontEffect {
 namespace {
 
 TEST(GxMath, SqrtTableHoldsRootsRoundedToThreeDecimals) {
-    // Figures from a table of square roots.
-    EXPECT_EQ(GX_INT_SQRT_TABLE[0], 0.0f);
-    EXPECT_EQ(GX_INT_SQRT_TABLE[1], 1.0f);
-    EXPECT_EQ(GX_INT_SQRT_TABLE[2], 1.414f);
-    EXPECT_EQ(GX_INT_SQRT_TABLE[6], 2.449f);
-    EXPECT_EQ(GX_INT_SQRT_TABLE[7], 2.646f);
-    EXPECT_EQ(GX_INT_SQRT_TABLE[5489], 74.088f);
     ASSERT_EQ(GX_INT_SQRT_TABLE.size(), 5490u);
     for (int i = 0; i < GX_INT_SQRT_TABLE_SIZE; ++i) {
         const double rounded = std::floor(std::sqrt(static_cast<double>(i)) * 1000 + 0.5) / 1000;

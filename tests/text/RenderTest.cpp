@@ -78,46 +78,6 @@ TEST_F(Render, TextAlphaFadesEverything) {
     EXPECT_EQ(coverage(render(60, 60)), 0);
 }
 
-TEST_F(Render, PaddingClipsAllSidesButTheOneOfTheGravity) {
-    // Ink everywhere: a row of full blocks.
-    setPaint(200);
-    text.SetText(L"\x2588\x2588");
-    auto* record = new GxLineInfo;
-    record->x = -10;
-    record->y = 130;
-    record->end = 2;
-    List lines;
-    lines.Construct();
-    lines.Add(record);
-    text.SetFont(gxtest::fontPath(gxtest::kDejaVuSans).c_str());
-    text.SetLineInfo(&lines);
-    GxView* view = text.GetView();
-    view->SetPadding(7, 8, 9, 10);
-    struct Case {
-        uint32_t gravity;
-        int left, top, right, bottom;
-    };
-    const Case cases[] = {
-        {0xFFFFFFFFu, 7, 8, 91, 90}, {0x11, 7, 8, 91, 90},  {0x33, 0, 0, 91, 90},
-        {0x35, 7, 0, 100, 90},       {0x53, 0, 8, 91, 100}, {0x55, 7, 8, 100, 100},
-    };
-    for (const Case& c : cases) {
-        view->gravity = c.gravity;
-        const GxRect ink = inkOf(render(100, 100));
-        EXPECT_EQ(ink.left, c.left) << std::hex << c.gravity;
-        EXPECT_EQ(ink.top, c.top) << std::hex << c.gravity;
-        EXPECT_EQ(ink.right, c.right) << std::hex << c.gravity;
-        EXPECT_EQ(ink.bottom, c.bottom) << std::hex << c.gravity;
-    }
-    // Padding that crosses over clips to what lies between: the platform sorts the rectangle's
-    // edges.
-    view->SetPadding(60, 0, 60, 0);
-    view->gravity = 0x11;
-    const GxRect ink = inkOf(render(100, 100));
-    EXPECT_EQ(ink.left, 40);
-    EXPECT_EQ(ink.right, 60);
-}
-
 TEST_F(Render, BackgroundBoxesSpanTheAdvance) {
     setLines({L"Hi\n", L"Wide line"});
     text.SetBackgroundColor(0xFF00FF00, true);
@@ -139,19 +99,6 @@ TEST_F(Render, BackgroundBoxesSpanTheAdvance) {
     setLines({L"Hi"});
     const Image plain = render(300, 140);
     EXPECT_EQ(std::count(plain.pixels.begin(), plain.pixels.end(), 0xFF00FF00u), 0);
-}
-
-// Text over a translucent box: float source-over, one rounding.
-TEST_F(Render, TextBlendsOverTheBackground) {
-    ASSERT_TRUE(text.SetFont(gxtest::fontPath(gxtest::kDejaVuSans).c_str()));
-    setLines({L"\x2588"});
-    text.SetTextColor(0x80FF0000);
-    text.SetBackgroundColor(0x80FFFFFF, true);
-    const Image image = render(60, 60);
-    const uint32_t pixel = at(image, 15, 30);
-    // Straight 0xFFFFFF at 128/255 under 0xFF0000 at 128/255: alpha 128 + 128 x 127/255 = 191.75;
-    // green = 1 x (128/255 x 127/255) / 0.752 = 0.3325 -> 85.
-    EXPECT_EQ(pixel, 0xC0FF5555u);
 }
 
 TEST_F(Render, ALineAfterABreakIsShapedInItsParagraph) {
@@ -180,17 +127,6 @@ TEST_F(Render, ItalicAndBoldAreFakedWhenTheFontHasNone) {
     text.SetTextStyle(false, false);
     setPaint(48, 0x21);  // fake bold
     EXPECT_GT(coverage(render(200, 80)), coverage(upright) * 11 / 10);
-}
-
-TEST_F(Render, WithoutAntialiasingPixelsAreOnOrOff) {
-    setPaint(48, 0);
-    setLines({L"Soft"});
-    const Image image = render(200, 80);
-    for (uint32_t p : image.pixels) {
-        const uint32_t alpha = p >> 24;
-        ASSERT_TRUE(alpha == 0 || alpha == 255) << alpha;
-    }
-    EXPECT_GT(opaquePixels(image), 300);
 }
 
 TEST_F(Render, HostilePaintsAndLinesGiveAnAnswer) {
@@ -240,16 +176,6 @@ TEST_F(Render, LinesOf100000CharactersAreDrawn) {
     for (const auto& c : cases) {
         setLines({std::wstring(100000, c.character)});
         EXPECT_EQ(coverage(render(100, 60)) > 0, c.hasInk) << static_cast<int>(c.character);
-    }
-}
-
-TEST_F(Render, MalformedTextIsDrawn) {
-    const std::wstring texts[] = {std::wstring(1, wchar_t{0xD800}),
-                                  std::wstring(3, wchar_t{0xDC00}), L"a\xFFFF\x10FFFF",
-                                  std::wstring(L"\x7FFFFFFF"), std::wstring(200, wchar_t{0x0301})};
-    for (const std::wstring& malformed : texts) {
-        setLines({malformed});
-        EXPECT_EQ(render(50, 50).pixels.size(), 2500u);
     }
 }
 
