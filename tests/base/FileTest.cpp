@@ -5,7 +5,6 @@
 
 #include <cerrno>
 #include <climits>
-#include <functional>
 #include <string>
 #include <vector>
 
