@@ -1,8 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <set>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "bridge/Registration.h"

@@ -3,13 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <thread>
 
 #include "SkTypeface.h"
 #include "hwui/Typeface.h"
 #include "minikin/LocaleList.h"
 #include "support/Fonts.h"
-#include "support/Random.h"
 
 namespace {
 
@@ -165,20 +163,6 @@ TEST(FontFamilyTest, DamagedFilesActAsFontsWithoutGlyphs) {
                                                                  collection.size(), index))
                          ->hasGlyph('A', 0));
     }
-}
-
-TEST(FontFamilyTest, FirstUseFromSeveralThreads) {
-    const auto font = loadFont(gxtest::kNotoSans);
-    std::vector<std::thread> threads;
-    threads.reserve(4);
-    for (int t = 0; t < 4; t++) {
-        threads.emplace_back([&font] {
-            const auto family = makeFamily(font);
-            EXPECT_TRUE(family->hasGlyph('A', 0));
-            EXPECT_EQ(family->getFont(0)->style(), FontStyle());
-        });
-    }
-    for (std::thread& thread : threads) thread.join();
 }
 
 TEST(TypefaceTest, StylesAreResolvedAndClamped) {

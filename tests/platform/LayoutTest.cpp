@@ -7,9 +7,7 @@
 #include <cmath>
 #include <limits>
 #include <new>
-#include <numeric>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "FreeTypeReference.h"
@@ -20,7 +18,6 @@
 #include "minikin/LocaleList.h"
 #include "support/AllocationFailure.h"
 #include "support/Fonts.h"
-#include "support/Random.h"
 
 namespace {
 
@@ -450,33 +447,6 @@ TEST_F(LayoutTest, VeryLongWordsStayJoined) {
     EXPECT_EQ(ids.front(), shortWord.front());
     EXPECT_EQ(ids.back(), shortWord.back());
     EXPECT_EQ(std::count(ids.begin(), ids.end(), shortWord[1]), 4998);
-}
-
-TEST_F(LayoutTest, RandomTextsInEveryDirection) {
-    setFonts({makeFamily(loadFont(gxtest::kNotoSans)), makeFamily(loadFont(gxtest::kNotoArabic)),
-              makeFamily(loadFont(gxtest::kNotoDevanagari)),
-              makeFamily(loadFont(gxtest::kNotoColorEmoji))});
-    gxtest::Random random(11);
-    SCOPED_TRACE(testing::Message() << "seed " << random.seed());
-    const std::u16string alphabet =
-        u"aV \u0628\u0644\u064E\u0915\u094D\u093F\u200D\u200F\u202E\u2066\u0301\uFE0F\n\r\u00AD1";
-    for (int round = 0; round < 300; round++) {
-        std::u16string text;
-        for (int i = random.between(0, 30); i > 0; i--) {
-            text += random.oneIn(8) ? static_cast<char16_t>(random.word())
-                                    : alphabet[static_cast<size_t>(random.between(
-                                          0, static_cast<int>(alphabet.size()) - 1))];
-        }
-        const auto bidi = static_cast<Bidi>(random.between(0, 5));
-        const auto start = static_cast<size_t>(random.between(0, static_cast<int>(text.size())));
-        const auto count =
-            static_cast<size_t>(random.between(0, static_cast<int>(text.size() - start)));
-        const Layout layout = layOutPart(text, start, count, bidi);
-        ASSERT_EQ(layout.getAdvances().size(), count);
-        const float sum =
-            std::accumulate(layout.getAdvances().begin(), layout.getAdvances().end(), 0.0f);
-        EXPECT_NEAR(sum, layout.getAdvance(), 0.05f);
-    }
 }
 
 // A layout and the mask that it draws.

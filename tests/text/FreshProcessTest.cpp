@@ -11,7 +11,6 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
-#include <iostream>
 #include <memory>
 #include <string>
 
@@ -307,8 +306,7 @@ int stride() {
 }
 
 void FreshProcess::walk(const State& state, FailureSpan span) {
-    int counts[Outcome::kWrong + 1] = {};
-    int runs = 0, spoiled = 0;
+    int runs = 0;
     for (int n = 1;; n += stride()) {
         const bool ended = inProcess([&] { failNth(state.before, n, span); });
         const Outcome& outcome = shared_->outcome;
@@ -316,8 +314,6 @@ void FreshProcess::walk(const State& state, FailureSpan span) {
         SCOPED_TRACE("allocation " + std::to_string(n));
         ASSERT_TRUE(ended) << "the process died";
         ++runs;
-        ++counts[outcome.first];
-        spoiled += !outcome.nextRight || !outcome.nextOfNewObjectRight;
         EXPECT_NE(outcome.first, Outcome::kWrong);
         EXPECT_TRUE(outcome.errorRecorded);
         EXPECT_TRUE(outcome.boxesKept);
@@ -325,11 +321,6 @@ void FreshProcess::walk(const State& state, FailureSpan span) {
         EXPECT_TRUE(outcome.nextOfNewObjectRight) << "the next render of a new object";
     }
     EXPECT_GT(runs, 0);
-    std::cout << state.name << (span == FailureSpan::kOne ? ", one of " : ", all from one of ")
-              << runs << ": " << counts[Outcome::kRight] << " right, " << counts[Outcome::kFrame]
-              << " the frame before, " << counts[Outcome::kNull] << " null, "
-              << counts[Outcome::kRefused] << " refused by a setter, " << counts[Outcome::kWrong]
-              << " wrong; " << spoiled << " next wrong\n";
 }
 
 // Every allocation fails once, those of HarfBuzz, FreeType and ICU among them, alone or with all
