@@ -16,6 +16,7 @@ using enum EffectType;
 // What an enumeration is called in files, in the order of its values.
 constexpr std::string_view kAlignNames[] = {"start", "left", "center", "right"};
 constexpr std::string_view kOrderNames[] = {"natural", "listed"};
+constexpr std::string_view kUnitNames[] = {"px", "dp"};
 constexpr std::string_view kPositionNames[] = {"center", "outside", "inside"};
 constexpr std::string_view kBevelKindNames[] = {"outside", "inside"};
 constexpr std::string_view kEmbossKindNames[] = {"emboss", "pillow"};
@@ -81,6 +82,12 @@ const std::vector<Field<Style>>& styleFields() {
          .initial = 0.0,
          .control = Control::kNumber,
          .meaning = "Font inside a collection file"},
+        {.name = "unit",
+         .target = choiceOf<&Style::unit, Style>(kUnitNames),
+         .initial = "px",
+         .control = Control::kMenu,
+         .meaning = "What lengths are in: pixels, or what a screen multiplies by its density; "
+                    "pictures have one pixel for either"},
         {.name = "size",
          .target = &Style::size,
          .range = {1, 4096},

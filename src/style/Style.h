@@ -29,6 +29,8 @@ GXTEXT_API std::string formatColor(Color color);
 // effects' records hold an integer, by that integer.
 enum class Align { kStart = 0, kLeft = 1, kCenter = 2, kRight = 3 };
 enum class EffectOrder { kNatural = 0, kListed = 1 };
+// Of a style. Screens multiply by their density, pictures have one pixel for each.
+enum class LengthUnit { kPx = 0, kDp = 1 };
 enum class StrokePosition { kCenter = 0, kOutside = 1, kInside = 2 };
 enum class BevelKind { kOutside = 0, kInside = 1 };
 enum class EmbossKind { kEmboss = 0, kPillow = 1 };
@@ -183,11 +185,12 @@ struct GXTEXT_API Style {
     // The folder that relative font files and patterns start in; empty for the working folder.
     std::filesystem::path folder() const { return source.parent_path(); }
 
-    std::filesystem::path source;     // where it was read from; not written
-    std::optional<std::string> text;  // UTF-8; line breaks start new lines
-    std::string font;                 // file, or family name; empty means the system's sans-serif
-    int fontIndex = 0;                // inside a collection file
-    float size = 0.0f;                // pixels
+    std::filesystem::path source;       // where it was read from; not written
+    std::optional<std::string> text;    // UTF-8; line breaks start new lines
+    std::string font;                   // file, or family name; empty means the system's sans-serif
+    int fontIndex = 0;                  // inside a collection file
+    LengthUnit unit = LengthUnit::kPx;  // of all lengths, for whoever draws on a screen
+    float size = 0.0f;                  // pixels
     bool bold = false;
     bool italic = false;
     float letterSpacing = 0.0f;  // em

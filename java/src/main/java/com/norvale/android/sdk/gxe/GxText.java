@@ -3,6 +3,7 @@ package com.norvale.android.sdk.gxe;
 import android.content.res.AssetManager;
 import android.graphics.Bitmap;
 import android.graphics.Paint;
+import android.graphics.Rect;
 import android.text.Layout;
 import android.widget.TextView;
 import androidx.annotation.IntRange;
@@ -292,8 +293,10 @@ public final class GxText implements AutoCloseable {
      */
     public void setKeepsWholeInk(boolean keeps) {
         requireOpen();
-        keepsWholeInk = keeps;
-        setStyle(style);
+        if (keepsWholeInk != keeps) {
+            keepsWholeInk = keeps;
+            setStyle(style);
+        }
     }
 
     /**
@@ -303,8 +306,10 @@ public final class GxText implements AutoCloseable {
      */
     public void setConfinesInside(boolean confines) {
         requireOpen();
-        confinesInside = confines;
-        setStyle(style);
+        if (confinesInside != confines) {
+            confinesInside = confines;
+            setStyle(style);
+        }
     }
 
     /**
@@ -504,6 +509,13 @@ public final class GxText implements AutoCloseable {
             throw new GxTextException("the text could not be measured");
         }
         return frame;
+    }
+
+    /** Of the effects alone. */
+    Rect effectMargins() {
+        requireOpen();
+        return new Rect(GxText_GetEffectLeftOffset(), GxText_GetEffectTopOffset(),
+                GxText_GetEffectRightOffset(), GxText_GetEffectBottomOffset());
     }
 
     /** The text's own font first, those of the system for what it lacks. */

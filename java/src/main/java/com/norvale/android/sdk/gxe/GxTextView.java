@@ -1,27 +1,31 @@
 package com.norvale.android.sdk.gxe;
 
 import android.content.Context;
+import android.content.res.Configuration;
+import android.content.res.TypedArray;
 import android.graphics.Bitmap;
 import android.graphics.BitmapFactory;
 import android.graphics.Canvas;
 import android.graphics.Paint;
+import android.graphics.Rect;
 import android.graphics.drawable.Drawable;
 import android.text.Layout;
 import android.text.Spanned;
 import android.text.style.BackgroundColorSpan;
 import android.util.AttributeSet;
 import android.util.Log;
+import android.util.TypedValue;
 import android.view.ViewGroup;
 import android.view.ViewParent;
 import android.widget.TextView;
 import androidx.annotation.NonNull;
 import androidx.annotation.Nullable;
 import com.norvale.android.sdk.gxe.font.FontManager;
+import java.io.ByteArrayOutputStream;
 import java.io.File;
 import java.io.FileInputStream;
 import java.io.IOException;
 import java.io.InputStream;
-import java.util.Arrays;
 import java.util.Objects;
 
 /**
@@ -51,8 +55,15 @@ public class GxTextView extends TextView {
     private static final String TAG = "GxTextView";
 
     private TextStyle style = TextStyle.EMPTY;
+    /** The style in pixels. */
+    private TextStyle drawn = TextStyle.EMPTY;
     private PatternLoader patternLoader = this::loadPattern;
     private boolean growsBeyondBounds = true;
+    private boolean includesEffectMargins;
+    /** Part of the padding that is room for the effects; null while the super class constructs. */
+    private Rect addedPadding = new Rect();
+    /** What the style's lengths are multiplied by; 0 before there is a style. */
+    private float scale;
 
     /** Native object; null until something is drawn and while detached. */
     private GxText text;
@@ -61,7 +72,7 @@ public class GxTextView extends TextView {
 
     private TextImage image;
     /** All that the picture depends on; also kept for one that could not be drawn. */
-    private Object[] imageKey;
+    private PictureCache.Key imageKey;
     private int renderCount;
 
     /**
@@ -81,6 +92,7 @@ public class GxTextView extends TextView {
      */
     public GxTextView(@NonNull Context context, @Nullable AttributeSet attrs) {
         super(context, attrs);
+        readAttributes(attrs);
     }
 
     /**
@@ -92,6 +104,50 @@ public class GxTextView extends TextView {
      */
     public GxTextView(@NonNull Context context, @Nullable AttributeSet attrs, int defStyleAttr) {
         super(context, attrs, defStyleAttr);
+        readAttributes(attrs);
+    }
+
+    /** {@code app:gxStyle}, {@code app:gxSize} and {@code app:gxColor}. */
+    private void readAttributes(AttributeSet attrs) {
+        if (attrs == null) {
+            return;
+        }
+        TypedArray values = getContext().obtainStyledAttributes(attrs, new int[] {
+            attribute("gxStyle")});
+        int file = values.getResourceId(0, 0);
+        values.recycle();
+        if (file != 0) {
+            setTextStyle(TextStyle.fromJson(readRaw(file)));
+        }
+        values = getContext().obtainStyledAttributes(attrs, new int[] {attribute("gxSize")});
+        if (values.hasValue(0)) {
+            setTextSize(TypedValue.COMPLEX_UNIT_PX, values.getDimension(0, getTextSize()));
+        }
+        values.recycle();
+        values = getContext().obtainStyledAttributes(attrs, new int[] {attribute("gxColor")});
+        if (values.hasValue(0)) {
+            setTextColor(values.getColor(0, getCurrentTextColor()));
+        }
+        values.recycle();
+    }
+
+    /** By name: the number is the app's, whose class R the SDK does not know. */
+    private int attribute(String name) {
+        return getResources().getIdentifier(name, "attr", getContext().getPackageName());
+    }
+
+    private String readRaw(int file) {
+        try (InputStream in = getResources().openRawResource(file)) {
+            ByteArrayOutputStream text = new ByteArrayOutputStream();
+            byte[] buffer = new byte[4096];
+            for (int count = in.read(buffer); count >= 0; count = in.read(buffer)) {
+                text.write(buffer, 0, count);
+            }
+            return text.toString("UTF-8");
+        } catch (IOException e) {
+            throw new IllegalArgumentException(
+                    "gxStyle: " + getResources().getResourceName(file) + " cannot be read", e);
+        }
     }
 
     /**
@@ -105,11 +161,12 @@ public class GxTextView extends TextView {
      */
     public void setTextStyle(@NonNull TextStyle style) {
         Objects.requireNonNull(style, "style");
-        FontSource font = FontSource.of(style, getContext());
-        GxText opened =
-                style.getEffects().isEmpty() || isInEditMode() ? null : openText(style, font);
+        float wanted = scaleOf(style);
+        TextStyle scaled = wanted == 1 ? style : style.scaled(wanted);
+        FontSource font = FontSource.of(scaled, getContext());
+        GxText opened = hasLook(scaled) && !isInEditMode() ? openText(scaled, font) : null;
         try {
-            style.applyTo(this);
+            scaled.applyTo(this);
         } catch (RuntimeException e) {
             close(opened);
             throw e;
@@ -118,8 +175,32 @@ public class GxTextView extends TextView {
         text = opened;
         textFont = font;
         this.style = style;
+        scale = wanted;
+        drawn = scaled;
         letEffectsOut();
+        addMargins();
         invalidate();
+    }
+
+    /** Whether there is more to draw than a text view does. */
+    private static boolean hasLook(TextStyle style) {
+        return !style.getEffects().isEmpty() || style.number("fillOpacity") != 1
+                || style.number("opacity") != 1 || style.getCanvas() != null
+                || (style.getBackgroundBox() != null && !style.getBackgroundBox().isPlain());
+    }
+
+    /** Pixels to a length of the style. */
+    private float scaleOf(TextStyle style) {
+        return style.getUnit() == TextStyle.Unit.DP
+                ? getResources().getDisplayMetrics().scaledDensity : 1;
+    }
+
+    @Override
+    protected void onConfigurationChanged(Configuration configuration) {
+        super.onConfigurationChanged(configuration);
+        if (scale != 0 && scale != scaleOf(style)) {
+            setTextStyle(style);
+        }
     }
 
     /**
@@ -158,9 +239,9 @@ public class GxTextView extends TextView {
 
     /**
      * Whether the effects may show outside the view's bounds. While they may, a view with effects
-     * switches off its parent's {@link ViewGroup#setClipChildren} and {@link
-     * ViewGroup#setClipToPadding} when it is attached, and leaves them off. The parent's own bounds
-     * may still cut, so leave room in it.
+     * switches off {@link ViewGroup#setClipChildren} and {@link ViewGroup#setClipToPadding} of its
+     * parent and that one's parent when it is attached, and leaves them off. Their own bounds may
+     * still cut, so leave room, or see {@link #setIncludesEffectMargins}.
      *
      * @param grows true, as at first, to let them out; false leaves the parent alone
      */
@@ -176,6 +257,70 @@ public class GxTextView extends TextView {
      */
     public boolean getGrowsBeyondBounds() {
         return growsBeyondBounds;
+    }
+
+    /**
+     * Whether the view is as much larger as its effects reach, so that they stay within its bounds. Its
+     * padding then has that much more on each side.
+     *
+     * @param includes true to make room; false, as at first, lets them reach beyond
+     */
+    public void setIncludesEffectMargins(boolean includes) {
+        if (includesEffectMargins != includes) {
+            includesEffectMargins = includes;
+            addMargins();
+            imageKey = null;
+            invalidate();
+        }
+    }
+
+    /**
+     * Whether the view makes room for its effects.
+     *
+     * @return the setting of {@link #setIncludesEffectMargins}
+     */
+    public boolean getIncludesEffectMargins() {
+        return includesEffectMargins;
+    }
+
+    /**
+     * How far the effects reach beyond the text's own view.
+     *
+     * @return pixels on each side, at least 0
+     */
+    @NonNull
+    public Rect getEffectMargins() {
+        if (!hasLook(drawn) || isInEditMode()) {
+            return new Rect();
+        }
+        open();
+        return text.effectMargins();
+    }
+
+    private void addMargins() {
+        Rect wanted = includesEffectMargins ? getEffectMargins() : new Rect();
+        Rect before = addedPadding;
+        int left = getPaddingLeft() - before.left;
+        int top = getPaddingTop() - before.top;
+        int right = getPaddingRight() - before.right;
+        int bottom = getPaddingBottom() - before.bottom;
+        addedPadding = wanted;
+        setPadding(left, top, right, bottom);
+    }
+
+    /**
+     * Sets the padding; what {@link #setIncludesEffectMargins} makes room for comes on top.
+     *
+     * @param left pixels
+     * @param top pixels
+     * @param right pixels
+     * @param bottom pixels
+     */
+    @Override
+    public void setPadding(int left, int top, int right, int bottom) {
+        Rect more = addedPadding == null ? new Rect() : addedPadding;
+        super.setPadding(left + more.left, top + more.top, right + more.right,
+                bottom + more.bottom);
     }
 
     @Override
@@ -206,7 +351,7 @@ public class GxTextView extends TextView {
     }
 
     private boolean canDrawEffects() {
-        return !style.getEffects().isEmpty() && !isInEditMode() && length() > 0
+        return hasLook(drawn) && !isInEditMode() && length() > 0
                 && getLayout() != null && getWidth() > 0 && getHeight() > 0
                 && getScrollX() == 0 && getScrollY() == 0 && !hasCompoundDrawables();
     }
@@ -222,26 +367,35 @@ public class GxTextView extends TextView {
 
     /** The picture for what the view is now; null when it cannot be drawn. */
     private TextImage currentImage() {
-        Object[] key = makeKey(getLayout());
-        if (Arrays.deepEquals(key, imageKey)) {
+        PictureCache.Key key = makeKey(getLayout());
+        if (key.equals(imageKey)) {
             return image;
         }
         imageKey = key;
-        image = null;
+        image = PictureCache.get(key);
+        if (image != null) {
+            return image;
+        }
         try {
-            if (text == null) {
-                textFont = FontSource.of(style, getContext());
-                text = openText(style, textFont);
-            }
+            open();
             useSystemFont();
+            text.setKeepsWholeInk(includesEffectMargins);
             text.setSource(this);
             image = text.render();
             renderCount++;
+            PictureCache.put(key, image);
         } catch (GxTextException | IllegalArgumentException | OutOfMemoryError e) {
             // An app had better show a plain text than end while drawing.
             Log.e(TAG, "cannot draw the effects", e);
         }
         return image;
+    }
+
+    private void open() {
+        if (text == null) {
+            textFont = FontSource.of(drawn, getContext());
+            text = openText(drawn, textFont);
+        }
     }
 
     private GxText openText(TextStyle style, FontSource font) {
@@ -279,25 +433,29 @@ public class GxTextView extends TextView {
         imageKey = null;
     }
 
+    /** Out of the view into its parent, and out of that into the next. */
     private void letEffectsOut() {
         ViewParent parent = getParent();
-        if (growsBeyondBounds && !style.getEffects().isEmpty() && parent instanceof ViewGroup) {
+        for (int i = 0; i < 2 && growsBeyondBounds && hasLook(drawn)
+                && parent instanceof ViewGroup; i++) {
             ((ViewGroup) parent).setClipChildren(false);
             ((ViewGroup) parent).setClipToPadding(false);
+            parent = parent.getParent();
         }
     }
 
-    private Object[] makeKey(Layout layout) {
+    private PictureCache.Key makeKey(Layout layout) {
         Paint paint = getPaint();
-        return new Object[] {
-            style.getEffectKey(), style.getFont(), FontManager.hasSystemFonts(),
+        return new PictureCache.Key(
+            drawn.getEffectKey(), drawn.getFont(), drawn.getFontIndex(), drawn.getFontVariations(),
+            FontManager.hasSystemFonts(), includesEffectMargins,
+            drawn.getEffectKey().contains("\"pattern\"") ? patternLoader : null,
             layout.getText().toString(), backgrounds(layout.getText()), lines(layout),
             getWidth(), getHeight(), getPaddingLeft(), getPaddingTop(), getPaddingRight(),
             getPaddingBottom(), getGravity(), getMaxLines(), getCurrentTextColor(), getTypeface(),
             paint.getTextSize(), paint.getTextScaleX(), paint.getTextSkewX(),
             paint.getLetterSpacing(), paint.getFlags(), paint.isElegantTextHeight(),
-            paint.getFontFeatureSettings(), paint.getTextLocales(), paint.getTextAlign(),
-        };
+            paint.getFontFeatureSettings(), paint.getTextLocales(), paint.getTextAlign());
     }
 
     private static int[] backgrounds(CharSequence text) {

@@ -51,6 +51,29 @@ public final class TextStyle {
         }
     }
 
+    /** What lengths are in. */
+    public enum Unit implements Property.Named {
+        /** Pixels. */
+        PX("px"),
+        /**
+         * Density-independent pixels, which follow the font scale too: a {@link GxTextView}
+         * multiplies all lengths by the screen's scaled density, so that a style keeps its
+         * proportions.
+         */
+        DP("dp");
+
+        private final String styleName;
+
+        Unit(String styleName) {
+            this.styleName = styleName;
+        }
+
+        @Override
+        public String styleName() {
+            return styleName;
+        }
+    }
+
     /** How effects are stacked. */
     public enum Order implements Property.Named {
         /**
@@ -78,6 +101,7 @@ public final class TextStyle {
             Property.of("text", Kind.STRING),
             Property.of("font", Kind.STRING),
             Property.integer("fontIndex", 0, 99),
+            Property.choice("unit", Unit.values(), Unit.PX),
             Property.length("size", 1, 4096, 4096, 64),
             Property.flag("bold", false),
             Property.flag("italic", false),
@@ -175,6 +199,7 @@ public final class TextStyle {
                 builder.values.put(property.name, property.scaled(value, factor));
             }
         }
+        builder.values.remove("unit");
         for (TextEffect effect : effects) {
             builder.effects.add(effect.scaled(factor));
         }
@@ -235,6 +260,16 @@ public final class TextStyle {
     @Nullable
     public String getFont() {
         return (String) get("font");
+    }
+
+    /**
+     * What the style's lengths are in.
+     *
+     * @return the unit, or null when not set, which is pixels
+     */
+    @Nullable
+    public Unit getUnit() {
+        return (Unit) get("unit");
     }
 
     /**
@@ -557,6 +592,18 @@ public final class TextStyle {
         @NonNull
         public Builder setFont(@Nullable String font) {
             return set("font", font);
+        }
+
+        /**
+         * Sets what the style's lengths are in. {@link GxTextView} puts them into pixels; for {@link
+         * GxText}, call {@link TextStyle#scaled}, whose result is in pixels.
+         *
+         * @param unit the unit, or null for pixels
+         * @return this builder
+         */
+        @NonNull
+        public Builder setUnit(@Nullable Unit unit) {
+            return set("unit", unit);
         }
 
         /**
