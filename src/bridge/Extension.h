@@ -39,11 +39,12 @@ JNIEXPORT jbyteArray JNICALL Java_com_norvale_android_sdk_gxe_TextExtension_chec
                                                                                   jbyteArray json);
 
 // Gives the text object (a GxText) a style's effects, repeats allowed, with their silhouettes,
-// spans and fills, its fill opacity, canvas and shape of background boxes; of the rest of the style
-// nothing. `lengths` holds size and distance of each effect, which may be longer than a file
-// allows, up to what the filters take; what an effect has not is not read. `switches` is the sum of
-// Switch values. The picture of the pattern called names[i] is pictures[i]: 0xAARRGGBB, straight,
-// rows packed, widths[i] to a row. After a mistake the object has no effects, or those it had.
+// spans and fills, its fill opacity, canvas, shape of background boxes and way with emoji; of the
+// rest of the style nothing. `lengths` holds size and distance of each effect, which may be longer
+// than a file allows, up to what the filters take; what an effect has not is not read. `switches`
+// is the sum of Switch values. The picture of the pattern called names[i] is pictures[i]:
+// 0xAARRGGBB, straight, rows packed, widths[i] to a row. After a mistake the object has no effects,
+// or those it had.
 JNIEXPORT jbyteArray JNICALL Java_com_norvale_android_sdk_gxe_TextExtension_dress(
     JNIEnv* env, jclass, jobject text, jbyteArray json, jfloatArray lengths, jint switches,
     jobjectArray names, jintArray widths, jobjectArray pictures);

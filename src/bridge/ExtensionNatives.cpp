@@ -161,6 +161,7 @@ void SetLook(GxTextObject& text, const gxtext::Style& style, jint switches,
     effect.setConfineInside((switches & kSwitchLetInsideOut) == 0);
     text.setKeepsWholeInk((switches & kSwitchWholeInk) != 0);
     text.setFadesFill(style.fillOpacity < 1);
+    text.setKeepsColorGlyphs(style.emoji == gxtext::Emoji::kColor);
     effect.setTextOpacity(style.fillOpacity < 1 ? style.fillOpacity : style.opacity);
     const gxtext::Background box = style.background.value_or(gxtext::Color{0});
     text.SetBackgroundShape({box.radius, box.padding, box.span == gxtext::BackgroundSpan::kBlock});

@@ -15,7 +15,7 @@ final class StyleWriter {
 
     /** The fields that show in a picture beside the effects and that views know nothing of. */
     private static final List<String> LOOK =
-            Arrays.asList("opacity", "fillOpacity", "background", "canvas");
+            Arrays.asList("opacity", "fillOpacity", "emoji", "background", "canvas");
 
     private StyleWriter() {}
 

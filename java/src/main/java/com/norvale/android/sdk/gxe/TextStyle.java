@@ -96,6 +96,25 @@ public final class TextStyle {
         }
     }
 
+    /** How glyphs are drawn that have colours of their own. */
+    public enum Emoji implements Property.Named {
+        /** In their colours, over the effects; what lies beneath comes from their silhouettes. */
+        COLOR("color"),
+        /** Like letters in the shape of their silhouettes. */
+        SILHOUETTE("silhouette");
+
+        private final String styleName;
+
+        Emoji(String styleName) {
+            this.styleName = styleName;
+        }
+
+        @Override
+        public String styleName() {
+            return styleName;
+        }
+    }
+
     /** The fields of a style file but its effects, in the order in which they are written. */
     static final List<Property> PROPERTIES = Collections.unmodifiableList(Arrays.asList(
             Property.of("text", Kind.STRING),
@@ -114,6 +133,7 @@ public final class TextStyle {
             Property.color("color", 0xFF000000),
             Property.number("opacity", 0, 1, 1),
             Property.number("fillOpacity", 0, 1, 1),
+            Property.choice("emoji", Emoji.values(), Emoji.COLOR),
             Property.of("background", Kind.BACKGROUND),
             Property.of("canvas", Kind.COLOR),
             Property.wholeLength("width", 1, 65535),
@@ -425,6 +445,16 @@ public final class TextStyle {
     @Nullable
     public Integer getFontIndex() {
         return (Integer) get("fontIndex");
+    }
+
+    /**
+     * How emoji are drawn.
+     *
+     * @return the way, or null when not set, which is in their colours
+     */
+    @Nullable
+    public Emoji getEmoji() {
+        return (Emoji) get("emoji");
     }
 
     /**
@@ -856,6 +886,17 @@ public final class TextStyle {
         @NonNull
         public Builder setLineSpacing(@FloatRange(from = 0.1, to = 10) float lineSpacing) {
             return set("lineSpacing", lineSpacing);
+        }
+
+        /**
+         * Sets how glyphs are drawn that have colours of their own.
+         *
+         * @param emoji the way, or null for their colours
+         * @return this builder
+         */
+        @NonNull
+        public Builder setEmoji(@Nullable Emoji emoji) {
+            return set("emoji", emoji);
         }
 
         /**
