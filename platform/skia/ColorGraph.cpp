@@ -236,7 +236,7 @@ void ColorGraph::paintComposite(const GraphPaint& paint, const Target& target) {
     const Picture above = {box, source.data()};
     this->paintAt(paint.backdrop, {target.matrix, &all, &below});
     this->paintAt(paint.child, {target.matrix, &all, &above});
-    composite(static_cast<FT_Composite_Mode>(paint.mode), source.data(), backdrop.data(), count);
+    composite(paint.mode, source.data(), backdrop.data(), count);
     fPictures -= 2;
 
     const Clip& clip = *target.clip;

@@ -200,7 +200,7 @@ double hardLight(double s, double d) {
 }
 
 // Of one channel, s over d.
-double separable(FT_Composite_Mode mode, double s, double d) {
+double separable(int mode, double s, double d) {
     switch (mode) {
         case FT_COLR_COMPOSITE_SCREEN:
             return s + d - s * d;
@@ -258,7 +258,7 @@ Channels withSaturation(Channels c, double wanted) {
     return c;
 }
 
-Channels blended(FT_Composite_Mode mode, const Channels& s, const Channels& d) {
+Channels blended(int mode, const Channels& s, const Channels& d) {
     switch (mode) {
         case FT_COLR_COMPOSITE_HSL_HUE:
             return withLuminosity(withSaturation(s, saturation(d)), luminosity(d));
@@ -274,7 +274,7 @@ Channels blended(FT_Composite_Mode mode, const Channels& s, const Channels& d) {
     }
 }
 
-void blendPixel(FT_Composite_Mode mode, const uint8_t* source, uint8_t* backdrop) {
+void blendPixel(int mode, const uint8_t* source, uint8_t* backdrop) {
     const Straight s(source);
     const Straight d(backdrop);
     const Channels both = blended(mode, s.color, d.color);
@@ -293,7 +293,7 @@ struct Parts {
     unsigned backdrop;
 };
 
-std::optional<Parts> partsOf(FT_Composite_Mode mode, unsigned sourceAlpha, unsigned alpha) {
+std::optional<Parts> partsOf(int mode, unsigned sourceAlpha, unsigned alpha) {
     const unsigned noSource = 255 - sourceAlpha;
     const unsigned noBackdrop = 255 - alpha;
     switch (mode) {
@@ -328,8 +328,8 @@ std::optional<Parts> partsOf(FT_Composite_Mode mode, unsigned sourceAlpha, unsig
 
 }  // namespace
 
-void composite(FT_Composite_Mode mode, const uint8_t* source, uint8_t* backdrop, size_t count) {
-    if (mode == FT_COLR_COMPOSITE_CLEAR || mode >= FT_COLR_COMPOSITE_MAX) {
+void composite(int mode, const uint8_t* source, uint8_t* backdrop, size_t count) {
+    if (mode <= FT_COLR_COMPOSITE_CLEAR || mode >= FT_COLR_COMPOSITE_MAX) {
         std::fill_n(backdrop, count * kColorBytes, uint8_t{0});
         return;
     }

@@ -101,8 +101,8 @@ constexpr size_t kColorBytes = 4;
 void coverPixel(const uint8_t pixel[kColorBytes], unsigned coverage, uint8_t out[kColorBytes]);
 void coverPixel(const PaintColor& color, unsigned coverage, uint8_t out[kColorBytes]);
 
-// Combines `count` pixels of the source with those of the backdrop, which are replaced. A mode
-// that there is not leaves nothing.
-void composite(FT_Composite_Mode mode, const uint8_t* source, uint8_t* backdrop, size_t count);
+// Combines `count` pixels of the source with those of the backdrop, which are replaced. Modes are
+// FreeType's FT_COLR_COMPOSITE_ numbers; one that there is not leaves nothing.
+void composite(int mode, const uint8_t* source, uint8_t* backdrop, size_t count);
 
 }  // namespace portable

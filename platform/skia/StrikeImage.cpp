@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 
 #include "skia/Numbers.h"
 
@@ -26,6 +27,18 @@ uint8_t coverageAt(const FT_Bitmap& bitmap, const uint8_t* row, unsigned x) {
 }
 
 using Picture = StrikeImage::Picture;
+
+// B, G, R, A to R, G, B, A, no colour above its alpha.
+void copyColors(const uint8_t* bgra, size_t count, uint8_t* out) {
+    for (size_t i = 0; i < count; ++i) {
+        const auto channel = [&](size_t c) { return uint32_t{bgra[4 * i + c]}; };
+        const uint32_t alpha = channel(3);
+        out[4 * i] = static_cast<uint8_t>(std::min(channel(2), alpha));
+        out[4 * i + 1] = static_cast<uint8_t>(std::min(channel(1), alpha));
+        out[4 * i + 2] = static_cast<uint8_t>(std::min(channel(0), alpha));
+        out[4 * i + 3] = static_cast<uint8_t>(alpha);
+    }
+}
 
 // Which pixels of a row or column one of the halved picture is made of, and how much of each: two
 // alike, with an odd length three with the middle one twice, of a single pixel that one.
@@ -67,7 +80,38 @@ Picture halvedChannels(const Picture& from) {
     return to;
 }
 
+// Of even sides, two channels of a word at a time.
+Picture halvedColors(const Picture& from) {
+    Picture to;
+    to.width = from.width / 2;
+    to.height = from.height / 2;
+    to.channels = 4;
+    to.pixels.resize(static_cast<size_t>(to.width) * to.height * to.channels);
+    for (int y = 0; y < to.height; ++y) {
+        const uint8_t* upper = from.at(0, 2 * y);
+        const uint8_t* lower = from.at(0, 2 * y + 1);
+        uint8_t* out = to.pixels.data() + static_cast<size_t>(y) * to.width * to.channels;
+        for (int x = 0; x < to.width; ++x, upper += 8, lower += 8, out += 4) {
+            uint64_t rows[2];
+            std::memcpy(&rows[0], upper, sizeof(uint64_t));
+            std::memcpy(&rows[1], lower, sizeof(uint64_t));
+            constexpr uint64_t kEven = 0x00FF00FF00FF00FF;
+            const uint64_t even = (rows[0] & kEven) + (rows[1] & kEven);
+            const uint64_t odd = (rows[0] >> 8 & kEven) + (rows[1] >> 8 & kEven);
+            const auto mean = [](uint64_t sums) {
+                return static_cast<uint32_t>(sums + (sums >> 32)) >> 2 & 0x00FF00FF;
+            };
+            const uint32_t pixel = mean(even) | mean(odd) << 8;
+            std::memcpy(out, &pixel, sizeof(pixel));
+        }
+    }
+    return to;
+}
+
 Picture halved(const Picture& from) {
+    if (from.channels == 4 && from.width % 2 == 0 && from.height % 2 == 0) {
+        return halvedColors(from);
+    }
     return from.channels == 1 ? halvedChannels<1>(from) : halvedChannels<4>(from);
 }
 
@@ -86,19 +130,49 @@ struct Between {
     float part;
 };
 
-// Bilinear, channels kFirst to kFirst + kChannels - 1.
+// Bilinear, channels kFirst to kFirst + kChannels - 1: first along a row, then between two of them.
 template <size_t kFirst, size_t kChannels>
-void sample(const Picture& picture, const Between& x, const Between& y, uint8_t* out) {
-    const uint8_t* corners[] = {picture.at(x.first, y.first), picture.at(x.second, y.first),
-                                picture.at(x.first, y.second), picture.at(x.second, y.second)};
-    for (size_t c = kFirst; c < kFirst + kChannels; ++c) {
-        const auto at = [&](int corner) -> float { return corners[corner][c]; };
-        const float top = at(0) * (1 - x.part) + at(1) * x.part;
-        const float bottom = at(2) * (1 - x.part) + at(3) * x.part;
-        // Between 0 and 255: cutting what is half more rounds to the nearest.
-        *out++ = static_cast<uint8_t>(top * (1 - y.part) + bottom * y.part + 0.5f);
+void sampleRow(const Picture& picture, const Between& x, int y, float* out) {
+    const uint8_t* first = picture.at(x.first, y) + kFirst;
+    const uint8_t* second = picture.at(x.second, y) + kFirst;
+    for (size_t c = 0; c < kChannels; ++c) {
+        out[c] =
+            static_cast<float>(first[c]) * (1 - x.part) + static_cast<float>(second[c]) * x.part;
     }
 }
+
+void mixRows(const float* top, const float* bottom, float part, size_t count, uint8_t* out) {
+    for (size_t i = 0; i < count; ++i) {
+        // Between 0 and 255: cutting what is half more rounds to the nearest.
+        out[i] =
+            static_cast<uint8_t>(static_cast<int>(top[i] * (1 - part) + bottom[i] * part + 0.5f));
+    }
+}
+
+// Samples of two rows, kept for the rows of pixels that lie between the same.
+class SampledRows {
+public:
+    // Those of a picture's row, made by sample(out).
+    template <typename Sample>
+    const float* row(int y, size_t count, Sample sample) {
+        for (const Row& known : rows_) {
+            if (known.y == y) return known.samples.data();
+        }
+        next_ = 1 - next_;
+        rows_[next_].y = y;
+        rows_[next_].samples.resize(count);
+        sample(rows_[next_].samples.data());
+        return rows_[next_].samples.data();
+    }
+
+private:
+    struct Row {
+        int y = -1;
+        std::vector<float> samples;
+    };
+    Row rows_[2];
+    size_t next_ = 0;
+};
 
 // How often a picture is halved before it is drawn through (xx, xy; 0, yy): until the smaller of
 // its scales is above a half.
@@ -134,11 +208,8 @@ bool StrikeImage::assign(const FT_GlyphSlotRec& slot) {
             for (unsigned x = 0; x < bitmap.width; ++x) *out++ = coverageAt(bitmap, row, x);
             continue;
         }
-        for (const uint8_t* bgra = row; bgra < row + size_t{4} * bitmap.width; bgra += 4) {
-            const uint8_t alpha = bgra[3];
-            for (const int channel : {2, 1, 0}) *out++ = std::min(bgra[channel], alpha);
-            *out++ = alpha;
-        }
+        copyColors(row, bitmap.width, out);
+        out += size_t{4} * bitmap.width;
     }
     return true;
 }
@@ -214,21 +285,41 @@ void StrikeImage::resample(const GlyphMatrix& m, const GlyphPlacement& p, const 
     // Where the picture lies, from where x is 0 in it.
     const double edges[] = {xx * fLeft, xx * (fLeft + fPicture.width)};
     const int width = window.fRight - window.fLeft;
+    std::vector<Between> across;  // of the pixels from `begin` on; all rows have the same unless
+    int begin = 0;                // the picture leans
+    SampledRows sampled;
     for (int y = window.fTop; y < window.fBottom; ++y, out += kChannels * width) {
         const double sy = (y + 0.5 - p.dy) / yy;
         const double v = sy - fTop;
         if (!(v >= 0 && v < fPicture.height)) continue;
-        const Between across(v * rows, level->height);
-        const double zero = p.dx + xy * sy;
-        const int first = floorToInt(std::min(edges[0], edges[1]) + zero);
-        const int last = ceilToInt(std::max(edges[0], edges[1]) + zero);
-        const int end = std::min(last + 1, window.fRight);
-        for (int x = std::max(first - 1, window.fLeft); x < end; ++x) {
-            const double u = (x + 0.5 - zero) / xx - fLeft;
-            if (!(u >= 0 && u < fPicture.width)) continue;
-            sample<kFirst, kChannels>(*level, Between(u * columns, level->width), across,
-                                      out + kChannels * (x - window.fLeft));
+        if (xy != 0 || across.empty()) {
+            const double zero = p.dx + xy * sy;
+            const int first = floorToInt(std::min(edges[0], edges[1]) + zero);
+            const int last = ceilToInt(std::max(edges[0], edges[1]) + zero);
+            const int end = std::min(last + 1, window.fRight);
+            across.clear();
+            for (int x = std::max(first - 1, window.fLeft); x < end; ++x) {
+                const double u = (x + 0.5 - zero) / xx - fLeft;
+                if (!(u >= 0 && u < fPicture.width)) continue;
+                if (across.empty()) begin = x;
+                across.emplace_back(u * columns, level->width);
+            }
+            sampled = SampledRows();
         }
+        if (across.empty()) continue;
+        const Between down(v * rows, level->height);
+        const size_t count = kChannels * across.size();
+        const auto rowAt = [&](int row) {
+            return sampled.row(row, count, [&](float* samples) {
+                for (const Between& x : across) {
+                    sampleRow<kFirst, kChannels>(*level, x, row, samples);
+                    samples += kChannels;
+                }
+            });
+        };
+        const float* top = rowAt(down.first);
+        const float* bottom = rowAt(down.second);
+        mixRows(top, bottom, down.part, count, out + kChannels * (begin - window.fLeft));
     }
 }
 

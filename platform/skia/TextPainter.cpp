@@ -222,7 +222,13 @@ void TextPainter::blitColors(const Mask& colors) const {
         for (int x = area.fLeft; x < area.fRight; ++x, source += kColorBytes, pixel += 4) {
             if (source[3] == 0) continue;
             if (fFormat == PixelFormat::kPremul) {
-                coverPixel(source, fAlpha, pixel);
+                uint32_t before;
+                std::memcpy(&before, pixel, kColorBytes);
+                if (fAlpha == 255 && (source[3] == 255 || before == 0)) {
+                    std::memcpy(pixel, source, kColorBytes);
+                } else {
+                    coverPixel(source, fAlpha, pixel);
+                }
                 continue;
             }
             const float part = static_cast<float>(fAlpha) * kByteToUnit * kByteToUnit;

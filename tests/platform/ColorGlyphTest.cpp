@@ -358,7 +358,7 @@ TEST(ColorComposite, ModesAreTheStandards) {
                     }
                     uint8_t out[4];
                     std::copy_n(d, 4, out);
-                    portable::composite(static_cast<FT_Composite_Mode>(mode), s, out, 1);
+                    portable::composite(mode, s, out, 1);
                     ASSERT_LE(std::max({out[0], out[1], out[2]}), out[3]) << mode;
                     if (mode == FT_COLR_COMPOSITE_MAX) {
                         ASSERT_EQ(out[3], 0);

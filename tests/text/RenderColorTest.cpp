@@ -194,7 +194,7 @@ TEST_F(ColorGlyphText, GraphsAreDrawnWithTheirShadows) {
     };
     gxtest::addColorGraphs(font, {{letters, gxtest::layersPaint(2, 0)}}, {0xFF3060C0},
                            {part(0), gxtest::translatePaint(400, 0, part(0xFFFF))});
-    const gxtest::Bytes file = font.build();
+    static const gxtest::Bytes file = font.build();
     useFonts({gxtest::makeFont(file.data(), file.size())});
     setPaint(50);
     text.SetTextColor(0xFFC02000);
