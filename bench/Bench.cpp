@@ -235,7 +235,11 @@ void addAllRows() {
     addReliefRows();
     addShadowRows();
     addLimitRows();
+    addLookRows();
 #ifdef GXBENCH_LINES
+#ifdef GXBENCH_EMOJI_FONT
+    addColorGlyphRows();
+#endif
     addFontRows();
     addLineRows();
 #endif

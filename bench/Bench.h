@@ -56,7 +56,11 @@ void addGlowRows();
 void addReliefRows();
 void addShadowRows();
 void addLimitRows();
+void addLookRows();
 #ifdef GXBENCH_LINES
+#ifdef GXBENCH_EMOJI_FONT
+void addColorGlyphRows();
+#endif
 void addFontRows();  // need the portable text stack
 void addLineRows();
 #endif

@@ -28,15 +28,26 @@ uint8_t coverageAt(const FT_Bitmap& bitmap, const uint8_t* row, unsigned x) {
 
 using Picture = StrikeImage::Picture;
 
-// B, G, R, A to R, G, B, A, no colour above its alpha.
+// B, G, R, A to R, G, B, A, no colour above its alpha: words are turned first, then bytes compared.
 void copyColors(const uint8_t* bgra, size_t count, uint8_t* out) {
-    for (size_t i = 0; i < count; ++i) {
-        const auto channel = [&](size_t c) { return uint32_t{bgra[4 * i + c]}; };
-        const uint32_t alpha = channel(3);
-        out[4 * i] = static_cast<uint8_t>(std::min(channel(2), alpha));
-        out[4 * i + 1] = static_cast<uint8_t>(std::min(channel(1), alpha));
-        out[4 * i + 2] = static_cast<uint8_t>(std::min(channel(0), alpha));
-        out[4 * i + 3] = static_cast<uint8_t>(alpha);
+    constexpr size_t kStretch = 64;
+    for (size_t first = 0; first < count; first += kStretch) {
+        const size_t pixels = std::min(count - first, kStretch);
+        uint32_t colors[kStretch];
+        uint32_t alphas[kStretch];
+        uint8_t bytes[2][4 * kStretch];
+        std::memcpy(colors, bgra + 4 * first, 4 * pixels);
+        for (size_t i = 0; i < pixels; ++i) {
+            const uint32_t color = colors[i];
+            const uint32_t twice = color >> 24 | (color >> 24) << 8;
+            colors[i] = (color & 0xFF00FF00) | (color >> 16 & 0xFF) | (color & 0xFF) << 16;
+            alphas[i] = twice | twice << 16;
+        }
+        std::memcpy(bytes[0], colors, 4 * pixels);
+        std::memcpy(bytes[1], alphas, 4 * pixels);
+        for (size_t i = 0; i < 4 * pixels; ++i) {
+            out[4 * first + i] = std::min(bytes[0][i], bytes[1][i]);
+        }
     }
 }
 
@@ -130,16 +141,51 @@ struct Between {
     float part;
 };
 
-// Bilinear, channels kFirst to kFirst + kChannels - 1: first along a row, then between two of them.
+// How the pixels of a row are made of those of a picture's row. For each channel of each the part
+// of the first pixel and of the second lie apart, so that a row is one loop over numbers in turn.
 template <size_t kFirst, size_t kChannels>
-void sampleRow(const Picture& picture, const Between& x, int y, float* out) {
-    const uint8_t* first = picture.at(x.first, y) + kFirst;
-    const uint8_t* second = picture.at(x.second, y) + kFirst;
-    for (size_t c = 0; c < kChannels; ++c) {
-        out[c] =
-            static_cast<float>(first[c]) * (1 - x.part) + static_cast<float>(second[c]) * x.part;
+class RowSampler {
+public:
+    void clear() {
+        places_.clear();
+        parts_[0].clear();
+        parts_[1].clear();
     }
-}
+    bool isEmpty() const { return places_.empty(); }
+    void add(const Between& place) {
+        places_.push_back(place);
+        for (size_t c = 0; c < kChannels; ++c) {
+            parts_[0].push_back(1 - place.part);
+            parts_[1].push_back(place.part);
+        }
+    }
+    size_t count() const { return parts_[0].size(); }
+
+    // Bilinear: first along a row, mixRows() then between two.
+    void sample(const Picture& picture, int y, float* out) {
+        for (std::vector<uint8_t>& bytes : bytes_) bytes.resize(count());
+        const uint8_t* row = picture.at(0, y) + kFirst;
+        for (size_t i = 0; i < places_.size(); ++i) {
+            const auto at = [&](int x) { return row + static_cast<size_t>(x) * picture.channels; };
+            std::memcpy(&bytes_[0][i * kChannels], at(places_[i].first), kChannels);
+            std::memcpy(&bytes_[1][i * kChannels], at(places_[i].second), kChannels);
+        }
+        mix(bytes_[0].data(), bytes_[1].data(), parts_[0].data(), parts_[1].data(), count(), out);
+    }
+
+private:
+    static void mix(const uint8_t* first, const uint8_t* second, const float* firstPart,
+                    const float* secondPart, size_t count, float* out) {
+        for (size_t i = 0; i < count; ++i) {
+            out[i] = static_cast<float>(first[i]) * firstPart[i] +
+                     static_cast<float>(second[i]) * secondPart[i];
+        }
+    }
+
+    std::vector<Between> places_;
+    std::vector<float> parts_[2];
+    std::vector<uint8_t> bytes_[2];
+};
 
 void mixRows(const float* top, const float* bottom, float part, size_t count, uint8_t* out) {
     for (size_t i = 0; i < count; ++i) {
@@ -285,14 +331,14 @@ void StrikeImage::resample(const GlyphMatrix& m, const GlyphPlacement& p, const 
     // Where the picture lies, from where x is 0 in it.
     const double edges[] = {xx * fLeft, xx * (fLeft + fPicture.width)};
     const int width = window.fRight - window.fLeft;
-    std::vector<Between> across;  // of the pixels from `begin` on; all rows have the same unless
-    int begin = 0;                // the picture leans
+    RowSampler<kFirst, kChannels> across;  // of the pixels from `begin` on; all rows have the same
+    int begin = 0;                         // unless the picture leans
     SampledRows sampled;
     for (int y = window.fTop; y < window.fBottom; ++y, out += kChannels * width) {
         const double sy = (y + 0.5 - p.dy) / yy;
         const double v = sy - fTop;
         if (!(v >= 0 && v < fPicture.height)) continue;
-        if (xy != 0 || across.empty()) {
+        if (xy != 0 || across.isEmpty()) {
             const double zero = p.dx + xy * sy;
             const int first = floorToInt(std::min(edges[0], edges[1]) + zero);
             const int last = ceilToInt(std::max(edges[0], edges[1]) + zero);
@@ -301,21 +347,17 @@ void StrikeImage::resample(const GlyphMatrix& m, const GlyphPlacement& p, const 
             for (int x = std::max(first - 1, window.fLeft); x < end; ++x) {
                 const double u = (x + 0.5 - zero) / xx - fLeft;
                 if (!(u >= 0 && u < fPicture.width)) continue;
-                if (across.empty()) begin = x;
-                across.emplace_back(u * columns, level->width);
+                if (across.isEmpty()) begin = x;
+                across.add(Between(u * columns, level->width));
             }
             sampled = SampledRows();
         }
-        if (across.empty()) continue;
+        if (across.isEmpty()) continue;
         const Between down(v * rows, level->height);
-        const size_t count = kChannels * across.size();
+        const size_t count = across.count();
         const auto rowAt = [&](int row) {
-            return sampled.row(row, count, [&](float* samples) {
-                for (const Between& x : across) {
-                    sampleRow<kFirst, kChannels>(*level, x, row, samples);
-                    samples += kChannels;
-                }
-            });
+            return sampled.row(row, count,
+                               [&](float* samples) { across.sample(*level, row, samples); });
         };
         const float* top = rowAt(down.first);
         const float* bottom = rowAt(down.second);
