@@ -248,6 +248,7 @@ void addAllRows() {
     addThreadRows();
 #ifdef GXBENCH_TOOL
     addCommandRows();
+    addBatchRows();
 #endif
 #endif
 }

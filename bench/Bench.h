@@ -68,6 +68,7 @@ void addLineRows();
 void addTitleRows();  // need the scene library
 void addThreadRows();
 void addCommandRows();  // need the program
+void addBatchRows();
 #endif
 
 // The names of peers that this build lacks are said above the table.

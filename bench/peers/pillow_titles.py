@@ -120,4 +120,5 @@ def prepare(job):
     return Title(job).draw, note
 
 
-serve(f"Pillow {PIL.__version__}", prepare, lambda image, file: image.save(file))
+if __name__ == "__main__":
+    serve(f"Pillow {PIL.__version__}", prepare, lambda image, file: image.save(file))
