@@ -114,6 +114,7 @@ struct Code {
         std::vector<int> depths{1};
         if (used.size() > 1) {
             std::vector<uint32_t> usedCounts;
+            usedCounts.reserve(used.size());
             for (const size_t symbol : used) usedCounts.push_back(counts[symbol]);
             depths = depthsOf(usedCounts);
             limitDepths(depths, limit);
