@@ -121,6 +121,8 @@ def _bundle(style: Style, fonts: File) -> bytes:
             archive.writestr(zipfile.ZipInfo(name), data)
 
         folder = pathlib.Path(fonts)
+        if folder.is_file():
+            raise ValueError(f"{folder}: not a folder of fonts")
         files = sorted(file for file in folder.rglob("*") if file.suffix.lower() in _FONTS and file.is_file())
         Renderer(fonts)  # raises what is wrong with them here, not on an executor
         for file in files:

@@ -95,6 +95,8 @@ def test_rows_have_the_bytes_of_the_renderer(spark, fonts, renderer, title, tmp_
         render_titles(frame, title, fonts=fonts, text="title")
     with pytest.raises(gxtext.FontError):
         render_titles(frame, title, fonts=tmp_path)
+    with pytest.raises(ValueError, match="not a folder"):
+        render_titles(frame, title, fonts=fonts / "DejaVuSans.ttf")
 
 
 def test_an_executor_dies_and_nothing_is_lost(spark, fonts, renderer, title):
