@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <set>
 #include <string>
 #include <vector>
 
@@ -8,6 +9,12 @@
 
 namespace GxFontEffect {
 namespace {
+
+TEST(NativeTableTest, EveryNativeHasAFunctionOfItsOwn) {
+    std::set<void*> functions;
+    for (const JNINativeMethod& native : NativeTable()) functions.insert(native.fnPtr);
+    EXPECT_EQ(functions.size(), NativeTable().size());
+}
 
 jint JNICALL refuseVersion(JavaVM*, void** env, jint) {
     *env = nullptr;
