@@ -10,8 +10,10 @@ import base64
 import html
 import os
 import pathlib
+import shutil
 import sys
 
+import pyspark
 from pyspark.sql import SparkSession
 
 import gxtext
@@ -67,7 +69,10 @@ def main():
     style = gxtext.Style.load(HERE / "style.json")
     pictures = render_titles(titles, style, fonts=options.fonts, fields=fields)
     rows = pictures.orderBy("id").collect()
+    work = pathlib.Path(pyspark.__file__).parent / "work" / spark.sparkContext.applicationId
     spark.stop()
+    # A cluster in a process keeps what its executors were sent.
+    shutil.rmtree(work, ignore_errors=True)
 
     options.out.mkdir(parents=True, exist_ok=True)
     (options.out / "index.html").write_text(sheet(rows), encoding="utf-8")

@@ -3,6 +3,7 @@
 import hashlib
 import os
 import pathlib
+import shutil
 import signal
 import sys
 import threading
@@ -12,7 +13,7 @@ import pytest
 
 import gxtext
 
-pytest.importorskip("pyspark")
+pyspark = pytest.importorskip("pyspark")
 from gxtext.spark import render_titles  # noqa: E402
 
 TITLES = int(os.environ.get("GXTEXT_TEST_TITLES", "400"))
@@ -39,7 +40,11 @@ def spark():
     )
     session.sparkContext.setLogLevel("OFF")
     yield session
+    # A cluster in a process keeps what its executors were sent.
+    work = pathlib.Path(pyspark.__file__).parent / "work" / session.sparkContext.applicationId
     session.stop()
+    shutil.rmtree(work, ignore_errors=True)
+    assert not work.exists()
 
 
 def executors(spark):
