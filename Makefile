@@ -13,6 +13,7 @@ FUZZ_SECONDS ?= 60
 
 help:
 	@echo "make demo          build, then render sample pictures into out/demo/"
+	@echo "make studio        build and open the page that makes styles"
 	@echo "make demo-java     render pictures through the Java SDK into out/demo-java/"
 	@echo "make demo-spark    render pictures on a Spark cluster of this machine into out/demo-spark/"
 	@echo "make test          build and run every test"
@@ -45,6 +46,13 @@ demo: setup
 	cmake --preset release
 	cmake --build --preset release --target gxtext_tool
 	scripts/demo $(BUILD)/release out/demo
+
+.PHONY: studio
+studio: setup
+	@scripts/setup demo node
+	cmake --preset release
+	cmake --build --preset release --target gxtext_tool gxtext_studio
+	$(BUILD)/release/tools/gxtext/gxtext studio
 
 demo-java: setup
 	@scripts/setup demo java

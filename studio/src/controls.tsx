@@ -105,24 +105,31 @@ function Slider(props: ControlProps) {
   );
 }
 
+// What is typed stays as it is typed until the field is left: one that is empty meanwhile is not yet the
+// default.
 function NumberField(props: ControlProps) {
-  const { field, name } = props;
-  const value = valueOf(props);
+  const { field, name, path } = props;
+  const [typed, setTyped] = useState<string>();
+  const value = valueOf(props) as number | undefined;
+  // Another control, or a step back, may have changed it since.
+  const isTyped = typed !== undefined && (typed === '' || Number(typed) === value);
+  const leave = () => {
+    if (typed === '' && !field.isRequired) setValue(path, undefined);
+    setTyped(undefined);
+  };
   return (
     <span class="number">
       <input
         type="number"
         aria-label={words.number(name)}
         step="any"
-        value={value as number | undefined}
+        value={isTyped ? typed : value}
         onInput={(event) => {
           const given = event.currentTarget.valueAsNumber;
-          if (Number.isNaN(given)) {
-            if (event.currentTarget.value === '' && !field.isRequired) setValue(props.path, undefined);
-          } else {
-            setNumber(props, given);
-          }
+          setTyped(event.currentTarget.value);
+          if (!Number.isNaN(given)) setNumber(props, given);
         }}
+        onBlur={leave}
       />
       <span class="unit">{UNITS[field.unit] ?? ''}</span>
     </span>

@@ -99,9 +99,12 @@ export async function loadTheirs() {
   change(saved, '', { saved, version: opened.version, notice: words.reloaded(name), conflict: '' });
 }
 
+// Tells this page from others, and from itself when it was left and is come back to.
+let page = crypto.randomUUID();
+
 async function look() {
   const { name, version, isLost } = current();
-  const found = await call<{ version: string; styles: string[] }>('watch', { name });
+  const found = await call<{ version: string; styles: string[] }>('watch', { name, page });
   const changes: Partial<State> = {};
   if (isLost) changes.isLost = false;
   if (JSON.stringify(found.styles) !== JSON.stringify(current().styles)) changes.styles = found.styles;
@@ -118,7 +121,12 @@ export function startWatching() {
     setTimeout(again, WATCH_MILLISECONDS);
   };
   void again();
-  addEventListener('pagehide', () => void fetch('close', { method: 'POST', body: '{}', keepalive: true, headers: { 'Content-Type': 'application/json' } }));
+  addEventListener('pageshow', () => {
+    page = crypto.randomUUID();
+  });
+  addEventListener('pagehide', () => {
+    void fetch('close', { method: 'POST', body: JSON.stringify({ page }), keepalive: true, headers: { 'Content-Type': 'application/json' } });
+  });
 }
 
 // In the browser at once, beside the file a little later.

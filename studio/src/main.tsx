@@ -8,7 +8,7 @@ import { Layers } from './layers';
 import { Schema } from './schema';
 import { type Session, call } from './server';
 import { Stage } from './stage';
-import { canRedo, canUndo, current, isChanged, redo, start, undo, useStore } from './store';
+import { canRedo, canUndo, current, isChanged, recentColors, redo, start, undo, useStore } from './store';
 import { TextPanel } from './text';
 import { words } from './words';
 
@@ -156,11 +156,11 @@ async function begin() {
     notice: '',
     canDiscard: false,
     conflict: '',
-    recent: [],
+    recent: recentColors(),
     styles: [],
     density: 0,
   });
-  if (session.file) await openStyle(session.file);
+  if (session.file) await attempt(() => openStyle(session.file));
   else restore('');
   render(<Page />, document.getElementById('page') as HTMLElement);
   startDrawing();

@@ -87,7 +87,7 @@ export async function draw(request: DrawRequest): Promise<Drawn> {
 }
 
 export async function drawFile(request: DrawRequest): Promise<Blob> {
-  const [, bytes, start] = await callWorker('png', { ...request });
+  const [, bytes, start] = await callWorker('file', { ...request });
   return new Blob([bytes.slice(start)], { type: 'image/png' });
 }
 

@@ -1,5 +1,5 @@
 // The picture on its backdrop, and what can be laid over it.
-import type { ComponentChildren } from 'preact';
+import type { ComponentChildren, RefObject } from 'preact';
 import { useEffect, useLayoutEffect, useRef, useState } from 'preact/hooks';
 import { ComparisonBar, type CompareMode, differenceOf } from './compare';
 import { ColorPicker, DropZone } from './controls';
@@ -14,6 +14,8 @@ const ZOOMS = [0.25, 0.5, 1, 2, 4, 8, 16, 32];
 const GRID_FROM = 8;
 const DENSITIES = [1, 2, 3];
 const MOST_FITTED = 4;
+// Of characters that belong to none.
+const NO_SCRIPTS = ['', 'Unknown', 'Common', 'Inherited'];
 
 export function Stage() {
   const { drawn, density, comparison, compared, style } = useStore();
@@ -37,6 +39,14 @@ export function Stage() {
   const shown = drawn && { width: drawn.width * (isSide ? 2 : 1), height: drawn.height };
   const fitted = shown ? Math.min(MOST_FITTED, (size[0] - (isSide ? 72 : 32)) / shown.width, (size[1] - (isSide ? 72 : 32)) / shown.height) : 1;
   const factor = density > 0 ? 1 / density : zoom || (fitted >= 1 ? Math.floor(fitted) : fitted);
+  useCentre(room, factor);
+  // The wheel with Ctrl goes through the steps of the zoom.
+  const wheel = (event: WheelEvent) => {
+    if (!event.ctrlKey || density > 0) return;
+    event.preventDefault();
+    const next = event.deltaY < 0 ? ZOOMS.find((item) => item > factor) : ZOOMS.findLast((item) => item < factor);
+    if (next) setZoom(next);
+  };
   const paint = backdrop === 'color' ? { background: color } : backdrop === 'photo' && photo ? { backgroundImage: `url(${photo})` } : {};
   const picture = (of: Drawn, extra?: ComponentChildren) => (
     <PictureView drawn={of} factor={factor} overlays={overlays} onPixel={setPixel} text={String(style.text ?? '')}>
@@ -85,7 +95,7 @@ export function Stage() {
       {backdrop === 'photo' && (
         <DropZone name={words.backdropPhoto} text={words.backdropPhoto} accept="image/*" onFile={(file) => setPhoto(URL.createObjectURL(file))} />
       )}
-      <div class={`room ${backdrop}`} style={paint} ref={room} tabIndex={0} role="region" aria-label={words.picture}>
+      <div class={`room ${backdrop}`} style={paint} ref={room} tabIndex={0} role="region" aria-label={words.picture} onWheel={wheel}>
         <div class={density > 0 ? 'phone' : 'plain'}>
           {drawn && mode === 'difference' && compared ? (
             <DifferenceView one={drawn} other={compared} factor={factor} />
@@ -107,6 +117,20 @@ export function Stage() {
       <Status drawn={drawn} pixel={pixel} />
     </main>
   );
+}
+
+// What was in the middle of the view stays there when the zoom changes.
+function useCentre(room: RefObject<HTMLDivElement | null>, factor: number) {
+  const before = useRef(factor);
+  useLayoutEffect(() => {
+    const view = room.current;
+    if (!view || before.current === factor) return;
+    const grown = factor / before.current;
+    before.current = factor;
+    const place = (start: number, length: number, whole: number) =>
+      whole <= length ? 0 : start > 0 ? (start + length / 2) * grown - length / 2 : (whole - length) / 2;
+    view.scrollTo(place(view.scrollLeft, view.clientWidth, view.scrollWidth), place(view.scrollTop, view.clientHeight, view.scrollHeight));
+  }, [factor]);
 }
 
 function Group({ name, children }: { name: string; children: ComponentChildren }) {
@@ -222,7 +246,7 @@ function Status({ drawn, pixel }: { drawn: Drawn | undefined; pixel: string }) {
   if (!drawn) return <footer class="status" />;
   const known = schema.style.map((field) => field.name);
   const loose = problems.filter((problem) => !known.some((name) => problem.path.startsWith(`$.${name}`)));
-  const scripts = [...new Set(drawn.missing.map((item) => item.script))].join(', ');
+  const scripts = [...new Set(drawn.missing.map((item) => item.script).filter((script) => !NO_SCRIPTS.includes(script)))].join(', ');
   const others = drawn.fonts.slice(1).map((font) => font.family);
   return (
     <footer class="status">
@@ -232,7 +256,7 @@ function Status({ drawn, pixel }: { drawn: Drawn | undefined; pixel: string }) {
       <span class="pixel">{pixel}</span>
       {drawn.missing.length > 0 && (
         <span class="mistake" role="alert">
-          {words.missing(drawn.missing.map((item) => item.codePoint).join(', '))} {words.missingFonts(scripts)}
+          {words.missing(drawn.missing.map((item) => item.codePoint).join(', '))} {scripts ? words.missingFonts(scripts) : words.missingFont}
         </span>
       )}
       {others.length > 0 && <span>{words.fallback([...new Set(others)].join(', '))}</span>}

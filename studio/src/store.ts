@@ -34,6 +34,7 @@ export interface State {
 // Changes of one control within this time are one step.
 const STEP_MILLISECONDS = 700;
 const MOST_RECENT = 12;
+const RECENT = 'gxtext:recent';
 
 let state: State;
 const watchers = new Set<() => void>();
@@ -141,7 +142,13 @@ export function replace(change: Partial<State>) {
 
 export function useColor(color: string) {
   const others = state.recent.filter((other) => other !== color);
-  update({ recent: [color, ...others].slice(0, MOST_RECENT) });
+  const recent = [color, ...others].slice(0, MOST_RECENT);
+  localStorage.setItem(RECENT, JSON.stringify(recent));
+  update({ recent });
+}
+
+export function recentColors(): string[] {
+  return JSON.parse(localStorage.getItem(RECENT) ?? '[]');
 }
 
 export function effectsOf(style: Json): Json[] {

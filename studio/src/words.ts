@@ -91,6 +91,7 @@ const english = {
   discard: 'Discard them',
   missing: (characters: string) => `No installed font has ${characters}.`,
   missingFonts: (scripts: string) => `A font for ${scripts} has them: drop one here.`,
+  missingFont: 'Drop a font that has them.',
   fallback: (fonts: string) => `Other letters come from ${fonts}.`,
   notStyle: 'This is no JSON of a style.',
   allowed: (allowed: string) => `Allowed: ${allowed}`,

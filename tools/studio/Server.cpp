@@ -87,7 +87,6 @@ void Server::configure() {
     http_.set_write_timeout(kRequestSeconds);
     http_.set_keep_alive_timeout(kKeepAliveSeconds);
     http_.set_keep_alive_max_count(kMostRequests);
-    http_.set_tcp_nodelay(true);
     http_.set_payload_max_length(Files::kMaxDropped);
     http_.set_default_headers(kHeaders);
     http_.set_pre_routing_handler([this](const auto& request, auto& response) {
@@ -162,8 +161,9 @@ void Server::addCalls() {
         files_.remember(request.at("name"), request.at("text"));
         return Json::object();
     });
-    addCall("close", [this](const Json&) {
-        isClosed_ = true;
+    addCall("close", [this](const Json& request) {
+        const std::lock_guard guard(lock_);
+        closedPage_ = request.at("page");
         return Json::object();
     });
     http_.Post(root_ + "/drop",
@@ -179,7 +179,7 @@ void Server::addRender(const std::string& op) {
 }
 
 void Server::addRenders() {
-    for (const char* op : {"render", "png", "check", "import"}) addRender(op);
+    for (const char* op : {"render", "file", "check", "import"}) addRender(op);
 }
 
 // With what the page need not know.
@@ -191,7 +191,6 @@ Server::Json Server::completed(Json request) {
 }
 
 Server::Json Server::session() {
-    isClosed_ = false;
     Json families = wordsOf(renders_.answer({{"op", "families"}}));
     return {{"schema", Json::parse(gxtext::styleSchema())},
             {"families", families.value("families", Json::array())},
@@ -230,7 +229,11 @@ Server::Json Server::saveStyle(const Json& request) {
 
 Server::Json Server::watch(const Json& request) {
     const std::string name = request.value("name", std::string());
-    isClosed_ = false;
+    {
+        // What a page asked before it was closed may come after its good-bye.
+        const std::lock_guard guard(lock_);
+        if (request.value("page", std::string()) != closedPage_) closedPage_.clear();
+    }
     return {{"version", name.empty() ? "" : files_.versionOf(name)}, {"styles", files_.styles()}};
 }
 
@@ -244,10 +247,15 @@ void Server::takeDropped(const httplib::Request& request, httplib::Response& res
     response.set_content(jsonText(words), kJson);
 }
 
+bool Server::isClosed() {
+    const std::lock_guard guard(lock_);
+    return !closedPage_.empty();
+}
+
 void Server::stopWhenIdle() {
     while (true) {
         std::this_thread::sleep_for(seconds(1));
-        const seconds limit = isClosed_ ? std::min(kFarewell, options_.idle) : options_.idle;
+        const seconds limit = isClosed() ? std::min(kFarewell, options_.idle) : options_.idle;
         if (now() - lastCall_ > limit.count()) std::_Exit(EXIT_SUCCESS);
     }
 }

@@ -6,6 +6,7 @@
 #include <atomic>
 #include <chrono>
 #include <functional>
+#include <mutex>
 #include <string>
 
 #include "Files.h"
@@ -47,6 +48,7 @@ private:
     Json openStyle(const Json& request);
     Json saveStyle(const Json& request);
     Json watch(const Json& request);
+    bool isClosed();
     Json presets();
     void takeDropped(const httplib::Request& request, httplib::Response& response);
     Json completed(Json request);
@@ -58,7 +60,8 @@ private:
     Files& files_;
     Renders& renders_;
     std::atomic<int64_t> lastCall_{0};  // seconds of the steady clock
-    std::atomic<bool> isClosed_{false};
+    std::mutex lock_;                   // guards what follows
+    std::string closedPage_;            // that said good-bye last, while no other has asked since
 };
 
 }  // namespace gxstudio

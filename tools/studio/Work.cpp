@@ -165,7 +165,7 @@ std::string Work::answer(const std::string& request) {
 std::string Work::answerTo(const Json& request) {
     const std::string op = request.at("op");
     if (op == "render") return draw(request, false);
-    if (op == "png") return draw(request, true);
+    if (op == "file") return draw(request, true);
     if (op == "check") return check(request);
     if (op == "import") return import(request);
     if (op == "font") return describeFont(request);

@@ -108,9 +108,9 @@ public:
         options_.file = file.filename().string();
         options_.secret = randomSecret();
         options_.idle = std::chrono::seconds(arguments_.idleSeconds);
-        if (!file.empty()) gxtext::Style::fromFile(file);  // says what is wrong with it
-        bind();
         Files files(folder_, session_.path());
+        if (!file.empty()) gxtext::Style::fromFile(files.pathOf(options_.file));  // or says why not
+        bind();
         for (const BuiltIn& pattern : kPatterns) {
             files.keep(std::string(pattern.name), pattern.bytes);
         }
@@ -131,6 +131,7 @@ public:
 private:
     void bind() {
         http_.set_address_family(AF_INET);
+        http_.set_tcp_nodelay(true);  // of the socket that is made here
         options_.port = arguments_.port;
         const bool isBound = arguments_.port == 0
                                  ? (options_.port = http_.bind_to_any_port("127.0.0.1")) > 0
