@@ -159,6 +159,7 @@ function download(name: string, blob: Blob) {
 }
 
 const SCALES = [1, 2, 3];
+const FORMATS = ['png', 'webp'] as const;
 
 function ExportDialog({ close }: DialogProps) {
   const { style, name } = useStore();
@@ -178,8 +179,8 @@ function ExportDialog({ close }: DialogProps) {
     void guarded(async () => setText((await ask<{ text: string }>('check', { style, name })).text));
   }, [style]);
   const code = text && codeFor(kind, text);
-  const save = (scale: number) =>
-    guarded(async () => download(scale === 1 ? `${title}.png` : `${title}@${scale}x.png`, await drawFile({ style, name, scale })));
+  const save = (format: 'png' | 'webp', scale: number) =>
+    guarded(async () => download(`${title}${scale === 1 ? '' : `@${scale}x`}.${format}`, await drawFile({ style, name, scale }, format)));
   const copy = () =>
     guarded(async () => {
       await navigator.clipboard.writeText(code);
@@ -194,11 +195,13 @@ function ExportDialog({ close }: DialogProps) {
       )}
       <h3>{words.exportPicture}</h3>
       <div class="actions">
-        {SCALES.map((scale) => (
-          <button type="button" onClick={() => void save(scale)}>
-            PNG {scale}×
-          </button>
-        ))}
+        {FORMATS.map((format) =>
+          SCALES.map((scale) => (
+            <button type="button" onClick={() => void save(format, scale)}>
+              {format === 'png' ? 'PNG' : 'WebP'} {scale}×
+            </button>
+          )),
+        )}
         <button type="button" onClick={() => download(`${title}.json`, new Blob([text], { type: 'application/json' }))}>
           JSON
         </button>

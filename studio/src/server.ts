@@ -86,9 +86,9 @@ export async function draw(request: DrawRequest): Promise<Drawn> {
   return { ...(answer as unknown as Drawn), pixels: new Uint8ClampedArray(bytes.slice(start)) };
 }
 
-export async function drawFile(request: DrawRequest): Promise<Blob> {
-  const [, bytes, start] = await callWorker('file', { ...request });
-  return new Blob([bytes.slice(start)], { type: 'image/png' });
+export async function drawFile(request: DrawRequest, format: 'png' | 'webp'): Promise<Blob> {
+  const [, bytes, start] = await callWorker('file', { ...request, format });
+  return new Blob([bytes.slice(start)], { type: `image/${format}` });
 }
 
 export async function ask<T>(name: string, request: Json): Promise<T> {

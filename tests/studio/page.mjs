@@ -284,9 +284,10 @@ test('exports pictures and code that draws them', async () => {
   fs.copyFileSync(path.join(exported, 'title.json'), path.join(folder, 'title.json'));
   await open('title.json');
   await button('Export').click();
-  for (const scale of [1, 3]) {
-    const [download] = await Promise.all([page.waitForEvent('download'), button(`PNG ${scale}×`).click()]);
-    assert.deepEqual(fs.readFileSync(await download.path()), drawWithProgram(path.join(folder, 'title.json'), '--scale', String(scale)));
+  for (const [format, scale] of [['PNG', 1], ['PNG', 3], ['WebP', 2]]) {
+    const [download] = await Promise.all([page.waitForEvent('download'), button(`${format} ${scale}×`).click()]);
+    const expected = drawWithProgram(path.join(folder, 'title.json'), '--scale', String(scale), '--format', format.toLowerCase());
+    assert.deepEqual(fs.readFileSync(await download.path()), expected);
   }
   const code = async (kind) => {
     await page.getByRole('group', { name: 'Code' }).getByRole('button', { name: kind, exact: true }).click();

@@ -10,6 +10,7 @@
 #include "Answer.h"
 #include "scene/FaceFile.h"
 #include "scene/FontChoice.h"
+#include "scene/PictureFile.h"
 #include "scene/Png.h"
 #include "style/EffectStack.h"
 #include "style/LayerStyle.h"
@@ -114,6 +115,12 @@ std::vector<size_t> stackingOfAll(Style style) {
     return gxtext::stackingOrder(style);
 }
 
+std::string fileOf(const gxtext::Picture& picture, const ordered_json& request) {
+    const bool isWebp = request.value("format", std::string()) == "webp";
+    return encode(picture, isWebp ? gxtext::PictureFormat::kWebp : gxtext::PictureFormat::kPng,
+                  gxtext::PngCompression::kDefault);
+}
+
 std::string check(const ordered_json& request) {
     return packAnswer({{"text", styleOf(request).toJson()}});
 }
@@ -193,7 +200,7 @@ std::string Work::draw(const Json& request, bool asFile) {
     const gxtext::Picture picture = renderer_.render(style);
     Json answer = words(picture.arrangement());
     answer["stacking"] = stackingOfAll(style);
-    return packAnswer(answer, asFile ? picture.toPng() : rgba(picture.pixels()));
+    return packAnswer(answer, asFile ? fileOf(picture, request) : rgba(picture.pixels()));
 }
 
 Work::Json Work::words(const gxtext::Arrangement& arrangement) {

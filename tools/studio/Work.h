@@ -15,8 +15,8 @@ namespace gxstudio {
 // Requests are JSON objects with "op":
 //
 //   "render"  {style, source, files, scale, fit}  the picture, RGBA, with what is known of it
-//   "file"    {style, source, files, scale}       a PNG file, the bytes that the program writes
-//   "check"   {style, source}                     {"text"}: the style file's canonical text
+//   "file"    {style, source, files, scale, format}  a file, "png" or "webp", as the program writes
+//   it "check"   {style, source}                     {"text"}: the style file's canonical text
 //   "import"  {text}                              {"style", "losses"} of layer effects
 //   "font"    {file}                              {"family", "faces"} of a font file
 //   "families"                                    {"families"}
