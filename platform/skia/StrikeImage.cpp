@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "skia/GlyphOutline.h"
 #include "skia/Numbers.h"
 
 namespace portable {
@@ -29,24 +30,24 @@ uint8_t coverageAt(const FT_Bitmap& bitmap, const uint8_t* row, unsigned x) {
 using Picture = StrikeImage::Picture;
 
 // B, G, R, A to R, G, B, A, no colour above its alpha: words are turned first, then bytes compared.
-void copyColors(const uint8_t* bgra, size_t count, uint8_t* out) {
+void turnColors(uint8_t* pixels, size_t count) {
     constexpr size_t kStretch = 64;
     for (size_t first = 0; first < count; first += kStretch) {
-        const size_t pixels = std::min(count - first, kStretch);
+        const size_t part = std::min(count - first, kStretch);
         uint32_t colors[kStretch];
         uint32_t alphas[kStretch];
         uint8_t bytes[2][4 * kStretch];
-        std::memcpy(colors, bgra + 4 * first, 4 * pixels);
-        for (size_t i = 0; i < pixels; ++i) {
+        std::memcpy(colors, pixels + 4 * first, 4 * part);
+        for (size_t i = 0; i < part; ++i) {
             const uint32_t color = colors[i];
             const uint32_t twice = color >> 24 | (color >> 24) << 8;
             colors[i] = (color & 0xFF00FF00) | (color >> 16 & 0xFF) | (color & 0xFF) << 16;
             alphas[i] = twice | twice << 16;
         }
-        std::memcpy(bytes[0], colors, 4 * pixels);
-        std::memcpy(bytes[1], alphas, 4 * pixels);
-        for (size_t i = 0; i < 4 * pixels; ++i) {
-            out[4 * first + i] = std::min(bytes[0][i], bytes[1][i]);
+        std::memcpy(bytes[0], colors, 4 * part);
+        std::memcpy(bytes[1], alphas, 4 * part);
+        for (size_t i = 0; i < 4 * part; ++i) {
+            pixels[4 * first + i] = std::min(bytes[0][i], bytes[1][i]);
         }
     }
 }
@@ -254,7 +255,7 @@ bool StrikeImage::assign(const FT_GlyphSlotRec& slot) {
             for (unsigned x = 0; x < bitmap.width; ++x) *out++ = coverageAt(bitmap, row, x);
             continue;
         }
-        copyColors(row, bitmap.width, out);
+        std::memcpy(out, row, size_t{4} * bitmap.width);
         out += size_t{4} * bitmap.width;
     }
     return true;
@@ -295,7 +296,9 @@ void StrikeImage::render(const GlyphMatrix& matrix, const GlyphPlacement& placem
 
 void StrikeImage::renderColors(const GlyphMatrix& matrix, const GlyphPlacement& placement,
                                const SkIRect& window, uint8_t* out) const {
-    if (this->isColored()) this->draw<0, 4>(matrix, placement, window, out);
+    if (!this->isColored()) return;
+    this->draw<0, 4>(matrix, placement, window, out);
+    turnColors(out, pixelCount(window));
 }
 
 // Unscaled pictures keep to whole pixels.

@@ -36,7 +36,7 @@ public:
         std::vector<uint8_t> pixels;  // rows packed, top first
         int width = 0;
         int height = 0;
-        size_t channels = 1;  // coverage, or 4: premultiplied R, G, B, A
+        size_t channels = 1;  // coverage, or 4: premultiplied B, G, R, A
 
         const uint8_t* at(int x, int y) const {
             return pixels.data() + (static_cast<size_t>(y) * width + x) * channels;
