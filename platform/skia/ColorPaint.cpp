@@ -24,6 +24,12 @@ PaintColor mix(const PaintColor& a, const PaintColor& b, double part) {
     return {between(a.r, b.r), between(a.g, b.g), between(a.b, b.b), between(a.a, b.a)};
 }
 
+// 0 to 255, to the nearest, halves upwards; what is no number gives 0.
+uint8_t nearestByte(double v) {
+    const double half = (v > 0 ? std::min(v, 255.0) : 0) + 0.5;
+    return static_cast<uint8_t>(half);
+}
+
 // Counter-clockwise from the x axis, degrees from 0 to 360.
 double degreesOf(double x, double y) {
     const double largest = std::max(std::fabs(x), std::fabs(y));
@@ -166,10 +172,8 @@ void coverPixel(const uint8_t pixel[kColorBytes], unsigned coverage, uint8_t out
 }
 
 void coverPixel(const PaintColor& color, unsigned coverage, uint8_t out[kColorBytes]) {
-    const auto toByte = [](double v) {
-        return static_cast<uint8_t>(std::clamp(v, 0.0, 255.0) + 0.5);
-    };
-    const uint8_t pixel[] = {toByte(color.r), toByte(color.g), toByte(color.b), toByte(color.a)};
+    const uint8_t pixel[] = {nearestByte(color.r), nearestByte(color.g), nearestByte(color.b),
+                             nearestByte(color.a)};
     coverPixel(pixel, coverage, out);
 }
 
@@ -279,11 +283,11 @@ void blendPixel(int mode, const uint8_t* source, uint8_t* backdrop) {
     const Straight d(backdrop);
     const Channels both = blended(mode, s.color, d.color);
     const double alpha = s.alpha + d.alpha - s.alpha * d.alpha;
-    backdrop[3] = static_cast<uint8_t>(alpha * 255 + 0.5);
+    backdrop[3] = nearestByte(alpha * 255);
     for (size_t c = 0; c < 3; ++c) {
         const double v = s.color[c] * s.alpha * (1 - d.alpha) +
                          d.color[c] * d.alpha * (1 - s.alpha) + both[c] * s.alpha * d.alpha;
-        backdrop[c] = static_cast<uint8_t>((v > 0 ? std::min(v, alpha) : 0) * 255 + 0.5);
+        backdrop[c] = nearestByte(std::min(v, alpha) * 255);
     }
 }
 

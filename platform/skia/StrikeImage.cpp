@@ -191,8 +191,8 @@ private:
 void mixRows(const float* top, const float* bottom, float part, size_t count, uint8_t* out) {
     for (size_t i = 0; i < count; ++i) {
         // Between 0 and 255: cutting what is half more rounds to the nearest.
-        out[i] =
-            static_cast<uint8_t>(static_cast<int>(top[i] * (1 - part) + bottom[i] * part + 0.5f));
+        const float half = top[i] * (1 - part) + bottom[i] * part + 0.5f;
+        out[i] = static_cast<uint8_t>(static_cast<int>(half));
     }
 }
 
