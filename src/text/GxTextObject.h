@@ -165,7 +165,8 @@ public:
     // They come over the effects, and the fill and the effects over the letters leave them out;
     // what lies beneath, shadows, glows and strokes, is made from their silhouettes. The text
     // colour's alpha and the fill's opacity fade them like letters. Glyphs that are SVG stay their
-    // outlines. Off by default: they are letters in the shape of their silhouettes.
+    // outlines. With the system's text stack it is its canvas that draws them: of COLR 1 what the
+    // release knows. Off by default: they are letters in the shape of their silhouettes.
     void setKeepsColorGlyphs(bool keeps);
     bool getKeepsColorGlyphs() const;
 
