@@ -6,10 +6,10 @@ import android.graphics.Paint;
 import android.graphics.Rect;
 import android.text.Layout;
 import android.widget.TextView;
+import androidx.annotation.AnyThread;
 import androidx.annotation.IntRange;
 import androidx.annotation.NonNull;
 import androidx.annotation.Px;
-import androidx.annotation.WorkerThread;
 import com.norvale.android.sdk.gxe.font.FontManager;
 import com.norvale.android.sdk.gxe.util.NativeLibrary;
 import java.io.File;
@@ -72,7 +72,7 @@ public final class GxText implements AutoCloseable {
      *
      * @return whether there is one that can be read
      */
-    @WorkerThread
+    @AnyThread
     public static boolean loadSystemFonts() {
         NativeLibrary.load();
         return !SystemFamilies.isEmpty();
@@ -439,14 +439,17 @@ public final class GxText implements AutoCloseable {
     }
 
     /**
-     * Draws the text into a picture of the view's size plus the margins.
+     * Draws the text into a picture of the view's size plus the margins. The library gives straight
+     * colours; {@link Bitmap#createBitmap(int[], int, int, Bitmap.Config)}, which this calls,
+     * multiplies them by their alpha as bitmaps want them. Takes milliseconds: where frames count,
+     * call it off the main thread.
      *
      * @return the picture, the caller's own
      * @throws IllegalStateException when no view has been given
      * @throws GxTextException when the native library cannot draw, for want of memory for example
      */
     @NonNull
-    @WorkerThread
+    @AnyThread
     public TextImage render() {
         int[] frame = new int[TextExtension.FRAME_SIZE];
         int[] pixels = renderPixels(frame);
@@ -466,7 +469,7 @@ public final class GxText implements AutoCloseable {
      * @throws GxTextException when the native library cannot draw, for want of memory for example
      */
     @NonNull
-    @WorkerThread
+    @AnyThread
     public int[] renderPixels() {
         return renderPixels(new int[TextExtension.FRAME_SIZE]);
     }

@@ -27,6 +27,7 @@ import java.io.FileInputStream;
 import java.io.IOException;
 import java.io.InputStream;
 import java.util.Objects;
+import java.util.function.Consumer;
 
 /**
  * A text view that draws its text with effects.
@@ -109,31 +110,32 @@ public class GxTextView extends TextView {
 
     /** {@code app:gxStyle}, {@code app:gxSize} and {@code app:gxColor}. */
     private void readAttributes(AttributeSet attrs) {
-        if (attrs == null) {
-            return;
-        }
-        TypedArray values = getContext().obtainStyledAttributes(attrs, new int[] {
-            attribute("gxStyle")});
-        int file = values.getResourceId(0, 0);
-        values.recycle();
-        if (file != 0) {
-            setTextStyle(TextStyle.fromJson(readRaw(file)));
-        }
-        values = getContext().obtainStyledAttributes(attrs, new int[] {attribute("gxSize")});
-        if (values.hasValue(0)) {
-            setTextSize(TypedValue.COMPLEX_UNIT_PX, values.getDimension(0, getTextSize()));
-        }
-        values.recycle();
-        values = getContext().obtainStyledAttributes(attrs, new int[] {attribute("gxColor")});
-        if (values.hasValue(0)) {
-            setTextColor(values.getColor(0, getCurrentTextColor()));
-        }
-        values.recycle();
+        readAttribute(attrs, "gxStyle", value -> {
+            int file = value.getResourceId(0, 0);
+            if (file != 0) {
+                setTextStyle(TextStyle.fromJson(readRaw(file)));
+            }
+        });
+        readAttribute(attrs, "gxSize", value ->
+                setTextSize(TypedValue.COMPLEX_UNIT_PX, value.getDimension(0, getTextSize())));
+        readAttribute(attrs, "gxColor", value ->
+                setTextColor(value.getColor(0, getCurrentTextColor())));
     }
 
     /** By name: the number is the app's, whose class R the SDK does not know. */
-    private int attribute(String name) {
-        return getResources().getIdentifier(name, "attr", getContext().getPackageName());
+    private void readAttribute(AttributeSet attrs, String name, Consumer<TypedArray> use) {
+        int number = getResources().getIdentifier(name, "attr", getContext().getPackageName());
+        if (attrs == null || number == 0) {
+            return;
+        }
+        TypedArray value = getContext().obtainStyledAttributes(attrs, new int[] {number});
+        try {
+            if (value.hasValue(0)) {
+                use.accept(value);
+            }
+        } finally {
+            value.recycle();
+        }
     }
 
     private String readRaw(int file) {

@@ -8,6 +8,7 @@ import android.content.res.Configuration;
 import android.graphics.Bitmap;
 import android.graphics.Color;
 import android.graphics.Rect;
+import android.util.AttributeSet;
 import android.util.TypedValue;
 import android.widget.FrameLayout;
 import android.widget.LinearLayout;
@@ -25,6 +26,7 @@ import java.util.concurrent.Future;
 import java.util.concurrent.TimeUnit;
 import org.junit.Before;
 import org.junit.Test;
+import org.robolectric.Robolectric;
 import org.robolectric.RuntimeEnvironment;
 
 /** Screens of every density, lists of titles, rooms for effects, and work off the main thread. */
@@ -184,5 +186,14 @@ public class DensityTest extends NativeTest {
             assertTrue(image.get(60, TimeUnit.SECONDS).getBitmap().getWidth() > 40);
         }
         executor.shutdown();
+    }
+
+    @Test
+    public void aViewFromALayoutFileWithoutAStyleIsATextView() {
+        AttributeSet attributes = Robolectric.buildAttributeSet().build();
+        GxTextView view = new GxTextView(context(), attributes);
+        assertEquals(TextStyle.EMPTY, view.getTextStyle());
+        assertEquals(new TextView(context()).getTextSize(), view.getTextSize(), 0);
+        assertEquals(new TextView(context()).getCurrentTextColor(), view.getCurrentTextColor());
     }
 }

@@ -3,8 +3,8 @@ package com.norvale.android.sdk.gxe.font;
 import android.text.FontConfig;
 import com.norvale.android.sdk.gxe.GxText;
 import com.norvale.android.sdk.gxe.GxTextException;
+import androidx.annotation.AnyThread;
 import androidx.annotation.NonNull;
-import androidx.annotation.WorkerThread;
 import com.norvale.android.sdk.gxe.util.NativeLibrary;
 
 /**
@@ -12,6 +12,7 @@ import com.norvale.android.sdk.gxe.util.NativeLibrary;
  *
  * <p>Threads: any.
  */
+@AnyThread
 public final class FontManager {
     private static boolean systemFontsSet;
 
@@ -86,7 +87,6 @@ public final class FontManager {
      *
      * @return whether there is one that can be read
      */
-    @WorkerThread
     public static boolean loadSystemFonts() {
         return GxText.loadSystemFonts();
     }

@@ -1,5 +1,6 @@
 package com.norvale.android.sdk.gxe.util;
 
+import androidx.annotation.AnyThread;
 import androidx.annotation.NonNull;
 
 /**
@@ -8,6 +9,7 @@ import androidx.annotation.NonNull;
  *
  * <p>Threads: any; the first caller loads, the others wait.
  */
+@AnyThread
 public final class NativeLibrary {
     private static final String NAME = "gxtext";
 
