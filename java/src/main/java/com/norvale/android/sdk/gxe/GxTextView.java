@@ -302,6 +302,9 @@ public class GxTextView extends TextView {
     private void addMargins() {
         Rect wanted = includesEffectMargins ? getEffectMargins() : new Rect();
         Rect before = addedPadding;
+        if (wanted.equals(before)) {
+            return; // setting padding would settle which side is its start
+        }
         int left = getPaddingLeft() - before.left;
         int top = getPaddingTop() - before.top;
         int right = getPaddingRight() - before.right;
