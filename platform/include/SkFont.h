@@ -48,8 +48,9 @@ public:
     bool isForceAutoHinting() const { return fForceAutoHinting; }
     void setForceAutoHinting(bool on) { fForceAutoHinting = on; }
 
-    // Ours alone. The text is to be drawn in colour: glyphs of COLR version 1 are their pictures, in boxes and
-    // masks too, not the font's outlines; pictures that are measured are kept unpacked.
+    // Ours alone. The text is to be drawn in colour: glyphs of COLR version 1 are their pictures,
+    // in boxes and masks too, not the font's outlines; pictures that are measured are kept
+    // unpacked.
     bool isColorGlyphs() const { return fColorGlyphs; }
     void setColorGlyphs(bool on) { fColorGlyphs = on; }
 
