@@ -75,10 +75,11 @@ TEST(Program, WrongCommandLinesExitWith2AndSayWhatIsAllowed) {
     };
     const Case cases[] = {
         {{},
-         "a command is missing; allowed: render, measure, key, fonts, batch, import, compare\n"},
+         "a command is missing; allowed: render, measure, key, fonts, batch, import, compare, "
+         "studio\n"},
         {{"paint"},
          "no command is called paint; allowed: render, measure, key, fonts, batch, import, "
-         "compare\n"},
+         "compare, studio\n"},
         {{"rendr"}, "no command is called rendr; did you mean \"render\"?\n"},
         {{"--text", "a", "render"}, "--text goes after render\n"},
         {{"render"}, "there is no text"},
