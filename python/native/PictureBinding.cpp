@@ -15,7 +15,7 @@
 #include "Bindings.h"
 #include "raster/kernels/BlendRows.h"
 #include "scene/FileIo.h"
-#include "scene/Png.h"
+#include "scene/PictureFile.h"
 
 namespace gxpython {
 
@@ -62,12 +62,14 @@ public:
         return words_.data();
     }
 
-    std::string png(std::string_view compressionName) {
+    std::string file(gxtext::PictureFormat format, std::string_view compressionName) {
         const gxtext::PngCompression compression = compressionOf(compressionName);
         const LongWork work;
         const auto encode = [&](const std::vector<uint32_t>& words) {
-            return gxtext::encodePng(words.data(), static_cast<uint32_t>(shape_[1]),
-                                     static_cast<uint32_t>(shape_[0]), compression);
+            const auto encoder =
+                format == gxtext::PictureFormat::kPng ? gxtext::encodePng : gxtext::encodeWebp;
+            return encoder(words.data(), static_cast<uint32_t>(shape_[1]),
+                           static_cast<uint32_t>(shape_[0]), compression);
         };
         {
             const std::lock_guard guard(lock_);
@@ -110,13 +112,13 @@ nb::bytes bytesOf(const std::string& text) {
 }
 
 void save(Pixels& pixels, const std::filesystem::path& file, std::string_view compression) {
-    const std::string suffix = file.extension().string();
-    if (suffix != ".png" && suffix != ".PNG") {
+    const auto format = gxtext::pictureFormatOf(file);
+    if (!format) {
         const std::string message =
-            file.string() + ": not a .png file; to_pil().save() writes other formats";
+            file.string() + ": no .png or .webp file; to_pil().save() writes other formats";
         throw nb::value_error(message.c_str());
     }
-    const std::string bytes = pixels.png(compression);
+    const std::string bytes = pixels.file(*format, compression);
     const LongWork work;
     gxtext::writeFile(file.string(), bytes);
 }
@@ -202,6 +204,7 @@ void bindPicture(nb::module_& module) {
     const char* const compressed =
         "(self, compression: typing.Literal['fast', 'default', 'small'] = 'default') -> bytes";
     const std::string toPng = std::string("def to_png") + compressed;
+    const std::string toWebp = std::string("def to_webp") + compressed;
     nb::class_<Pixels>(module, "Picture", nb::type_slots(slots), R"(A rendered text.
 
 It is a read-only buffer of height x width x 4 bytes, red, green, blue, alpha (straight, 0 to 255):
@@ -210,23 +213,36 @@ Notebooks show it.)")
         .def(
             "to_png",
             [](Pixels& pixels, std::string_view compression) {
-                return bytesOf(pixels.png(compression));
+                return bytesOf(pixels.file(gxtext::PictureFormat::kPng, compression));
             },
             nb::arg("compression") = "default", nb::sig(toPng.c_str()),
             R"(The bytes of a PNG file: RGBA, 8 bits each, as the gxtext program writes it.
 
 "fast" takes less time, "small" much more. Raises ValueError for another name.)")
         .def(
+            "to_webp",
+            [](Pixels& pixels, std::string_view compression) {
+                return bytesOf(pixels.file(gxtext::PictureFormat::kWebp, compression));
+            },
+            nb::arg("compression") = "default", nb::sig(toWebp.c_str()),
+            R"(The bytes of a lossless WebP file, as the gxtext program writes it.
+
+Raises ValueError for another name of a compression, PictureError beyond 16,383 pixels a side.)")
+        .def(
             "save", &save, nb::arg("file"), nb::arg("compression") = "default",
             nb::sig("def save(self, file: str | os.PathLike[str], compression: "
                     "typing.Literal['fast', 'default', 'small'] = 'default') -> None"),
-            R"(Writes a PNG file, which is the old or the new one whole whatever happens in between.
+            R"(Writes a PNG or, by its name, a lossless WebP file, which is the old or the new one whole
+whatever happens in between.
 
-Raises FileError when it cannot be written, ValueError for a name that does not end in .png.)")
+Raises FileError when it cannot be written, ValueError for a name that ends in neither .png nor .webp.)")
         .def("to_pil", &toPil, nb::sig("def to_pil(self) -> PIL.Image.Image"),
              "The picture for Pillow, mode RGBA, without a copy of the pixels; needs the package "
              "pillow.")
-        .def("_repr_png_", [](Pixels& pixels) { return bytesOf(pixels.png("default")); })
+        .def("_repr_png_",
+             [](Pixels& pixels) {
+                 return bytesOf(pixels.file(gxtext::PictureFormat::kPng, "default"));
+             })
         .def("__getstate__", &getState)
         .def("__setstate__", &setState)
         .def("__repr__",

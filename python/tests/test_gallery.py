@@ -27,8 +27,9 @@ def test_fields_and_effects_are_those_of_options(program, renderer, fonts):
     options = ["--stroke", "4,#102040,center", "--shadow", "6,8,#B0000000", "--font", "DejaVu Serif", "--bold"]
     for compression in "fast", "default":
         words = ["--text", "Hello", "--font-size", "50", "--fonts", str(fonts), "--compression", compression]
-        drawn = renderer.render(style, "Hello").to_png(compression)
-        assert drawn == program("render", *words, *options)
+        picture = renderer.render(style, "Hello")
+        assert picture.to_png(compression) == program("render", *words, *options)
+        assert picture.to_webp(compression) == program("render", *words, *options, "--format", "webp")
 
 
 def test_layer_effects_are_imported_as_by_the_program(program, tmp_path):

@@ -53,6 +53,8 @@ def test_files(renderer, title, tmp_path):
     picture = renderer.render(title, "Hello")
     picture.save(tmp_path / "a.png")
     assert (tmp_path / "a.png").read_bytes() == picture.to_png()
+    picture.save(tmp_path / "a.webp", "fast")
+    assert (tmp_path / "a.webp").read_bytes() == picture.to_webp("fast")
     with pytest.raises(ValueError, match=".png"):
         picture.save(tmp_path / "a.jpg")
     with pytest.raises(gxtext.FileError):
