@@ -310,6 +310,11 @@ test('exports pictures and code that draws them', async () => {
   execFileSync(process.env.GXTEXT_EXPORTED, { cwd: folder });
   assert.deepEqual(fs.readFileSync(path.join(folder, 'title.png')), expected);
   assert.deepEqual(JSON.parse(/r"""(.*)"""/s.exec(await code('Python'))[1]), json);
+  if (process.env.GXTEXT_PYTHON) {
+    fs.rmSync(path.join(folder, 'title.png'));
+    execFileSync(process.env.GXTEXT_PYTHON, ['-c', await code('Python')], { cwd: folder });
+    assert.deepEqual(fs.readFileSync(path.join(folder, 'title.png')), expected);
+  }
   await button('Copy').click();
   assert.equal(await page.evaluate(() => navigator.clipboard.readText()), await code('Python'));
 });
