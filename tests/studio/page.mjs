@@ -302,10 +302,12 @@ test('exports pictures and code that draws them', async () => {
   const strings = (text) => [...text.matchAll(/"(?:[^"\\]|\\.)*"/g)].map(([literal]) => JSON.parse(literal.replaceAll('\\$', '$'))).join('');
   assert.deepEqual(JSON.parse(strings(await code('Java'))), json);
   assert.deepEqual(JSON.parse(strings(await code('Kotlin'))), json);
-  // The C++ is kept, and compiled with the tests.
-  const kept = path.join(exported, 'title.cpp');
-  if (process.env.GXTEXT_UPDATE_GOLDEN) fs.writeFileSync(kept, await code('C++'));
-  assert.equal(await code('C++'), fs.readFileSync(kept, 'utf8'));
+  // These are kept, and compiled by other tests.
+  for (const [kind, name] of [['C++', 'title.cpp'], ['Java', 'title.java'], ['Kotlin', 'title.kt']]) {
+    const kept = path.join(exported, name);
+    if (process.env.GXTEXT_UPDATE_GOLDEN) fs.writeFileSync(kept, await code(kind));
+    assert.equal(await code(kind), fs.readFileSync(kept, 'utf8'));
+  }
   fs.rmSync(path.join(folder, 'title.png'));
   execFileSync(process.env.GXTEXT_EXPORTED, { cwd: folder });
   assert.deepEqual(fs.readFileSync(path.join(folder, 'title.png')), expected);
