@@ -13,13 +13,14 @@ namespace GxFontEffect {
 bool LineMasks::keep(int x, int y, const GxGlyph& glyph, const uint8_t* letters) {
     const size_t count = size_t{glyph.width} * glyph.height;
     if (!glyph.pixels || count == 0) return true;
-    const auto copy = [count](const uint8_t* from) {
-        std::unique_ptr<uint8_t[]> to(from ? new (std::nothrow) uint8_t[count] : nullptr);
+    Line line{x, y, glyph.width, glyph.height, nullptr, nullptr};
+    const auto copy = [count](const uint8_t* from, std::unique_ptr<uint8_t[]>& to) {
+        to.reset(new (std::nothrow) uint8_t[count]);
         if (to) std::memcpy(to.get(), from, count);
-        return to;
+        return to != nullptr;
     };
-    Line line{x, y, glyph.width, glyph.height, copy(glyph.pixels), copy(letters)};
-    if (!line.pixels || (letters && !line.letters)) return false;
+    if (!copy(glyph.pixels, line.pixels)) return false;
+    if (letters && !copy(letters, line.letters)) return false;
     try {
         lines.push_back(std::move(line));
     } catch (const std::bad_alloc&) {

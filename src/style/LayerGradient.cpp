@@ -78,6 +78,7 @@ Knots<count> readKnots(LayerRecord& gradient, std::string_view name, ReadValue r
         return ofA != ofB ? ofA < ofB : a < b;
     });
     std::vector<std::pair<Knot<count>, double>> sorted;
+    sorted.reserve(stops.size());
     for (const size_t i : order) sorted.push_back(stops[i]);
     return withMidpoints(sorted);
 }
