@@ -70,8 +70,10 @@ std::optional<Affine> Affine::inverse() const {
 
 void ColorLine::finish(Extend extend) {
     fExtend = extend;
-    std::stable_sort(fStops.begin(), fStops.end(),
-                     [](const Stop& a, const Stop& b) { return a.offset < b.offset; });
+    // Those at one offset stay in their order.
+    std::sort(fStops.begin(), fStops.end(), [](const Stop& a, const Stop& b) {
+        return a.offset != b.offset ? a.offset < b.offset : a.place < b.place;
+    });
 }
 
 double ColorLine::within(double offset) const {

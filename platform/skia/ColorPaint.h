@@ -49,7 +49,9 @@ enum class Extend : uint8_t { kPad, kRepeat, kReflect };
 // Colours by place: the stops in order of their offsets, and what lies beyond the first and last.
 class ColorLine {
 public:
-    void add(double offset, const PaintColor& color) { fStops.push_back({offset, color}); }
+    void add(double offset, const PaintColor& color) {
+        fStops.push_back({offset, fStops.size(), color});
+    }
     // After the last stop.
     void finish(Extend extend);
     bool isEmpty() const { return fStops.empty(); }
@@ -58,6 +60,7 @@ public:
 private:
     struct Stop {
         double offset;
+        size_t place;  // in the font
         PaintColor color;
     };
     double within(double offset) const;

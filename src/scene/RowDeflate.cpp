@@ -109,8 +109,9 @@ struct Code {
             if (counts[i] > 0) used.push_back(i);
         }
         if (used.empty()) used.push_back(0);
-        std::stable_sort(used.begin(), used.end(),
-                         [this](size_t a, size_t b) { return counts[a] < counts[b]; });
+        std::sort(used.begin(), used.end(), [this](size_t a, size_t b) {
+            return counts[a] != counts[b] ? counts[a] < counts[b] : a < b;
+        });
         std::vector<int> depths{1};
         if (used.size() > 1) {
             std::vector<uint32_t> usedCounts;
