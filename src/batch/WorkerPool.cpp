@@ -15,6 +15,8 @@
 #include <system_error>
 #include <utility>
 
+#include "batch/Transfer.h"
+
 #ifdef __linux__
 #include <sys/prctl.h>
 #endif
@@ -51,29 +53,6 @@ std::optional<std::string> takeMessage(std::string& from) {
     std::string message = from.substr(sizeof(length), length);
     from.erase(0, sizeof(length) + length);
     return message;
-}
-
-// For the worker's side, which waits. False when the other side is gone.
-bool readFully(int socket, char* bytes, size_t size) {
-    while (size > 0) {
-        const ssize_t count = read(socket, bytes, size);
-        if (count < 0 && errno == EINTR) continue;
-        if (count <= 0) return false;
-        bytes += count;
-        size -= static_cast<size_t>(count);
-    }
-    return true;
-}
-
-bool writeFully(int socket, const std::string& bytes) {
-    for (size_t done = 0; done < bytes.size();) {
-        const ssize_t count =
-            ::send(socket, bytes.data() + done, bytes.size() - done, MSG_NOSIGNAL);
-        if (count < 0 && errno == EINTR) continue;
-        if (count <= 0) return false;
-        done += static_cast<size_t>(count);
-    }
-    return true;
 }
 
 size_t residentBytes() {
@@ -168,12 +147,13 @@ void WorkerPool::work(int socket) const {
     std::string request, answer;
     for (int done = 1;; done++) {
         Length length = 0;
-        if (!readFully(socket, reinterpret_cast<char*>(&length), sizeof(length))) _exit(kRetired);
+        if (!receiveFully(socket, reinterpret_cast<char*>(&length), sizeof(length)))
+            _exit(kRetired);
         request.resize(length);
-        if (!readFully(socket, request.data(), length)) _exit(kRetired);
+        if (!receiveFully(socket, request.data(), length)) _exit(kRetired);
         answer.clear();
         appendMessage(answer, work(request));
-        if (!writeFully(socket, answer)) _exit(kRetired);
+        if (!sendFully(socket, answer.data(), answer.size())) _exit(kRetired);
         if (done % kRetireInterval == 0 && residentBytes() > kRetireBytes) _exit(kRetired);
     }
 }

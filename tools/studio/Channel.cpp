@@ -6,7 +6,12 @@
 #include <cerrno>
 #include <system_error>
 
+#include "batch/Transfer.h"
+
 namespace gxstudio {
+
+using gxtext::receiveFully;
+using gxtext::sendFully;
 
 namespace {
 
@@ -14,28 +19,6 @@ struct Head {
     uint64_t ticket = 0;
     uint64_t size = 0;
 };
-
-bool sendFully(int socket, const char* bytes, size_t size) {
-    while (size > 0) {
-        const ssize_t count = ::send(socket, bytes, size, MSG_NOSIGNAL);
-        if (count < 0 && errno == EINTR) continue;
-        if (count <= 0) return false;
-        bytes += count;
-        size -= static_cast<size_t>(count);
-    }
-    return true;
-}
-
-bool receiveFully(int socket, char* bytes, size_t size) {
-    while (size > 0) {
-        const ssize_t count = recv(socket, bytes, size, 0);
-        if (count < 0 && errno == EINTR) continue;
-        if (count <= 0) return false;
-        bytes += count;
-        size -= static_cast<size_t>(count);
-    }
-    return true;
-}
 
 }  // namespace
 
