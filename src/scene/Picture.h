@@ -35,8 +35,8 @@ public:
     const std::vector<char32_t>& missing() const { return arrangement_.missing; }
     const Arrangement& arrangement() const { return arrangement_; }
 
-    // A PNG file's bytes: RGBA, 8 bits each, the same for the same pixels as long as the compressor
-    // (libdeflate) is the same. Throws PictureError for a picture without pixels.
+    // A PNG file's bytes: RGBA, 8 bits each, the same for the same pixels; kSmall's as long as
+    // libdeflate is of the same release. Throws PictureError for a picture without pixels.
     std::string toPng(PngCompression compression = PngCompression::kDefault) const;
     // Writes them to a file, which is the old or the new one whole whatever happens in between.
     // Throws FileError when it cannot be written, PictureError without pixels.

@@ -84,6 +84,9 @@ Sized filteredRows(const uint32_t* pixels, uint32_t width, uint32_t height, Filt
     return rows;
 }
 
+// The knee of the curve of time and size.
+constexpr int kSmallLevel = 10;
+
 Sized compress(const Sized& rows, int level) {
     struct Free {
         void operator()(libdeflate_compressor* c) const { libdeflate_free_compressor(c); }
@@ -99,24 +102,22 @@ Sized compress(const Sized& rows, int level) {
     return out;
 }
 
-// Compressed rows at the knees of the curve in docs/gxtext.md. Rendered text is flat or smooth:
-// without a filter its repetitions stay whole, but for textures that change from pixel to pixel.
+// Rendered text is flat or smooth: without a filter its repetitions stay whole, but for textures
+// that change from pixel to pixel. docs/gxtext.md has what each way costs and saves.
 Sized imageData(const uint32_t* pixels, uint32_t width, uint32_t height,
                 PngCompression compression) {
-    const auto packed = [&](Filter filter, int level) {
-        return compress(filteredRows(pixels, width, height, filter), level);
-    };
-    if (compression == PngCompression::kFast) {
-        const Sized rows = filteredRows(pixels, width, height, kNone);
+    Sized plain = filteredRows(pixels, width, height, kNone);
+    if (compression != PngCompression::kSmall) {
+        const bool isFast = compression == PngCompression::kFast;
         const std::vector<uint8_t> bytes =
-            deflateRows(rows.bytes.get(), rows.size, size_t{width} * 4 + 1);
+            deflateRows(plain.bytes.get(), plain.size, size_t{width} * 4 + 1,
+                        isFast ? RowEffort::kLess : RowEffort::kMore);
         Sized out{Bytes(new uint8_t[bytes.size()]), bytes.size()};
         std::memcpy(out.bytes.get(), bytes.data(), bytes.size());
         return out;
     }
-    if (compression == PngCompression::kDefault) return packed(kNone, 5);
-    Sized plain = packed(kNone, 10);
-    Sized differences = packed(kUp, 10);
+    plain = compress(plain, kSmallLevel);
+    Sized differences = compress(filteredRows(pixels, width, height, kUp), kSmallLevel);
     return differences.size < plain.size ? std::move(differences) : std::move(plain);
 }
 
