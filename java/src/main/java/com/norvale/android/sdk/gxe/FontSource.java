@@ -67,7 +67,11 @@ final class FontSource {
                 requireAsset();
                 return Typeface.createFromAsset(assets, name);
             default:
-                return Typeface.create(name, Typeface.NORMAL);
+                Typeface typeface = Typeface.create(name, Typeface.NORMAL);
+                if (typeface.equals(Typeface.DEFAULT) && !FamilyNames.isDefault(name)) {
+                    throw SystemFamilies.unknown(name); // the platform takes its default in silence
+                }
+                return typeface;
         }
     }
 

@@ -4,6 +4,7 @@ import android.content.res.AssetManager;
 import android.graphics.Bitmap;
 import android.graphics.Paint;
 import android.graphics.Rect;
+import android.graphics.Typeface;
 import android.text.Layout;
 import android.widget.TextView;
 import androidx.annotation.AnyThread;
@@ -37,9 +38,6 @@ import java.util.Objects;
  * <p>Threads: one at a time, any; different objects may draw at the same time.
  */
 public final class GxText implements AutoCloseable {
-    private static final int REGULAR = 400;
-    private static final int BOLD = 700;
-
     /** Handle of the native object; negative until the first native call makes one. */
     // Read and written by the native library under this name.
     private int mHandle = -1;
@@ -51,10 +49,16 @@ public final class GxText implements AutoCloseable {
     private boolean keepsWholeInk;
     private boolean confinesInside = true;
 
-    /** Family of the font that was set; negative without one. */
+    /** Family of the font that was set; negative for the system's own. */
     private int ownFamily = -1;
+    /** What is wanted of the family; 0 takes the one font that it has. */
+    private int ownWeight = FamilyNames.REGULAR;
+    /** Whether the weight is that of a family by name, which a bold view makes bolder. */
+    private boolean isNamed;
+    /** Until a font is set: family and weight are those of the view's typeface. */
+    private boolean followsTypeface = true;
+    private boolean isViewBold;
     private final List<Integer> fallbackFamilies = new ArrayList<>();
-    private boolean systemBold;
     /** Of the layout, for which fonts are chosen. */
     private String characters = "";
 
@@ -117,7 +121,14 @@ public final class GxText implements AutoCloseable {
                     ? "is not a usable font" + (index == 0 ? "" : ", or has none at index " + index)
                     : "is no readable file and no font of that name was added"));
         }
+        useFamily(family, 0);
+    }
+
+    private void useFamily(int family, int weight) {
         ownFamily = family;
+        ownWeight = weight;
+        isNamed = false;
+        followsTypeface = false;
     }
 
     /**
@@ -159,7 +170,7 @@ public final class GxText implements AutoCloseable {
             throw new GxTextException(
                     "data (" + data.length + " bytes, name \"" + name + "\") is not a usable font");
         }
-        ownFamily = SystemFamilies.familyOf(name, 0, "", "");
+        useFamily(SystemFamilies.familyOf(name, 0, "", ""), 0);
     }
 
     /**
@@ -179,12 +190,13 @@ public final class GxText implements AutoCloseable {
         if (!GxText_SetFont3(assets, path)) {
             throw new GxTextException("path \"" + path + "\" is no font among the assets");
         }
-        ownFamily = SystemFamilies.familyOf(path, 0, variations, "");
+        useFamily(SystemFamilies.familyOf(path, 0, variations, ""), 0);
     }
 
     /**
-     * Uses the fonts of the system and no font of the text's own, as a new object does. They are read
-     * once for the process, see {@link FontManager#loadSystemFonts}.
+     * Uses the fonts of the system and no font of the text's own. They are read once for the process,
+     * see {@link FontManager#loadSystemFonts}. A new object does so by itself, in family and weight of
+     * the view's typeface when that is one of the system's.
      *
      * @param bold the bold weight instead of the regular one
      * @throws GxTextException when the system has no font that can be read
@@ -194,13 +206,13 @@ public final class GxText implements AutoCloseable {
         if (!FontManager.hasSystemFonts() && SystemFamilies.isEmpty()) {
             throw new GxTextException("the system has no readable font; call setFont");
         }
-        ownFamily = -1;
-        systemBold = bold;
+        useFamily(-1, bold ? FamilyNames.BOLD : FamilyNames.REGULAR);
     }
 
     /**
-     * Uses a family of the system, such as {@code serif} or {@code monospace}. After {@link
-     * FontManager#setFontConfig} the name chooses between styles of a font that was set only.
+     * Uses a family of the system, such as {@code serif} or {@code sans-serif-light}, in place of the
+     * font that was set; bold when the view's typeface is. After {@link FontManager#setFontConfig}
+     * the name chooses between styles of the font that was set only.
      *
      * @param familyName the family's name
      * @throws IllegalArgumentException when the system has no such family; the message names those
@@ -212,8 +224,10 @@ public final class GxText implements AutoCloseable {
         if (!GxText_SetFontFamilyName(familyName)) {
             throw new GxTextException("familyName \"" + familyName + "\" was refused");
         }
-        if (!FontManager.hasSystemFonts() && ownFamily < 0) {
-            ownFamily = SystemFamilies.named(familyName);
+        if (!FontManager.hasSystemFonts()) {
+            SystemFamilies.Choice choice = SystemFamilies.named(familyName);
+            useFamily(choice.family, choice.weight);
+            isNamed = true;
         }
     }
 
@@ -360,6 +374,13 @@ public final class GxText implements AutoCloseable {
                     + view.getHeight() + " pixels");
         }
         require(GxText_SetView(view), "view");
+        Typeface typeface = view.getTypeface();
+        isViewBold = typeface != null && typeface.isBold();
+        if (followsTypeface && !FontManager.hasSystemFonts()) {
+            SystemFamilies.Choice choice = SystemFamilies.of(typeface);
+            ownFamily = choice.family;
+            ownWeight = choice.weight;
+        }
         if (style.number("opacity") != 1) {
             TextExtension.fade(this, style.number("opacity"));
         }
@@ -532,7 +553,9 @@ public final class GxText implements AutoCloseable {
         }
         order.addAll(fallbackFamilies);
         for (int family : SystemFamilies.of(characters, ownFamily)) {
-            order.add(family);
+            if (family != ownFamily) {
+                order.add(family);
+            }
         }
         if (order.isEmpty()) {
             throw new GxTextException("the text has no font and the system none that can be read; "
@@ -542,7 +565,7 @@ public final class GxText implements AutoCloseable {
         for (int i = 0; i < families.length; i++) {
             families[i] = order.get(i);
         }
-        int weight = ownFamily >= 0 ? 0 : systemBold ? BOLD : REGULAR;
+        int weight = isNamed && isViewBold ? FamilyNames.bolder(ownWeight) : ownWeight;
         if (!TextExtension.setFamilies(this, families, weight)) {
             throw new GxTextException("the fonts were refused");
         }

@@ -383,7 +383,6 @@ public class GxTextView extends TextView {
         }
         try {
             open();
-            useSystemFont();
             text.setKeepsWholeInk(includesEffectMargins);
             text.setSource(this);
             image = text.render();
@@ -416,12 +415,6 @@ public class GxTextView extends TextView {
             throw e;
         }
         return opened;
-    }
-
-    private void useSystemFont() {
-        if (textFont == null) {
-            text.setSystemFont(getTypeface() != null && getTypeface().isBold());
-        }
     }
 
     private static void close(GxText text) {

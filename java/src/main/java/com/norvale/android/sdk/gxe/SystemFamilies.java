@@ -1,5 +1,6 @@
 package com.norvale.android.sdk.gxe;
 
+import android.graphics.Typeface;
 import android.graphics.fonts.Font;
 import android.graphics.fonts.FontVariationAxis;
 import android.graphics.fonts.SystemFonts;
@@ -54,13 +55,6 @@ final class SystemFamilies {
     /** What a text without a font is set in, the first that there is. */
     private static final List<String> DEFAULTS =
             Arrays.asList("Roboto", "RobotoStatic", "NotoSans", "DroidSans");
-
-    /** The families that apps ask for by another name than their files'. */
-    private static final String[][] ALIASES = {
-        {"sans-serif-condensed", "RobotoCondensed"}, {"serif", "NotoSerif"},
-        {"serif", "DroidSerif"}, {"monospace", "DroidSansMono"}, {"monospace", "RobotoMono"},
-        {"serif-monospace", "CutiveMono"}, {"casual", "ComingSoon"}, {"cursive", "DancingScript"},
-        {"sans-serif-smallcaps", "CarroisGothicSC"}};
 
     private static final int VARIANT_DEFAULT = 0;
     private static final int VARIANT_COMPACT = 1;
@@ -188,7 +182,7 @@ final class SystemFamilies {
     }
 
     private static boolean isNamedAfter(String family, Set<String> keys) {
-        String name = key(family);
+        String name = family.toLowerCase(Locale.ROOT);
         for (String key : keys) {
             if (name.contains(key)) {
                 return true;
@@ -197,40 +191,78 @@ final class SystemFamilies {
         return false;
     }
 
+    /** A family of the system, and the weight that is wanted of it. */
+    static final class Choice {
+        /** The system's own, in the regular weight. */
+        static final Choice DEFAULT = new Choice(-1, FamilyNames.REGULAR);
+
+        /** Negative for the system's own. */
+        final int family;
+        final int weight;
+
+        Choice(int family, int weight) {
+            this.family = family;
+            this.weight = weight;
+        }
+    }
+
     /** The family of that name; throws IllegalArgumentException when there is none. */
-    static synchronized int named(String name) {
-        if (!list().isEmpty() && isDefault(name)) {
-            return list().get(0).number();
+    static synchronized Choice named(String name) {
+        for (FamilyNames.Name known : FamilyNames.ALL) {
+            Family family = FamilyNames.isSame(known.name, name) ? familyOf(known) : null;
+            if (family != null) {
+                return new Choice(family.number(), known.weight);
+            }
         }
-        Set<String> known = new TreeSet<>();
-        known.add("sans-serif");
         for (Family family : list()) {
-            if (key(family.name).equals(key(name))) {
-                return family.number();
-            }
-            known.add(family.name);
-            for (String[] alias : ALIASES) {
-                if (alias[1].equals(family.name)) {
-                    if (key(alias[0]).equals(key(name))) {
-                        return family.number();
-                    }
-                    known.add(alias[0]);
-                }
+            if (FamilyNames.isSame(family.name, name)) {
+                return new Choice(family.number(), FamilyNames.REGULAR);
             }
         }
-        throw new IllegalArgumentException("font: the system has no family \"" + name
-                + "\"; it has " + String.join(", ", known) + ", and files are given by their path");
+        throw unknown(name);
     }
 
-    private static boolean isDefault(String name) {
-        String key = key(name);
-        return key.equals("sansserif") || key.equals("sansserifmedium")
-                || key.equals("sansseriflight") || key.equals("sansserifthin")
-                || key.equals("sansserifblack") || key.equals("default");
+    /** Null when its files are not there. */
+    private static Family familyOf(FamilyNames.Name name) {
+        for (Family family : list()) {
+            if (name.files.isEmpty() || name.files.equals(family.name)) {
+                return family; // the system's own is the first
+            }
+        }
+        return null;
     }
 
-    private static String key(String name) {
-        return name.toLowerCase(Locale.ROOT).replaceAll("[^a-z0-9]", "");
+    /** Says that there is no such family, and which there are. */
+    static synchronized IllegalArgumentException unknown(String name) {
+        Set<String> known = new TreeSet<>();
+        for (FamilyNames.Name each : FamilyNames.ALL) {
+            if (familyOf(each) != null) {
+                known.add(each.name);
+            }
+        }
+        return new IllegalArgumentException("font: no family \"" + name
+                + "\" is known among the system's fonts; known are " + String.join(", ", known)
+                + ", and files are given by their path");
+    }
+
+    /** What a view's typeface is of the system's; its own family for one that is none of them. */
+    static synchronized Choice of(Typeface typeface) {
+        if (typeface == null || typeface.equals(Typeface.DEFAULT)) {
+            return Choice.DEFAULT;
+        }
+        int style = typeface.getStyle();
+        int weight = Build.VERSION.SDK_INT >= 28 ? Api28.weightOf(typeface) : -1;
+        for (FamilyNames.Name known : FamilyNames.ALL) {
+            // A name that the platform does not know gives its default one, which comes first.
+            Family family = typeface.equals(Typeface.create(known.name, style))
+                    ? familyOf(known) : null;
+            if (family != null) {
+                return new Choice(family.number(), weight >= 0 ? weight
+                        : typeface.isBold() ? FamilyNames.bolder(known.weight) : known.weight);
+            }
+        }
+        return new Choice(-1, weight >= 0 ? weight
+                : typeface.isBold() ? FamilyNames.BOLD : FamilyNames.REGULAR);
     }
 
     /** The family of one font that is known by this name, or -1 when it is none. */
@@ -288,8 +320,7 @@ final class SystemFamilies {
         // By family and language, for a collection holds one design for several.
         Map<String, List<Face>> byName = new LinkedHashMap<>();
         faces.sort(Comparator.comparing((Face face) -> face.file.getPath())
-                .thenComparing(face -> face.index).thenComparing(face -> face.weight)
-                .thenComparing(face -> face.italic));
+                .thenComparing(face -> face.index));
         Set<String> names = new HashSet<>();
         for (Face face : faces) {
             names.add(face.name);
@@ -300,6 +331,9 @@ final class SystemFamilies {
         }
         List<Family> families = new ArrayList<>();
         for (List<Face> family : byName.values()) {
+            // As the platform lists them: of two as near to a wanted weight the earlier is taken.
+            family.sort(Comparator.comparing((Face face) -> face.weight == FamilyNames.BOLD)
+                    .thenComparing(face -> face.weight).thenComparing(face -> face.italic));
             families.add(new Family(family, variant(family.get(0).name, names)));
         }
         families.sort(Comparator.comparingInt(family -> family.rank));
@@ -352,6 +386,15 @@ final class SystemFamilies {
         }
         return TextExtension.addFamily(files, indices, weights, italics, variations,
                 family.get(0).locales, variant);
+    }
+
+    /** Apart, so that older systems do not meet the method. */
+    private static final class Api28 {
+        private Api28() {}
+
+        static int weightOf(Typeface typeface) {
+            return typeface.getWeight();
+        }
     }
 
     /** Apart, so that older systems do not meet the class SystemFonts. */

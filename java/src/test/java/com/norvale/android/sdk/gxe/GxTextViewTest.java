@@ -219,11 +219,14 @@ public class GxTextViewTest extends NativeTest {
     @Test
     public void aFontThatDoesNotExistIsRefusedWhenItIsSet() {
         GxTextView view = viewWith(glowing());
-        for (String font : new String[] {"/no/such/font.ttf", "no-such-asset.ttf"}) {
+        for (String font : new String[] {
+            "/no/such/font.ttf", "no-such-asset.ttf", "Nowhere Sans"}) {
             for (TextStyle style : new TextStyle[] {
                 glowing().toBuilder().setFont(font).build(),
                 new TextStyle.Builder().setFont(font).build()}) {
-                assertThrows(RuntimeException.class, () -> view.setTextStyle(style));
+                String message = assertThrows(RuntimeException.class,
+                        () -> view.setTextStyle(style)).getMessage();
+                assertTrue(message, message.contains('"' + font + '"'));
             }
         }
         assertEquals(glowing(), view.getTextStyle());

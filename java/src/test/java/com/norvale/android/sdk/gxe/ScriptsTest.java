@@ -2,12 +2,12 @@ package com.norvale.android.sdk.gxe;
 
 import static org.junit.Assert.assertArrayEquals;
 import static org.junit.Assert.assertEquals;
-import static org.junit.Assert.assertFalse;
 import static org.junit.Assert.assertThrows;
 import static org.junit.Assert.assertTrue;
 
 import android.graphics.Bitmap;
 import android.graphics.Color;
+import android.graphics.Typeface;
 import android.os.LocaleList;
 import android.text.SpannableString;
 import android.text.style.BackgroundColorSpan;
@@ -55,10 +55,14 @@ public class ScriptsTest extends NativeTest {
 
     private static TextImage draw(TextView view) {
         try (GxText text = new GxText()) {
-            text.setKeepsWholeInk(true);
-            text.setSource(view);
-            return text.render();
+            return draw(text, view);
         }
+    }
+
+    private static TextImage draw(GxText text, TextView view) {
+        text.setKeepsWholeInk(true);
+        text.setSource(view);
+        return text.render();
     }
 
     /** Covered by both over covered by either. */
@@ -146,19 +150,24 @@ public class ScriptsTest extends NativeTest {
         assertEquals(list, found);
     }
 
+    /** By their names, and as the typefaces of views for texts that name none. */
     @Test
-    public void aFamilyIsTheSystemsOrAnExceptionThatNamesThem() {
-        TextView view = view("Wide", "en");
-        int[][] drawn = new int[2][];
-        String[] families = {"sans-serif", "monospace"};
-        for (int i = 0; i < families.length; i++) {
-            try (GxText text = new GxText()) {
-                text.setFontFamilyName(families[i]);
-                text.setSource(view);
-                drawn[i] = text.renderPixels();
+    public void familiesAndWeightsAreThoseOfTheFramework() {
+        String[] families = {"sans-serif", "sans-serif-light", "sans-serif-medium",
+            "sans-serif-condensed", "sans-serif-smallcaps", "serif", "times"};
+        for (String family : families) {
+            for (int style = Typeface.NORMAL; style <= Typeface.BOLD_ITALIC; style++) {
+                TextView view = view("Hamburgefons", "en");
+                view.setTypeface(Typeface.create(family, Typeface.NORMAL), style);
+                layOut(view, 0);
+                try (GxText named = new GxText()) {
+                    named.setFontFamilyName(family);
+                    for (TextImage image : new TextImage[] {draw(named, view), draw(view)}) {
+                        assertEquals(family + style, 1, overlap(draw(view, 100), image), 0.05);
+                    }
+                }
             }
         }
-        assertFalse(Arrays.equals(drawn[0], drawn[1]));
         try (GxText text = new GxText()) {
             String message = assertThrows(IllegalArgumentException.class,
                     () -> text.setFontFamilyName("Nowhere Sans")).getMessage();
