@@ -20,8 +20,8 @@ import java.io.InputStream;
 import java.util.Collections;
 
 /**
- * The three ways to use the library: a view with a style from code, one with a style from a file
- * that was tried with the gxtext program, and a picture without a view of its own.
+ * The ways to use the library: a view with a style from code, one with a style from a file that was
+ * tried with the gxtext program, one from a layout file, and a picture without a view of its own.
  */
 public class SampleActivity extends Activity {
     @Override
@@ -33,6 +33,7 @@ public class SampleActivity extends Activity {
         column.setBackgroundColor(0xFF101020);
         column.addView(styledInCode());
         column.addView(styledByFile("styles/neon.json"));
+        column.addView(getLayoutInflater().inflate(R.layout.title, column, false));
         column.addView(pictureAlone());
         setContentView(column);
     }
@@ -82,7 +83,7 @@ public class SampleActivity extends Activity {
         return picture;
     }
 
-    protected String readAsset(String path) {
+    private String readAsset(String path) {
         try (InputStream in = getAssets().open(path)) {
             ByteArrayOutputStream text = new ByteArrayOutputStream();
             byte[] buffer = new byte[4096];
