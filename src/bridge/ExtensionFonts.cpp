@@ -19,6 +19,7 @@
 #include "bridge/FontManagerNatives.h"
 #include "bridge/JniReferences.h"
 #include "bridge/ModifiedUtf8.h"
+#include "font/CollectionFont.h"
 #include "font/FontManager.h"
 #include "font/VariedFont.h"
 #include "style/TextSettings.h"
@@ -96,10 +97,13 @@ std::shared_ptr<minikin::MinikinFont> Open(const FontEntry& entry) {
     GxString path;
     if (!path.Construct(entry.file.c_str())) throw std::bad_alloc();
     std::shared_ptr<minikin::MinikinFont> font;
-    if (!manager.AddMinikinFont(&path, nullptr, 0, entry.index, true) ||
-        !manager.GetMinikinFont(font, &path, entry.index)) {
-        return nullptr;
+    if (entry.index > 0 && manager.GetMinikinFont(font, &path, 0)) {
+        // The name of fonts that were given as bytes is no file to read more of them from.
+        font = CollectionFont(font, entry.file, entry.index);
+    } else if (manager.AddMinikinFont(&path, nullptr, 0, entry.index, true)) {
+        manager.GetMinikinFont(font, &path, entry.index);
     }
+    if (!font) return nullptr;
     const std::vector<minikin::FontVariation> axes = Axes(entry.variations);
     return axes.empty() ? font : VariedFont(font, axes);
 }

@@ -29,6 +29,7 @@ public class Typeface {
         private final String path;
 
         public Builder(String path) { this.path = path; }
+        public Builder(AssetManager assets, String path) { this(path); }
 
         public Builder setTtcIndex(int index) { return this; }
         public Typeface build() { return createFromFile(path); }

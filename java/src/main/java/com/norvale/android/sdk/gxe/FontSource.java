@@ -60,12 +60,14 @@ final class FontSource {
                 if (!new File(name).canRead()) {
                     throw new IllegalArgumentException("font: no readable file \"" + name + "\"");
                 }
-                return index == 0 || Build.VERSION.SDK_INT < 26
+                return takesFirst()
                         ? Typeface.createFromFile(name)
-                        : Api26.ofFile(name, index);
+                        : requireFont(Api26.ofFile(name, index));
             case ASSET:
                 requireAsset();
-                return Typeface.createFromAsset(assets, name);
+                return takesFirst()
+                        ? Typeface.createFromAsset(assets, name)
+                        : requireFont(Api26.ofAsset(assets, name, index));
             default:
                 Typeface typeface = Typeface.create(name, Typeface.NORMAL);
                 if (typeface.equals(Typeface.DEFAULT) && !FamilyNames.isDefault(name)) {
@@ -73,6 +75,18 @@ final class FontSource {
                 }
                 return typeface;
         }
+    }
+
+    /** Before API level 26 a view measures with the first font of a collection. */
+    private boolean takesFirst() {
+        return index == 0 || Build.VERSION.SDK_INT < 26;
+    }
+
+    private Typeface requireFont(Typeface typeface) {
+        if (typeface == null) {
+            throw new IllegalArgumentException("fontIndex: \"" + name + "\" has no font " + index);
+        }
+        return typeface;
     }
 
     /** Not every release refuses an asset that does not exist. */
@@ -91,11 +105,7 @@ final class FontSource {
                 text.setFont(name, index, variations);
                 break;
             case ASSET:
-                if (index != 0) {
-                    throw new GxTextException("fontIndex: of a collection among the assets only the"
-                            + " first font is taken; copy \"" + name + "\" to a file");
-                }
-                text.setFont(assets, name, variations);
+                text.setFont(assets, name, index, variations);
                 break;
             default:
                 text.setFontFamilyName(name);
@@ -122,12 +132,11 @@ final class FontSource {
         private Api26() {}
 
         static Typeface ofFile(String name, int index) {
-            Typeface typeface = new Typeface.Builder(name).setTtcIndex(index).build();
-            if (typeface == null) {
-                throw new IllegalArgumentException(
-                        "fontIndex: \"" + name + "\" has no font " + index);
-            }
-            return typeface;
+            return new Typeface.Builder(name).setTtcIndex(index).build();
+        }
+
+        static Typeface ofAsset(AssetManager assets, String name, int index) {
+            return new Typeface.Builder(assets, name).setTtcIndex(index).build();
         }
     }
 }

@@ -111,14 +111,11 @@ public final class GxText implements AutoCloseable {
     public void setFont(@NonNull String file, @IntRange(from = 0, to = 99) int index,
             @NonNull String variations) {
         requireUsable("file", file);
-        String problem = TextSettings.check("fontVariations", variations);
-        if (problem != null) {
-            throw new IllegalArgumentException("variations: " + problem);
-        }
+        requireVariations(variations);
         int family = GxText_SetFont(file) ? SystemFamilies.familyOf(file, index, variations, "") : -1;
         if (family < 0) {
             throw new GxTextException("file \"" + file + "\" " + (new File(file).canRead()
-                    ? "is not a usable font" + (index == 0 ? "" : ", or has none at index " + index)
+                    ? "is not a usable font" + orHasNoneAt(index)
                     : "is no readable file and no font of that name was added"));
         }
         useFamily(family, 0);
@@ -181,16 +178,44 @@ public final class GxText implements AutoCloseable {
      * @throws GxTextException when there is no such asset or it is no font
      */
     public void setFont(@NonNull AssetManager assets, @NonNull String path) {
-        setFont(assets, path, "");
+        setFont(assets, path, 0, "");
     }
 
-    void setFont(AssetManager assets, String path, String variations) {
+    /**
+     * Uses one font of a collection among the app's assets, or a variable font at other places of its
+     * axes.
+     *
+     * @param assets the app's assets
+     * @param path path among them; also the name under which the font stays known in this process
+     * @param index place in a collection file, 0 to 99; 0 in others
+     * @param variations axis settings such as {@code 'wght' 650, 'wdth' 80}, or an empty string
+     * @throws IllegalArgumentException when the settings are none
+     * @throws GxTextException when there is no such asset or it has no such font
+     */
+    public void setFont(@NonNull AssetManager assets, @NonNull String path,
+            @IntRange(from = 0, to = 99) int index, @NonNull String variations) {
         requireUsable("path", path);
         Objects.requireNonNull(assets, "assets");
-        if (!GxText_SetFont3(assets, path)) {
-            throw new GxTextException("path \"" + path + "\" is no font among the assets");
+        requireVariations(variations);
+        int family = GxText_SetFont3(assets, path)
+                ? SystemFamilies.familyOf(path, index, variations, "") : -1;
+        if (family < 0) {
+            throw new GxTextException("path \"" + path + "\" is no font among the assets"
+                    + orHasNoneAt(index));
         }
-        useFamily(SystemFamilies.familyOf(path, 0, variations, ""), 0);
+        useFamily(family, 0);
+    }
+
+    private static void requireVariations(String variations) {
+        String problem = TextSettings.check("fontVariations",
+                Objects.requireNonNull(variations, "variations"));
+        if (problem != null) {
+            throw new IllegalArgumentException("variations: " + problem);
+        }
+    }
+
+    private static String orHasNoneAt(int index) {
+        return index == 0 ? "" : ", or has none at index " + index;
     }
 
     /**

@@ -8,6 +8,7 @@ import static org.junit.Assert.assertTrue;
 
 import android.graphics.Bitmap;
 import android.graphics.Color;
+import android.graphics.Typeface;
 import android.widget.TextView;
 import com.norvale.android.sdk.gxe.font.FontManager;
 import com.norvale.android.sdk.gxe.util.GxError;
@@ -274,6 +275,48 @@ public class GxTextTest extends NativeTest {
             assertEquals(ink, inkOf(data));
             assertEquals(ink, inkOf(name));
         }
+    }
+
+    /** By index, in a file, among the assets and as bytes under a name. */
+    @Test
+    public void fontsOfACollectionAreTold() throws IOException {
+        int japanese = 0;
+        int chinese = 2;
+        String asset = "fonts/NotoSansCJK-Regular.ttc";
+        FontManager.insertFontData("collection.ttc", Files.readAllBytes(Paths.get(CJK)));
+        int[][] drawn = new int[3][];
+        for (int index : new int[] {japanese, chinese}) {
+            TextView view = textView("直骨", CJK, 48);
+            view.setTypeface(new Typeface.Builder(CJK).setTtcIndex(index).build());
+            layOut(view, 0);
+            try (GxText file = new GxText(); GxText among = new GxText(); GxText name = new GxText()) {
+                file.setFont(CJK, index, "");
+                among.setFont(context().getAssets(), asset, index, "");
+                name.setFont("collection.ttc", index, "");
+                file.setSource(view);
+                drawn[index] = file.renderPixels();
+                for (GxText other : new GxText[] {among, name}) {
+                    other.setSource(view);
+                    assertArrayEquals(drawn[index], other.renderPixels());
+                }
+                assertThrows(GxTextException.class,
+                        () -> among.setFont(context().getAssets(), asset, 99, ""));
+                assertThrows(GxTextException.class, () -> name.setFont("collection.ttc", 99, ""));
+            }
+        }
+        assertFalse(Arrays.equals(drawn[japanese], drawn[chinese]));
+
+        // A view measures with the same one.
+        int[] hashes = new int[2];
+        for (int i = 0; i < 2; i++) {
+            GxTextView view = new GxTextView(context());
+            view.setTextStyle(TextStyle.fromJson("{\"text\": \"直骨\", \"size\": 48, \"font\": \""
+                    + (i == 0 ? CJK : asset) + "\", \"fontIndex\": 2, \"color\": \"#000000\","
+                    + "\"effects\": [{\"type\": \"stroke\", \"size\": 1}]}"));
+            hashes[i] = Arrays.hashCode(pixels(draw(layOut(view, 0), 0)));
+            assertEquals(1, view.getRenderCount());
+        }
+        assertEquals(hashes[0], hashes[1]);
     }
 
     @Test
