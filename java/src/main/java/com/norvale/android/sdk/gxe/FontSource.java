@@ -4,6 +4,7 @@ import android.content.Context;
 import android.content.res.AssetManager;
 import android.graphics.Typeface;
 import android.os.Build;
+import android.util.LruCache;
 import java.io.File;
 import java.io.IOException;
 import java.util.Locale;
@@ -15,66 +16,83 @@ import java.util.Locale;
 final class FontSource {
     private enum Kind { FILE, ASSET, FAMILY }
 
+    /** Views of one font measure with one typeface, by which their pictures are known as the same. */
+    private static final LruCache<FontSource, Typeface> TYPEFACES = new LruCache<>(16);
+
     private final Kind kind;
     private final String name;
+    private final int index;
+    private final String variations;
     private final AssetManager assets;
-    private int index;
-    private String variations = "";
 
-    private FontSource(Kind kind, String name, AssetManager assets) {
+    private FontSource(
+            Kind kind, String name, int index, String variations, AssetManager assets) {
         this.kind = kind;
         this.name = name;
+        this.index = index;
+        this.variations = variations;
         this.assets = assets;
     }
 
     /** The font of a style, or null when it names none. */
     static FontSource of(TextStyle style, Context context) {
-        if (style.getFont() == null) {
-            return null;
-        }
-        FontSource source = of(style.getFont(), context.getAssets());
-        source.index = style.getFontIndex() == null ? 0 : style.getFontIndex();
-        source.variations = style.getFontVariations() == null ? "" : style.getFontVariations();
-        return source;
+        return style.getFont() == null ? null : new FontSource(kindOf(style.getFont()),
+                style.getFont(), style.getFontIndex() == null ? 0 : style.getFontIndex(),
+                style.getFontVariations() == null ? "" : style.getFontVariations(),
+                context.getAssets());
     }
 
     /**
      * What a style's font means: an absolute path is a file, another path or a name with a font's
      * ending is an asset, the rest is the name of a family.
      */
-    static FontSource of(String font, AssetManager assets) {
+    private static Kind kindOf(String font) {
         if (new File(font).isAbsolute()) {
-            return new FontSource(Kind.FILE, font, null);
+            return Kind.FILE;
         }
         String lower = font.toLowerCase(Locale.ROOT);
         boolean isFile = lower.contains("/") || lower.endsWith(".ttf") || lower.endsWith(".otf")
                 || lower.endsWith(".ttc") || lower.endsWith(".otc");
-        return isFile
-                ? new FontSource(Kind.ASSET, font, assets)
-                : new FontSource(Kind.FAMILY, font, null);
+        return isFile ? Kind.ASSET : Kind.FAMILY;
     }
 
+    /** Throws IllegalArgumentException when there is none. */
     Typeface toTypeface() {
-        switch (kind) {
-            case FILE:
-                if (!new File(name).canRead()) {
-                    throw new IllegalArgumentException("font: no readable file \"" + name + "\"");
-                }
-                return takesFirst()
-                        ? Typeface.createFromFile(name)
-                        : requireFont(Api26.ofFile(name, index));
-            case ASSET:
-                requireAsset();
-                return takesFirst()
-                        ? Typeface.createFromAsset(assets, name)
-                        : requireFont(Api26.ofAsset(assets, name, index));
-            default:
-                Typeface typeface = Typeface.create(name, Typeface.NORMAL);
-                if (typeface.equals(Typeface.DEFAULT) && !FamilyNames.isDefault(name)) {
-                    throw SystemFamilies.unknown(name); // the platform takes its default in silence
-                }
-                return typeface;
+        if (kind == Kind.FAMILY) {
+            return family(); // the platform keeps these
         }
+        Typeface typeface = TYPEFACES.get(this);
+        if (typeface == null) {
+            typeface = kind == Kind.FILE ? openFile() : openAsset();
+            TYPEFACES.put(new FontSource(kind, name, index, variations, null), typeface);
+        }
+        return typeface;
+    }
+
+    private Typeface family() {
+        Typeface typeface = Typeface.create(name, Typeface.NORMAL);
+        if (typeface.equals(Typeface.DEFAULT) && !FamilyNames.isDefault(name)) {
+            throw SystemFamilies.unknown(name); // the platform takes its default in silence
+        }
+        return typeface;
+    }
+
+    private Typeface openFile() {
+        if (!new File(name).canRead()) {
+            throw new IllegalArgumentException("font: no readable file \"" + name + "\"");
+        }
+        return takesFirst() ? Typeface.createFromFile(name)
+                : requireFont(Api26.ofFile(name, index));
+    }
+
+    private Typeface openAsset() {
+        try {
+            assets.open(name).close(); // not every release refuses one that does not exist
+        } catch (IOException e) {
+            throw new IllegalArgumentException("font: no asset \"" + name + "\"", e);
+        }
+        return takesFirst() ? Typeface.createFromAsset(assets, name)
+                : requireFont(Api26.ofAsset(assets, name, index));
     }
 
     /** Before API level 26 a view measures with the first font of a collection. */
@@ -87,15 +105,6 @@ final class FontSource {
             throw new IllegalArgumentException("fontIndex: \"" + name + "\" has no font " + index);
         }
         return typeface;
-    }
-
-    /** Not every release refuses an asset that does not exist. */
-    private void requireAsset() {
-        try {
-            assets.open(name).close();
-        } catch (IOException e) {
-            throw new IllegalArgumentException("font: no asset \"" + name + "\"", e);
-        }
     }
 
     /** Sets the font; throws GxTextException when there is none. */

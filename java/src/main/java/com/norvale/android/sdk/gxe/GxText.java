@@ -11,6 +11,7 @@ import androidx.annotation.AnyThread;
 import androidx.annotation.IntRange;
 import androidx.annotation.NonNull;
 import androidx.annotation.Px;
+import androidx.annotation.UiThread;
 import com.norvale.android.sdk.gxe.font.FontManager;
 import com.norvale.android.sdk.gxe.util.NativeLibrary;
 import java.io.File;
@@ -35,7 +36,8 @@ import java.util.Objects;
  * gives its memory back when it is collected, which may be late. Every method of a closed object
  * but {@link #close} throws {@link IllegalStateException}.
  *
- * <p>Threads: one at a time, any; different objects may draw at the same time.
+ * <p>Threads: one at a time, any; different objects may draw at the same time. Views and their
+ * layouts are read on the thread that they belong to.
  */
 public final class GxText implements AutoCloseable {
     /** Handle of the native object; negative until the first native call makes one. */
@@ -266,6 +268,11 @@ public final class GxText implements AutoCloseable {
         patternLoader = loader;
     }
 
+    /** For a text that gets no other style: what the app gave may hold on to a whole activity. */
+    void releasePatternLoader() {
+        patternLoader = null;
+    }
+
     /**
      * Replaces the effects.
      *
@@ -360,6 +367,7 @@ public final class GxText implements AutoCloseable {
      * @throws IllegalArgumentException when it has no size or no lines yet
      * @throws GxTextException when the native library refuses it
      */
+    @UiThread
     public void setSource(@NonNull TextView view) {
         requireUsable("view", view);
         Layout layout = view.getLayout();
@@ -392,6 +400,7 @@ public final class GxText implements AutoCloseable {
      * @throws IllegalArgumentException when it has no size yet
      * @throws GxTextException when the native library refuses it
      */
+    @UiThread
     public void setView(@NonNull TextView view) {
         requireUsable("view", view);
         if (view.getWidth() <= 0 || view.getHeight() <= 0) {

@@ -2,9 +2,6 @@ package com.norvale.android.sdk.gxe;
 
 import android.content.Context;
 import android.content.res.Configuration;
-import android.content.res.TypedArray;
-import android.graphics.Bitmap;
-import android.graphics.BitmapFactory;
 import android.graphics.Canvas;
 import android.graphics.Paint;
 import android.graphics.Rect;
@@ -13,21 +10,17 @@ import android.text.Layout;
 import android.text.Spanned;
 import android.text.style.BackgroundColorSpan;
 import android.util.AttributeSet;
-import android.util.Log;
 import android.util.TypedValue;
 import android.view.ViewGroup;
 import android.view.ViewParent;
 import android.widget.TextView;
 import androidx.annotation.NonNull;
 import androidx.annotation.Nullable;
+import androidx.annotation.UiThread;
 import com.norvale.android.sdk.gxe.font.FontManager;
-import java.io.ByteArrayOutputStream;
-import java.io.File;
-import java.io.FileInputStream;
-import java.io.IOException;
-import java.io.InputStream;
 import java.util.Objects;
-import java.util.function.Consumer;
+import java.util.concurrent.Executor;
+import java.util.concurrent.RejectedExecutionException;
 
 /**
  * A text view that draws its text with effects.
@@ -49,16 +42,15 @@ import java.util.function.Consumer;
  *
  * <p>The system's fonts serve when the style names none, and for what its font lacks.
  *
- * <p>Threads: the main one, as with all views.
+ * <p>Threads: the main one, as with all views; {@link #setRenderExecutor} draws pictures on others.
  */
 // The platform's class, not a compatibility library's: the SDK depends on nothing else.
+@UiThread
 public class GxTextView extends TextView {
-    private static final String TAG = "GxTextView";
-
     private TextStyle style = TextStyle.EMPTY;
     /** The style in pixels. */
     private TextStyle drawn = TextStyle.EMPTY;
-    private PatternLoader patternLoader = this::loadPattern;
+    private PatternLoader patternLoader;
     private boolean growsBeyondBounds = true;
     private boolean includesEffectMargins;
     /** Part of the padding that is room for the effects; null while the super class constructs. */
@@ -66,10 +58,16 @@ public class GxTextView extends TextView {
     /** What the style's lengths are multiplied by; 0 before there is a style. */
     private float scale;
 
-    /** Native object; null until something is drawn and while detached. */
+    /** {@code app:gxSize}, and the pixels that it was last; null when not set. */
+    private TypedValue sizeAttribute;
+    private float sizeInPixels;
+
+    /** Native object; null until something is drawn, while detached, and when a job has taken it. */
     private GxText text;
-    /** Font that is set on the native object; null when none is. */
-    private FontSource textFont;
+    /** Draws pictures; null for the main thread. */
+    private Executor executor;
+    /** Draws what {@link #imageKey} says; null when nothing is being drawn. */
+    private RenderJob job;
 
     private TextImage image;
     /** All that the picture depends on; also kept for one that could not be drawn. */
@@ -82,7 +80,7 @@ public class GxTextView extends TextView {
      * @param context where the view runs
      */
     public GxTextView(@NonNull Context context) {
-        super(context);
+        this(context, null);
     }
 
     /**
@@ -93,7 +91,7 @@ public class GxTextView extends TextView {
      */
     public GxTextView(@NonNull Context context, @Nullable AttributeSet attrs) {
         super(context, attrs);
-        readAttributes(attrs);
+        readAttributes(attrs, 0);
     }
 
     /**
@@ -105,50 +103,29 @@ public class GxTextView extends TextView {
      */
     public GxTextView(@NonNull Context context, @Nullable AttributeSet attrs, int defStyleAttr) {
         super(context, attrs, defStyleAttr);
-        readAttributes(attrs);
+        readAttributes(attrs, defStyleAttr);
     }
 
-    /** {@code app:gxStyle}, {@code app:gxSize} and {@code app:gxColor}. */
-    private void readAttributes(AttributeSet attrs) {
-        readAttribute(attrs, "gxStyle", value -> {
-            int file = value.getResourceId(0, 0);
-            if (file != 0) {
-                setTextStyle(TextStyle.fromJson(readRaw(file)));
-            }
-        });
-        readAttribute(attrs, "gxSize", value ->
-                setTextSize(TypedValue.COMPLEX_UNIT_PX, value.getDimension(0, getTextSize())));
-        readAttribute(attrs, "gxColor", value ->
-                setTextColor(value.getColor(0, getCurrentTextColor())));
-    }
-
-    /** By name: the number is the app's, whose class R the SDK does not know. */
-    private void readAttribute(AttributeSet attrs, String name, Consumer<TypedArray> use) {
-        int number = getResources().getIdentifier(name, "attr", getContext().getPackageName());
-        if (attrs == null || number == 0) {
+    private void readAttributes(AttributeSet attrs, int defStyleAttr) {
+        patternLoader = new AppPatterns(getContext());
+        if (attrs == null) {
             return;
         }
-        TypedArray value = getContext().obtainStyledAttributes(attrs, new int[] {number});
-        try {
-            if (value.hasValue(0)) {
-                use.accept(value);
-            }
-        } finally {
-            value.recycle();
+        ViewAttributes set = new ViewAttributes(getContext(), attrs, defStyleAttr, isInEditMode());
+        if (set.style != null) {
+            setTextStyle(set.style);
+        }
+        sizeAttribute = set.size;
+        applySizeAttribute();
+        if (set.color != null) {
+            setTextColor(set.color);
         }
     }
 
-    private String readRaw(int file) {
-        try (InputStream in = getResources().openRawResource(file)) {
-            ByteArrayOutputStream text = new ByteArrayOutputStream();
-            byte[] buffer = new byte[4096];
-            for (int count = in.read(buffer); count >= 0; count = in.read(buffer)) {
-                text.write(buffer, 0, count);
-            }
-            return text.toString("UTF-8");
-        } catch (IOException e) {
-            throw new IllegalArgumentException(
-                    "gxStyle: " + getResources().getResourceName(file) + " cannot be read", e);
+    private void applySizeAttribute() {
+        if (sizeAttribute != null) {
+            sizeInPixels = ViewAttributes.pixels(sizeAttribute, getResources());
+            setTextSize(TypedValue.COMPLEX_UNIT_PX, sizeInPixels);
         }
     }
 
@@ -165,8 +142,7 @@ public class GxTextView extends TextView {
         Objects.requireNonNull(style, "style");
         float wanted = scaleOf(style);
         TextStyle scaled = wanted == 1 ? style : style.scaled(wanted);
-        FontSource font = FontSource.of(scaled, getContext());
-        GxText opened = hasLook(scaled) && !isInEditMode() ? openText(scaled, font) : null;
+        GxText opened = hasLook(scaled) && !isInEditMode() ? openText(scaled) : null;
         try {
             scaled.applyTo(this);
         } catch (RuntimeException e) {
@@ -175,7 +151,6 @@ public class GxTextView extends TextView {
         }
         releaseText();
         text = opened;
-        textFont = font;
         this.style = style;
         scale = wanted;
         drawn = scaled;
@@ -200,9 +175,25 @@ public class GxTextView extends TextView {
     @Override
     protected void onConfigurationChanged(Configuration configuration) {
         super.onConfigurationChanged(configuration);
+        boolean hasOwnSize = sizeAttribute != null && getTextSize() == sizeInPixels;
         if (scale != 0 && scale != scaleOf(style)) {
-            setTextStyle(style);
+            rescale();
         }
+        if (hasOwnSize) {
+            applySizeAttribute();
+        }
+    }
+
+    /** All but lengths stays as it is, and lengths that the app has set since do. */
+    private void rescale() {
+        TextStyle before = drawn;
+        scale = scaleOf(style);
+        drawn = scale == 1 ? style : style.scaled(scale);
+        releaseText();
+        addPadding(new Rect());
+        ViewStyler.rescale(before, drawn, this);
+        addMargins();
+        invalidate();
     }
 
     /**
@@ -225,18 +216,19 @@ public class GxTextView extends TextView {
         patternLoader = Objects.requireNonNull(loader, "loader");
     }
 
-    private Bitmap loadPattern(String pattern) throws IOException {
-        BitmapFactory.Options options = new BitmapFactory.Options();
-        options.inPremultiplied = false;
-        try (InputStream in = new File(pattern).isAbsolute()
-                        ? new FileInputStream(pattern)
-                        : getContext().getAssets().open(pattern)) {
-            Bitmap picture = BitmapFactory.decodeStream(in, null, options);
-            if (picture == null) {
-                throw new IOException("not a picture");
-            }
-            return picture;
-        }
+    /**
+     * Lets an executor draw the pictures. The view is measured and laid out on the main thread as
+     * ever; until its picture is there it draws as a plain text view, and then draws itself again. A
+     * picture that comes too late, for a view that shows something else by then or was detached, is
+     * not shown. What waits for the executor does not keep the view.
+     *
+     * @param executor runs the drawing, several at a time if it likes; null, as at first, draws on
+     *     the main thread
+     */
+    public void setRenderExecutor(@Nullable Executor executor) {
+        this.executor = executor;
+        forgetImage();
+        invalidate();
     }
 
     /**
@@ -271,7 +263,7 @@ public class GxTextView extends TextView {
         if (includesEffectMargins != includes) {
             includesEffectMargins = includes;
             addMargins();
-            imageKey = null;
+            forgetImage();
             invalidate();
         }
     }
@@ -300,7 +292,11 @@ public class GxTextView extends TextView {
     }
 
     private void addMargins() {
-        Rect wanted = includesEffectMargins ? getEffectMargins() : new Rect();
+        addPadding(includesEffectMargins ? getEffectMargins() : new Rect());
+    }
+
+    /** In place of what was added before. */
+    private void addPadding(Rect wanted) {
         Rect before = addedPadding;
         if (wanted.equals(before)) {
             return; // setting padding would settle which side is its start
@@ -370,43 +366,71 @@ public class GxTextView extends TextView {
         return false;
     }
 
-    /** The picture for what the view is now; null when it cannot be drawn. */
+    /** The picture for what the view is now; null when it cannot be drawn or is not there yet. */
     private TextImage currentImage() {
         PictureCache.Key key = makeKey(getLayout());
-        if (key.equals(imageKey)) {
-            return image;
-        }
-        imageKey = key;
-        image = PictureCache.get(key);
-        if (image != null) {
-            return image;
-        }
-        try {
-            open();
-            text.setKeepsWholeInk(includesEffectMargins);
-            text.setSource(this);
-            image = text.render();
-            renderCount++;
-            PictureCache.put(key, image);
-        } catch (GxTextException | IllegalArgumentException | OutOfMemoryError e) {
-            // An app had better show a plain text than end while drawing.
-            Log.e(TAG, "cannot draw the effects", e);
+        if (!key.equals(imageKey)) {
+            forgetImage();
+            imageKey = key;
+            image = PictureCache.get(key);
+            if (image == null) {
+                drawImage(key);
+            }
         }
         return image;
     }
 
-    private void open() {
-        if (text == null) {
-            textFont = FontSource.of(drawn, getContext());
-            text = openText(drawn, textFont);
+    private void drawImage(PictureCache.Key key) {
+        try {
+            open();
+            text.setKeepsWholeInk(includesEffectMargins);
+            text.setSource(this);
+            if (executor == null) {
+                image = text.render();
+                renderCount++;
+                PictureCache.put(key, image);
+            } else {
+                job = new RenderJob(this, key, text);
+                text = null;
+                executor.execute(job);
+            }
+        } catch (GxTextException | IllegalArgumentException | RejectedExecutionException
+                | OutOfMemoryError e) {
+            RenderJob.logFailure(e);
         }
     }
 
-    private GxText openText(TextStyle style, FontSource font) {
+    /** What a job has drawn; null when it could not. */
+    void take(RenderJob finished, TextImage result) {
+        if (finished == job) {
+            job = null;
+            image = result;
+            renderCount++;
+            invalidate();
+        }
+    }
+
+    private void forgetImage() {
+        if (job != null) {
+            job.cancel();
+        }
+        job = null;
+        image = null;
+        imageKey = null;
+    }
+
+    private void open() {
+        if (text == null) {
+            text = openText(drawn);
+        }
+    }
+
+    private GxText openText(TextStyle style) {
         GxText opened = new GxText();
         try {
             opened.setPatternLoader(patternLoader);
             opened.setStyle(style);
+            FontSource font = FontSource.of(style, getContext());
             if (font != null) {
                 font.putOn(opened);
             }
@@ -426,9 +450,7 @@ public class GxTextView extends TextView {
     private void releaseText() {
         close(text);
         text = null;
-        textFont = null;
-        image = null;
-        imageKey = null;
+        forgetImage();
     }
 
     /** Out of the view into its parent, and out of that into the next. */
@@ -447,13 +469,19 @@ public class GxTextView extends TextView {
         return new PictureCache.Key(
             drawn.getEffectKey(), drawn.getFont(), drawn.getFontIndex(), drawn.getFontVariations(),
             FontManager.hasSystemFonts(), includesEffectMargins,
-            drawn.getEffectKey().contains("\"pattern\"") ? patternLoader : null,
+            drawn.getEffectKey().contains("\"pattern\"") ? patternKey() : null,
             layout.getText().toString(), backgrounds(layout.getText()), lines(layout),
             getWidth(), getHeight(), getPaddingLeft(), getPaddingTop(), getPaddingRight(),
             getPaddingBottom(), getGravity(), getMaxLines(), getCurrentTextColor(), getTypeface(),
             paint.getTextSize(), paint.getTextScaleX(), paint.getTextSkewX(),
             paint.getLetterSpacing(), paint.getFlags(), paint.isElegantTextHeight(),
             paint.getFontFeatureSettings(), paint.getTextLocales(), paint.getTextAlign());
+    }
+
+    private Object patternKey() {
+        return patternLoader instanceof AppPatterns
+                ? ((AppPatterns) patternLoader).packageName
+                : PictureCache.identityOf(patternLoader);
     }
 
     private static int[] backgrounds(CharSequence text) {

@@ -1,6 +1,7 @@
 package com.norvale.android.sdk.gxe;
 
 import android.util.LruCache;
+import java.lang.ref.WeakReference;
 import java.util.Arrays;
 
 /** Pictures of views that are the same in all that shows: for lists, and for views that come back. */
@@ -25,6 +26,32 @@ final class PictureCache {
         public int hashCode() {
             return hash;
         }
+    }
+
+    /** An object as itself, which a key does not keep. */
+    private static final class Identity extends WeakReference<Object> {
+        private final int hash;
+
+        Identity(Object object) {
+            super(object);
+            hash = System.identityHashCode(object);
+        }
+
+        @Override
+        public boolean equals(Object other) {
+            return other == this || (other instanceof Identity && get() != null
+                    && get() == ((Identity) other).get());
+        }
+
+        @Override
+        public int hashCode() {
+            return hash;
+        }
+    }
+
+    /** Equal to another of the same object as long as that lives. */
+    static Object identityOf(Object object) {
+        return new Identity(object);
     }
 
     /** Bytes: an eighth of what the app may use, at most 32 MiB. */

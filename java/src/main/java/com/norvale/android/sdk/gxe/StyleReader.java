@@ -22,6 +22,11 @@ final class StyleReader {
         if (mistakes != null) {
             throw StyleException.of(mistakes);
         }
+        return readChecked(json);
+    }
+
+    /** Without the native library: of a file that is a style. */
+    static TextStyle readChecked(String json) {
         Map<?, ?> object = (Map<?, ?>) parse(json);
         TextStyle.Builder builder = new TextStyle.Builder();
         for (Property property : TextStyle.PROPERTIES) {

@@ -9,6 +9,7 @@ import android.text.style.BackgroundColorSpan;
 import android.util.TypedValue;
 import android.view.Gravity;
 import android.widget.TextView;
+import java.util.Arrays;
 import java.util.List;
 
 /** Puts what a style sets on a text view. */
@@ -27,6 +28,25 @@ final class ViewStyler {
         applyPaint(style, view);
         applyText(style, view);
         applyBox(style, view);
+    }
+
+    /** Gives lengths that still are those of the style before what they are in the style after. */
+    static void rescale(TextStyle before, TextStyle after, TextView view) {
+        if (before.getSize() != null && view.getTextSize() == before.getSize()) {
+            view.setTextSize(TypedValue.COMPLEX_UNIT_PX, after.getSize());
+        }
+        if (before.getWidth() != null && view.getMaxWidth() == before.getWidth()) {
+            view.setWidth(after.getWidth());
+        }
+        if (before.getPadding() != null && before.getPadding().equals(Arrays.asList(
+                view.getPaddingLeft(), view.getPaddingTop(), view.getPaddingRight(),
+                view.getPaddingBottom()))) {
+            setPadding(view, after.getPadding());
+        }
+    }
+
+    private static void setPadding(TextView view, List<Integer> sides) {
+        view.setPadding(sides.get(0), sides.get(1), sides.get(2), sides.get(3));
     }
 
     private static void applyTypeface(TextStyle style, TextView view) {
@@ -95,9 +115,8 @@ final class ViewStyler {
         if (style.getWidth() != null) {
             view.setWidth(style.getWidth());
         }
-        List<Integer> padding = style.getPadding();
-        if (padding != null) {
-            view.setPadding(padding.get(0), padding.get(1), padding.get(2), padding.get(3));
+        if (style.getPadding() != null) {
+            setPadding(view, style.getPadding());
         }
         if (style.getAlign() != null) {
             int vertical = view.getGravity() & ~Gravity.RELATIVE_HORIZONTAL_GRAVITY_MASK;

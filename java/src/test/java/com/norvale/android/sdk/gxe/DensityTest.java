@@ -4,11 +4,9 @@ import static org.junit.Assert.assertEquals;
 import static org.junit.Assert.assertFalse;
 import static org.junit.Assert.assertTrue;
 
-import android.content.res.Configuration;
 import android.graphics.Bitmap;
 import android.graphics.Color;
 import android.graphics.Rect;
-import android.util.AttributeSet;
 import android.util.TypedValue;
 import android.widget.FrameLayout;
 import android.widget.LinearLayout;
@@ -26,10 +24,9 @@ import java.util.concurrent.Future;
 import java.util.concurrent.TimeUnit;
 import org.junit.Before;
 import org.junit.Test;
-import org.robolectric.Robolectric;
 import org.robolectric.RuntimeEnvironment;
 
-/** Screens of every density, lists of titles, rooms for effects, and work off the main thread. */
+/** Screens of every density, lists of titles, room for effects, and texts on other threads. */
 public class DensityTest extends NativeTest {
     @Before
     public void forgetPictures() {
@@ -44,7 +41,7 @@ public class DensityTest extends NativeTest {
     }
 
     @Test
-    public void lengthsFollowDensityAndFontScale() {
+    public void lengthsFollowDensity() {
         String[] screens = {"mdpi", "xhdpi", "xxxhdpi"};
         float[] densities = {1, 2, 4};
         for (int i = 0; i < screens.length; i++) {
@@ -64,15 +61,6 @@ public class DensityTest extends NativeTest {
             assertTrue(screens[i], view.getEffectMargins().left >= 2 * densities[i]);
         }
         RuntimeEnvironment.setQualifiers("mdpi");
-        GxTextView view = new GxTextView(context());
-        view.setTextStyle(title());
-        assertEquals(20, view.getTextSize(), 0);
-        RuntimeEnvironment.setFontScale(1.5f);
-        view.dispatchConfigurationChanged(
-                new Configuration(context().getResources().getConfiguration()));
-        assertEquals(30, view.getTextSize(), 0);
-        assertEquals(title(), view.getTextStyle());
-        RuntimeEnvironment.setFontScale(1);
     }
 
     private static LinearLayout listOfTitles(int count) {
@@ -165,17 +153,16 @@ public class DensityTest extends NativeTest {
         assertTrue(beyond);
     }
 
-    /** As docs/java.md tells it: the main thread measures, an executor draws. */
+    /** Pictures that belong to no view: the main thread measures, an executor draws. */
     @Test
-    public void executorsDrawAndLateResultsAreDropped() throws Exception {
+    public void executorsDrawTexts() throws Exception {
         ExecutorService executor = Executors.newFixedThreadPool(2);
         List<Future<TextImage>> images = new ArrayList<>();
         for (int i = 0; i < 8; i++) {
-            TextView source = layOut(textView("Title " + i, LATIN, 40), 0);
             GxText text = new GxText();
             text.setFont(LATIN);
             text.setStyle(title().scaled(2));
-            text.setSource(source);
+            text.setSource(layOut(textView("Title " + i, LATIN, 40), 0));
             images.add(executor.submit(() -> {
                 try (GxText drawn = text) {
                     return drawn.render();
@@ -186,14 +173,5 @@ public class DensityTest extends NativeTest {
             assertTrue(image.get(60, TimeUnit.SECONDS).getBitmap().getWidth() > 40);
         }
         executor.shutdown();
-    }
-
-    @Test
-    public void aViewFromALayoutFileWithoutAStyleIsATextView() {
-        AttributeSet attributes = Robolectric.buildAttributeSet().build();
-        GxTextView view = new GxTextView(context(), attributes);
-        assertEquals(TextStyle.EMPTY, view.getTextStyle());
-        assertEquals(new TextView(context()).getTextSize(), view.getTextSize(), 0);
-        assertEquals(new TextView(context()).getCurrentTextColor(), view.getCurrentTextColor());
     }
 }

@@ -1,0 +1,85 @@
+package com.norvale.android.sdk.gxe;
+
+import android.content.Context;
+import android.content.res.Resources;
+import android.content.res.TypedArray;
+import android.util.AttributeSet;
+import android.util.TypedValue;
+import java.io.ByteArrayOutputStream;
+import java.io.IOException;
+import java.io.InputStream;
+import java.util.function.Consumer;
+
+/** What a layout file, a style of the resources or the theme sets of a view. */
+final class ViewAttributes {
+    private final Context context;
+    private final AttributeSet attrs;
+    private final int defStyleAttr;
+    private final boolean inEditMode;
+
+    /** Null when not set. */
+    TextStyle style;
+    /** Null when not set. */
+    TypedValue size;
+    /** Null when not set. */
+    Integer color;
+
+    ViewAttributes(Context context, AttributeSet attrs, int defStyleAttr, boolean inEditMode) {
+        this.context = context;
+        this.attrs = attrs;
+        this.defStyleAttr = defStyleAttr;
+        this.inEditMode = inEditMode;
+        read("gxStyle", value -> {
+            int file = value.getResourceId(0, 0);
+            style = file == 0 ? null : readStyle(readRaw(context.getResources(), file));
+        });
+        read("gxSize", value -> {
+            size = new TypedValue();
+            value.getValue(0, size);
+        });
+        read("gxColor", value -> color = value.getColor(0, 0));
+    }
+
+    private TextStyle readStyle(String json) {
+        // The layout editor has no native library.
+        return inEditMode ? StyleReader.readChecked(json) : TextStyle.fromJson(json);
+    }
+
+    /** By name: the number is the app's, whose class R the SDK does not know. */
+    private void read(String name, Consumer<TypedArray> use) {
+        int number = context.getResources().getIdentifier(name, "attr", context.getPackageName());
+        if (number == 0) {
+            return;
+        }
+        TypedArray value =
+                context.obtainStyledAttributes(attrs, new int[] {number}, defStyleAttr, 0);
+        try {
+            if (value.hasValue(0)) {
+                use.accept(value);
+            }
+        } finally {
+            value.recycle();
+        }
+    }
+
+    /** A size in the pixels of the resources' screen. */
+    static float pixels(TypedValue size, Resources resources) {
+        return size.resourceId == 0
+                ? TypedValue.complexToDimension(size.data, resources.getDisplayMetrics())
+                : resources.getDimension(size.resourceId);
+    }
+
+    private static String readRaw(Resources resources, int file) {
+        try (InputStream in = resources.openRawResource(file)) {
+            ByteArrayOutputStream text = new ByteArrayOutputStream();
+            byte[] buffer = new byte[4096];
+            for (int count = in.read(buffer); count >= 0; count = in.read(buffer)) {
+                text.write(buffer, 0, count);
+            }
+            return text.toString("UTF-8");
+        } catch (IOException e) {
+            throw new IllegalArgumentException(
+                    "gxStyle: " + resources.getResourceName(file) + " cannot be read", e);
+        }
+    }
+}
