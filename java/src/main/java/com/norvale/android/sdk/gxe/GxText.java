@@ -61,6 +61,12 @@ public final class GxText implements AutoCloseable {
     private boolean followsTypeface = true;
     private boolean isViewBold;
     private final List<Integer> fallbackFamilies = new ArrayList<>();
+    private boolean hasPaint;
+    private boolean hasView;
+    private boolean hasLayout;
+    private int lineLimit;
+    /** Of the view; negative when its height is limited in pixels. */
+    private int maxLines;
     /** Of the layout, for which fonts are chosen. */
     private String characters = "";
 
@@ -376,8 +382,7 @@ public final class GxText implements AutoCloseable {
         }
         setPaint(view.getPaint());
         setView(view);
-        // A view whose height is limited in pixels has no limit of lines: show them all.
-        setLineLimit(view.getMaxLines() > 0 ? 0 : layout.getLineCount());
+        setLineLimit(0);
         setLayout(layout);
     }
 
@@ -386,11 +391,23 @@ public final class GxText implements AutoCloseable {
      * used, see {@link #setView}.
      *
      * @param paint the paint of the text
+     * @throws IllegalArgumentException when one of its lengths is not finite
      * @throws GxTextException when the native library refuses it
      */
     public void setPaint(@NonNull Paint paint) {
         requireUsable("paint", paint);
+        requireFinite("paint.textSize", paint.getTextSize());
+        requireFinite("paint.textScaleX", paint.getTextScaleX());
+        requireFinite("paint.textSkewX", paint.getTextSkewX());
+        requireFinite("paint.letterSpacing", paint.getLetterSpacing());
         require(GxText_SetPaint(paint), "paint");
+        hasPaint = true;
+    }
+
+    private static void requireFinite(String name, float value) {
+        if (Float.isNaN(value) || Float.isInfinite(value)) {
+            throw new IllegalArgumentException(name + ": " + value + " is not finite");
+        }
     }
 
     /**
@@ -408,6 +425,8 @@ public final class GxText implements AutoCloseable {
                     + view.getHeight() + " pixels");
         }
         require(GxText_SetView(view), "view");
+        hasView = true;
+        maxLines = view.getMaxLines();
         Typeface typeface = view.getTypeface();
         isViewBold = typeface != null && typeface.isBold();
         if (followsTypeface && !FontManager.hasSystemFonts()) {
@@ -423,16 +442,15 @@ public final class GxText implements AutoCloseable {
     /**
      * Limits the lines that are drawn.
      *
-     * @param lines the most lines to draw, or 0 for the view's own limit
+     * @param lines the most lines to draw, or 0, as at first, for the view's own limit
      * @throws IllegalArgumentException when negative
-     * @throws GxTextException when the native library refuses it
      */
     public void setLineLimit(@IntRange(from = 0) int lines) {
         requireOpen();
         if (lines < 0) {
             throw new IllegalArgumentException("lines: " + lines + " is negative");
         }
-        require(GxText_SetLine(lines), "lines");
+        lineLimit = lines;
     }
 
     /**
@@ -441,11 +459,17 @@ public final class GxText implements AutoCloseable {
      * the boxes behind the lines.
      *
      * @param layout the lines
+     * @throws IllegalStateException when no view has been given
      * @throws GxTextException when the native library refuses it
      */
     public void setLayout(@NonNull Layout layout) {
         requireUsable("layout", layout);
+        requireGiven(hasView, "view", "setView");
+        // A view whose height is limited in pixels has no limit of lines: show them all.
+        boolean isLimited = lineLimit > 0 || maxLines > 0;
+        require(GxText_SetLine(isLimited ? lineLimit : layout.getLineCount()), "lines");
         require(GxText_SetLayout(layout), "layout");
+        hasLayout = true;
         characters = String.valueOf(layout.getText());
     }
 
@@ -500,7 +524,7 @@ public final class GxText implements AutoCloseable {
      * call it off the main thread.
      *
      * @return the picture, the caller's own
-     * @throws IllegalStateException when no view has been given
+     * @throws IllegalStateException when paint, view or lines have not been given
      * @throws GxTextException when the native library cannot draw, for want of memory for example
      */
     @NonNull
@@ -520,7 +544,7 @@ public final class GxText implements AutoCloseable {
      *
      * @return rows of pixels {@code 0xAARRGGBB} without gaps, colours not multiplied by alpha. The
      *     width is that of the view plus {@link #getLeftMargin} and {@link #getRightMargin}
-     * @throws IllegalStateException when no view has been given
+     * @throws IllegalStateException when paint, view or lines have not been given
      * @throws GxTextException when the native library cannot draw, for want of memory for example
      */
     @NonNull
@@ -531,15 +555,14 @@ public final class GxText implements AutoCloseable {
 
     private int[] renderPixels(int[] frame) {
         requireOpen();
+        requireGiven(hasPaint, "paint", "setPaint");
+        requireGiven(hasLayout, "layout", "setLayout");
         useFonts();
         int[] pixels = keepsWholeInk
                 ? TextExtension.render(this, frame)
                 : renderView(frame);
         if (pixels == null) {
             throw new GxTextException("the text could not be drawn");
-        }
-        if (pixels.length == 0) {
-            throw new IllegalStateException("there is no view to draw for; call setSource first");
         }
         return pixels;
     }
@@ -641,6 +664,13 @@ public final class GxText implements AutoCloseable {
     private void requireOpen() {
         if (closed) {
             throw new IllegalStateException("this GxText is closed");
+        }
+    }
+
+    private static void requireGiven(boolean given, String what, String setter) {
+        if (!given) {
+            throw new IllegalStateException(
+                    "no " + what + " was given; call " + setter + " or setSource first");
         }
     }
 

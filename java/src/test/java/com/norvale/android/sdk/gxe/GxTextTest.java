@@ -8,6 +8,7 @@ import static org.junit.Assert.assertTrue;
 
 import android.graphics.Bitmap;
 import android.graphics.Color;
+import android.graphics.Paint;
 import android.graphics.Typeface;
 import android.widget.TextView;
 import com.norvale.android.sdk.gxe.font.FontManager;
@@ -213,7 +214,7 @@ public class GxTextTest extends NativeTest {
 
     private static int bindAndForget() throws ReflectiveOperationException {
         GxText text = new GxText();
-        text.setLineLimit(1);
+        text.setPaint(new Paint());
         return handleOf(text);
     }
 
@@ -221,7 +222,7 @@ public class GxTextTest extends NativeTest {
         GxText probe = new GxText();
         setHandle(probe, handle);
         try {
-            probe.setLineLimit(1);
+            probe.setPaint(new Paint());
             return true;
         } catch (GxTextException e) {
             return false;
@@ -245,7 +246,6 @@ public class GxTextTest extends NativeTest {
             assertTrue(assertThrows(IllegalArgumentException.class,
                     () -> text.setView(new TextView(context()))).getMessage()
                     .contains("no size yet: 0 x 0"));
-            assertThrows(IllegalStateException.class, text::render);
             assertTrue(assertThrows(GxTextException.class,
                     () -> text.setFont("no-such-file.ttf")).getMessage()
                     .contains("is no readable file"));
@@ -260,6 +260,33 @@ public class GxTextTest extends NativeTest {
         assertThrows(GxTextException.class,
                 () -> FontManager.insertFontData("garbage2", new byte[1]));
         assertThrows(IllegalArgumentException.class, () -> FontManager.setFontConfig("fonts"));
+    }
+
+    /** A picture is either of the text, or there is a reason why there is none. */
+    @Test
+    public void whatIsMissingOrNoNumberIsNamedAndNoBlankPicture() {
+        TextView view = layOut(textView("Ag", LATIN, 48), 0);
+        try (GxText text = new GxText()) {
+            assertNamed("no paint", text::render);
+            text.setPaint(view.getPaint());
+            assertNamed("call setLayout or setSource", text::render);
+            assertNamed("call setView or setSource", () -> text.setLayout(view.getLayout()));
+            text.setView(view);
+            assertNamed("no layout", text::render);
+        }
+        for (float wrong : new float[] {Float.NaN, Float.POSITIVE_INFINITY}) {
+            Paint paint = new Paint(view.getPaint());
+            paint.setTextScaleX(wrong);
+            try (GxText text = new GxText()) {
+                assertTrue(assertThrows(IllegalArgumentException.class,
+                        () -> text.setPaint(paint)).getMessage().contains("textScaleX: " + wrong));
+            }
+        }
+    }
+
+    private static void assertNamed(String part, Runnable call) {
+        String message = assertThrows(IllegalStateException.class, call::run).getMessage();
+        assertTrue(message, message.contains(part));
     }
 
     @Test
@@ -333,6 +360,10 @@ public class GxTextTest extends NativeTest {
             text.setSource(view); // three lines are laid out still, one is shown
             int one = inkCount(text.renderPixels());
             assertEquals(three, 3 * one);
+            view.setMaxHeight(10000);
+            text.setView(view); // by its parts as by itself
+            text.setLayout(view.getLayout());
+            assertEquals(three, inkCount(text.renderPixels()));
         }
     }
 }
