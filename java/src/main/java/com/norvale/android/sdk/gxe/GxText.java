@@ -47,6 +47,8 @@ public final class GxText implements AutoCloseable {
     private boolean closed;
 
     private TextStyle style = TextStyle.EMPTY;
+    /** Of the last view's screen for a style in dp. */
+    private float pixelsPerDp = 1;
     private PatternLoader patternLoader;
     private boolean keepsWholeInk;
     private boolean confinesInside = true;
@@ -301,7 +303,8 @@ public final class GxText implements AutoCloseable {
     /**
      * Takes what a picture has of a style beside its text: effects, opacity, opacity of the letters'
      * fill, canvas and the shape of background boxes. Text, font, colours and layout are the
-     * view's: see {@link TextStyle#applyTo}.
+     * view's: see {@link TextStyle#applyTo}. Lengths in dp are those of the view's screen once there
+     * is one, its font scale included.
      *
      * @param style the style
      * @throws StyleException when a pattern has no picture, with its place; the object then has no
@@ -311,8 +314,11 @@ public final class GxText implements AutoCloseable {
         requireUsable("style", style);
         Pictures pictures = new Pictures(style, patternLoader);
         this.style = TextStyle.EMPTY;
+        TextStyle inPixels = style.getUnit() == TextStyle.Unit.DP && pixelsPerDp != 1
+                ? style.scaled(pixelsPerDp) : style;
         byte[] mistakes = TextExtension.dress(this,
-                StyleWriter.writeLook(style).getBytes(StandardCharsets.UTF_8), lengths(style),
+                StyleWriter.writeLook(inPixels).getBytes(StandardCharsets.UTF_8),
+                lengths(inPixels),
                 (keepsWholeInk ? TextExtension.WHOLE_INK : 0)
                         | (confinesInside ? 0 : TextExtension.LET_INSIDE_OUT),
                 pictures.names(), pictures.widths(), pictures.pixels());
@@ -320,6 +326,16 @@ public final class GxText implements AutoCloseable {
             throw StyleException.of(mistakes);
         }
         this.style = style;
+    }
+
+    /** For a style in dp. */
+    private void scaleTo(TextView view) {
+        float wanted = style.getUnit() == TextStyle.Unit.DP
+                ? view.getResources().getDisplayMetrics().scaledDensity : pixelsPerDp;
+        if (wanted != pixelsPerDp) {
+            pixelsPerDp = wanted;
+            setStyle(style);
+        }
     }
 
     /** Size and distance of each effect. */
@@ -424,6 +440,7 @@ public final class GxText implements AutoCloseable {
             throw new IllegalArgumentException("view has no size yet: " + view.getWidth() + " x "
                     + view.getHeight() + " pixels");
         }
+        scaleTo(view);
         require(GxText_SetView(view), "view");
         hasView = true;
         maxLines = view.getMaxLines();

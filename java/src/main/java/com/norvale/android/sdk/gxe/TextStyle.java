@@ -199,7 +199,7 @@ public final class TextStyle {
     /**
      * The style with every length multiplied: font size, padding, width, the effects' sizes and
      * distances, a pattern's tiles. Whole ones are rounded to nearest. A style in dp becomes one in
-     * pixels by {@code scaled(getResources().getDisplayMetrics().density)}.
+     * pixels by {@code scaled(getResources().getDisplayMetrics().scaledDensity)}.
      *
      * <p>Lengths may come out longer than a style file allows, up to 1,000 pixels for outlines and
      * blurs; such a style draws, but is not read back from what {@link #toJson} writes.

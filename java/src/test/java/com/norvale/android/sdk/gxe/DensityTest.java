@@ -59,6 +59,11 @@ public class DensityTest extends NativeTest {
             assertEquals(screens[i], plain.getWidth(), view.getWidth());
             assertEquals(screens[i], plain.getHeight(), view.getHeight());
             assertTrue(screens[i], view.getEffectMargins().left >= 2 * densities[i]);
+            try (GxText text = new GxText()) {
+                text.setStyle(title());
+                text.setSource(view);
+                assertEquals(screens[i], view.getEffectMargins().left, text.getLeftMargin());
+            }
         }
         RuntimeEnvironment.setQualifiers("mdpi");
     }

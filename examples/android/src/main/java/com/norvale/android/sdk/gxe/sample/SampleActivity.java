@@ -17,7 +17,6 @@ import com.norvale.android.sdk.gxe.TextStyle;
 import java.io.ByteArrayOutputStream;
 import java.io.IOException;
 import java.io.InputStream;
-import java.util.Collections;
 
 /**
  * The ways to use the library: a view with a style from code, one with a style from a file that was
@@ -42,17 +41,18 @@ public class SampleActivity extends Activity {
         GxTextView view = new GxTextView(this);
         view.setTextStyle(new TextStyle.Builder()
                 .setText("Golden hour")
-                .setSize(96)
+                .setUnit(TextStyle.Unit.DP)
+                .setSize(48)
                 .setColor(Color.BLACK) // opaque: the alpha of a theme's colour fades all effects
-                .setPadding(24)
+                .setPadding(12)
                 .addEffect(new LinearGradientEffect.Builder()
                         .setAngle(90)
                         .addStop(0xFF8A5A00, 0)
                         .addStop(0xFFFFD75E, 0.5f)
                         .addStop(0xFFFFF7D0, 1)
                         .build())
-                .addEffect(new StrokeEffect.Builder().setSize(3).setColor(0xFF4A2E00).build())
-                .addEffect(ShadowEffect.outer().setAngle(120).setDistance(8).setSize(10).build())
+                .addEffect(new StrokeEffect.Builder().setSize(1.5f).setColor(0xFF4A2E00).build())
+                .addEffect(ShadowEffect.outer().setAngle(120).setDistance(4).setSize(5).build())
                 .build());
         return view;
     }
@@ -74,9 +74,9 @@ public class SampleActivity extends Activity {
         source.layout(0, 0, source.getMeasuredWidth(), source.getMeasuredHeight());
         ImageView picture = new ImageView(this);
         try (GxText text = new GxText()) {
-            text.setSystemFont(false);
-            text.setEffects(Collections.singletonList(
-                    ShadowEffect.outer().setColor(Color.CYAN).setDistance(4).build()));
+            text.setStyle(new TextStyle.Builder().setUnit(TextStyle.Unit.DP)
+                    .addEffect(ShadowEffect.outer().setColor(Color.CYAN).setDistance(2).build())
+                    .build());
             text.setSource(source);
             picture.setImageBitmap(text.render().getBitmap());
         }
