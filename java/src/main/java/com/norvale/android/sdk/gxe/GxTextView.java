@@ -263,7 +263,6 @@ public class GxTextView extends TextView {
         if (includesEffectMargins != includes) {
             includesEffectMargins = includes;
             addMargins();
-            forgetImage();
             invalidate();
         }
     }
@@ -383,7 +382,6 @@ public class GxTextView extends TextView {
     private void drawImage(PictureCache.Key key) {
         try {
             open();
-            text.setKeepsWholeInk(includesEffectMargins);
             text.setSource(this);
             if (executor == null) {
                 image = text.render();
@@ -429,6 +427,7 @@ public class GxTextView extends TextView {
         GxText opened = new GxText();
         try {
             opened.setPatternLoader(patternLoader);
+            opened.setKeepsWholeInk(true); // and letters stand where a text view has them
             opened.setStyle(style);
             FontSource font = FontSource.of(style, getContext());
             if (font != null) {
@@ -468,7 +467,7 @@ public class GxTextView extends TextView {
         Paint paint = getPaint();
         return new PictureCache.Key(
             drawn.getEffectKey(), drawn.getFont(), drawn.getFontIndex(), drawn.getFontVariations(),
-            FontManager.hasSystemFonts(), includesEffectMargins,
+            FontManager.hasSystemFonts(),
             drawn.getEffectKey().contains("\"pattern\"") ? patternKey() : null,
             layout.getText().toString(), backgrounds(layout.getText()), lines(layout),
             getWidth(), getHeight(), getPaddingLeft(), getPaddingTop(), getPaddingRight(),

@@ -75,6 +75,7 @@ public class GxTextViewTest extends NativeTest {
         TextImage image;
         try (GxText text = new GxText()) {
             text.setFont(LATIN);
+            text.setKeepsWholeInk(true);
             text.setEffects(view.getTextStyle().getEffects());
             text.setSource(view);
             image = text.render();

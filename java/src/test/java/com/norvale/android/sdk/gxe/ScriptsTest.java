@@ -117,6 +117,29 @@ public class ScriptsTest extends NativeTest {
         assertTrue(String.join("\n", lines), least >= 0.95);
     }
 
+    @Test
+    public void aViewWithEffectsHasItsLettersWhereTheyWere() {
+        TextStyle unseen = new TextStyle.Builder()
+                .addEffect(ShadowEffect.outer().setOpacity(0).build()).build();
+        for (String text : new String[] {"自由と平等", "Typography", "الخط"}) {
+            GxTextView styled = new GxTextView(context());
+            styled.setTextStyle(unseen);
+            TextView plain = view(text, "ja");
+            for (TextView view : new TextView[] {styled, plain}) {
+                view.setTextLocales(plain.getTextLocales());
+                view.setTextSize(TypedValue.COMPLEX_UNIT_PX, SIZE);
+                view.setTextColor(Color.BLACK);
+                view.setText(text);
+                layOut(view, 0);
+            }
+            plain.setPadding(0, 0, 0, 0);
+            layOut(plain, 0);
+            TextImage drawn = new TextImage(draw(styled, 100), 100, 100, 100, 100);
+            assertEquals(text, 1, overlap(draw(plain, 100), drawn), 0.05);
+            assertEquals(1, styled.getRenderCount());
+        }
+    }
+
     /** What was drawn before chooses no font of what comes after. */
     @Test
     public void theChoiceOfFontsIsTheTextsOwn() {
