@@ -96,7 +96,7 @@ export async function ask<T>(name: string, request: Json): Promise<T> {
 }
 
 export async function drop(file: File, kind: 'font' | 'picture'): Promise<string> {
-  const address = `drop?kind=${kind}&name=${encodeURIComponent(file.name)}`;
+  const address = `${kind}?name=${encodeURIComponent(file.name)}`;
   const answer = await (await post(address, file, 'application/octet-stream')).json();
   if (answer.problems) throw new Mistakes(answer.problems);
   return answer.name;

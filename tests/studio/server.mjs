@@ -22,12 +22,12 @@ after(async () => {
   fs.rmSync(folder, { recursive: true });
 });
 
-function ask(name, { method = 'POST', body = '{}', headers = {}, root = new URL(studio.address).pathname } = {}) {
+function ask(name, { method = 'POST', body = '{}', headers = {}, root } = {}, { address, port } = studio) {
   return new Promise((done, fail) => {
-    const request = http.request({ host: '127.0.0.1', port: studio.port, path: root + name, method, agent: false });
-    request.setHeader('Host', `127.0.0.1:${studio.port}`);
+    const request = http.request({ host: '127.0.0.1', port, path: (root ?? new URL(address).pathname) + name, method, agent: false });
+    request.setHeader('Host', `127.0.0.1:${port}`);
     if (method === 'POST') {
-      request.setHeader('Origin', `http://127.0.0.1:${studio.port}`);
+      request.setHeader('Origin', `http://127.0.0.1:${port}`);
       request.setHeader('Content-Type', 'application/json');
       request.setHeader('Content-Length', Buffer.byteLength(body));
     }
@@ -122,7 +122,7 @@ test('large and slow requests cost nobody else anything', async () => {
 });
 
 test('a hostile file costs its picture alone', async () => {
-  const drop = (name, body) => ask(`drop?kind=font&name=${name}`, { body, headers: { 'Content-Type': 'application/octet-stream' } });
+  const drop = (name, body) => ask(`font?name=${name}`, { body, headers: { 'Content-Type': 'application/octet-stream' } });
   const font = fs.readFileSync('/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf');
   for (const bytes of [Buffer.from('no font'), font.subarray(0, 5000), Buffer.alloc(0)]) {
     const { body } = await drop('hostile.ttf', bytes);
@@ -155,7 +155,7 @@ test('requests of random bytes', async () => {
     seed = (seed * 1103515245 + 12345) % 2147483648;
     return Math.floor((seed / 2147483648) * limit);
   };
-  const names = ['render', 'file', 'check', 'import', 'save', 'open', 'watch', 'close', 'remember', 'session', 'drop?kind=font&name=x.ttf'];
+  const names = ['render', 'file', 'check', 'import', 'save', 'open', 'watch', 'close', 'remember', 'session', 'font?name=x.ttf'];
   for (let i = 0; i < Number(process.env.GXTEXT_STUDIO_FUZZ ?? 300); i++) {
     const json = Buffer.from(JSON.stringify({ name: 'x.json', style, text: '{}', version: '', page: '1', scale: 1 + random(3), fit: [random(9), 50] }));
     for (let j = random(4); j > 0; j--) json[random(json.length)] = random(256);
@@ -188,6 +188,15 @@ test('memory stays flat', { skip: renders === 0 && 'what is freed is kept by the
   await draw(renders / 3, renders);
   console.log(`memory after ${Math.round(renders / 3)} renders: ${before.toFixed(1)} MB, after ${renders}: ${megabytes().toFixed(1)} MB`);
   assert.ok(megabytes() < before * 1.2 + 8);
+});
+
+test('the fonts are those of the command line', async () => {
+  const fonts = ['DejaVuSans.ttf', 'DejaVuSerif.ttf'].map((name) => `/usr/share/fonts/truetype/dejavu/${name}`);
+  const own = await Studio.start(folder, ...fonts.flatMap((file) => ['--fonts', file]));
+  const { families } = JSON.parse((await ask('session', {}, own)).body);
+  await own.stop();
+  assert.deepEqual(families, ['DejaVu Sans', 'DejaVu Serif']);
+  await assert.rejects(Studio.start(folder, '--fonts', path.join(folder, 'nowhere')), /nowhere/);
 });
 
 test('ends by itself, and at once when it is told', async () => {

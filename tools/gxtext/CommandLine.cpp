@@ -23,6 +23,7 @@
 #include "CompareCommand.h"
 #include "EffectOptions.h"
 #include "EncodingOptions.h"
+#include "FontPaths.h"
 #include "Streams.h"
 #include "ToolError.h"
 #include "UsageMessage.h"
@@ -196,8 +197,8 @@ void addColorOptions(StyleOptions& options) {
         ->check(inRange<float>(styleField("opacity").range));
 }
 
-void addFonts(CLI::App& app, StyleArguments& arguments) {
-    app.add_option("--fonts", arguments.fonts,
+void addFonts(CLI::App& app, std::vector<std::string>& paths) {
+    app.add_option("--fonts", paths,
                    "Folder of fonts, or font files one by one, taken instead of those installed")
         ->type_name("FILE|DIR")
         ->allow_extra_args(false)
@@ -228,7 +229,7 @@ void addStyleOptions(CLI::App& app, StyleArguments& arguments, StyleOptions& opt
                    "Style file, JSON; - reads standard input. Options go over it")
         ->type_name("STYLE.json");
     addTextOptions(app, arguments, options);
-    addFonts(app, arguments);
+    addFonts(app, arguments.fonts);
     addColorOptions(options);
     addLayoutOptions(options);
     arguments.effects.addTo(app);
@@ -261,17 +262,9 @@ Style makeStyle(const StyleArguments& arguments) {
     return arguments.effects.scaled(unscaledStyle(arguments));
 }
 
-gxtext::FontSource makeFonts(const StyleArguments& arguments) {
-    const std::vector<std::string>& fonts = arguments.fonts;
-    if (fonts.empty()) return gxtext::FontSource::installed();
-    const bool isFile = std::filesystem::is_regular_file(fonts.front());
-    if (fonts.size() == 1 && !isFile) return gxtext::FontSource::folder(fonts.front());
-    return gxtext::FontSource::files({fonts.begin(), fonts.end()});
-}
-
 Request makeRequest(const StyleArguments& arguments) {
     Style style = makeStyle(arguments);
-    return {std::move(style), makeFonts(arguments)};
+    return {std::move(style), fontsAt(arguments.fonts)};
 }
 
 std::vector<std::string> inputsOf(const StyleArguments& arguments) {
@@ -353,10 +346,7 @@ CLI::App* addStudio(CLI::App& parent, StudioOptions& options) {
     CLI::App* app = parent.add_subcommand("studio", "Open a page that makes styles");
     app->add_option("style", options.file, "Style file to begin with, JSON")
         ->type_name("STYLE.json");
-    app->add_option("--fonts", options.fontFolder,
-                    "Folder of fonts, taken instead of those installed")
-        ->type_name("DIR")
-        ->group("Text");
+    addFonts(*app, options.fonts);
     const char* group = "Page";
     app->add_option("--port", options.port, "Port, 0-65535; 0 takes a free one (default 0)")
         ->type_name("N")
@@ -398,7 +388,7 @@ int runBatchCommand(const Subcommand& batch) {
     gxtext::TitleOptions title{
         unscaledStyle(arguments),
         [&arguments](Style style) { return optionsOver(arguments, std::move(style)); },
-        arguments.effects.scale(), makeFonts(arguments)};
+        arguments.effects.scale(), fontsAt(arguments.fonts)};
     title.version = versionText();
     static_cast<void>(arguments.effects.scaled(title.style));  // fails now rather than in each row
     return batchCommand(batch.batch, std::move(title), inputsOf(arguments));

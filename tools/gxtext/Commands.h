@@ -36,8 +36,8 @@ struct ImportOptions {
 
 struct StudioOptions {
     std::string file;
-    std::string fontFolder;
-    int port = 0;  // 0 for a free one
+    std::vector<std::string> fonts;  // a folder, or files; empty for those installed
+    int port = 0;                    // 0 for a free one
     int idleSeconds = 600;
     bool noBrowser = false;
 };

@@ -33,12 +33,10 @@ fs::path studioProgram() {
 void studioCommand(const StudioOptions& options) {
     const std::string program = studioProgram().string();
     std::vector<std::string> arguments = {
-        program,
-        "file=" + options.file,
-        "fonts=" + options.fontFolder,
-        "port=" + std::to_string(options.port),
+        program, "file=" + options.file, "port=" + std::to_string(options.port),
         "idle=" + std::to_string(options.idleSeconds),
         std::string("browser=") + (options.noBrowser ? "no" : "yes")};
+    for (const std::string& path : options.fonts) arguments.push_back("fonts=" + path);
     std::vector<char*> pointers;
     pointers.reserve(arguments.size() + 1);
     for (std::string& argument : arguments) pointers.push_back(argument.data());

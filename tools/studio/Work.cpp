@@ -146,9 +146,7 @@ std::string describeFont(const ordered_json& request) {
 
 }  // namespace
 
-Work::Work(const std::string& folder)
-    : fonts_(folder.empty() ? gxtext::FontSource::installed() : gxtext::FontSource::folder(folder)),
-      renderer_(fonts_) {}
+Work::Work(gxtext::FontSource fonts) : fonts_(std::move(fonts)), renderer_(fonts_) {}
 
 std::string Work::answer(const std::string& request) {
     try {

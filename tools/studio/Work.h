@@ -14,12 +14,12 @@ namespace gxstudio {
 
 // Requests are JSON objects with "op":
 //
-//   "render"  {style, source, files, scale, fit}  the picture, RGBA, with what is known of it
-//   "file"    {style, source, files, scale, format}  a file, "png" or "webp", as the program writes
-//   it "check"   {style, source}                     {"text"}: the style file's canonical text
-//   "import"  {text}                              {"style", "losses"} of layer effects
-//   "font"    {file}                              {"family", "faces"} of a font file
-//   "families"                                    {"families"}
+//   "render"    {style, source, files, scale, fit}     the picture, RGBA, and what is known of it
+//   "file"      {style, source, files, scale, format}  a file, "png" or "webp"
+//   "check"     {style, source}                        {"text"}: the style file's canonical text
+//   "import"    {text}                                 {"style", "losses"} of layer effects
+//   "font"      {file}                                 {"family", "faces"} of a font file
+//   "families"                                         {"families"}
 //
 // `source` is the style's own file. `files` has the name of each file that the style may use, and
 // the place of it. `fit` [width, height] draws it as much smaller as it must be.
@@ -27,8 +27,7 @@ namespace gxstudio {
 // Keeps fonts and caches. For one thread.
 class Work {
 public:
-    // Of `folder`, or those installed where it is empty.
-    explicit Work(const std::string& folder);
+    explicit Work(gxtext::FontSource fonts);
 
     // Whatever goes wrong is the answer (Answer.h).
     std::string answer(const std::string& request);

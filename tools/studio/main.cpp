@@ -11,11 +11,16 @@
 #include <string>
 
 #include "Answer.h"
+#include "Calls.h"
+#include "FontPaths.h"
+#include "Gate.h"
 #include "Page.h"
+#include "Renders.h"
 #include "Server.h"
 #include "Work.h"
 #include "batch/WorkerPool.h"
 #include "style/Style.h"
+#include "style/StyleSchema.h"
 
 // Three kinds of process: this one, which has no threads and starts the others; the server; and the
 // workers that read fonts and styles and draw. A server or a worker that dies is followed by
@@ -44,7 +49,7 @@ constexpr int kMostServers = 20;
 
 struct Arguments {
     std::string file;
-    std::string fontFolder;
+    std::vector<std::string> fonts;
     int port = 0;
     int idleSeconds = 600;
     bool opensBrowser = true;
@@ -61,7 +66,7 @@ Arguments readArguments(int argc, char** argv) {
         const std::string value = sign == std::string::npos ? "" : text.substr(sign + 1);
         const std::string name = text.substr(0, sign);
         if (name == "file") arguments.file = value;
-        if (name == "fonts") arguments.fontFolder = value;
+        if (name == "fonts") arguments.fonts.push_back(value);
         if (name == "port") arguments.port = std::stoi(value);
         if (name == "idle") arguments.idleSeconds = std::stoi(value);
         if (name == "browser") arguments.opensBrowser = value == "yes";
@@ -102,14 +107,13 @@ private:
 
 class Studio {
 public:
-    explicit Studio(Arguments arguments) : arguments_(std::move(arguments)) {
+    explicit Studio(Arguments arguments)
+        : arguments_(std::move(arguments)), fonts_(gxtool::fontsAt(arguments_.fonts)) {
         const fs::path file = arguments_.file.empty() ? fs::path() : fs::absolute(arguments_.file);
         folder_ = file.empty() ? fs::current_path() : file.parent_path();
-        options_.file = file.filename().string();
-        options_.secret = randomSecret();
-        options_.idle = std::chrono::seconds(arguments_.idleSeconds);
+        file_ = file.filename().string();
         Files files(folder_, session_.path());
-        if (!file.empty()) gxtext::Style::fromFile(files.pathOf(options_.file));  // or says why not
+        if (!file.empty()) gxtext::Style::fromFile(files.pathOf(file_));  // or says why not
         bind();
         for (const BuiltIn& pattern : kPatterns) {
             files.keep(std::string(pattern.name), pattern.bytes);
@@ -117,7 +121,7 @@ public:
     }
 
     std::string address() const {
-        return "http://127.0.0.1:" + std::to_string(options_.port) + "/" + options_.secret + "/";
+        return "http://127.0.0.1:" + std::to_string(port_) + "/" + secret_ + "/";
     }
 
     void run() {
@@ -132,9 +136,9 @@ private:
     void bind() {
         http_.set_address_family(AF_INET);
         http_.set_tcp_nodelay(true);  // of the socket that is made here
-        options_.port = arguments_.port;
+        port_ = arguments_.port;
         const bool isBound = arguments_.port == 0
-                                 ? (options_.port = http_.bind_to_any_port("127.0.0.1")) > 0
+                                 ? (port_ = http_.bind_to_any_port("127.0.0.1")) > 0
                                  : http_.bind_to_port("127.0.0.1", arguments_.port);
         if (!isBound) {
             throw gxtext::Error("cannot listen on port " + std::to_string(arguments_.port) +
@@ -143,7 +147,7 @@ private:
     }
 
     gxtext::WorkerPool::Work makeWork() const {
-        auto work = std::make_shared<Work>(arguments_.fontFolder);
+        auto work = std::make_shared<Work>(fonts_);
         return [work](const std::string& request) { return work->answer(request); };
     }
 
@@ -172,8 +176,24 @@ private:
         { const Channel closed(std::move(own)); }
         Renders renders(std::move(other));
         Files files(folder_, session_.path());
-        Server(http_, options_, files, renders).run();
+        Calls calls(
+            files, [&](const auto& request) { return renders.answer(request); }, beginning());
+        const Gate gate(secret_, port_, Files::kMaxDropped);
+        Server(http_, gate, calls, std::chrono::seconds(arguments_.idleSeconds)).run();
         _exit(EXIT_FAILURE);
+    }
+
+    // What a page is told as it begins.
+    Calls::Json beginning() const {
+        Calls::Json presets = Calls::Json::array();
+        for (const BuiltIn& preset : kPresets) {
+            presets.push_back({{"name", preset.name}, {"style", Calls::Json::parse(preset.bytes)}});
+        }
+        return {{"schema", Calls::Json::parse(gxtext::styleSchema())},
+                {"folder", folder_.string()},
+                {"file", file_},
+                {"maxFile", Files::kMaxDropped},
+                {"presets", std::move(presets)}};
     }
 
     // Waits a while, and takes requests to the workers and answers back. False when the server is
@@ -194,9 +214,12 @@ private:
     }
 
     const Arguments arguments_;
+    const gxtext::FontSource fonts_;
     const SessionFolder session_;
+    const std::string secret_ = randomSecret();
     fs::path folder_;
-    ServerOptions options_;
+    std::string file_;  // name of the style that is open at the start; may be empty
+    int port_ = 0;
     httplib::Server http_;
 };
 
