@@ -8,6 +8,7 @@ Needs the extra `psd`: pip install 'gxtext[psd]'.
 from __future__ import annotations
 
 import argparse
+import json
 import math
 import os
 import pathlib
@@ -350,21 +351,46 @@ def _unused(name: str, used: set[str]) -> str:
     return free
 
 
+def _save(texts: Iterable[TextStyle], folder: str) -> None:
+    os.makedirs(folder, exist_ok=True)
+    used: set[str] = set()
+    for text in texts:
+        text.style.save(pathlib.Path(folder) / f"{_unused(text.name, used)}.json")
+
+
+def _as_json(texts: Iterable[TextStyle]) -> str:
+    return json.dumps(
+        [
+            {
+                "name": text.name,
+                "style": json.loads(text.style.to_json()),
+                "losses": [{"path": loss.path, "kind": loss.kind, "reason": loss.reason} for loss in text.losses],
+            }
+            for text in texts
+        ]
+    )
+
+
 def main(arguments: list[str] | None = None, say: Callable[[str], object] = sys.stderr.write) -> int:
     """The command line; its exit status."""
     parser = argparse.ArgumentParser(prog="python -m gxtext.psd", description="Styles of the text layers of a PSD file")
     parser.add_argument("file", metavar="FILE.psd")
     parser.add_argument("--out", metavar="DIR", default=".", help="where the styles go, one file a layer")
-    parser.add_argument("--fonts", metavar="DIR", help="folder of fonts, taken instead of those installed")
+    parser.add_argument(
+        "--fonts", metavar="FILE|DIR", action="append",
+        help="folder of fonts, or font files one by one, taken instead of those installed",
+    )  # fmt: skip
+    parser.add_argument("--json", action="store_true", help="print names, styles and losses, and write no files")
     parser.add_argument("--strict", action="store_true", help="fail when anything is approximated or dropped")
     options = parser.parse_args(arguments)
     try:
-        texts = read(options.file, options.fonts)
-        os.makedirs(options.out, exist_ok=True)
-        used: set[str] = set()
-        for text in texts:
-            text.style.save(pathlib.Path(options.out) / f"{_unused(text.name, used)}.json")
-            for loss in text.losses:
+        fonts = options.fonts
+        texts = read(options.file, fonts[0] if fonts and len(fonts) == 1 else fonts)
+        if options.json:
+            print(_as_json(texts))
+        else:
+            _save(texts, options.out)
+            for text, loss in ((text, loss) for text in texts for loss in text.losses):
                 say(f"{options.file}: {text.name}: {loss.path}: {loss.kind}: {loss.reason}\n")
     except (Error, OSError) as error:
         say(f"{error}\n")

@@ -63,6 +63,10 @@ def test_the_command_writes_a_file_a_layer(fonts, tmp_path):
     files = sorted((tmp_path / "styles").iterdir())
     assert [file.name for file in files] == ["Group-Many-effects-2.json", "Group-Many-effects.json"]
     assert gxtext.Style.load(files[1]).text == "Twice as large"
+    printed = subprocess.run([*command, "--json", FOLDER / "mixed.psd"], capture_output=True, check=True).stdout
+    layer = json.loads(printed)[0]
+    assert layer["name"] == "Group/Many/effects" and layer["style"] == json.loads(files[1].read_text())
+    assert {"path": "$.text.underline", "kind": "dropped", "reason": "a style has none"} in layer["losses"]
     assert subprocess.run([*command, "--strict", FOLDER / "mixed.psd"], capture_output=True).returncode == 1
 
 

@@ -2,7 +2,7 @@
 import type { ComponentChildren } from 'preact';
 import { useRef, useState } from 'preact/hooks';
 import type { Field } from './schema';
-import { Mistakes, Refused, drop } from './server';
+import { Mistakes, Refused, keepFile } from './server';
 import { type Path, current, pathText, setValue, update, useColor, useStore, valueAt } from './store';
 import { Angle, Ramp } from './dials';
 import { label, words } from './words';
@@ -398,7 +398,7 @@ export function DropZone({ text, accept, name, onFile }: { text: string; accept:
 
 export async function dropInto(path: Path, file: File, kind: 'font' | 'picture') {
   try {
-    setValue(path, await drop(file, kind));
+    setValue(path, await keepFile(file, kind, current().session.maxFile));
   } catch (error) {
     if (error instanceof Mistakes || error instanceof Refused) {
       update({ problems: [{ path: pathText(path), reason: `${file.name}: ${error.message}`, allowed: '' }] });

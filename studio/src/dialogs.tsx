@@ -1,43 +1,25 @@
 // What is asked and given in a window of its own.
-import type { ComponentChildren } from 'preact';
-import { useEffect, useRef, useState } from 'preact/hooks';
+import { useEffect, useState } from 'preact/hooks';
 import { codeFor } from './code';
 import { DropZone } from './controls';
-import { attempt, beginWith, keepMine, loadTheirs, mayLeave, openStyle, openText, saveStyle } from './files';
-import { type Json, ask, drawFile } from './server';
+import { Dialog, type DialogProps } from './dialog';
+import { attempt, keepMine, loadTheirs, mayLeave, openStyle, openText, saveStyle } from './files';
+import { ImportDialog } from './import';
+import { ask, drawFile } from './server';
 import { current, useStore } from './store';
-import { label, words } from './words';
+import { words } from './words';
 
 export type DialogName = '' | 'open' | 'save' | 'import' | 'export';
 
-interface DialogProps {
-  close(): void;
-}
-
-export function Dialogs({ name, close }: { name: DialogName } & DialogProps) {
+// `dropped` is a file to import.
+export function Dialogs({ name, dropped, close }: { name: DialogName; dropped?: File } & DialogProps) {
   const { conflict } = useStore();
   if (conflict) return <ConflictDialog />;
   if (name === 'open') return <OpenDialog close={close} />;
   if (name === 'save') return <SaveDialog close={close} />;
-  if (name === 'import') return <ImportDialog close={close} />;
+  if (name === 'import') return <ImportDialog close={close} dropped={dropped} />;
   if (name === 'export') return <ExportDialog close={close} />;
   return null;
-}
-
-function Dialog({ title, close, children }: { title: string; children: ComponentChildren } & Partial<DialogProps>) {
-  const dialog = useRef<HTMLDialogElement>(null);
-  useEffect(() => dialog.current?.showModal(), []);
-  return (
-    <dialog ref={dialog} aria-labelledby="dialog-title" onClose={() => close?.()} onCancel={(event) => !close && event.preventDefault()}>
-      <h2 id="dialog-title">{title}</h2>
-      {children}
-      {close && (
-        <button type="button" class="close" onClick={() => close()}>
-          {words.close}
-        </button>
-      )}
-    </dialog>
-  );
 }
 
 function ConflictDialog() {
@@ -97,55 +79,6 @@ function SaveDialog({ close }: DialogProps) {
         <p class="hint">{words.openHere(current().session.folder)}</p>
         <button type="submit">{words.save}</button>
       </form>
-    </Dialog>
-  );
-}
-
-interface Imported {
-  style: Json;
-  losses: { path: string; kind: string; reason: string }[];
-}
-
-function ImportDialog({ close }: DialogProps) {
-  const [imported, setImported] = useState<Imported>();
-  const [mistake, setMistake] = useState('');
-  const read = async (file: File) => {
-    try {
-      setImported(await ask<Imported>('import', { text: await file.text() }));
-      setMistake('');
-    } catch (error) {
-      setMistake((error as Error).message);
-    }
-  };
-  const use = (style: Json) => {
-    const { text, font, size } = current().style;
-    beginWith({ text, font, size, ...style });
-    close();
-  };
-  return (
-    <Dialog title={words.importTitle} close={close}>
-      <DropZone name={words.importHelp} text={words.importHelp} accept=".json" onFile={(file) => void read(file)} />
-      {mistake && (
-        <p class="mistake" role="alert">
-          {mistake}
-        </p>
-      )}
-      {imported && (
-        <>
-          <h3>{words.importLosses}</h3>
-          {imported.losses.length === 0 && <p>{words.importNoLosses}</p>}
-          <ul class="losses" tabIndex={0}>
-            {imported.losses.map((loss) => (
-              <li>
-                <b>{loss.path}</b> {label(loss.kind)}: {loss.reason}
-              </li>
-            ))}
-          </ul>
-          <button type="button" onClick={() => use(imported.style)}>
-            {words.importUse}
-          </button>
-        </>
-      )}
     </Dialog>
   );
 }

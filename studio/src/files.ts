@@ -50,10 +50,6 @@ export async function openStyle(name: string) {
 }
 
 // Without a file.
-export function beginWith(style: Json) {
-  replace({ style, saved: style, name: '', version: '', notice: '' });
-}
-
 export function openText(text: string) {
   const style = readStyle(text);
   replace({ style, saved: {}, name: '', version: '', notice: '' });

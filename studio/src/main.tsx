@@ -6,7 +6,7 @@ import { startDrawing } from './drawing';
 import { attempt, discard, mayLeave, openStyle, openText, restore, saveStyle, startRemembering, startWatching } from './files';
 import { Layers } from './layers';
 import { Schema } from './schema';
-import { type Session, call } from './server';
+import { type Session, call, isLayered } from './server';
 import { Stage } from './stage';
 import { canRedo, canUndo, current, isChanged, recentColors, redo, start, undo, useStore } from './store';
 import { TextPanel } from './text';
@@ -17,13 +17,21 @@ const FIRST_SIZE = 96;
 
 function Page() {
   const [dialog, setDialog] = useState<DialogName>('');
+  const [dropped, setDropped] = useState<File>();
   const save = () => {
     const { name } = current();
     if (name) void attempt(() => saveStyle(name));
     else setDialog('save');
   };
   useKeys({ save, open: () => setDialog('open') });
-  useDrops();
+  useDrops((file) => {
+    setDropped(file);
+    setDialog('import');
+  });
+  const close = () => {
+    setDropped(undefined);
+    setDialog('');
+  };
   return (
     <>
       <Header setDialog={setDialog} save={save} />
@@ -33,7 +41,7 @@ function Page() {
         <Stage />
         <Layers />
       </div>
-      <Dialogs name={dialog} close={() => setDialog('')} />
+      <Dialogs name={dialog} dropped={dropped} close={close} />
     </>
   );
 }
@@ -121,7 +129,7 @@ function useKeys({ save, open }: { save(): void; open(): void }) {
 }
 
 // A file that is dropped beside every place for it goes where its kind belongs, and never in the page's place.
-function useDrops() {
+function useDrops(importFile: (file: File) => void) {
   useEffect(() => {
     const stay = (event: DragEvent) => event.preventDefault();
     const take = (event: DragEvent) => {
@@ -129,6 +137,7 @@ function useDrops() {
       if (event.defaultPrevented || !file) return;
       event.preventDefault();
       if (/\.(ttf|otf|ttc|otc)$/i.test(file.name)) void dropInto(['font'], file, 'font');
+      else if (isLayered(file)) importFile(file);
       else if (/\.json$/i.test(file.name) && mayLeave()) void attempt(async () => openText(await file.text()));
     };
     addEventListener('dragover', stay);

@@ -1,4 +1,6 @@
 // Calls of the studio's server, relative to the page's own address, which has the secret.
+import { words } from './words';
+
 export type Json = Record<string, unknown>;
 
 export interface Problem {
@@ -12,6 +14,7 @@ export interface Session {
   families: string[];
   folder: string;
   file: string;
+  maxFile: number; // bytes
   presets: { name: string; style: Json }[];
 }
 
@@ -95,9 +98,35 @@ export async function ask<T>(name: string, request: Json): Promise<T> {
   return (await callWorker(name, request))[0] as T;
 }
 
-export async function drop(file: File, kind: 'font' | 'picture'): Promise<string> {
-  const address = `${kind}?name=${encodeURIComponent(file.name)}`;
-  const answer = await (await post(address, file, 'application/octet-stream')).json();
+// What an answer to a file's bytes says.
+async function sendFile<T>(name: string, file: File, most: number): Promise<T> {
+  if (file.size > most) throw new Refused(words.tooLarge(Math.floor(most / 2 ** 20)), false);
+  const response = await post(`${name}?name=${encodeURIComponent(file.name)}`, file, 'application/octet-stream');
+  const answer = await response.json();
   if (answer.problems) throw new Mistakes(answer.problems);
-  return answer.name;
+  return answer as T;
+}
+
+// Keeps a file that styles may use; its name from now on.
+export async function keepFile(file: File, kind: 'font' | 'picture', most: number): Promise<string> {
+  return (await sendFile<{ name: string }>(kind, file, most)).name;
+}
+
+// A text with its effects, as another program had it.
+export interface Layer {
+  name: string;
+  style: Json;
+  losses: { path: string; kind: string; reason: string }[];
+}
+
+const LAYERED = /\.ps[bd]$/i;
+
+export function isLayered(file: File): boolean {
+  return LAYERED.test(file.name);
+}
+
+export async function readLayers(file: File, most: number): Promise<Layer[]> {
+  type Answer = { layers: Layer[] };
+  const answer = isLayered(file) ? sendFile<Answer>('layers', file, most) : ask<Answer>('import', { text: await file.text() });
+  return (await answer).layers;
 }

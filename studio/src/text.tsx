@@ -1,17 +1,14 @@
 // The text, its font, and styles to begin with.
 import { useEffect, useRef, useState } from 'preact/hooks';
 import { DropZone, Fields, dropInto } from './controls';
-import { withText } from './drawing';
-import { type Drawn, type Json, draw } from './server';
-import { change, current, setValue, useStore } from './store';
-import { Canvas } from './stage';
+import type { Json } from './server';
+import { change, current, effectsOf, setValue, useStore } from './store';
+import { Thumbnail, useThumbnails } from './thumbnails';
 import { words } from './words';
 
 // What has a place of its own on the page.
 const ELSEWHERE = ['text', 'font', 'effects', '$schema'];
 const MOST_FAMILIES = 80;
-const PRESET_SIZE: [number, number] = [260, 90];
-const PRESET_WAIT = 250;
 // What stays the user's when a preset takes over.
 const OWN = ['text', 'font', 'fontIndex', 'fontVariations', 'locale', 'width', 'align'];
 
@@ -199,20 +196,17 @@ function dressed(preset: Json): Json {
 }
 
 function Presets() {
-  const { session } = useStore();
-  const pictures = usePresets();
-  const begin = (preset: Json) => {
-    const style = dressed(preset);
-    change(style, '', { selected: ((style.effects as Json[] | undefined)?.length ?? 0) - 1 });
-  };
+  const { session, style } = useStore();
+  const styles = session.presets.map((preset) => dressed(preset.style));
+  const pictures = useThumbnails(styles, JSON.stringify(OWN.map((name) => style[name])));
+  const begin = (style: Json) => change(style, '', { selected: effectsOf(style).length - 1 });
   return (
     <div class="presets">
-      {session.presets.map(({ name, style }) => {
+      {session.presets.map(({ name }, index) => {
         const title = name.replace('.json', '').replaceAll('-', ' ');
-        const drawn = pictures.get(name);
         return (
-          <button type="button" class="preset" aria-label={words.presetUse(title)} title={title} onClick={() => begin(style)}>
-            {drawn && <Canvas drawn={drawn} factor={Math.min(1, 130 / drawn.width)} label="" />}
+          <button type="button" class="preset" aria-label={words.presetUse(title)} title={title} onClick={() => begin(styles[index])}>
+            <Thumbnail drawn={pictures[index]} />
             <span aria-hidden="true">{title}</span>
           </button>
         );
@@ -220,31 +214,3 @@ function Presets() {
     </div>
   );
 }
-
-// Drawn one after the other, anew when the text or the font is another.
-function usePresets(): Map<string, Drawn> {
-  const { style, session } = useStore();
-  const [pictures, setPictures] = useState(new Map<string, Drawn>());
-  const key = JSON.stringify(OWN.map((name) => style[name]));
-  useEffect(() => {
-    let isStale = false;
-    const drawAll = async () => {
-      for (const { name, style: preset } of session.presets) {
-        if (isStale) return;
-        try {
-          const drawn = await draw({ style: withText(dressed(preset)), name: current().name, fit: PRESET_SIZE });
-          if (!isStale) setPictures((before) => new Map(before).set(name, drawn));
-        } catch {
-          // The picture of the text itself says what is wrong.
-        }
-      }
-    };
-    const timer = setTimeout(() => void drawAll(), PRESET_WAIT);
-    return () => {
-      isStale = true;
-      clearTimeout(timer);
-    };
-  }, [key]);
-  return pictures;
-}
-

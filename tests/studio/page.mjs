@@ -273,10 +273,23 @@ test('imports layer effects and tells what is lost', async () => {
   await button('Import').click();
   await dropFile(page.locator('dialog .drop'), effects);
   await page.locator('.losses').getByText('$.satin').waitFor();
-  await button('Use this style').click();
+  await button('Use it').click();
   await save('imported.json');
   assert.equal(read('imported.json').effects[0].size, 7);
   await assertSame('imported.json');
+});
+
+test('imports a text layer of a layered picture', { skip: !environment.hasLayerReader && 'the Python package is not built' }, async () => {
+  const file = path.join(environment.source, 'python/tests/psd/title.psd');
+  await open();
+  await dropFile(page.locator('.room'), file);
+  await page.getByRole('radio', { name: 'Gold' }).check();
+  await page.locator('.losses').getByText('$.dropShadow[0].blendMode').waitFor();
+  await button('Use it').click();
+  await save('gold.json');
+  execFileSync(process.env.GXTEXT_PYTHON, ['-m', 'gxtext.psd', file, '--out', folder], { stdio: 'ignore' });
+  await assertSame('Gold.json');
+  assert.deepEqual(read('gold.json'), read('Gold.json'));
 });
 
 test('exports pictures and code that draws them', async () => {

@@ -10,14 +10,18 @@ export const environment = {
   program: process.env.GXTEXT_PROGRAM,
   source: process.env.GXTEXT_SOURCE_DIR,
   output: process.env.GXTEXT_OUTPUT_DIR,
+  hasLayerReader: process.env.GXTEXT_LAYER_READER === 'ON',
 };
 export const require = createRequire(path.join(process.env.GXTEXT_STUDIO_MODULES, 'index.js'));
 const { chromium } = require('playwright-core');
 
 export class Studio {
-  // `folder` is where styles lie.
-  static async start(folder, ...options) {
-    const process_ = spawn(environment.program, ['studio', '--no-browser', ...options], { cwd: folder, stdio: ['ignore', 'pipe', 'pipe'] });
+  // `folder` is where styles lie; an object among the options has another {environment}.
+  static async start(folder, ...all) {
+    const options = all.filter((option) => typeof option === 'string');
+    const { environment: more } = Object.assign({}, ...all.filter((option) => typeof option === 'object'));
+    const env = { ...process.env, ...more };
+    const process_ = spawn(environment.program, ['studio', '--no-browser', ...options], { cwd: folder, stdio: ['ignore', 'pipe', 'pipe'], env });
     const studio = new Studio();
     studio.process = process_;
     studio.errors = '';

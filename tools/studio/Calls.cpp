@@ -39,6 +39,7 @@ Calls::Calls(Files& files, Worker worker, Json session)
     add("close", [this](const Json& request) { return close(request); });
     for (const char* name : {"render", "file", "check", "import"}) addRender(name);
     handlers_["font"] = [this](const Call& call) { return jsonReply(200, keepFont(call)); };
+    handlers_["layers"] = [this](const Call& call) { return jsonReply(200, readLayers(call)); };
     handlers_["picture"] = [this](const Call& call) {
         return jsonReply(200, {{"name", files_.keep(call.file, call.body)}});
     };
@@ -144,6 +145,11 @@ Json Calls::keepFont(const Call& call) {
     Json words = wordsOf(worker_({{"op", "font"}, {"file", files_.places().at(name)}}));
     words["name"] = name;
     return words;
+}
+
+Json Calls::readLayers(const Call& call) {
+    const Files::Passing file = files_.pass(call.body);
+    return wordsOf(worker_({{"op", "layers"}, {"file", file.path().string()}}));
 }
 
 }  // namespace gxstudio

@@ -55,6 +55,7 @@ private:
     Json remember(const Json& request);
     Json close(const Json& request);
     Json keepFont(const Call& call);
+    Json readLayers(const Call& call);
     Json completed(Json request) const;
 
     Files& files_;

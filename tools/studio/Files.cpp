@@ -136,6 +136,22 @@ std::string Files::keep(const std::string& name, std::string_view bytes) {
     return free;
 }
 
+Files::Passing::~Passing() {
+    std::error_code none;
+    fs::remove(path_, none);
+}
+
+Files::Passing Files::pass(std::string_view bytes) {
+    unsigned number = 0;
+    {
+        const std::lock_guard guard(lock_);
+        number = ++passed_;
+    }
+    fs::path path = session_ / ("passing-" + std::to_string(number));
+    gxtext::writeFile(path.string(), bytes);
+    return Passing(std::move(path));
+}
+
 ordered_json Files::places() const {
     const std::lock_guard guard(lock_);
     return places_;

@@ -43,6 +43,20 @@ public:
     // Keeps a dropped file under its name, with another one in its place where that is taken by
     // other bytes. Returns the name.
     std::string keep(const std::string& name, std::string_view bytes);
+    // A file as long as this lives.
+    class Passing {
+    public:
+        explicit Passing(std::filesystem::path path) : path_(std::move(path)) {}
+        Passing(const Passing&) = delete;
+        Passing& operator=(const Passing&) = delete;
+        ~Passing();
+        const std::filesystem::path& path() const { return path_; }
+
+    private:
+        const std::filesystem::path path_;
+    };
+    // Bytes for a worker to read once; no style may use them.
+    Passing pass(std::string_view bytes);
     // Names with the places of the files.
     nlohmann::ordered_json places() const;
     // What the page was at; beside the style. Empty text removes it.
@@ -58,6 +72,7 @@ private:
     const std::filesystem::path folder_;
     const std::filesystem::path session_;
     mutable std::mutex lock_;
+    unsigned passed_ = 0;
     nlohmann::ordered_json places_ = nlohmann::ordered_json::object();
 };
 

@@ -8,6 +8,7 @@
 #include <new>
 
 #include "Answer.h"
+#include "LayeredPicture.h"
 #include "scene/FaceFile.h"
 #include "scene/FontChoice.h"
 #include "scene/PictureFile.h"
@@ -132,8 +133,9 @@ std::string import(const ordered_json& request) {
         losses.push_back(
             {{"path", loss.path}, {"kind", gxtext::lossName(loss.kind)}, {"reason", loss.reason}});
     }
-    return packAnswer(
-        {{"style", ordered_json::parse(imported.style.toJson())}, {"losses", losses}});
+    const ordered_json layer = {
+        {"name", ""}, {"style", ordered_json::parse(imported.style.toJson())}, {"losses", losses}};
+    return packAnswer({{"layers", ordered_json::array({layer})}});
 }
 
 std::string describeFont(const ordered_json& request) {
@@ -146,7 +148,8 @@ std::string describeFont(const ordered_json& request) {
 
 }  // namespace
 
-Work::Work(gxtext::FontSource fonts) : fonts_(std::move(fonts)), renderer_(fonts_) {}
+Work::Work(gxtext::FontSource fonts, std::vector<std::string> fontPaths)
+    : fonts_(std::move(fonts)), fontPaths_(std::move(fontPaths)), renderer_(fonts_) {}
 
 std::string Work::answer(const std::string& request) {
     try {
@@ -173,6 +176,9 @@ std::string Work::answerTo(const Json& request) {
     if (op == "file") return draw(request, true);
     if (op == "check") return check(request);
     if (op == "import") return import(request);
+    if (op == "layers") {
+        return packAnswer({{"layers", layersOf(readLayers(request.at("file"), fontPaths_))}});
+    }
     if (op == "font") return describeFont(request);
     return packAnswer({{"families", fonts_.families()}});
 }

@@ -17,17 +17,20 @@ namespace gxstudio {
 //   "render"    {style, source, files, scale, fit}     the picture, RGBA, and what is known of it
 //   "file"      {style, source, files, scale, format}  a file, "png" or "webp"
 //   "check"     {style, source}                        {"text"}: the style file's canonical text
-//   "import"    {text}                                 {"style", "losses"} of layer effects
+//   "import"    {text}                                 {"layers"}: of the JSON of layer effects
+//   "layers"    {file}                                 {"layers"}: of a PSD or PSB file
 //   "font"      {file}                                 {"family", "faces"} of a font file
 //   "families"                                         {"families"}
 //
 // `source` is the style's own file. `files` has the name of each file that the style may use, and
-// the place of it. `fit` [width, height] draws it as much smaller as it must be.
+// the place of it. `fit` [width, height] draws it as much smaller as it must be. Layers, topmost
+// first, are {"name", "style", "losses": [{"path", "kind", "reason"}]}.
 //
 // Keeps fonts and caches. For one thread.
 class Work {
 public:
-    explicit Work(gxtext::FontSource fonts);
+    // `fontPaths` is what the fonts were found at (gxtool::fontsAt()).
+    Work(gxtext::FontSource fonts, std::vector<std::string> fontPaths);
 
     // Whatever goes wrong is the answer (Answer.h).
     std::string answer(const std::string& request);
@@ -42,6 +45,7 @@ private:
     const Json& axesOf(const gxtext::FontFace& face);
 
     const gxtext::FontSource fonts_;
+    const std::vector<std::string> fontPaths_;
     gxtext::Renderer renderer_;
     std::map<std::pair<std::string, int>, Json> axes_;
 };

@@ -147,7 +147,7 @@ private:
     }
 
     gxtext::WorkerPool::Work makeWork() const {
-        auto work = std::make_shared<Work>(fonts_);
+        auto work = std::make_shared<Work>(fonts_, arguments_.fonts);
         return [work](const std::string& request) { return work->answer(request); };
     }
 

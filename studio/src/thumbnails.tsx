@@ -1,0 +1,36 @@
+// Small pictures of styles that one may choose from.
+import { useEffect, useState } from 'preact/hooks';
+import { withText } from './drawing';
+import { type Drawn, type Json, draw } from './server';
+import { Canvas } from './stage';
+import { current } from './store';
+
+const FIT: [number, number] = [260, 90]; // twice as many pixels as are seen
+const SHOWN_WIDTH = 130;
+const WAIT_MILLISECONDS = 250;
+
+// Drawn one after the other, anew when `key` is another; undefined until then, and where it cannot be.
+export function useThumbnails(styles: Json[], key: string): (Drawn | undefined)[] {
+  const [pictures, setPictures] = useState<(Drawn | undefined)[]>([]);
+  useEffect(() => {
+    let isStale = false;
+    const drawAll = async () => {
+      for (const [index, style] of styles.entries()) {
+        // What is wrong with a style is said when it is chosen.
+        const drawn = await draw({ style: withText(style), name: current().name, fit: FIT }).catch(() => undefined);
+        if (isStale) return;
+        setPictures((before) => Object.assign([...before], { [index]: drawn }));
+      }
+    };
+    const timer = setTimeout(() => void drawAll(), WAIT_MILLISECONDS);
+    return () => {
+      isStale = true;
+      clearTimeout(timer);
+    };
+  }, [key]);
+  return pictures;
+}
+
+export function Thumbnail({ drawn }: { drawn: Drawn | undefined }) {
+  return drawn ? <Canvas drawn={drawn} factor={Math.min(1, SHOWN_WIDTH / drawn.width)} label="" /> : null;
+}
