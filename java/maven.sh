@@ -52,3 +52,19 @@ shrink() {
         --pg-conf "$(dirname "${BASH_SOURCE[0]}")/consumer-rules.pro" --pg-conf "$rules" --output "$output" \
         "$@" --lib "$home" >"$build/r8.log" 2>&1 || { cat "$build/r8.log" && exit 1; }
 }
+
+# The Kotlin compiler's path into `kotlin_compiler`, that of its library into `kotlin_library`.
+find_kotlin() {
+    local list=$build/kotlin.classpath
+    [[ -e $list ]] || run_maven_or_skip -f "$(dirname "${BASH_SOURCE[0]}")/kotlin/pom.xml" \
+        org.apache.maven.plugins:maven-dependency-plugin:3.6.1:build-classpath "-Dmdep.outputFile=$list"
+    kotlin_compiler=$(cat "$list")
+    kotlin_library=$(tr : '\n' <"$list" | grep -m 1 '/kotlin-stdlib-[0-9.]*jar$')
+}
+
+# What the compiler says is in $build/kotlin.log.
+#   compile_kotlin CLASSPATH OUTPUT FILE
+compile_kotlin() {
+    java -cp "$kotlin_compiler" org.jetbrains.kotlin.cli.jvm.K2JVMCompiler -no-stdlib -no-reflect -Werror -jvm-target 11 \
+        -classpath "$1:$kotlin_library" -d "$2" "$3" >"$build/kotlin.log" 2>&1
+}

@@ -315,7 +315,7 @@ test('exports pictures and code that draws them', async () => {
   const strings = (text) => [...text.matchAll(/"(?:[^"\\]|\\.)*"/g)].map(([literal]) => JSON.parse(literal.replaceAll('\\$', '$'))).join('');
   assert.deepEqual(JSON.parse(strings(await code('Java'))), json);
   assert.deepEqual(JSON.parse(strings(await code('Kotlin'))), json);
-  // These are kept, and compiled by other tests.
+  // These are kept, compiled and run by other tests.
   for (const [kind, name] of [['C++', 'title.cpp'], ['Java', 'title.java'], ['Kotlin', 'title.kt']]) {
     const kept = path.join(exported, name);
     if (process.env.GXTEXT_UPDATE_GOLDEN) fs.writeFileSync(kept, await code(kind));

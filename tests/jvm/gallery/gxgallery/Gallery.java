@@ -41,7 +41,9 @@ public final class Gallery {
         for (String file : Arrays.asList(arguments).subList(2, arguments.length)) {
             for (float scale : SCALES) {
                 count++;
-                String difference = compare(arguments[0], Path.of(arguments[1]), Path.of(file), scale);
+                TextStyle style = TextStyle.fromJson(Files.readString(Path.of(file)));
+                String difference =
+                        compare(arguments[0], Path.of(arguments[1]), Path.of(file), style, scale);
                 if (difference != null) {
                     wrong++;
                     System.out.println("FAILED  " + file + " x" + scale + ": " + difference);
@@ -52,8 +54,8 @@ public final class Gallery {
         System.exit(count == 0 || wrong > 0 ? 1 : 0);
     }
 
-    /** What differs, or null. */
-    private static String compare(String program, Path folder, Path file, float scale)
+    /** What differs between the style's picture and the program's of the file, or null. */
+    static String compare(String program, Path folder, Path file, TextStyle style, float scale)
             throws IOException, InterruptedException {
         String factor = Float.toString(scale);
         Path png = folder.resolve("program.png");
@@ -63,8 +65,7 @@ public final class Gallery {
                 run(program, "measure", file.toString(), "--scale", factor, "--json"));
         List<?> fonts = (List<?>) parse(
                 run(program, "fonts", file.toString(), "--scale", factor, "--json"));
-        Bitmap drawn = draw(TextStyle.fromJson(Files.readString(file)).scaled(scale),
-                file.getParent(), measured, fonts);
+        Bitmap drawn = draw(style.scaled(scale), file.getParent(), measured, fonts);
         int width = expected.getWidth();
         int height = expected.getHeight();
         if (drawn.getWidth() != width || drawn.getHeight() != height) {
