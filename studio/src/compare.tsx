@@ -1,5 +1,6 @@
 // Against a state that was kept, or another file.
 import { attempt } from './files';
+import { Menu } from './menu';
 import type { Drawn } from './server';
 import { call } from './server';
 import { current, update, useStore } from './store';
@@ -7,14 +8,7 @@ import { words } from './words';
 
 export type CompareMode = keyof typeof words.compareModes;
 
-interface BarProps {
-  mode: CompareMode;
-  setMode(mode: CompareMode): void;
-  wipe: number;
-  setWipe(at: number): void;
-}
-
-export function ComparisonBar({ mode, setMode, wipe, setWipe }: BarProps) {
+export function ComparisonBar({ mode, setMode }: { mode: CompareMode; setMode(mode: CompareMode): void }) {
   const { comparison, styles } = useStore();
   const keep = () => {
     update({ comparison: { style: current().style, label: words.compareKept } });
@@ -35,12 +29,7 @@ export function ComparisonBar({ mode, setMode, wipe, setWipe }: BarProps) {
         {words.compareKeep}
       </button>
       {styles.length > 0 && (
-        <select aria-label={words.compareFile} value="" onChange={(event) => void withFile(event.currentTarget.value)}>
-          <option value="">{words.compareFile} …</option>
-          {styles.map((name) => (
-            <option value={name}>{name}</option>
-          ))}
-        </select>
+        <Menu text={words.compareChoose} name={words.compareFile} items={styles.map((name) => ({ name, act: () => void withFile(name) }))} />
       )}
       {comparison && (
         <select aria-label={words.compare} value={mode} onChange={(event) => setMode(event.currentTarget.value as CompareMode)}>
@@ -48,9 +37,6 @@ export function ComparisonBar({ mode, setMode, wipe, setWipe }: BarProps) {
             <option value={name}>{text}</option>
           ))}
         </select>
-      )}
-      {comparison && mode === 'wipe' && (
-        <input type="range" aria-label={words.compareWipe} min={0} max={1} step={0.01} value={wipe} onInput={(event) => setWipe(event.currentTarget.valueAsNumber)} />
       )}
     </span>
   );

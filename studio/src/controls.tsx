@@ -34,7 +34,7 @@ export function FieldRow({ field, path }: { field: Field; path: Path }) {
   const name = label(field.name);
   const reset = () => !field.isRequired && setValue(path, undefined);
   return (
-    <div class={`field of-${field.control}`} data-path={place}>
+    <div class={`field of-${field.control}${own.length > 0 ? ' wrong' : ''}`} data-path={place}>
       <span class="name" title={`${field.meaning}. ${words.toDefault}`} onDblClick={reset}>
         {name}
       </span>
@@ -242,6 +242,7 @@ export function ColorPicker({ name, value, onChange, onNone }: PickerProps) {
       <input
         type="range"
         class="alpha"
+        style={{ '--color': isColor(opaque) ? opaque : '#000000' }}
         aria-label={words.alpha(name)}
         min={0}
         max={255}
@@ -308,25 +309,23 @@ function Choices({ name, choices, value, onChange }: { name: string; choices: [s
   );
 }
 
-// Nothing, a colour, or an object of its own.
+// Nothing, or a record with fields of its own.
 function BoxControl(props: ControlProps) {
   const { path, name } = props;
-  const value = valueOf(props);
-  const kind = value === undefined ? 'none' : 'box';
-  const asObject = typeof value === 'string' ? { color: value } : value;
-  const choose = (choice: string) => setValue(path, choice === 'none' ? undefined : { color: '#80000000' });
-  if (typeof value === 'string') {
-    // The longer form of the same, so that its other fields have a place.
-    queueMicrotask(() => update({ style: { ...current().style, [path[0]]: asObject } }));
-  }
+  const kind = valueOf(props) === undefined ? 'none' : 'box';
   return (
     <>
-      <Choices name={name} value={kind} onChange={choose} choices={[['none', words.none], ['box', name]]} />
-      {kind === 'box' && typeof value !== 'string' && <Nested><Fields fields={current().schema.background} path={path} /></Nested>}
+      <Choices name={name} value={kind} onChange={(choice) => setValue(path, choice === 'none' ? undefined : NEW_BOX)} choices={[['none', words.none], ['box', words.box]]} />
+      {kind === 'box' && (
+        <Nested>
+          <Fields fields={current().schema.background} path={path} />
+        </Nested>
+      )}
     </>
   );
 }
 
+const NEW_BOX = { color: '#80000000' };
 const FILLS = ['ramp', 'file'];
 
 function Fill({ path, name }: ControlProps) {
@@ -355,7 +354,7 @@ function Fill({ path, name }: ControlProps) {
   );
 }
 
-function Nested({ children }: { children: ComponentChildren }) {
+export function Nested({ children }: { children: ComponentChildren }) {
   return <div class="nested">{children}</div>;
 }
 

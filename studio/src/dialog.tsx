@@ -9,7 +9,11 @@ export interface DialogProps {
 
 export function Dialog({ title, close, children }: { title: string; children: ComponentChildren } & Partial<DialogProps>) {
   const dialog = useRef<HTMLDialogElement>(null);
-  useEffect(() => dialog.current?.showModal(), []);
+  useEffect(() => {
+    const opener = document.activeElement as HTMLElement | null;
+    dialog.current?.showModal();
+    return () => opener?.focus();
+  }, []);
   return (
     <dialog ref={dialog} aria-labelledby="dialog-title" onClose={() => close?.()} onCancel={(event) => !close && event.preventDefault()}>
       <h2 id="dialog-title">{title}</h2>

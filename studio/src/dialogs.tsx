@@ -3,10 +3,10 @@ import { useEffect, useState } from 'preact/hooks';
 import { codeFor } from './code';
 import { DropZone } from './controls';
 import { Dialog, type DialogProps } from './dialog';
-import { attempt, keepMine, loadTheirs, mayLeave, openStyle, openText, saveStyle } from './files';
+import { attempt, forgetConflict, keepMine, loadTheirs, mayLeave, openStyle, openText, saveStyle } from './files';
 import { ImportDialog } from './import';
 import { ask, drawFile } from './server';
-import { current, useStore } from './store';
+import { type Conflict, current, useStore } from './store';
 import { words } from './words';
 
 export type DialogName = '' | 'open' | 'save' | 'import' | 'export';
@@ -14,7 +14,7 @@ export type DialogName = '' | 'open' | 'save' | 'import' | 'export';
 // `dropped` is a file to import.
 export function Dialogs({ name, dropped, close }: { name: DialogName; dropped?: File } & DialogProps) {
   const { conflict } = useStore();
-  if (conflict) return <ConflictDialog />;
+  if (conflict) return <ConflictDialog conflict={conflict} />;
   if (name === 'open') return <OpenDialog close={close} />;
   if (name === 'save') return <SaveDialog close={close} />;
   if (name === 'import') return <ImportDialog close={close} dropped={dropped} />;
@@ -22,16 +22,17 @@ export function Dialogs({ name, dropped, close }: { name: DialogName; dropped?: 
   return null;
 }
 
-function ConflictDialog() {
-  const { name } = useStore();
+// A file changed beneath the page, which has to be settled; or it is in the way of another name, which has not.
+function ConflictDialog({ conflict }: { conflict: Conflict }) {
+  const isOwn = conflict.name === current().name;
   return (
-    <Dialog title={words.changed(name)}>
+    <Dialog title={isOwn ? words.changed(conflict.name) : words.exists(conflict.name)} close={isOwn ? undefined : forgetConflict}>
       <div class="actions">
         <button type="button" onClick={() => void attempt(loadTheirs)}>
           {words.loadTheirs}
         </button>
         <button type="button" onClick={() => void attempt(keepMine)}>
-          {words.keepMine}
+          {isOwn ? words.keepMine : words.replaceIt}
         </button>
       </div>
     </Dialog>
@@ -49,6 +50,7 @@ function OpenDialog({ close }: DialogProps) {
     <Dialog title={words.open} close={close}>
       <DropZone name={words.openFile} text={words.openFile} accept=".json" onFile={(file) => go(async () => openText(await file.text()))} />
       <h3>{words.openHere(session.folder)}</h3>
+      {styles.length === 0 && <p class="hint">{words.openNone}</p>}
       <ul class="files">
         {styles.map((name) => (
           <li>
@@ -77,7 +79,7 @@ function SaveDialog({ close }: DialogProps) {
           <input type="text" autofocus value={name} onInput={(event) => setName(event.currentTarget.value)} />
         </label>
         <p class="hint">{words.openHere(current().session.folder)}</p>
-        <button type="submit">{words.save}</button>
+        <button type="submit" class="main">{words.save}</button>
       </form>
     </Dialog>
   );
@@ -128,13 +130,15 @@ function ExportDialog({ close }: DialogProps) {
       )}
       <h3>{words.exportPicture}</h3>
       <div class="actions">
-        {FORMATS.map((format) =>
-          SCALES.map((scale) => (
-            <button type="button" onClick={() => void save(format, scale)}>
-              {format === 'png' ? 'PNG' : 'WebP'} {scale}×
-            </button>
-          )),
-        )}
+        {FORMATS.map((format) => (
+          <span class="joined">
+            {SCALES.map((scale) => (
+              <button type="button" onClick={() => void save(format, scale)}>
+                {format === 'png' ? 'PNG' : 'WebP'} {scale}×
+              </button>
+            ))}
+          </span>
+        ))}
         <button type="button" onClick={() => download(`${title}.json`, new Blob([text], { type: 'application/json' }))}>
           JSON
         </button>
@@ -155,9 +159,10 @@ function ExportDialog({ close }: DialogProps) {
         ))}
       </div>
       <textarea class="code" aria-label={words.code} readOnly rows={14} spellcheck={false} value={code} />
-      <button type="button" onClick={() => void copy()}>
-        {copied ? words.copied : words.copy}
-      </button>
+      <button type="button" class="main" onClick={() => void copy()}>
+        {words.copy}
+      </button>{' '}
+      <span role="status">{copied && words.copied}</span>
     </Dialog>
   );
 }

@@ -1,6 +1,7 @@
 // The controls that are turned and moved by hand: angles and ramps.
+import type { TargetedPointerEvent } from 'preact';
 import { useState } from 'preact/hooks';
-import { type ControlProps, Fields, cssColor, numberOf, setNumber } from './controls';
+import { type ControlProps, Fields, Nested, cssColor, numberOf, setNumber } from './controls';
 import type { Json } from './server';
 import { current, setValue, useStore, valueAt } from './store';
 import { words } from './words';
@@ -62,94 +63,140 @@ interface StopValue extends Json {
   opacity?: number;
 }
 
-function stopColor(stop: StopValue): string {
-  const color = cssColor(stop.color);
-  const alpha = (stop.color.length === 9 ? Number.parseInt(stop.color.slice(1, 3), 16) / 255 : 1) * (stop.opacity ?? 1);
-  return `${color.slice(0, 7)}${Math.round(alpha * 255).toString(16).padStart(2, '0')}`;
+// Red, green, blue and alpha, 0-255, the opacity within.
+function channelsOf(stop: StopValue): number[] {
+  const [red, green, blue, alpha = 255] = cssColor(stop.color)
+    .slice(1)
+    .match(/../g)!
+    .map((digits) => Number.parseInt(digits, 16));
+  return [red, green, blue, alpha * (stop.opacity ?? 1)];
+}
+
+function colorOf(channels: number[]): string {
+  return `#${channels.map((value) => Math.round(value).toString(16).padStart(2, '0')).join('')}`;
+}
+
+const rounded = (position: number) => Number(Math.max(0, Math.min(1, position)).toFixed(2));
+
+// Stops lie in order: one that passes another takes its place in the list.
+function placed(stops: StopValue[], stop: StopValue): [StopValue[], number] {
+  const after = stops.findIndex((other) => other.position > stop.position);
+  const place = after < 0 ? stops.length : after;
+  return [stops.toSpliced(place, 0, stop), place];
+}
+
+// A new one has the colour that the ramp has there, so that nothing changes yet.
+function stopAt(stops: StopValue[], position: number): StopValue {
+  const right = stops.find((stop) => stop.position >= position) ?? stops.at(-1);
+  const left = stops.findLast((stop) => stop.position <= position) ?? stops[0];
+  if (!left || !right) return { color: '#FFFFFF', position };
+  const part = right.position > left.position ? (position - left.position) / (right.position - left.position) : 0;
+  const [from, to] = [channelsOf(left), channelsOf(right)];
+  const [red, green, blue, alpha] = from.map((value, index) => value + (to[index] - value) * part);
+  const strength = alpha < 254.5 ? [alpha] : [];
+  return { color: colorOf([...strength, red, green, blue]).toUpperCase(), position };
+}
+
+function paintOf(stops: StopValue[]): string {
+  const colors = stops.map((stop) => `${colorOf(channelsOf(stop))} ${stop.position * 100}%`);
+  return `linear-gradient(to right, ${(colors.length > 1 ? colors : [colors[0], colors[0]]).join(', ')})`;
 }
 
 export function Ramp({ field, path, name }: ControlProps) {
-  const { style } = useStore();
+  useStore();
   const [chosen, setChosen] = useState(0);
-  const stops = (valueAt(style, path) as StopValue[] | undefined) ?? [];
+  const now = () => (valueAt(current().style, path) as StopValue[] | undefined) ?? [];
+  const stops = now();
   const selected = Math.min(chosen, stops.length - 1);
-  const ramp = stops.map((stop) => `${stopColor(stop)} ${stop.position * 100}%`);
-  const set = (list: StopValue[]) => setValue(path, list.length > 0 || field.isRequired ? list : undefined);
-
-  // Stops lie in order: one that passes another takes its place in the list.
-  const move = (index: number, position: number): number => {
-    const list = [...((valueAt(current().style, path) as StopValue[] | undefined) ?? [])];
-    const stop = { ...list[index], position: Number(Math.max(0, Math.min(1, position)).toFixed(2)) };
-    list.splice(index, 1);
-    const after = list.findIndex((other) => other.position > stop.position);
-    const place = after < 0 ? list.length : after;
-    list.splice(place, 0, stop);
-    set(list);
+  const put = ([list, place]: [StopValue[], number]) => {
+    setValue(path, list);
     setChosen(place);
     return place;
   };
-  const add = (position: number) => {
-    const near = stops.reduce<StopValue | undefined>(
-      (best, stop) => (!best || Math.abs(stop.position - position) < Math.abs(best.position - position) ? stop : best),
-      undefined,
-    );
-    const stop = { color: near?.color ?? '#FFFFFF', position: Number(position.toFixed(2)) };
-    const list = [...stops, stop].sort((a, b) => a.position - b.position);
-    set(list);
-    setChosen(list.indexOf(stop));
+  const add = (position: number) => put(placed(stops, stopAt(stops, rounded(position))));
+  const move = (index: number, position: number) => {
+    const list = now();
+    return put(placed(list.toSpliced(index, 1), { ...list[index], position: rounded(position) }));
   };
   const remove = (index: number) => {
-    if (stops.length > 1 || !field.isRequired) set(stops.filter((_, other) => other !== index));
+    if (stops.length > 1) setValue(path, stops.toSpliced(index, 1));
+    else if (!field.isRequired) setValue(path, undefined);
   };
-  const along = (event: PointerEvent | MouseEvent, bar: Element) => {
-    const box = bar.getBoundingClientRect();
-    return (event.clientX - box.x) / box.width;
-  };
+  if (stops.length === 0) {
+    return (
+      <button type="button" onClick={() => add(0.5)}>
+        {words.addStop}
+      </button>
+    );
+  }
   return (
     <div class="ramp">
-      <div
-        class="bar"
-        title={words.ramp}
-        onClick={(event) => event.target === event.currentTarget.firstChild && add(along(event, event.currentTarget))}
-      >
-        <div class="paint" style={{ backgroundImage: `linear-gradient(to right, ${ramp.length > 1 ? ramp.join(', ') : `${ramp[0] ?? '#0000'}, ${ramp[0] ?? '#0000'}`})` }} />
+      <div class="bar" title={words.ramp} onClick={(event) => event.target === event.currentTarget.firstChild && add(along(event, event.currentTarget))}>
+        <div class="paint" style={{ backgroundImage: paintOf(stops) }} />
         {stops.map((stop, index) => (
-          <span
-            class={index === selected ? 'stop selected' : 'stop'}
-            role="slider"
-            tabIndex={0}
-            aria-label={`${name}, ${words.stop(index)}`}
-            aria-valuemin={0}
-            aria-valuemax={1}
-            aria-valuenow={stop.position}
-            style={{ left: `${stop.position * 100}%`, background: cssColor(stop.color) }}
-            onFocus={() => setChosen(index)}
-            onPointerDown={(event) => {
-              const bar = event.currentTarget.parentElement as Element;
-              setChosen(index);
+          <Stop
+            stop={stop}
+            name={`${name}, ${words.stop(index)}`}
+            isSelected={index === selected}
+            choose={() => setChosen(index)}
+            drag={(event) => {
+              const bar = event.currentTarget?.parentElement as Element;
               let place = index;
               follow(event, (next) => {
                 place = move(place, along(next, bar));
               });
             }}
-            onKeyDown={(event) => {
-              const by = { ArrowLeft: -0.01, ArrowRight: 0.01 }[event.key];
-              if (by) move(index, stop.position + by * (event.shiftKey ? 10 : 1));
-              if (event.key === 'Delete' || event.key === 'Backspace') remove(index);
-              if (by || event.key === 'Delete' || event.key === 'Backspace') event.preventDefault();
-            }}
+            move={(position) => move(index, position)}
+            remove={() => remove(index)}
           />
         ))}
       </div>
-      {stops.length === 0 ? (
-        <button type="button" onClick={() => add(0.5)}>
-          {words.addStop}
-        </button>
-      ) : (
-        <div class="nested">
-          <Fields fields={current().schema.stop} path={[...path, selected]} />
-        </div>
-      )}
+      <Nested>
+        <Fields fields={current().schema.stop} path={[...path, selected]} />
+      </Nested>
     </div>
+  );
+}
+
+function along(event: MouseEvent, bar: Element): number {
+  const box = bar.getBoundingClientRect();
+  return (event.clientX - box.x) / box.width;
+}
+
+interface StopProps {
+  stop: StopValue;
+  name: string;
+  isSelected: boolean;
+  choose(): void;
+  drag(event: TargetedPointerEvent<HTMLElement>): void;
+  move(position: number): void;
+  remove(): void;
+}
+
+function Stop({ stop, name, isSelected, choose, drag, move, remove }: StopProps) {
+  const keys = (event: KeyboardEvent) => {
+    const by = { ArrowLeft: -0.01, ArrowRight: 0.01 }[event.key];
+    if (by) move(stop.position + by * (event.shiftKey ? 10 : 1));
+    else if (event.key === 'Delete' || event.key === 'Backspace') remove();
+    else return;
+    event.preventDefault();
+  };
+  return (
+    <span
+      class={isSelected ? 'stop selected' : 'stop'}
+      role="slider"
+      tabIndex={0}
+      aria-label={name}
+      aria-valuemin={0}
+      aria-valuemax={1}
+      aria-valuenow={stop.position}
+      style={{ left: `${stop.position * 100}%`, background: cssColor(stop.color) }}
+      onFocus={choose}
+      onPointerDown={(event) => {
+        choose();
+        drag(event);
+      }}
+      onKeyDown={keys}
+    />
   );
 }

@@ -10,6 +10,8 @@ interface Opened {
   remembered: string;
 }
 
+export const FIRST_STYLE: Json = { text: 'Hello', size: 96 };
+
 const WATCH_MILLISECONDS = 1000;
 const REMEMBER_MILLISECONDS = 600;
 
@@ -49,6 +51,10 @@ export async function openStyle(name: string) {
   restore(opened.remembered);
 }
 
+export function beginAnew() {
+  replace({ style: FIRST_STYLE, saved: FIRST_STYLE, name: '', version: '', notice: '', comparison: undefined });
+}
+
 // Without a file.
 export function openText(text: string) {
   const style = readStyle(text);
@@ -68,31 +74,36 @@ export function discard() {
   change(current().saved, '', { notice: '', canDiscard: false });
 }
 
-export async function saveStyle(name: string) {
-  const { style, version } = current();
-  const known = name === current().name ? version : '';
+// Over `version` of the file, and no other.
+export async function saveStyle(name: string, version = name === current().name ? current().version : '') {
+  const { style } = current();
   try {
-    const saved = await call<Opened>('save', { name, style, version: known });
+    const saved = await call<Opened>('save', { name, style, version });
     localStorage.removeItem(memoryKey());
-    update({ name, version: saved.version, saved: style, notice: words.saved(name), conflict: '', canDiscard: false });
+    update({ name, version: saved.version, saved: style, notice: words.saved(name), conflict: undefined, canDiscard: false });
   } catch (error) {
     if (!(error instanceof Refused && error.isConflict)) throw error;
     const found = await call<{ version: string }>('watch', { name });
-    update({ name, version: known, conflict: found.version });
+    update({ conflict: { name, version: found.version } });
   }
 }
 
-export function keepMine() {
-  update({ version: current().conflict, conflict: '' });
-  return saveStyle(current().name);
+export async function keepMine() {
+  const { conflict } = current();
+  if (conflict) await saveStyle(conflict.name, conflict.version);
 }
 
 export async function loadTheirs() {
-  const { name } = current();
+  const { conflict, name } = current();
+  if (conflict && conflict.name !== name) return openStyle(conflict.name);
   const opened = await call<Opened>('open', { name });
   const saved = readStyle(opened.text);
   // A step that can be undone.
-  change(saved, '', { saved, version: opened.version, notice: words.reloaded(name), conflict: '' });
+  change(saved, '', { saved, version: opened.version, notice: words.reloaded(name), conflict: undefined });
+}
+
+export function forgetConflict() {
+  update({ conflict: undefined });
 }
 
 // Tells this page from others, and from itself when it was left and is come back to.
@@ -106,8 +117,8 @@ async function look() {
   if (JSON.stringify(found.styles) !== JSON.stringify(current().styles)) changes.styles = found.styles;
   if (Object.keys(changes).length > 0) update(changes);
   if (!name || name !== current().name || version !== current().version || found.version === version) return;
-  if (!found.version || found.version === current().conflict) return;
-  if (isChanged()) update({ conflict: found.version });
+  if (!found.version || found.version === current().conflict?.version) return;
+  if (isChanged()) update({ conflict: { name, version: found.version } });
   else await loadTheirs();
 }
 

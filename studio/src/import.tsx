@@ -78,7 +78,7 @@ function LayerChoice({ layers, chosen, choose }: { layers: Layer[]; chosen: numb
       {layers.map((layer, index) => (
         <label class="preset">
           <Thumbnail drawn={pictures[index]} />
-          <span>
+          <span class="caption">
             <input type="radio" name="layer" checked={index === chosen} onChange={() => choose(index)} /> {layer.name}
           </span>
         </label>

@@ -1,6 +1,8 @@
 // The effects as layers, the topmost first.
 import { useState } from 'preact/hooks';
 import { Fields } from './controls';
+import { Icon, type IconName } from './icons';
+import { Menu } from './menu';
 import type { Json } from './server';
 import { change, current, effectsOf, pathText, setValue, update, useStore } from './store';
 import { label, words } from './words';
@@ -48,6 +50,7 @@ function remove(index: number) {
 function add(type: string) {
   const effects = [...effectsOf(current().style), current().schema.newEffect(type)];
   setEffects(effects, effects.length - 1);
+  focusChosen();
 }
 
 function toggle(index: number) {
@@ -63,24 +66,10 @@ export function Layers() {
   return (
     <section class="panel layers" aria-labelledby="layers-title">
       <h2 id="layers-title">{words.layers}</h2>
-      <select
-        class="add"
-        aria-label={words.add}
-        value=""
-        onChange={(event) => {
-          add(event.currentTarget.value);
-          event.currentTarget.value = '';
-        }}
-      >
-        <option value="">{words.add} …</option>
-        {schema.effects.map((item) => (
-          <option value={item.type} title={item.meaning}>
-            {label(item.type)}
-          </option>
-        ))}
-      </select>
+      <Menu text={`+ ${words.add}`} name={words.add} items={schema.effects.map((item) => ({ name: label(item.type), hint: item.meaning, act: () => add(item.type) }))} />
       {effects.length === 0 && <p class="hint">{words.noLayers}</p>}
       <LayerList order={order} />
+      {effects.length > 0 && !kind && <p class="hint">{words.noLayerChosen}</p>}
       {kind && (
         <div class="effect" role="group" aria-label={label(kind.type)}>
           <h3>{label(kind.type)}</h3>
@@ -92,43 +81,38 @@ export function Layers() {
   );
 }
 
+function focusChosen() {
+  requestAnimationFrame(() => document.querySelector<HTMLElement>('.layer.selected .title')?.focus());
+}
+
 function LayerList({ order }: { order: number[] }) {
   const { style, selected, problems } = useStore();
   const [dragged, setDragged] = useState(-1);
   const [over, setOver] = useState(-1);
-  const effects = effectsOf(style);
-  const choose = (place: number) => {
-    if (place < 0 || place >= order.length) return;
-    update({ selected: order[place] });
-    requestAnimationFrame(() => document.querySelector<HTMLElement>('.layer.selected .title')?.focus());
+  if (order.length === 0) return null;
+  const end = () => {
+    setDragged(-1);
+    setOver(-1);
   };
-  const keys = (event: KeyboardEvent, place: number) => {
-    const index = order[place];
-    const by = { ArrowUp: -1, ArrowDown: 1 }[event.key];
-    const isControl = event.ctrlKey || event.metaKey;
-    if (by && event.altKey) move(place, place + by);
-    else if (by) choose(place + by);
-    else if (event.key === ' ') toggle(index);
-    else if (event.key === 'Delete') remove(index);
-    else if (isControl && event.key === 'd') duplicate(index);
-    else return;
-    event.preventDefault();
-    requestAnimationFrame(() => document.querySelector<HTMLElement>('.layer.selected .title')?.focus());
+  const drop = (place: number) => {
+    if (dragged >= 0) move(dragged, place);
+    end();
+  };
+  const stateOf = (index: number, place: number) => {
+    const isWrong = problems.some((problem) => problem.path.startsWith(pathText(['effects', index])));
+    const isTarget = place === over && dragged >= 0 && dragged !== place;
+    return ['layer', index === selected && 'selected', isTarget && (place < dragged ? 'above' : 'below'), isWrong && 'wrong', effectsOf(style)[index].enabled === false && 'off'];
   };
   return (
-    <ol class="list" title={words.layerHelp}>
-      {order.map((index, place) => {
-        const effect = effects[index];
-        const name = label(String(effect.type));
-        const isWrong = problems.some((problem) => problem.path.startsWith(pathText(['effects', index])));
-        const classes = ['layer', index === selected && 'selected', place === over && dragged >= 0 && 'over', isWrong && 'wrong'];
-        return (
+    <>
+      <ol class="list">
+        {order.map((index, place) => (
           <li
             key={index}
-            class={classes.filter(Boolean).join(' ')}
+            class={stateOf(index, place).filter(Boolean).join(' ')}
             draggable
             onDragStart={(event) => {
-              event.dataTransfer?.setData('text/plain', name);
+              event.dataTransfer?.setData('text/plain', '');
               setDragged(place);
             }}
             onDragOver={(event) => {
@@ -136,40 +120,74 @@ function LayerList({ order }: { order: number[] }) {
               event.preventDefault();
               setOver(place);
             }}
-            onDragEnd={() => setDragged(-1)}
+            onDragEnd={end}
             onDrop={(event) => {
               event.preventDefault();
-              if (dragged >= 0) move(dragged, place);
-              setDragged(-1);
-              setOver(-1);
+              drop(place);
             }}
           >
-            <input type="checkbox" class="eye" aria-label={words.show(name)} checked={effect.enabled !== false} onChange={() => toggle(index)} />
-            <button
-              type="button"
-              class="title"
-              aria-current={index === selected}
-              aria-keyshortcuts="Alt+ArrowUp Alt+ArrowDown Space Delete Control+D"
-              onClick={() => update({ selected: index })}
-              onKeyDown={(event) => keys(event, place)}
-            >
-              {name}
-            </button>
-            <button type="button" class="icon" title={words.moveUp} aria-label={`${words.moveUp}: ${name}`} disabled={place === 0} onClick={() => move(place, place - 1)}>
-              ↑
-            </button>
-            <button type="button" class="icon" title={words.moveDown} aria-label={`${words.moveDown}: ${name}`} disabled={place === order.length - 1} onClick={() => move(place, place + 1)}>
-              ↓
-            </button>
-            <button type="button" class="icon" title={words.duplicate} aria-label={`${words.duplicate}: ${name}`} onClick={() => duplicate(index)}>
-              ⧉
-            </button>
-            <button type="button" class="icon" title={words.remove} aria-label={`${words.remove}: ${name}`} onClick={() => remove(index)}>
-              ×
-            </button>
+            <LayerRow effect={effectsOf(style)[index]} order={order} place={place} />
           </li>
-        );
-      })}
-    </ol>
+        ))}
+      </ol>
+      <p class="hint keys" aria-hidden="true">
+        {words.layerHelp}
+      </p>
+    </>
+  );
+}
+
+// The keys of a layer's title; whether this was one.
+function pressed(event: KeyboardEvent, order: number[], place: number): boolean {
+  const by = { ArrowUp: -1, ArrowDown: 1 }[event.key];
+  const isControl = event.ctrlKey || event.metaKey;
+  if (by && event.altKey) move(place, place + by);
+  else if (by) update({ selected: order[place + by] ?? order[place] });
+  else if (event.key === ' ') toggle(order[place]);
+  else if (event.key === 'Delete') remove(order[place]);
+  else if (isControl && event.key === 'd') duplicate(order[place]);
+  else return false;
+  return true;
+}
+
+// What is beside the title is for the pointer: at the keyboard the title's keys do the same, and the list is one stop.
+function LayerRow({ effect, order, place }: { effect: Json; order: number[]; place: number }) {
+  const { selected } = useStore();
+  const index = order[place];
+  const name = label(String(effect.type));
+  const isShown = effect.enabled !== false;
+  const actions: [IconName, string, boolean, () => void][] = [
+    ['up', words.moveUp, place > 0, () => move(place, place - 1)],
+    ['down', words.moveDown, place < order.length - 1, () => move(place, place + 1)],
+    ['duplicate', words.duplicate, true, () => duplicate(index)],
+    ['remove', words.remove, true, () => remove(index)],
+  ];
+  return (
+    <>
+      <label class="eye" title={words.show(name)}>
+        <input type="checkbox" tabIndex={-1} aria-label={words.show(name)} checked={isShown} onChange={() => toggle(index)} />
+        <Icon name={isShown ? 'shown' : 'hidden'} />
+      </label>
+      <button
+        type="button"
+        class="title"
+        tabIndex={index === selected || (place === 0 && !order.includes(selected)) ? 0 : -1}
+        aria-current={index === selected}
+        aria-keyshortcuts="Alt+ArrowUp Alt+ArrowDown Space Delete Control+D"
+        onClick={() => update({ selected: index })}
+        onKeyDown={(event) => {
+          if (!pressed(event, order, place)) return;
+          event.preventDefault();
+          focusChosen();
+        }}
+      >
+        {name}
+      </button>
+      {actions.map(([icon, text, isPossible, act]) => (
+        <button type="button" class="action" tabIndex={-1} title={text} aria-label={`${text}: ${name}`} disabled={!isPossible} onClick={act}>
+          <Icon name={icon} />
+        </button>
+      ))}
+    </>
   );
 }

@@ -3,17 +3,17 @@ import { useEffect, useState } from 'preact/hooks';
 import { dropInto } from './controls';
 import { type DialogName, Dialogs } from './dialogs';
 import { startDrawing } from './drawing';
-import { attempt, discard, mayLeave, openStyle, openText, restore, saveStyle, startRemembering, startWatching } from './files';
+import { FIRST_STYLE, attempt, beginAnew, discard, mayLeave, openStyle, openText, restore, saveStyle, startRemembering, startWatching } from './files';
+import { Icon, type IconName } from './icons';
 import { Layers } from './layers';
 import { Schema } from './schema';
 import { type Session, call, isLayered } from './server';
 import { Stage } from './stage';
-import { canRedo, canUndo, current, isChanged, recentColors, redo, start, undo, useStore } from './store';
+import { canRedo, canUndo, current, isChanged, recentColors, redo, start, undo, update, useStore } from './store';
 import { TextPanel } from './text';
 import { words } from './words';
 
-const FIRST_TEXT = 'Hello';
-const FIRST_SIZE = 96;
+const NOTICE_MILLISECONDS = 6000;
 
 function Page() {
   const [dialog, setDialog] = useState<DialogName>('');
@@ -60,34 +60,51 @@ function Header({ setDialog, save }: { setDialog(name: DialogName): void; save()
         {isUnsaved && <em> {words.unsaved}</em>}
       </span>
       <nav aria-label={words.title}>
-        <button type="button" onClick={() => setDialog('open')}>
-          {words.open}
-        </button>
-        <button type="button" onClick={save}>
-          {words.save}
-        </button>
-        <button type="button" onClick={() => setDialog('save')}>
-          {words.saveAs}
-        </button>
-        <button type="button" disabled={!canUndo()} onClick={undo}>
-          {words.undo}
-        </button>
-        <button type="button" disabled={!canRedo()} onClick={redo}>
-          {words.redo}
-        </button>
-        <button type="button" onClick={() => setDialog('import')}>
-          {words.importEffects}
-        </button>
-        <button type="button" onClick={() => setDialog('export')}>
-          {words.exportIt}
-        </button>
+        <span class="joined">
+          <HeaderButton text={words.undo} keys="Ctrl+Z" icon="undo" disabled={!canUndo()} onClick={undo} />
+          <HeaderButton text={words.redo} keys="Ctrl+Y" icon="redo" disabled={!canRedo()} onClick={redo} />
+        </span>
+        <span class="joined">
+          <HeaderButton text={words.begin} onClick={() => mayLeave() && beginAnew()} />
+          <HeaderButton text={words.open} keys="Ctrl+O" onClick={() => setDialog('open')} />
+          <HeaderButton text={words.importEffects} onClick={() => setDialog('import')} />
+        </span>
+        <span class="joined">
+          <HeaderButton text={words.save} keys="Ctrl+S" isMain={isUnsaved} onClick={save} />
+          <HeaderButton text={words.saveAs} onClick={() => setDialog('save')} />
+        </span>
+        <HeaderButton text={words.exportIt} onClick={() => setDialog('export')} />
       </nav>
     </header>
   );
 }
 
+interface HeaderButtonProps {
+  text: string;
+  keys?: string;
+  icon?: IconName; // in the place of the text
+  isMain?: boolean;
+  disabled?: boolean;
+  onClick(): void;
+}
+
+function HeaderButton({ text, keys, icon, isMain, disabled, onClick }: HeaderButtonProps) {
+  const title = keys ? `${text} (${keys})` : undefined;
+  return (
+    <button type="button" class={isMain ? 'main' : ''} title={title} aria-label={icon && text} aria-keyshortcuts={keys?.replace('Ctrl', 'Control')} disabled={disabled} onClick={onClick}>
+      {icon ? <Icon name={icon} /> : text}
+    </button>
+  );
+}
+
+// Over the page, so that nothing moves when they come and go.
 function Notices() {
   const { isLost, notice, canDiscard } = useStore();
+  useEffect(() => {
+    if (!notice || canDiscard) return;
+    const timer = setTimeout(dismiss, NOTICE_MILLISECONDS);
+    return () => clearTimeout(timer);
+  }, [notice, canDiscard]);
   return (
     <div class="notices">
       {isLost && (
@@ -98,17 +115,24 @@ function Notices() {
       <div role="status">
         {notice && (
           <p>
-            {notice}{' '}
+            <span>{notice}</span>
             {canDiscard && (
               <button type="button" onClick={discard}>
                 {words.discard}
               </button>
             )}
+            <button type="button" onClick={dismiss}>
+              {words.dismiss}
+            </button>
           </p>
         )}
       </div>
     </div>
   );
+}
+
+function dismiss() {
+  update({ notice: '', canDiscard: false });
 }
 
 function useKeys({ save, open }: { save(): void; open(): void }) {
@@ -131,27 +155,34 @@ function useKeys({ save, open }: { save(): void; open(): void }) {
 // A file that is dropped beside every place for it goes where its kind belongs, and never in the page's place.
 function useDrops(importFile: (file: File) => void) {
   useEffect(() => {
-    const stay = (event: DragEvent) => event.preventDefault();
-    const take = (event: DragEvent) => {
-      const file = event.dataTransfer?.files[0];
-      if (event.defaultPrevented || !file) return;
-      event.preventDefault();
-      if (/\.(ttf|otf|ttc|otc)$/i.test(file.name)) void dropInto(['font'], file, 'font');
-      else if (isLayered(file)) importFile(file);
-      else if (/\.json$/i.test(file.name) && mayLeave()) void attempt(async () => openText(await file.text()));
+    const mark = (isOver: boolean) => document.body.classList.toggle('dropping', isOver);
+    const listeners: Record<string, (event: DragEvent) => void> = {
+      dragover: (event) => {
+        event.preventDefault();
+        if (event.dataTransfer?.types.includes('Files')) mark(true);
+      },
+      dragleave: (event) => event.relatedTarget === null && mark(false),
+      drop: (event) => {
+        mark(false);
+        const file = event.dataTransfer?.files[0];
+        if (event.defaultPrevented || !file) return;
+        event.preventDefault();
+        if (/\.(ttf|otf|ttc|otc)$/i.test(file.name)) void dropInto(['font'], file, 'font');
+        else if (isLayered(file)) importFile(file);
+        else if (!/\.json$/i.test(file.name)) update({ notice: words.unknownDrop(file.name) });
+        else if (mayLeave()) void attempt(async () => openText(await file.text()));
+      },
     };
-    addEventListener('dragover', stay);
-    addEventListener('drop', take);
+    for (const [name, listener] of Object.entries(listeners)) addEventListener(name, listener as EventListener);
     return () => {
-      removeEventListener('dragover', stay);
-      removeEventListener('drop', take);
+      for (const [name, listener] of Object.entries(listeners)) removeEventListener(name, listener as EventListener);
     };
   }, []);
 }
 
 async function begin() {
   const session = await call<Session>('session', {});
-  const style = { text: FIRST_TEXT, size: FIRST_SIZE };
+  const style = FIRST_STYLE;
   start({
     session,
     schema: new Schema(session.schema),
@@ -164,7 +195,6 @@ async function begin() {
     isLost: false,
     notice: '',
     canDiscard: false,
-    conflict: '',
     recent: recentColors(),
     styles: [],
     density: 0,

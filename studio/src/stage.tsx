@@ -7,116 +7,204 @@ import type { Drawn } from './server';
 import { update, useStore } from './store';
 import { words } from './words';
 
-type Backdrop = keyof typeof words.backdrops;
+type Ground = keyof typeof words.backdrops;
 type Overlay = keyof typeof words.overlayNames;
+
+interface Backdrop {
+  ground: Ground;
+  color: string;
+  photo: string; // address; empty for none
+}
 
 const ZOOMS = [0.25, 0.5, 1, 2, 4, 8, 16, 32];
 const GRID_FROM = 8;
 const DENSITIES = [1, 2, 3];
 const MOST_FITTED = 4;
+const PHONE_WIDTH = 340; // inside of its frame, app.css
+const ROOM_PADDING = 32;
+const SIDE_SPACE = 72; // with the gap between two pictures, and what is written beneath
 // Of characters that belong to none.
 const NO_SCRIPTS = ['', 'Unknown', 'Common', 'Inherited'];
 
 export function Stage() {
-  const { drawn, density, comparison, compared, style } = useStore();
-  const [backdrop, setBackdrop] = useState<Backdrop>('checker');
-  const [color, setColor] = useState('#3F51B5');
-  const [photo, setPhoto] = useState('');
-  const [zoom, setZoom] = useState(0);
+  const { drawn, density, comparison, compared } = useStore();
+  const [backdrop, setBackdrop] = useState<Backdrop>({ ground: 'checker', color: '#3F51B5', photo: '' });
+  const [zoom, setZoom] = useState(0); // 0 fits
   const [overlays, setOverlays] = useState<Overlay[]>([]);
-  const [mode, setMode] = useState<CompareMode>('off');
-  const [wipe, setWipe] = useState(0.5);
+  const [chosenMode, setMode] = useState<CompareMode>('off');
   const [pixel, setPixel] = useState('');
   const room = useRef<HTMLDivElement>(null);
+  const size = useSize(room);
+  const mode = comparison && compared ? chosenMode : 'off';
+  const factor = density > 0 ? 1 / density : zoom || fittedFactor(drawn, size, mode === 'side');
+  useCentre(room, factor);
+  const step = (isCloser: boolean) => {
+    const next = isCloser ? ZOOMS.find((item) => item > factor) : ZOOMS.findLast((item) => item < factor);
+    if (next && density === 0) setZoom(next);
+  };
+  const { ground, color, photo } = backdrop;
+  const paint = ground === 'color' ? { background: color } : ground === 'photo' && photo ? { backgroundImage: `url(${photo})` } : {};
+  return (
+    <main class="stage">
+      <div class="bar" role="toolbar" aria-label={words.picture}>
+        <Grounds backdrop={backdrop} choose={(item) => setBackdrop({ ...backdrop, ground: item })} />
+        <ZoomMenu zoom={zoom} setZoom={setZoom} />
+        <PhoneMenu />
+        <OverlayToggles overlays={overlays} setOverlays={setOverlays} />
+        <ComparisonBar mode={chosenMode} setMode={setMode} />
+      </div>
+      {ground === 'color' && <ColorPicker name={words.backdropColor} value={color} onChange={(item) => setBackdrop({ ...backdrop, color: item })} />}
+      {ground === 'photo' && (
+        <DropZone name={words.backdropPhoto} text={words.backdropPhoto} accept="image/*" onFile={(file) => setBackdrop({ ...backdrop, photo: URL.createObjectURL(file) })} />
+      )}
+      <div
+        class={`room ${ground}`}
+        style={paint}
+        ref={room}
+        tabIndex={0}
+        role="region"
+        aria-label={words.picture}
+        onWheel={(event) => {
+          if (!event.ctrlKey) return;
+          event.preventDefault();
+          step(event.deltaY < 0);
+        }}
+        onKeyDown={(event) => {
+          if (event.ctrlKey || event.metaKey) return;
+          if (event.key === '+' || event.key === '=') step(true);
+          if (event.key === '-') step(false);
+          if (event.key === '0') setZoom(0);
+        }}
+      >
+        <div class={density > 0 ? 'phone' : 'plain'}>{drawn && <Pictures drawn={drawn} mode={mode} factor={factor} overlays={overlays} onPixel={setPixel} />}</div>
+      </div>
+      <Status drawn={drawn} pixel={pixel} factor={factor} />
+    </main>
+  );
+}
+
+// Whole pixels where it is enlarged.
+function fittedFactor(drawn: Drawn | undefined, [width, height]: number[], isSide: boolean): number {
+  if (!drawn) return 1;
+  const space = isSide ? SIDE_SPACE : ROOM_PADDING;
+  const most = Math.min(MOST_FITTED, (width - space) / (drawn.width * (isSide ? 2 : 1)), (height - space) / drawn.height);
+  return most >= 1 ? Math.floor(most) : most;
+}
+
+function useSize(room: RefObject<HTMLDivElement | null>): number[] {
   const [size, setSize] = useState([800, 500]);
   useEffect(() => {
     const observer = new ResizeObserver(([entry]) => setSize([entry.contentRect.width, entry.contentRect.height]));
     if (room.current) observer.observe(room.current);
     return () => observer.disconnect();
   }, []);
+  return size;
+}
 
-  const isSide = mode === 'side' && compared !== undefined;
-  const shown = drawn && { width: drawn.width * (isSide ? 2 : 1), height: drawn.height };
-  const fitted = shown ? Math.min(MOST_FITTED, (size[0] - (isSide ? 72 : 32)) / shown.width, (size[1] - (isSide ? 72 : 32)) / shown.height) : 1;
-  const factor = density > 0 ? 1 / density : zoom || (fitted >= 1 ? Math.floor(fitted) : fitted);
-  useCentre(room, factor);
-  // The wheel with Ctrl goes through the steps of the zoom.
-  const wheel = (event: WheelEvent) => {
-    if (!event.ctrlKey || density > 0) return;
-    event.preventDefault();
-    const next = event.deltaY < 0 ? ZOOMS.find((item) => item > factor) : ZOOMS.findLast((item) => item < factor);
-    if (next) setZoom(next);
-  };
-  const paint = backdrop === 'color' ? { background: color } : backdrop === 'photo' && photo ? { backgroundImage: `url(${photo})` } : {};
-  const picture = (of: Drawn, extra?: ComponentChildren) => (
-    <PictureView drawn={of} factor={factor} overlays={overlays} onPixel={setPixel} text={String(style.text ?? '')}>
+function Grounds({ backdrop, choose }: { backdrop: Backdrop; choose(ground: Ground): void }) {
+  return (
+    <Group name={words.backdrop}>
+      {(Object.keys(words.backdrops) as Ground[]).map((item) => (
+        <button
+          key={item}
+          type="button"
+          class="ground"
+          title={words.backdrops[item]}
+          aria-label={words.backdrops[item]}
+          aria-pressed={backdrop.ground === item}
+          onClick={() => choose(item)}
+        >
+          <span class={item} style={item === 'color' ? { background: backdrop.color } : {}} />
+        </button>
+      ))}
+    </Group>
+  );
+}
+
+function ZoomMenu({ zoom, setZoom }: { zoom: number; setZoom(zoom: number): void }) {
+  const { density } = useStore();
+  return (
+    <label title={words.zoomKeys}>
+      {words.zoom}{' '}
+      <select value={zoom} disabled={density > 0} onChange={(event) => setZoom(Number(event.currentTarget.value))}>
+        <option value={0}>{words.zoomFit}</option>
+        {ZOOMS.map((item) => (
+          <option value={item}>{item * 100} %</option>
+        ))}
+      </select>
+    </label>
+  );
+}
+
+function PhoneMenu() {
+  const { density } = useStore();
+  return (
+    <label>
+      {words.phone}{' '}
+      <select value={density} onChange={(event) => update({ density: Number(event.currentTarget.value) })}>
+        <option value={0}>{words.phoneOff}</option>
+        {DENSITIES.map((item) => (
+          <option value={item}>{item}×</option>
+        ))}
+      </select>
+    </label>
+  );
+}
+
+function OverlayToggles({ overlays, setOverlays }: { overlays: Overlay[]; setOverlays(overlays: Overlay[]): void }) {
+  const toggle = (item: Overlay) => setOverlays(overlays.includes(item) ? overlays.filter((other) => other !== item) : [...overlays, item]);
+  return (
+    <Group name={words.overlays} isNamed={false}>
+      {(Object.keys(words.overlayNames) as Overlay[]).map((item) => (
+        <button key={item} type="button" class={`key ${item}`} aria-pressed={overlays.includes(item)} onClick={() => toggle(item)}>
+          {words.overlayNames[item]}
+        </button>
+      ))}
+    </Group>
+  );
+}
+
+interface PicturesProps {
+  drawn: Drawn;
+  mode: CompareMode;
+  factor: number;
+  overlays: Overlay[];
+  onPixel(text: string): void;
+}
+
+// The picture, and in its place or beside it what it is compared with.
+function Pictures({ drawn, mode, factor, overlays, onPixel }: PicturesProps) {
+  const { style, comparison, compared } = useStore();
+  const [wipe, setWipe] = useState(0.5);
+  if (mode === 'difference' && compared) return <DifferenceView one={drawn} other={compared} factor={factor} />;
+  const view = (of: Drawn, from?: number, extra?: ComponentChildren) => (
+    <PictureView drawn={of} factor={factor} overlays={overlays} onPixel={onPixel} text={String(style.text ?? '')} from={from}>
       {extra}
     </PictureView>
   );
-  return (
-    <main class="stage">
-      <div class="bar" role="toolbar" aria-label={words.picture}>
-        <Group name={words.backdrop}>
-          {(Object.keys(words.backdrops) as Backdrop[]).map((item) => (
-            <Toggle key={item} text={words.backdrops[item]} isOn={backdrop === item} onClick={() => setBackdrop(item)} />
-          ))}
-        </Group>
-        <label>
-          {words.zoom}{' '}
-          <select value={zoom} onChange={(event) => setZoom(Number(event.currentTarget.value))}>
-            <option value={0}>{words.zoomFit}</option>
-            {ZOOMS.map((item) => (
-              <option value={item}>{item * 100} %</option>
-            ))}
-          </select>
-        </label>
-        <Group name={words.overlays}>
-          {(Object.keys(words.overlayNames) as Overlay[]).map((item) => (
-            <Toggle
-              key={item}
-              text={words.overlayNames[item]}
-              isOn={overlays.includes(item)}
-              onClick={() => setOverlays(overlays.includes(item) ? overlays.filter((other) => other !== item) : [...overlays, item])}
-            />
-          ))}
-        </Group>
-        <label>
-          {words.phone}{' '}
-          <select value={density} onChange={(event) => update({ density: Number(event.currentTarget.value) })}>
-            <option value={0}>{words.phoneOff}</option>
-            {DENSITIES.map((item) => (
-              <option value={item}>{item}×</option>
-            ))}
-          </select>
-        </label>
-        <ComparisonBar mode={mode} setMode={setMode} wipe={wipe} setWipe={setWipe} />
+  if (mode === 'side' && compared) {
+    return (
+      <div class="pictures">
+        <figure>
+          {view(compared)}
+          <figcaption>{comparison?.label}</figcaption>
+        </figure>
+        <figure>
+          {view(drawn)}
+          <figcaption>{words.compareNow}</figcaption>
+        </figure>
       </div>
-      {backdrop === 'color' && <ColorPicker name={words.backdropColor} value={color} onChange={setColor} />}
-      {backdrop === 'photo' && (
-        <DropZone name={words.backdropPhoto} text={words.backdropPhoto} accept="image/*" onFile={(file) => setPhoto(URL.createObjectURL(file))} />
-      )}
-      <div class={`room ${backdrop}`} style={paint} ref={room} tabIndex={0} role="region" aria-label={words.picture} onWheel={wheel}>
-        <div class={density > 0 ? 'phone' : 'plain'}>
-          {drawn && mode === 'difference' && compared ? (
-            <DifferenceView one={drawn} other={compared} factor={factor} />
-          ) : (
-            drawn && (
-              <div class="pictures">
-                {isSide && (
-                  <figure>
-                    {picture(compared)}
-                    <figcaption>{comparison?.label}</figcaption>
-                  </figure>
-                )}
-                {picture(drawn, mode === 'wipe' && compared && comparison && <Wipe drawn={compared} under={drawn} factor={factor} at={wipe} />)}
-              </div>
-            )
-          )}
-        </div>
-      </div>
-      <Status drawn={drawn} pixel={pixel} />
-    </main>
-  );
+    );
+  }
+  if (mode === 'wipe' && compared) {
+    return (
+      <figure>
+        {view(drawn, wipe, <Wipe drawn={compared} under={drawn} factor={factor} at={wipe} />)}
+        <input type="range" aria-label={words.compareWipe} min={0} max={1} step={0.01} value={wipe} onInput={(event) => setWipe(event.currentTarget.valueAsNumber)} />
+      </figure>
+    );
+  }
+  return view(drawn);
 }
 
 // What was in the middle of the view stays there when the zoom changes.
@@ -133,22 +221,16 @@ function useCentre(room: RefObject<HTMLDivElement | null>, factor: number) {
   }, [factor]);
 }
 
-function Group({ name, children }: { name: string; children: ComponentChildren }) {
+function Group({ name, isNamed = true, children }: { name: string; isNamed?: boolean; children: ComponentChildren }) {
   return (
     <span class="group" role="group" aria-label={name}>
-      <span class="group-name" aria-hidden="true">
-        {name}
-      </span>
+      {isNamed && (
+        <span class="group-name" aria-hidden="true">
+          {name}
+        </span>
+      )}
       {children}
     </span>
-  );
-}
-
-export function Toggle({ text, isOn, onClick }: { text: string; isOn: boolean; onClick(): void }) {
-  return (
-    <button type="button" aria-pressed={isOn} onClick={onClick}>
-      {text}
-    </button>
   );
 }
 
@@ -177,11 +259,12 @@ interface ViewProps {
   factor: number;
   overlays: Overlay[];
   text: string;
+  from?: number; // part of the width that is left out
   onPixel(text: string): void;
   children?: ComponentChildren;
 }
 
-function PictureView({ drawn, factor, overlays, text, onPixel, children }: ViewProps) {
+function PictureView({ drawn, factor, overlays, text, from = 0, onPixel, children }: ViewProps) {
   const point = (event: PointerEvent) => {
     const box = (event.currentTarget as Element).getBoundingClientRect();
     const [x, y] = [Math.floor((event.clientX - box.x) / factor), Math.floor((event.clientY - box.y) / factor)];
@@ -193,7 +276,9 @@ function PictureView({ drawn, factor, overlays, text, onPixel, children }: ViewP
   };
   return (
     <div class="picture" onPointerMove={point} onPointerLeave={() => onPixel('')}>
-      <Canvas drawn={drawn} factor={factor} label={words.pictureOf(text, drawn.width, drawn.height)} />
+      <div style={{ clipPath: from > 0 ? `inset(0 0 0 ${from * 100}%)` : undefined }}>
+        <Canvas drawn={drawn} factor={factor} label={words.pictureOf(text, drawn.width, drawn.height)} />
+      </div>
       {children}
       {factor >= GRID_FROM && <div class="grid" style={{ backgroundSize: `${factor}px ${factor}px` }} />}
       <Overlays drawn={drawn} overlays={overlays} factor={factor} />
@@ -241,8 +326,8 @@ function DifferenceView({ one, other, factor }: { one: Drawn; other: Drawn; fact
   );
 }
 
-function Status({ drawn, pixel }: { drawn: Drawn | undefined; pixel: string }) {
-  const { problems, schema } = useStore();
+function Status({ drawn, pixel, factor }: { drawn: Drawn | undefined; pixel: string; factor: number }) {
+  const { problems, schema, density } = useStore();
   if (!drawn) return <footer class="status" />;
   const known = schema.style.map((field) => field.name);
   const loose = problems.filter((problem) => !known.some((name) => problem.path.startsWith(`$.${name}`)));
@@ -253,7 +338,9 @@ function Status({ drawn, pixel }: { drawn: Drawn | undefined; pixel: string }) {
       <span>
         {drawn.width} × {drawn.height} px
       </span>
+      <span>{Math.round(factor * 100)} %</span>
       <span class="pixel">{pixel}</span>
+      {density > 0 && drawn.width > PHONE_WIDTH * density && <span>{words.phoneWider}</span>}
       {drawn.missing.length > 0 && (
         <span class="mistake" role="alert">
           {words.missing(drawn.missing.map((item) => item.codePoint).join(', '))} {scripts ? words.missingFonts(scripts) : words.missingFont}

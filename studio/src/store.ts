@@ -10,6 +10,12 @@ export interface Comparison {
   label: string;
 }
 
+// A file that is another one than the page knows.
+export interface Conflict {
+  name: string;
+  version: string; // that it has
+}
+
 export interface State {
   session: Session;
   schema: Schema;
@@ -23,7 +29,7 @@ export interface State {
   isLost: boolean;
   notice: string;
   canDiscard: boolean; // the notice is about changes found again
-  conflict: string; // version of a file that changed beside changes here
+  conflict?: Conflict;
   recent: string[]; // colours
   styles: string[]; // names in the folder
   comparison?: Comparison;
@@ -66,6 +72,11 @@ export function useStore(): State {
   return state;
 }
 
+// A colour alone stands for a record that has no more.
+function recordOf(value: unknown): Json {
+  return typeof value === 'string' ? { color: value } : ((value ?? {}) as Json);
+}
+
 // A copy with one value; undefined takes it away.
 export function withValue<T>(whole: T, path: Path, value: unknown): T {
   if (path.length === 0) return value as T;
@@ -75,7 +86,7 @@ export function withValue<T>(whole: T, path: Path, value: unknown): T {
     list[key as number] = withValue(list[key as number], rest, value);
     return list as T;
   }
-  const object = { ...((whole ?? {}) as Json) };
+  const object = { ...recordOf(whole) };
   const inner = withValue(object[key], rest, value);
   if (inner === undefined) delete object[key];
   else object[key] = inner;
@@ -83,7 +94,7 @@ export function withValue<T>(whole: T, path: Path, value: unknown): T {
 }
 
 export function valueAt(whole: unknown, path: Path): unknown {
-  return path.reduce<unknown>((value, key) => (value as Json | undefined)?.[key as string], whole);
+  return path.reduce<unknown>((value, key) => recordOf(value)[key as string], whole);
 }
 
 // "$.effects[0].size", as mistakes are told.
@@ -137,7 +148,8 @@ function step(from: Json[], to: Json[]) {
 export function replace(change: Partial<State>) {
   past = [];
   future = [];
-  update({ selected: -1, problems: [], conflict: '', canDiscard: false, ...change });
+  const selected = effectsOf(change.style ?? {}).length - 1;
+  update({ selected, problems: [], conflict: undefined, canDiscard: false, ...change });
 }
 
 export function useColor(color: string) {

@@ -1,10 +1,12 @@
 // The text, its font, and styles to begin with.
 import { useEffect, useRef, useState } from 'preact/hooks';
 import { DropZone, Fields, dropInto } from './controls';
+import { moveFocus } from './menu';
+import type { Field } from './schema';
 import type { Json } from './server';
 import { change, current, effectsOf, setValue, useStore } from './store';
 import { Thumbnail, useThumbnails } from './thumbnails';
-import { words } from './words';
+import { label, words } from './words';
 
 // What has a place of its own on the page.
 const ELSEWHERE = ['text', 'font', 'effects', '$schema'];
@@ -12,12 +14,16 @@ const MOST_FAMILIES = 80;
 // What stays the user's when a preset takes over.
 const OWN = ['text', 'font', 'fontIndex', 'fontVariations', 'locale', 'width', 'align'];
 
-const TABS = { presets: words.presets, whole: words.whole };
+const COLLECTION = /\.(ttc|otc)$/i;
+
+const TABS = { presets: words.presets, settings: words.settings };
 type Tab = keyof typeof TABS;
 
 export function TextPanel() {
   const { style, schema, problems, session } = useStore();
-  const [tab, setTab] = useState<Tab>(session.file ? 'whole' : 'presets');
+  const [tab, setTab] = useState<Tab>(session.file ? 'settings' : 'presets');
+  // Which font of a file is a question only where a file may have several.
+  const hasPlace = (field: Field) => !ELSEWHERE.includes(field.name) && (field.name !== 'fontIndex' || COLLECTION.test(String(style.font)));
   const mistakes = problems.filter((problem) => problem.path === '$.text');
   return (
     <section class="panel text" aria-labelledby="text-title">
@@ -48,7 +54,7 @@ export function TextPanel() {
             onClick={() => setTab(item)}
             onKeyDown={(event) => {
               if (event.key !== 'ArrowLeft' && event.key !== 'ArrowRight') return;
-              const other = item === 'presets' ? 'whole' : 'presets';
+              const other = item === 'presets' ? 'settings' : 'presets';
               setTab(other);
               document.getElementById(`tab-${other}`)?.focus();
             }}
@@ -58,7 +64,7 @@ export function TextPanel() {
         ))}
       </div>
       <div id="tab-panel" role="tabpanel" aria-labelledby={`tab-${tab}`}>
-        {tab === 'presets' ? <Presets /> : <Fields fields={schema.style.filter((field) => !ELSEWHERE.includes(field.name))} path={[]} />}
+        {tab === 'presets' ? <Presets /> : <Fields fields={schema.style.filter(hasPlace)} path={[]} />}
       </div>
     </section>
   );
@@ -71,18 +77,23 @@ function FontChoice() {
   const list = useRef<HTMLUListElement>(null);
   const font = (style.font as string | undefined) ?? '';
   const isOpen = typed !== undefined;
-  const found = isOpen ? session.families.filter((family) => family.toLowerCase().includes(typed.toLowerCase())).slice(0, MOST_FAMILIES) : [];
+  // The system's own, which has no name, heads the list of all.
+  const all = typed === '' ? ['', ...session.families] : session.families;
+  const found = isOpen ? all.filter((family) => family.toLowerCase().includes(typed.toLowerCase())).slice(0, MOST_FAMILIES) : [];
   const choose = (family: string) => {
     change({ ...current().style, font: family || undefined, fontIndex: undefined, fontVariations: undefined });
     setTyped(undefined);
   };
   useEffect(() => list.current?.children[active]?.scrollIntoView({ block: 'nearest' }), [active]);
+  const search = (text: string) => {
+    setTyped(text);
+    setActive(0);
+  };
   const keys = (event: KeyboardEvent) => {
-    if (event.key === 'ArrowDown' && !isOpen) setTyped('');
+    if (event.key === 'ArrowDown' && !isOpen) search('');
     else if (event.key === 'ArrowDown') setActive(Math.min(active + 1, found.length - 1));
     else if (event.key === 'ArrowUp') setActive(Math.max(active - 1, 0));
-    else if (event.key === 'Enter' && found[active]) choose(found[active]);
-    else if (event.key === 'Enter' && typed === '') choose('');
+    else if (event.key === 'Enter' && found[active] !== undefined) choose(found[active]);
     else if (event.key === 'Escape') setTyped(undefined);
     else return;
     event.preventDefault();
@@ -100,13 +111,11 @@ function FontChoice() {
           aria-autocomplete="list"
           aria-activedescendant={isOpen && found.length > 0 ? `family-${active}` : undefined}
           spellcheck={false}
-          placeholder={words.fontDefault}
+          placeholder={font || words.fontDefault}
           value={typed ?? font}
           onFocus={(event) => event.currentTarget.select()}
-          onInput={(event) => {
-            setTyped(event.currentTarget.value);
-            setActive(0);
-          }}
+          onClick={() => !isOpen && search('')}
+          onInput={(event) => search(event.currentTarget.value)}
           onKeyDown={keys}
           onBlur={() => setTyped(undefined)}
         />
@@ -117,13 +126,13 @@ function FontChoice() {
             id={`family-${index}`}
             role="option"
             aria-selected={index === active}
-            style={{ fontFamily: `"${family.replaceAll('"', '')}"` }}
+            style={{ fontFamily: family ? `"${family.replaceAll('"', '')}"` : 'sans-serif' }}
             onPointerDown={(event) => {
               event.preventDefault();
               choose(family);
             }}
           >
-            {family}
+            {family || words.fontDefault}
           </li>
         ))}
       </ul>
@@ -198,16 +207,19 @@ function dressed(preset: Json): Json {
 function Presets() {
   const { session, style } = useStore();
   const styles = session.presets.map((preset) => dressed(preset.style));
+  const [active, setActive] = useState(0);
   const pictures = useThumbnails(styles, JSON.stringify(OWN.map((name) => style[name])));
   const begin = (style: Json) => change(style, '', { selected: effectsOf(style).length - 1 });
   return (
-    <div class="presets">
+    <div class="presets" onKeyDown={moveFocus}>
       {session.presets.map(({ name }, index) => {
         const title = name.replace('.json', '').replaceAll('-', ' ');
         return (
-          <button type="button" class="preset" aria-label={words.presetUse(title)} title={title} onClick={() => begin(styles[index])}>
+          <button type="button" class="preset" aria-label={words.presetUse(title)} title={title} tabIndex={index === active ? 0 : -1} onFocus={() => setActive(index)} onClick={() => begin(styles[index])}>
             <Thumbnail drawn={pictures[index]} />
-            <span aria-hidden="true">{title}</span>
+            <span class="caption" aria-hidden="true">
+              {label(title)}
+            </span>
           </button>
         );
       })}

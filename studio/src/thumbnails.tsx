@@ -6,8 +6,10 @@ import { Canvas } from './stage';
 import { current } from './store';
 
 const FIT: [number, number] = [260, 90]; // twice as many pixels as are seen
-const SHOWN_WIDTH = 130;
+const SHOWN_WIDTH = 126;
 const WAIT_MILLISECONDS = 250;
+
+const drawSmall = (style: Json) => draw({ style: withText(style), name: current().name, fit: FIT });
 
 // Drawn one after the other, anew when `key` is another; undefined until then, and where it cannot be.
 export function useThumbnails(styles: Json[], key: string): (Drawn | undefined)[] {
@@ -16,8 +18,8 @@ export function useThumbnails(styles: Json[], key: string): (Drawn | undefined)[
     let isStale = false;
     const drawAll = async () => {
       for (const [index, style] of styles.entries()) {
-        // What is wrong with a style is said when it is chosen.
-        const drawn = await draw({ style: withText(style), name: current().name, fit: FIT }).catch(() => undefined);
+        // What is wrong with a style is said when it is chosen. Most often it is a font that is not here.
+        const drawn = await drawSmall(style).catch(() => drawSmall({ ...style, font: undefined }).catch(() => undefined));
         if (isStale) return;
         setPictures((before) => Object.assign([...before], { [index]: drawn }));
       }
@@ -32,5 +34,5 @@ export function useThumbnails(styles: Json[], key: string): (Drawn | undefined)[
 }
 
 export function Thumbnail({ drawn }: { drawn: Drawn | undefined }) {
-  return drawn ? <Canvas drawn={drawn} factor={Math.min(1, SHOWN_WIDTH / drawn.width)} label="" /> : null;
+  return <span class="thumbnail">{drawn && <Canvas drawn={drawn} factor={Math.min(0.9, SHOWN_WIDTH / drawn.width)} label="" />}</span>;
 }

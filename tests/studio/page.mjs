@@ -42,16 +42,22 @@ const read = (name) => JSON.parse(fs.readFileSync(path.join(folder, name)));
 const control = (place, selector = 'input') => page.locator(`[data-path="${place}"] ${selector}`);
 const button = (name, exact = true) => page.getByRole('button', { name, exact });
 
-// Saves under a name, and waits for it.
+async function add(effect) {
+  await button('Add effect').click();
+  await page.getByRole('menuitem', { name: effect }).click();
+}
+
+// Saves, under another name if one is given, and waits for it.
 async function save(name) {
   if (name) {
     await button('Save as').click();
     await page.getByRole('textbox', { name: /File name/ }).fill(name);
     await page.keyboard.press('Enter');
+    await page.locator('.file-name', { hasText: name }).waitFor();
   } else {
     await page.keyboard.press('Control+s');
   }
-  await page.getByText(/^Saved/).waitFor();
+  await page.locator('.file-name em').waitFor({ state: 'detached' });
 }
 
 // The picture that is shown is the one that the program draws of the file.
@@ -104,14 +110,13 @@ test('own text, own font, a preset: and the file draws what was shown', async ()
 test('layers by mouse and by keyboard, and every step back', async () => {
   write('plain.json', { text: 'Layers', size: 90 });
   await open('plain.json');
-  const add = page.getByRole('combobox', { name: 'Add effect' });
   const names = () => page.locator('.layer .title').allTextContents();
-  await add.selectOption('stroke');
-  await add.selectOption('outerShadow');
+  await add('Stroke');
+  await add('Outer shadow');
   await page.waitForFunction(() => document.querySelector('.layer .title')?.textContent === 'Stroke');
   await page.locator('.layer', { hasText: 'Stroke' }).getByRole('button', { name: 'Duplicate' }).click();
   await control('$.effects[1].size', 'input[type=number]').fill('9');
-  await page.getByRole('textbox', { name: 'Color, #RRGGBB or #AARRGGBB' }).last().fill('#C02020');
+  await page.getByRole('textbox', { name: 'Colour, #RRGGBB or #AARRGGBB' }).last().fill('#C02020');
   await settled();
   assert.deepEqual(await names(), ['Stroke', 'Stroke', 'Outer shadow']);
   // The shadow to the top, by keyboard, and back down with the mouse.
@@ -139,6 +144,44 @@ test('layers by mouse and by keyboard, and every step back', async () => {
   while (await button('Redo').isEnabled()) await page.keyboard.press('Control+y');
   await settled();
   assert.equal((await names()).length, 2);
+});
+
+test('by keyboard alone', async () => {
+  await open();
+  const press = async (...keys) => {
+    for (const key of keys) await page.keyboard.press(key);
+  };
+  const focused = () => page.evaluate(() => document.activeElement.getAttribute('aria-label') ?? document.activeElement.textContent);
+  const tabTo = async (name, key = 'Tab') => {
+    for (let stops = 0; stops < 30; stops++) {
+      await press(key);
+      if (name.test(await focused())) return;
+    }
+    assert.fail(`${name} is more than 30 stops away`);
+  };
+  await tabTo(/Text to draw/);
+  await press('Control+a');
+  await page.keyboard.insertText('Keys');
+  await tabTo(/Begin with/);
+  await press('End', 'Home', 'ArrowRight', 'ArrowDown');
+  assert.equal(await focused(), 'Begin with candy');
+  await press('g', 'g', 'g', 'g', 'Enter');
+  await tabTo(/Add effect/);
+  await press('Enter', 'End', 'i', 'i', 'Enter');
+  await page.waitForFunction(() => document.activeElement.textContent === 'Inner glow');
+  await press('Alt+ArrowDown', 'Space');
+  await tabTo(/Size/);
+  await press('ArrowRight', 'Shift+ArrowRight', 'Control+s');
+  await page.getByRole('dialog').waitFor();
+  await press('Control+a');
+  await page.keyboard.insertText('keys');
+  await press('Enter');
+  await page.getByText(/^Saved/).waitFor();
+  assert.equal(await focused(), 'Size', 'the focus is where it was');
+  const saved = read('keys.json');
+  assert.equal(saved.text, 'Keys');
+  assert.deepEqual(saved.effects.find((effect) => effect.type === 'innerGlow'), { type: 'innerGlow', enabled: false, size: 16 });
+  await assertSame('keys.json');
 });
 
 test('every kind of control writes what it shows', async () => {
@@ -262,6 +305,15 @@ test('nothing is lost by a reload, a crash of the server, or another editor', as
   write('kept.json', { text: 'Theirs again', size: 60 });
   await button('Load the file').click();
   await page.waitForFunction(() => document.querySelector('textarea').value === 'Theirs again');
+  // Another file in the way of a name is not taken for it.
+  write('other.json', { text: 'Other' });
+  await button('Save as').click();
+  await page.getByRole('textbox', { name: /File name/ }).fill('other.json');
+  await page.keyboard.press('Enter');
+  await page.getByText('other.json exists already.').waitFor();
+  await page.keyboard.press('Escape');
+  assert.equal(read('other.json').text, 'Other');
+  await page.getByText('kept.json', { exact: true }).waitFor();
   await studio.stop();
   await page.locator('.lost').waitFor();
 });
@@ -338,11 +390,12 @@ test('compares with a kept state and with a file', async () => {
   write('a.json', { text: 'Compare', size: 60 });
   write('b.json', { text: 'Compare', size: 60, effects: [{ type: 'outerShadow' }] });
   await open('a.json');
-  await button('Keep this state').click();
+  await button('Keep this').click();
   const mode = page.getByRole('combobox', { name: 'Compare', exact: true });
   await mode.selectOption('difference');
   await page.getByText('The same, to the byte').waitFor();
-  await page.getByRole('combobox', { name: 'With a file' }).selectOption('b.json');
+  await button('With a file').click();
+  await page.getByRole('menuitem', { name: 'b.json' }).click();
   await page.getByText(/[1-9]\d* pixels differ/).waitFor();
   await mode.selectOption('wipe');
   await page.getByRole('slider', { name: 'Where the wipe is' }).fill('0.3');
@@ -352,7 +405,7 @@ test('compares with a kept state and with a file', async () => {
 
 // Every panel of the page, at one width: `visit` is called with the name of each as it is shown.
 async function visitPanels(visit) {
-  await visit('whole');
+  await visit('settings');
   await page.getByRole('tab', { name: 'Presets' }).click();
   await page.waitForFunction(() => [...document.querySelectorAll('.preset')].every((preset) => preset.querySelector('canvas')));
   await visit('presets');
@@ -364,7 +417,7 @@ async function visitPanels(visit) {
   await page.getByRole('option').first().waitFor();
   await visit('fonts');
   await page.keyboard.press('Escape');
-  await button('Keep this state').click();
+  await button('Keep this').click();
   await visit('compare');
   for (const name of ['Open', 'Save as', 'Import', 'Export']) {
     await button(name).click();
@@ -377,7 +430,7 @@ async function visitPanels(visit) {
 
 test('every panel is accessible, and looks as it did', async () => {
   const axe = fs.readFileSync(require.resolve('axe-core'), 'utf8');
-  const source = { text: 'Everybody', size: 80, background: { color: '#80000000' }, effects: [{ type: 'outerShadow' }, { type: 'linearGradient', stops: [{ color: '#FF0000', position: 0 }, { color: '#0000FF', position: 1 }] }, { type: 'stroke', fill: '#FF0000' }, { type: 'bevel' }] };
+  const source = { text: 'Everybody', size: 80, background: '#80000000', effects: [{ type: 'outerShadow' }, { type: 'linearGradient', stops: [{ color: '#FF0000', position: 0 }, { color: '#0000FF', position: 1 }] }, { type: 'stroke', fill: '#FF0000' }, { type: 'bevel' }] };
   let panels = 0;
   for (const [viewport, colorScheme] of [[WIDE, 'light'], [TABLET, 'dark']]) {
     write('all.json', source);
@@ -390,6 +443,7 @@ test('every panel is accessible, and looks as it did', async () => {
       shots.push((await page.screenshot({ path: path.join(environment.output, `${panel}-${colorScheme}.png`) })).toString('base64'));
       panels++;
     });
+    assert.equal(await page.getByText('unsaved').count(), 0, 'looking changes nothing');
     await assertLooks(page, shots, `studio-${colorScheme}.png`);
     await context.close();
     await studio.stop();
@@ -414,8 +468,8 @@ test('a style from its first letter to its file, in pictures', async () => {
   await button('Begin with gold').click();
   await page.locator('.layer .title', { hasText: 'Linear gradient' }).click();
   await take();
-  await button('Keep this state').click();
-  await page.getByRole('combobox', { name: 'Add effect' }).selectOption('outerGlow');
+  await button('Keep this').click();
+  await add('Outer glow');
   await control('$.effects[4].color', '.hex').fill('#FF8000');
   await control('$.effects[4].size', 'input[type=number]').fill('24');
   await page.getByRole('combobox', { name: 'Compare', exact: true }).selectOption('side');
