@@ -1,11 +1,8 @@
 package com.norvale.android.sdk.gxe;
 
 import android.graphics.Typeface;
-import android.graphics.fonts.Font;
-import android.graphics.fonts.FontVariationAxis;
-import android.graphics.fonts.SystemFonts;
 import android.os.Build;
-import java.io.File;
+import com.norvale.android.sdk.gxe.SystemFaces.Face;
 import java.util.ArrayList;
 import java.util.Arrays;
 import java.util.Comparator;
@@ -23,35 +20,6 @@ import java.util.TreeSet;
  * in for each other, and opened when a text wants them.
  */
 final class SystemFamilies {
-    /** One font. */
-    static final class Face {
-        final File file;
-        final int index;
-        final int weight;
-        final boolean italic;
-        final String locales;
-        final String variations;
-        /** Of the family: "NotoSansArabicUI" of "NotoSansArabicUI-Bold.ttf". */
-        final String name;
-
-        Face(File file, int index, int weight, boolean italic, String locales,
-                String variations) {
-            this.file = file;
-            this.index = index;
-            this.weight = weight;
-            this.italic = italic;
-            this.locales = locales;
-            this.variations = variations;
-            name = nameOf(file);
-        }
-
-        private static String nameOf(File file) {
-            String name = file.getName();
-            int end = name.indexOf('-');
-            return name.substring(0, end > 0 ? end : Math.max(name.lastIndexOf('.'), 0));
-        }
-    }
-
     /** What a text without a font is set in, the first that there is. */
     private static final List<String> DEFAULTS =
             Arrays.asList("Roboto", "RobotoStatic", "NotoSans", "DroidSans");
@@ -114,8 +82,7 @@ final class SystemFamilies {
 
     private static List<Family> list() {
         if (families == null) {
-            families = inOrder(Build.VERSION.SDK_INT >= 29
-                    ? Api29.faces() : facesBelow(SYSTEM_FOLDER));
+            families = inOrder(SystemFaces.all());
         }
         return families;
     }
@@ -193,9 +160,6 @@ final class SystemFamilies {
 
     /** A family of the system, and the weight that is wanted of it. */
     static final class Choice {
-        /** The system's own, in the regular weight. */
-        static final Choice DEFAULT = new Choice(-1, FamilyNames.REGULAR);
-
         /** Negative for the system's own. */
         final int family;
         final int weight;
@@ -209,7 +173,7 @@ final class SystemFamilies {
     /** The family of that name; throws IllegalArgumentException when there is none. */
     static synchronized Choice named(String name) {
         for (FamilyNames.Name known : FamilyNames.ALL) {
-            Family family = FamilyNames.isSame(known.name, name) ? familyOf(known) : null;
+            Family family = FamilyNames.isSame(known.name, name) ? find(known) : null;
             if (family != null) {
                 return new Choice(family.number(), known.weight);
             }
@@ -223,7 +187,7 @@ final class SystemFamilies {
     }
 
     /** Null when its files are not there. */
-    private static Family familyOf(FamilyNames.Name name) {
+    private static Family find(FamilyNames.Name name) {
         for (Family family : list()) {
             if (name.files.isEmpty() || name.files.equals(family.name)) {
                 return family; // the system's own is the first
@@ -236,7 +200,7 @@ final class SystemFamilies {
     static synchronized IllegalArgumentException unknown(String name) {
         Set<String> known = new TreeSet<>();
         for (FamilyNames.Name each : FamilyNames.ALL) {
-            if (familyOf(each) != null) {
+            if (find(each) != null) {
                 known.add(each.name);
             }
         }
@@ -248,14 +212,14 @@ final class SystemFamilies {
     /** What a view's typeface is of the system's; its own family for one that is none of them. */
     static synchronized Choice of(Typeface typeface) {
         if (typeface == null || typeface.equals(Typeface.DEFAULT)) {
-            return Choice.DEFAULT;
+            return new Choice(-1, FamilyNames.REGULAR);
         }
         int style = typeface.getStyle();
         int weight = Build.VERSION.SDK_INT >= 28 ? Api28.weightOf(typeface) : -1;
         for (FamilyNames.Name known : FamilyNames.ALL) {
             // A name that the platform does not know gives its default one, which comes first.
             Family family = typeface.equals(Typeface.create(known.name, style))
-                    ? familyOf(known) : null;
+                    ? find(known) : null;
             if (family != null) {
                 return new Choice(family.number(), weight >= 0 ? weight
                         : typeface.isBold() ? FamilyNames.bolder(known.weight) : known.weight);
@@ -278,42 +242,6 @@ final class SystemFamilies {
             }
         }
         return known;
-    }
-
-    private static final File SYSTEM_FOLDER = new File("/system/fonts");
-
-    /** Without a list of fonts their files' names say what they are. */
-    static List<Face> facesBelow(File folder) {
-        List<Face> faces = new ArrayList<>();
-        File[] files = folder.listFiles();
-        for (File file : files == null ? new File[0] : files) {
-            String name = file.getName().toLowerCase(Locale.ROOT);
-            if (name.endsWith(".ttf") || name.endsWith(".otf")) {
-                faces.add(face(file, 0, ""));
-            } else if (name.endsWith(".ttc")) {
-                String[] languages = name.contains("cjk")
-                        ? new String[] {"ja", "ko", "zh-Hans", "zh-Hant"}
-                        : new String[] {""};
-                for (int i = 0; i < languages.length; i++) {
-                    faces.add(face(file, i, languages[i]));
-                }
-            }
-        }
-        return faces;
-    }
-
-    private static Face face(File file, int index, String locales) {
-        String[][] weights = {{"thin", "100"}, {"light", "300"}, {"medium", "500"},
-            {"semibold", "600"}, {"black", "900"}, {"bold", "700"}};
-        String style = file.getName().replaceFirst("^[^-]*", "").toLowerCase(Locale.ROOT);
-        int weight = 400;
-        for (String[] known : weights) {
-            if (style.contains(known[0])) {
-                weight = Integer.parseInt(known[1]);
-                break;
-            }
-        }
-        return new Face(file, index, weight, style.contains("italic"), locales, "");
     }
 
     private static List<Family> inOrder(List<Face> faces) {
@@ -394,31 +322,6 @@ final class SystemFamilies {
 
         static int weightOf(Typeface typeface) {
             return typeface.getWeight();
-        }
-    }
-
-    /** Apart, so that older systems do not meet the class SystemFonts. */
-    static final class Api29 {
-        private Api29() {}
-
-        static List<Face> faces() {
-            List<Face> faces = new ArrayList<>();
-            for (Font font : SystemFonts.getAvailableFonts()) {
-                File file = font.getFile();
-                if (file == null) {
-                    continue; // given as a buffer, by an app
-                }
-                StringBuilder variations = new StringBuilder();
-                FontVariationAxis[] axes = font.getAxes();
-                for (FontVariationAxis axis : axes == null ? new FontVariationAxis[0] : axes) {
-                    variations.append(variations.length() == 0 ? "" : ", ").append('\'')
-                            .append(axis.getTag()).append("' ").append(axis.getStyleValue());
-                }
-                faces.add(new Face(file, font.getTtcIndex(), font.getStyle().getWeight(),
-                        font.getStyle().getSlant() != 0, font.getLocaleList().toLanguageTags(),
-                        variations.toString()));
-            }
-            return faces;
         }
     }
 }

@@ -158,15 +158,15 @@ public class ScriptsTest extends NativeTest {
     @Test
     public void aFolderOfFontsTellsWhatTheListTells() {
         Map<String, String> list = new TreeMap<>();
-        for (SystemFamilies.Face face : SystemFamilies.Api29.faces()) {
+        for (SystemFaces.Face face : SystemFaces.Api29.faces()) {
             if (face.variations.isEmpty()) {
                 list.put(face.file.getName() + face.index, face.weight + " " + face.italic);
             }
         }
         assertTrue(list.size() > 150);
-        File folder = SystemFamilies.Api29.faces().get(0).file.getParentFile();
+        File folder = SystemFaces.Api29.faces().get(0).file.getParentFile();
         Map<String, String> found = new TreeMap<>();
-        for (SystemFamilies.Face face : SystemFamilies.facesBelow(folder)) {
+        for (SystemFaces.Face face : SystemFaces.facesBelow(folder)) {
             found.put(face.file.getName() + face.index, face.weight + " " + face.italic);
         }
         found.keySet().retainAll(list.keySet());
