@@ -28,6 +28,7 @@ import java.util.concurrent.RejectedExecutionException;
  * <pre>{@code
  * view.setTextStyle(new TextStyle.Builder()
  *         .setFont("fonts/Title-Bold.ttf")
+ *         .setUnit(TextStyle.Unit.DP)
  *         .addEffect(new OuterGlowEffect.Builder().setColor(Color.CYAN).setSize(20).build())
  *         .build());
  * }</pre>
@@ -136,6 +137,7 @@ public class GxTextView extends TextView {
      *
      * @param style the style; {@link TextStyle#EMPTY} for a text without effects
      * @throws IllegalArgumentException when the style's font does not exist
+     * @throws StyleException when a pattern has no picture, with its place
      * @throws GxTextException when the native library refuses font or effects
      */
     public void setTextStyle(@NonNull TextStyle style) {

@@ -45,6 +45,7 @@ public class SampleActivity extends Activity {
                 .setSize(48)
                 .setColor(Color.BLACK) // opaque: the alpha of a theme's colour fades all effects
                 .setPadding(12)
+                .setAlign(TextStyle.Align.CENTER)
                 .addEffect(new LinearGradientEffect.Builder()
                         .setAngle(90)
                         .addStop(0xFF8A5A00, 0)
