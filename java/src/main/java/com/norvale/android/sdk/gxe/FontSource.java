@@ -2,19 +2,28 @@ package com.norvale.android.sdk.gxe;
 
 import android.content.Context;
 import android.content.res.AssetManager;
+import android.content.res.Resources;
 import android.graphics.Typeface;
 import android.os.Build;
 import android.util.LruCache;
+import com.norvale.android.sdk.gxe.font.FontManager;
 import java.io.File;
 import java.io.IOException;
+import java.util.HashSet;
 import java.util.Locale;
+import java.util.Set;
 
 /**
  * Where a font comes from, so that the view's measuring and the native drawing use the same one.
  * Equal when it is the same font.
  */
 final class FontSource {
-    private enum Kind { FILE, ASSET, FAMILY }
+    private enum Kind { FILE, ASSET, RESOURCE, FAMILY }
+
+    private static final String RESOURCE_PREFIX = "@font/";
+
+    /** Fonts of the resources that the native library has, by their full names. */
+    private static final Set<String> INSERTED = new HashSet<>();
 
     /** Views of one font measure with one typeface, by which their pictures are known as the same. */
     private static final LruCache<FontSource, Typeface> TYPEFACES = new LruCache<>(16);
@@ -23,15 +32,15 @@ final class FontSource {
     private final String name;
     private final int index;
     private final String variations;
-    private final AssetManager assets;
+    /** Null in a key of the cache. */
+    private final Context context;
 
-    private FontSource(
-            Kind kind, String name, int index, String variations, AssetManager assets) {
+    private FontSource(Kind kind, String name, int index, String variations, Context context) {
         this.kind = kind;
         this.name = name;
         this.index = index;
         this.variations = variations;
-        this.assets = assets;
+        this.context = context;
     }
 
     /** The font of a style, or null when it names none. */
@@ -39,14 +48,17 @@ final class FontSource {
         return style.getFont() == null ? null : new FontSource(kindOf(style.getFont()),
                 style.getFont(), style.getFontIndex() == null ? 0 : style.getFontIndex(),
                 style.getFontVariations() == null ? "" : style.getFontVariations(),
-                context.getAssets());
+                context);
     }
 
     /**
-     * What a style's font means: an absolute path is a file, another path or a name with a font's
-     * ending is an asset, the rest is the name of a family.
+     * What a style's font means: an absolute path is a file, {@code @font/title} a resource, another
+     * path or a name with a font's ending an asset, the rest is the name of a family.
      */
     private static Kind kindOf(String font) {
+        if (font.startsWith(RESOURCE_PREFIX)) {
+            return Kind.RESOURCE;
+        }
         if (new File(font).isAbsolute()) {
             return Kind.FILE;
         }
@@ -63,10 +75,21 @@ final class FontSource {
         }
         Typeface typeface = TYPEFACES.get(this);
         if (typeface == null) {
-            typeface = kind == Kind.FILE ? openFile() : openAsset();
+            typeface = open();
             TYPEFACES.put(new FontSource(kind, name, index, variations, null), typeface);
         }
         return typeface;
+    }
+
+    private Typeface open() {
+        switch (kind) {
+            case FILE:
+                return openFile();
+            case ASSET:
+                return openAsset();
+            default:
+                return openResource();
+        }
     }
 
     private Typeface family() {
@@ -87,12 +110,47 @@ final class FontSource {
 
     private Typeface openAsset() {
         try {
-            assets.open(name).close(); // not every release refuses one that does not exist
+            context.getAssets().open(name).close(); // not every release refuses one that does not exist
         } catch (IOException e) {
             throw new IllegalArgumentException("font: no asset \"" + name + "\"", e);
         }
-        return takesFirst() ? Typeface.createFromAsset(assets, name)
-                : requireFont(Api26.ofAsset(assets, name, index));
+        return takesFirst() ? Typeface.createFromAsset(context.getAssets(), name)
+                : requireFont(Api26.ofAsset(context.getAssets(), name, index));
+    }
+
+    private Typeface openResource() {
+        if (Build.VERSION.SDK_INT < 26) {
+            throw new IllegalArgumentException("font: \"" + name
+                    + "\" needs API level 26; name an asset or a file before");
+        }
+        if (index != 0) {
+            throw new IllegalArgumentException("fontIndex: of \"" + name
+                    + "\" a view takes the first font; name an asset or a file");
+        }
+        return Api26.ofResource(context.getResources(), resource());
+    }
+
+    private int resource() {
+        int number = context.getResources().getIdentifier(
+                name.substring(RESOURCE_PREFIX.length()), "font", context.getPackageName());
+        if (number == 0) {
+            throw new IllegalArgumentException("font: no resource \"" + name + "\"");
+        }
+        return number;
+    }
+
+    /** The name by which the native library knows the resource, which it is given once. */
+    private String insertResource() {
+        int number = resource();
+        String fullName = context.getResources().getResourceName(number);
+        synchronized (INSERTED) {
+            if (!INSERTED.contains(fullName)) {
+                FontManager.insertFontData(fullName,
+                        ViewAttributes.readRaw(context.getResources(), number).toByteArray());
+                INSERTED.add(fullName);
+            }
+        }
+        return fullName;
     }
 
     /** Before API level 26 a view measures with the first font of a collection. */
@@ -114,7 +172,10 @@ final class FontSource {
                 text.setFont(name, index, variations);
                 break;
             case ASSET:
-                text.setFont(assets, name, index, variations);
+                text.setFont(context.getAssets(), name, index, variations);
+                break;
+            case RESOURCE:
+                text.setFont(insertResource(), index, variations);
                 break;
             default:
                 text.setFontFamilyName(name);
@@ -142,6 +203,10 @@ final class FontSource {
 
         static Typeface ofFile(String name, int index) {
             return new Typeface.Builder(name).setTtcIndex(index).build();
+        }
+
+        static Typeface ofResource(Resources resources, int number) {
+            return resources.getFont(number);
         }
 
         static Typeface ofAsset(AssetManager assets, String name, int index) {

@@ -272,8 +272,8 @@ public final class TextStyle {
     }
 
     /**
-     * The font: the absolute path of a font file, a font file among the app's assets, or the name
-     * of a family.
+     * The font: the absolute path of a font file, a font file among the app's assets, one of its
+     * resources ({@code @font/title}), or the name of a family.
      *
      * @return the font, or null when not set
      */
@@ -615,8 +615,9 @@ public final class TextStyle {
         /**
          * Sets the font.
          *
-         * @param font absolute path of a font file, a font file among the app's assets, or the name
-         *     of a family; null or empty to leave the view's
+         * @param font absolute path of a font file, a font file among the app's assets, one of its
+         *     resources ({@code @font/title}, from API level 26 on), or the name of a family; null or
+         *     empty to leave the view's
          * @return this builder
          */
         @NonNull

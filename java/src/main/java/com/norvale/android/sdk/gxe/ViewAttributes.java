@@ -8,6 +8,7 @@ import android.util.TypedValue;
 import java.io.ByteArrayOutputStream;
 import java.io.IOException;
 import java.io.InputStream;
+import java.io.UnsupportedEncodingException;
 import java.util.function.Consumer;
 
 /** What a layout file, a style of the resources or the theme sets of a view. */
@@ -31,7 +32,7 @@ final class ViewAttributes {
         this.inEditMode = inEditMode;
         read("gxStyle", value -> {
             int file = value.getResourceId(0, 0);
-            style = file == 0 ? null : readStyle(readRaw(context.getResources(), file));
+            style = file == 0 ? null : readStyle(readText(context.getResources(), file));
         });
         read("gxSize", value -> {
             size = new TypedValue();
@@ -69,17 +70,25 @@ final class ViewAttributes {
                 : resources.getDimension(size.resourceId);
     }
 
-    private static String readRaw(Resources resources, int file) {
+    private static String readText(Resources resources, int file) {
+        try {
+            return readRaw(resources, file).toString("UTF-8");
+        } catch (UnsupportedEncodingException e) {
+            throw new AssertionError(e); // every Java has it
+        }
+    }
+
+    static ByteArrayOutputStream readRaw(Resources resources, int file) {
         try (InputStream in = resources.openRawResource(file)) {
-            ByteArrayOutputStream text = new ByteArrayOutputStream();
-            byte[] buffer = new byte[4096];
+            ByteArrayOutputStream bytes = new ByteArrayOutputStream();
+            byte[] buffer = new byte[16384];
             for (int count = in.read(buffer); count >= 0; count = in.read(buffer)) {
-                text.write(buffer, 0, count);
+                bytes.write(buffer, 0, count);
             }
-            return text.toString("UTF-8");
+            return bytes;
         } catch (IOException e) {
             throw new IllegalArgumentException(
-                    "gxStyle: " + resources.getResourceName(file) + " cannot be read", e);
+                    resources.getResourceName(file) + " cannot be read", e);
         }
     }
 }

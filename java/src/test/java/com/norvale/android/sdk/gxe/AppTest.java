@@ -4,6 +4,7 @@ import static org.junit.Assert.assertArrayEquals;
 import static org.junit.Assert.assertEquals;
 import static org.junit.Assert.assertNotEquals;
 import static org.junit.Assert.assertNotSame;
+import static org.junit.Assert.assertThrows;
 
 import android.app.Activity;
 import android.content.res.Configuration;
@@ -60,6 +61,25 @@ public class AppTest extends NativeTest {
                 assertArrayEquals(screen + i, expected, pixels(draw(view, 0)));
                 assertEquals(1, view.getTextStyle().getEffects().size());
             }
+        }
+    }
+
+    @Test
+    public void aFontOfTheResourcesIsMeasuredAndDrawn() {
+        int[][] drawn = new int[2][];
+        String[] fonts = {"@font/title", LATIN_BOLD};
+        for (int i = 0; i < 2; i++) {
+            GxTextView view = new GxTextView(context());
+            view.setTextStyle(titleStyle("Title").toBuilder().setFont(fonts[i]).build());
+            drawn[i] = pixels(draw(layOut(view, 0), 0));
+            assertEquals(1, view.getRenderCount());
+        }
+        assertArrayEquals(drawn[1], drawn[0]);
+        TextStyle wrong = titleStyle("Title").toBuilder().setFont("@font/nowhere").build();
+        for (TextStyle style : new TextStyle[] {wrong, wrong.toBuilder().clearEffects().build()}) {
+            String message = assertThrows(IllegalArgumentException.class,
+                    () -> new GxTextView(context()).setTextStyle(style)).getMessage();
+            assertEquals("font: no resource \"@font/nowhere\"", message);
         }
     }
 
