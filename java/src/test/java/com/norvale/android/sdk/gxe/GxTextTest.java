@@ -83,32 +83,6 @@ public class GxTextTest extends NativeTest {
         }
     }
 
-    @Test
-    public void everyEffectIsAcceptedAndShows() {
-        TextEffect[] effects = {
-            STROKE,
-            ShadowEffect.outer().setColor(Color.RED).build(),
-            ShadowEffect.inner().setColor(Color.RED).setOpacity(1).build(),
-            new OuterGlowEffect.Builder().setColor(Color.RED).build(),
-            new LinearGradientEffect.Builder().addStop(Color.RED, 0).addStop(Color.GREEN, 1)
-                    .build(),
-        };
-        TextView view = layOut(textView("Ag", LATIN, 48), 0);
-        try (GxText text = new GxText()) {
-            text.setFont(LATIN);
-            text.setSource(view);
-            int[] plain = text.renderPixels();
-            for (TextEffect effect : effects) {
-                text.setEffects(Collections.singletonList(effect));
-                text.setSource(view);
-                assertFalse(effect.getType(), Arrays.equals(plain, text.renderPixels()));
-            }
-            text.setEffects(Arrays.asList(effects));
-            text.setSource(view);
-            text.render();
-        }
-    }
-
     private static int[] drawWith(TextEffect effect) {
         try (GxText text = new GxText()) {
             text.setFont(LATIN);

@@ -16,7 +16,6 @@ import android.widget.TextView;
 import java.io.File;
 import java.io.IOException;
 import java.util.ArrayList;
-import java.util.Arrays;
 import java.util.List;
 import java.util.Locale;
 import java.util.Map;
@@ -59,14 +58,14 @@ public class ScriptsTest extends NativeTest {
         }
     }
 
-    private static TextImage draw(GxText text, TextView view) {
+    static TextImage draw(GxText text, TextView view) {
         text.setKeepsWholeInk(true);
         text.setSource(view);
         return text.render();
     }
 
     /** Covered by both over covered by either. */
-    private static double overlap(Bitmap expected, TextImage drawn) {
+    static double overlap(Bitmap expected, TextImage drawn) {
         long both = 0;
         long either = 0;
         Bitmap bitmap = drawn.getBitmap();

@@ -4,11 +4,9 @@ import static org.junit.Assert.assertEquals;
 import static org.junit.Assert.assertNotEquals;
 import static org.junit.Assert.assertNull;
 import static org.junit.Assert.assertThrows;
-import static org.junit.Assert.assertTrue;
 
 import java.util.Arrays;
 import java.util.HashSet;
-import java.util.List;
 import java.util.Set;
 import org.junit.Test;
 
@@ -47,45 +45,6 @@ public class TextStyleTest extends NativeTest {
         assertEquals(style.toJson(), read.toJson());
         assertEquals(style, style.toBuilder().build());
         assertEquals(TextStyle.EMPTY, TextStyle.fromJson("{}"));
-    }
-
-    @Test
-    public void everyFieldOfAFileArrives() {
-        TextStyle read = TextStyle.fromJson("{\"$schema\": \"style.schema.json\", \"text\": \"a\","
-                + "\"font\": \"serif\", \"fontIndex\": 0, \"size\": 12, \"bold\": true,"
-                + "\"italic\": true, \"letterSpacing\": -0.5, \"scaleX\": 2, \"skewX\": 1,"
-                + "\"fontFeatures\": \"'kern' off\", \"locale\": \"ja\", \"color\": \"#80010203\","
-                + "\"opacity\": 1.0, \"background\": \"#aBcDeF\", \"width\": 300,"
-                + "\"align\": \"right\", \"padding\": 8, \"lineSpacing\": 1.2, \"effects\": ["
-                + "{\"type\": \"stroke\", \"position\": \"center\"}]}");
-        assertEquals("a", read.getText());
-        assertEquals("serif", read.getFont());
-        assertEquals(12f, read.getSize(), 0);
-        assertTrue(read.getBold() && read.getItalic());
-        assertEquals(-0.5f, read.getLetterSpacing(), 0);
-        assertEquals(2f, read.getScaleX(), 0);
-        assertEquals(1f, read.getSkewX(), 0);
-        assertEquals("'kern' off", read.getFontFeatures());
-        assertEquals("ja", read.getLocale());
-        assertEquals(0x80010203, (int) read.getColor());
-        assertEquals(0xFFABCDEF, (int) read.getBackground());
-        assertEquals(300, (int) read.getWidth());
-        assertEquals(TextStyle.Align.RIGHT, read.getAlign());
-        assertEquals(Arrays.asList(8, 8, 8, 8), read.getPadding());
-        assertEquals(1.2f, read.getLineSpacing(), 0);
-        StrokeEffect stroke = (StrokeEffect) read.getEffects().get(0);
-        assertEquals(StrokeEffect.Position.CENTER, stroke.getPosition());
-    }
-
-    @Test
-    public void buildersStartFromTheDefaultsOfTheFormat() {
-        List<TextEffect> read = TextStyle.fromJson("{\"order\": \"listed\", \"effects\": ["
-                + "{\"type\": \"stroke\"}, {\"type\": \"outerShadow\"}, {\"type\": \"innerShadow\"},"
-                + "{\"type\": \"outerGlow\"}, {\"type\": \"linearGradient\","
-                + "\"stops\": [{\"color\": \"#FF0000\", \"position\": 0.5}]}]}").getEffects();
-        assertEquals(Arrays.asList(new StrokeEffect.Builder().build(), ShadowEffect.outer().build(),
-                ShadowEffect.inner().build(), new OuterGlowEffect.Builder().build(),
-                new LinearGradientEffect.Builder().addStop(0xFFFF0000, 0.5f).build()), read);
     }
 
     @Test
