@@ -45,10 +45,14 @@ final class FontSource {
 
     /** The font of a style, or null when it names none. */
     static FontSource of(TextStyle style, Context context) {
-        return style.getFont() == null ? null : new FontSource(kindOf(style.getFont()),
-                style.getFont(), style.getFontIndex() == null ? 0 : style.getFontIndex(),
-                style.getFontVariations() == null ? "" : style.getFontVariations(),
-                context);
+        return of(style, style.getFont(), context);
+    }
+
+    /** A font in the place of the style's, or null. */
+    static FontSource of(TextStyle style, String font, Context context) {
+        return font == null ? null : new FontSource(kindOf(font), font,
+                style.getFontIndex() == null ? 0 : style.getFontIndex(),
+                style.getFontVariations() == null ? "" : style.getFontVariations(), context);
     }
 
     /**

@@ -5,6 +5,7 @@ import android.content.res.Configuration;
 import android.graphics.Canvas;
 import android.graphics.Paint;
 import android.graphics.Rect;
+import android.graphics.Typeface;
 import android.graphics.drawable.Drawable;
 import android.text.Layout;
 import android.text.Spanned;
@@ -63,6 +64,10 @@ public class GxTextView extends TextView {
     private TypedValue sizeAttribute;
     private float sizeInPixels;
 
+    /** {@code android:fontFamily} when it is a font file, and the typeface that came of it. */
+    private String fontAttribute;
+    private Typeface attributeTypeface;
+
     /** Native object; null until something is drawn, while detached, and when a job has taken it. */
     private GxText text;
     /** Draws pictures; null for the main thread. */
@@ -113,6 +118,8 @@ public class GxTextView extends TextView {
             return;
         }
         ViewAttributes set = new ViewAttributes(getContext(), attrs, defStyleAttr, isInEditMode());
+        fontAttribute = set.font;
+        attributeTypeface = getTypeface();
         if (set.style != null) {
             setTextStyle(set.style);
         }
@@ -144,12 +151,16 @@ public class GxTextView extends TextView {
         Objects.requireNonNull(style, "style");
         float wanted = scaleOf(style);
         TextStyle scaled = wanted == 1 ? style : style.scaled(wanted);
+        boolean keepsFont = scaled.getFont() == null && fontName(scaled) != null;
         GxText opened = hasLook(scaled) && !isInEditMode() ? openText(scaled) : null;
         try {
             scaled.applyTo(this);
         } catch (RuntimeException e) {
             close(opened);
             throw e;
+        }
+        if (keepsFont) {
+            attributeTypeface = getTypeface(); // the style may have made it bold
         }
         releaseText();
         text = opened;
@@ -159,6 +170,13 @@ public class GxTextView extends TextView {
         letEffectsOut();
         addMargins();
         invalidate();
+    }
+
+    /** The style's font, or that of the layout file as long as the app has set no other; or null. */
+    private String fontName(TextStyle style) {
+        boolean isAttributes = fontAttribute != null && getTypeface() != null
+                && getTypeface().equals(attributeTypeface);
+        return style.getFont() == null && isAttributes ? fontAttribute : style.getFont();
     }
 
     /** Whether there is more to draw than a text view does. */
@@ -431,7 +449,7 @@ public class GxTextView extends TextView {
             opened.setPatternLoader(patternLoader);
             opened.setKeepsWholeInk(true); // and letters stand where a text view has them
             opened.setStyle(style);
-            FontSource font = FontSource.of(style, getContext());
+            FontSource font = FontSource.of(style, fontName(style), getContext());
             if (font != null) {
                 font.putOn(opened);
             }
@@ -468,7 +486,7 @@ public class GxTextView extends TextView {
     private PictureCache.Key makeKey(Layout layout) {
         Paint paint = getPaint();
         return new PictureCache.Key(
-            drawn.getEffectKey(), drawn.getFont(), drawn.getFontIndex(), drawn.getFontVariations(),
+            drawn.getEffectKey(), fontName(drawn), drawn.getFontIndex(), drawn.getFontVariations(),
             FontManager.hasSystemFonts(),
             drawn.getEffectKey().contains("\"pattern\"") ? patternKey() : null,
             layout.getText().toString(), backgrounds(layout.getText()), lines(layout),

@@ -3,6 +3,7 @@ package com.norvale.android.sdk.gxe;
 import android.content.Context;
 import android.content.res.Resources;
 import android.content.res.TypedArray;
+import android.os.Build;
 import android.util.AttributeSet;
 import android.util.TypedValue;
 import java.io.ByteArrayOutputStream;
@@ -24,6 +25,8 @@ final class ViewAttributes {
     TypedValue size;
     /** Null when not set. */
     Integer color;
+    /** {@code android:fontFamily} when it is a font file of the resources, as a style names it. */
+    String font;
 
     ViewAttributes(Context context, AttributeSet attrs, int defStyleAttr, boolean inEditMode) {
         this.context = context;
@@ -39,6 +42,7 @@ final class ViewAttributes {
             value.getValue(0, size);
         });
         read("gxColor", value -> color = value.getColor(0, 0));
+        read(android.R.attr.fontFamily, value -> font = fontFile(value.getResourceId(0, 0)));
     }
 
     private TextStyle readStyle(String json) {
@@ -49,9 +53,12 @@ final class ViewAttributes {
     /** By name: the number is the app's, whose class R the SDK does not know. */
     private void read(String name, Consumer<TypedArray> use) {
         int number = context.getResources().getIdentifier(name, "attr", context.getPackageName());
-        if (number == 0) {
-            return;
+        if (number != 0) {
+            read(number, use);
         }
+    }
+
+    private void read(int number, Consumer<TypedArray> use) {
         TypedArray value =
                 context.obtainStyledAttributes(attrs, new int[] {number}, defStyleAttr, 0);
         try {
@@ -61,6 +68,18 @@ final class ViewAttributes {
         } finally {
             value.recycle();
         }
+    }
+
+    /** Null for what is no font, or a family of several. */
+    private String fontFile(int number) {
+        if (number == 0 || Build.VERSION.SDK_INT < 26) {
+            return null; // the name of a family, or one that the platform passes over
+        }
+        TypedValue file = new TypedValue();
+        context.getResources().getValue(number, file, true);
+        String path = String.valueOf(file.string);
+        return path.endsWith(".ttf") || path.endsWith(".otf") || path.endsWith(".ttc")
+                ? "@font/" + context.getResources().getResourceEntryName(number) : null;
     }
 
     /** A size in the pixels of the resources' screen. */

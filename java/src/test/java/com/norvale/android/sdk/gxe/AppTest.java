@@ -9,6 +9,7 @@ import static org.junit.Assert.assertThrows;
 import android.app.Activity;
 import android.content.res.Configuration;
 import android.graphics.Color;
+import android.graphics.Typeface;
 import android.os.Bundle;
 import android.util.TypedValue;
 import android.view.LayoutInflater;
@@ -66,6 +67,7 @@ public class AppTest extends NativeTest {
 
     @Test
     public void aFontOfTheResourcesIsMeasuredAndDrawn() {
+        RuntimeEnvironment.setQualifiers("port-mdpi");
         int[][] drawn = new int[2][];
         String[] fonts = {"@font/title", LATIN_BOLD};
         for (int i = 0; i < 2; i++) {
@@ -75,6 +77,15 @@ public class AppTest extends NativeTest {
             assertEquals(1, view.getRenderCount());
         }
         assertArrayEquals(drawn[1], drawn[0]);
+        // Named in the layout file it stays until another is set.
+        GxTextView inflated = (GxTextView) inflateTitles().getChildAt(2);
+        inflated.setTextStyle(titleStyle("Title").toBuilder().setFont(null).build());
+        assertArrayEquals(drawn[1], pixels(draw(layOut(inflated, 0), 0)));
+        inflated.setTypeface(Typeface.DEFAULT);
+        GxTextView plain = new GxTextView(context());
+        plain.setTextStyle(inflated.getTextStyle());
+        assertArrayEquals(pixels(draw(layOut(plain, 0), 0)),
+                pixels(draw(layOut(inflated, 0), 0)));
         TextStyle wrong = titleStyle("Title").toBuilder().setFont("@font/nowhere").build();
         for (TextStyle style : new TextStyle[] {wrong, wrong.toBuilder().clearEffects().build()}) {
             String message = assertThrows(IllegalArgumentException.class,
