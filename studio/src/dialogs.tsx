@@ -1,11 +1,10 @@
 // What is asked and given in a window of its own.
-import { useEffect, useState } from 'preact/hooks';
-import { codeFor } from './code';
+import { useState } from 'preact/hooks';
 import { DropZone } from './controls';
 import { Dialog, type DialogProps } from './dialog';
+import { ExportDialog } from './export';
 import { attempt, forgetConflict, keepMine, loadTheirs, mayLeave, openStyle, openText, saveStyle } from './files';
 import { ImportDialog } from './import';
-import { ask, drawFile } from './server';
 import { type Conflict, current, useStore } from './store';
 import { words } from './words';
 
@@ -81,88 +80,6 @@ function SaveDialog({ close }: DialogProps) {
         <p class="hint">{words.openHere(current().session.folder)}</p>
         <button type="submit" class="main">{words.save}</button>
       </form>
-    </Dialog>
-  );
-}
-
-function download(name: string, blob: Blob) {
-  const link = document.createElement('a');
-  link.href = URL.createObjectURL(blob);
-  link.download = name;
-  link.click();
-  setTimeout(() => URL.revokeObjectURL(link.href), 10_000);
-}
-
-const SCALES = [1, 2, 3];
-const FORMATS = ['png', 'webp'] as const;
-
-function ExportDialog({ close }: DialogProps) {
-  const { style, name } = useStore();
-  const [text, setText] = useState('');
-  const [kind, setKind] = useState('json');
-  const [copied, setCopied] = useState(false);
-  const [mistake, setMistake] = useState('');
-  const title = (name || 'title.json').replace(/\.json$/, '');
-  const guarded = async (action: () => Promise<void>) => {
-    try {
-      await action();
-    } catch (error) {
-      setMistake((error as Error).message);
-    }
-  };
-  useEffect(() => {
-    void guarded(async () => setText((await ask<{ text: string }>('check', { style, name })).text));
-  }, [style]);
-  const code = text && codeFor(kind, text);
-  const save = (format: 'png' | 'webp', scale: number) =>
-    guarded(async () => download(`${title}${scale === 1 ? '' : `@${scale}x`}.${format}`, await drawFile({ style, name, scale }, format)));
-  const copy = () =>
-    guarded(async () => {
-      await navigator.clipboard.writeText(code);
-      setCopied(true);
-    });
-  return (
-    <Dialog title={words.exportTitle} close={close}>
-      {mistake && (
-        <p class="mistake" role="alert">
-          {mistake}
-        </p>
-      )}
-      <h3>{words.exportPicture}</h3>
-      <div class="actions">
-        {FORMATS.map((format) => (
-          <span class="joined">
-            {SCALES.map((scale) => (
-              <button type="button" onClick={() => void save(format, scale)}>
-                {format === 'png' ? 'PNG' : 'WebP'} {scale}×
-              </button>
-            ))}
-          </span>
-        ))}
-        <button type="button" onClick={() => download(`${title}.json`, new Blob([text], { type: 'application/json' }))}>
-          JSON
-        </button>
-      </div>
-      <h3>{words.code}</h3>
-      <div class="actions" role="group" aria-label={words.code}>
-        {Object.entries(words.codeKinds).map(([item, text]) => (
-          <button
-            type="button"
-            aria-pressed={kind === item}
-            onClick={() => {
-              setKind(item);
-              setCopied(false);
-            }}
-          >
-            {text}
-          </button>
-        ))}
-      </div>
-      <textarea class="code" aria-label={words.code} readOnly rows={14} spellcheck={false} value={code} />
-      <button type="button" class="main" onClick={() => void copy()}>
-        {words.copy}
-      </button>{' '}
-      <span role="status">{copied && words.copied}</span>
     </Dialog>
   );
 }

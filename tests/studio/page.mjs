@@ -418,6 +418,7 @@ async function visitPanels(visit) {
   await visit('fonts');
   await page.keyboard.press('Escape');
   await button('Keep this').click();
+  await page.locator('.pictures figure').nth(1).waitFor();
   await visit('compare');
   for (const name of ['Open', 'Save as', 'Import', 'Export']) {
     await button(name).click();

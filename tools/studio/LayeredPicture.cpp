@@ -94,6 +94,7 @@ private:
 // The exit status; negative for what a signal ended.
 int run(std::vector<std::string> arguments, const Sink& out, const Sink& errors) {
     std::vector<char*> pointers;
+    pointers.reserve(arguments.size() + 1);
     for (std::string& argument : arguments) pointers.push_back(argument.data());
     pointers.push_back(nullptr);
     const pid_t process = fork();
