@@ -1,6 +1,6 @@
 // Pictures from the server: of what is there now, never of what was.
 import { type DrawRequest, Lost, Mistakes, type Problem, Refused, draw, type Drawn } from './server';
-import { current, update, watch } from './store';
+import { TOPMOST, current, update, watch } from './store';
 
 export function problemsOf(error: unknown): Problem[] {
   if (error instanceof Mistakes) return error.problems;
@@ -54,12 +54,17 @@ class Loop {
   }
 }
 
+function selectedOf(drawn: Drawn): number {
+  const { selected } = current();
+  return selected === TOPMOST ? (drawn.stacking.at(-1) ?? TOPMOST) : selected;
+}
+
 // The picture of what is edited, and that of what it is compared with.
 export function startDrawing() {
   const scale = () => current().density || 1;
   const main = new Loop(
     () => ({ style: withText(current().style), name: current().name, scale: scale() }),
-    (drawn, problems) => update(drawn ? { drawn, problems } : { problems }),
+    (drawn, problems) => update(drawn ? { drawn, problems, selected: selectedOf(drawn) } : { problems }),
     // Not a part of the state: nothing else on the page changes with it.
     (isBusy) => document.querySelector('.room')?.setAttribute('aria-busy', String(isBusy)),
   );

@@ -3,15 +3,14 @@ import { useEffect, useState } from 'preact/hooks';
 import { DropZone } from './controls';
 import { Dialog, type DialogProps } from './dialog';
 import { type Layer, Lost, readLayers } from './server';
-import { change, current, effectsOf } from './store';
+import { TOPMOST, change, current } from './store';
 import { Thumbnail, useThumbnails } from './thumbnails';
 import { label, words } from './words';
 
 // What the layer says goes over what there is; a step that can be undone.
 function take(layer: Layer) {
   const { text, font, size } = current().style;
-  const style = { text, font, size, ...layer.style };
-  change(style, '', { selected: effectsOf(style).length - 1 });
+  change({ text, font, size, ...layer.style }, '', { selected: TOPMOST });
 }
 
 export function ImportDialog({ close, dropped }: DialogProps & { dropped?: File }) {

@@ -9,7 +9,7 @@ import { Layers } from './layers';
 import { Schema } from './schema';
 import { type Session, call, isLayered } from './server';
 import { Stage } from './stage';
-import { canRedo, canUndo, current, isChanged, recentColors, redo, start, undo, update, useStore } from './store';
+import { TOPMOST, canRedo, canUndo, current, isChanged, recentColors, redo, start, undo, update, useStore } from './store';
 import { TextPanel } from './text';
 import { words } from './words';
 
@@ -190,7 +190,7 @@ async function begin() {
     saved: style,
     name: '',
     version: '',
-    selected: -1,
+    selected: TOPMOST,
     problems: [],
     isLost: false,
     notice: '',

@@ -23,7 +23,7 @@ export interface State {
   saved: Json; // as the file has it
   name: string; // of the file; empty for none
   version: string;
-  selected: number; // index of an effect, or -1
+  selected: number; // index of an effect, or TOPMOST
   drawn?: Drawn;
   problems: Problem[];
   isLost: boolean;
@@ -36,6 +36,9 @@ export interface State {
   compared?: Drawn;
   density: number; // of the phone; 0 for none
 }
+
+// The effect that lies over the others, as soon as a picture says which that is.
+export const TOPMOST = -1;
 
 // Changes of one control within this time are one step.
 const STEP_MILLISECONDS = 700;
@@ -148,8 +151,7 @@ function step(from: Json[], to: Json[]) {
 export function replace(change: Partial<State>) {
   past = [];
   future = [];
-  const selected = effectsOf(change.style ?? {}).length - 1;
-  update({ selected, problems: [], conflict: undefined, canDiscard: false, ...change });
+  update({ selected: TOPMOST, problems: [], conflict: undefined, canDiscard: false, ...change });
 }
 
 export function useColor(color: string) {

@@ -4,7 +4,7 @@ import { DropZone, Fields, dropInto } from './controls';
 import { moveFocus } from './menu';
 import type { Field } from './schema';
 import type { Json } from './server';
-import { change, current, effectsOf, setValue, useStore } from './store';
+import { TOPMOST, change, current, setValue, useStore } from './store';
 import { Thumbnail, useThumbnails } from './thumbnails';
 import { label, words } from './words';
 
@@ -209,7 +209,7 @@ function Presets() {
   const styles = session.presets.map((preset) => dressed(preset.style));
   const [active, setActive] = useState(0);
   const pictures = useThumbnails(styles, JSON.stringify(OWN.map((name) => style[name])));
-  const begin = (style: Json) => change(style, '', { selected: effectsOf(style).length - 1 });
+  const begin = (style: Json) => change(style, '', { selected: TOPMOST });
   return (
     <div class="presets" onKeyDown={moveFocus}>
       {session.presets.map(({ name }, index) => {

@@ -190,31 +190,34 @@ test('memory stays flat', { skip: renders === 0 && 'what is freed is kept by the
   assert.ok(megabytes() < before * 1.2 + 8);
 });
 
-test('a layered picture is read by Python, and costs no more than a picture', async () => {
-  const file = fs.readFileSync(path.join(environment.source, 'python/tests/psd/title.psd'));
-  const readBy = async (environment, body = file) => {
-    const own = await Studio.start(folder, { environment });
-    const answer = JSON.parse((await ask('layers?name=title.psd', { body, headers: { 'Content-Type': 'application/octet-stream' } }, own)).body);
-    await own.stop();
-    return answer.layers ?? answer.problems[0].reason;
-  };
-  assert.match(await readBy({ VIRTUAL_ENV: '', PYTHONPATH: '' }), /pip install 'gxtext\[psd\]'/);
-  // Interpreters that are none.
+// The layers of a layered picture, or why there are none, from a studio in another environment.
+async function layersOf(environment, body) {
+  const own = await Studio.start(folder, { environment });
+  const answer = JSON.parse((await ask('layers?name=title.psd', { body, headers: { 'Content-Type': 'application/octet-stream' } }, own)).body);
+  await own.stop();
+  return answer.layers ?? answer.problems[0].reason;
+}
+
+test('a reader of layered pictures that is not there, or is another program, costs no more than a picture', async () => {
+  assert.match(await layersOf({ VIRTUAL_ENV: '', PYTHONPATH: '' }, 'picture'), /pip install 'gxtext\[psd\]'/);
   const bin = path.join(folder, 'other', 'bin');
   fs.mkdirSync(bin, { recursive: true });
   const printing = async (script) => {
     fs.writeFileSync(path.join(bin, 'python3'), `#!/bin/sh\n${script}\n`, { mode: 0o755 });
-    return readBy({ VIRTUAL_ENV: path.dirname(bin) });
+    return layersOf({ VIRTUAL_ENV: path.dirname(bin) }, 'picture');
   };
   assert.match(await printing('exec yes'), /too large/);
   assert.match(await printing('echo "[{}]"'), /printed something else/);
   assert.match(await printing(`echo '[{"name": "a", "style": {"size": 0}, "losses": []}]'`), /range/);
   assert.equal(await printing('echo "Traceback" >&2; echo "$4: no picture" >&2; exit 1'), 'no picture');
-  if (!environment.hasLayerReader) return;
-  const layers = await readBy({});
+});
+
+test('the text layers of a picture, the topmost first', { skip: !environment.hasLayerReader && 'the Python package is not built' }, async () => {
+  const file = fs.readFileSync(path.join(environment.source, 'python/tests/psd/title.psd'));
+  const layers = await layersOf({}, file);
   assert.deepEqual(layers.map((layer) => layer.name), ['Plain', 'Gold']);
   assert.equal(layers[1].style.text, 'Golden\nhour');
-  assert.match(await readBy({}, file.subarray(0, 5000)), /^not readable as a layered picture/);
+  assert.match(await layersOf({}, file.subarray(0, 5000)), /^not readable as a layered picture/);
 });
 
 test('the fonts are those of the command line', async () => {
