@@ -20,13 +20,21 @@ export interface Session {
 
 export type Box = [number, number, number, number];
 
+// Of a variable font.
+export interface Axis {
+  tag: string;
+  min: number;
+  initial: number;
+  max: number;
+}
+
 export interface Drawn {
   width: number;
   height: number;
   margins: Box;
   lines: { box: Box; ink: Box; baseline: number }[];
   fonts: { family: string; characters: number }[];
-  axes: { tag: string; min: number; initial: number; max: number }[];
+  axes: Axis[];
   missing: { codePoint: string; script: string }[];
   stacking: number[];
   pixels: Uint8ClampedArray<ArrayBuffer>;

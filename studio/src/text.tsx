@@ -3,7 +3,7 @@ import { useEffect, useRef, useState } from 'preact/hooks';
 import { DropZone, Fields, dropInto } from './controls';
 import { moveFocus } from './menu';
 import type { Field } from './schema';
-import type { Json } from './server';
+import type { Axis, Json } from './server';
 import { TOPMOST, change, current, setValue, useStore } from './store';
 import { Thumbnail, useThumbnails } from './thumbnails';
 import { label, words } from './words';
@@ -166,29 +166,33 @@ function Variations() {
   };
   return (
     <div class="variations" role="group" aria-label={words.variations}>
-      {axes.map((axis) => {
-        const value = set.get(axis.tag) ?? axis.initial;
-        return (
-          <div class="field">
-            <span class="name" title={words.toDefault} onDblClick={() => write(axis.tag, undefined)}>
-              {axis.tag}
-            </span>
-            <div class="control">
-              <input
-                type="range"
-                aria-label={axis.tag}
-                min={axis.min}
-                max={axis.max}
-                step={axis.max - axis.min > 20 ? 1 : 0.01}
-                value={value}
-                onInput={(event) => write(axis.tag, event.currentTarget.valueAsNumber)}
-                onDblClick={() => write(axis.tag, undefined)}
-              />
-              <output>{value}</output>
-            </div>
-          </div>
-        );
-      })}
+      {axes.map((axis) => (
+        <AxisSlider key={axis.tag} axis={axis} value={set.get(axis.tag) ?? axis.initial} set={(value) => write(axis.tag, value)} />
+      ))}
+    </div>
+  );
+}
+
+function AxisSlider({ axis, value, set }: { axis: Axis; value: number; set(value: number | undefined): void }) {
+  const name = words.names[axis.tag] ?? axis.tag;
+  return (
+    <div class="field">
+      <span class="name" title={`${axis.tag}. ${words.toDefault}`} onDblClick={() => set(undefined)}>
+        {name}
+      </span>
+      <div class="control">
+        <input
+          type="range"
+          aria-label={name}
+          min={axis.min}
+          max={axis.max}
+          step={axis.max - axis.min > 20 ? 1 : 0.01}
+          value={value}
+          onInput={(event) => set(event.currentTarget.valueAsNumber)}
+          onDblClick={() => set(undefined)}
+        />
+        <output>{value}</output>
+      </div>
     </div>
   );
 }

@@ -109,7 +109,7 @@ const english = {
   notStyle: 'This is no JSON of a style.',
   allowed: (allowed: string) => `Allowed: ${allowed}`,
   discardStyle: 'There are changes that are not saved. Go on without them?',
-  // Fields and choices of the table whose own names, spaced out, would not do.
+  // Fields and choices of the table whose own names, spaced out, would not do; axes of fonts.
   names: {
     color: 'Colour',
     highlightColor: 'Highlight',
@@ -123,6 +123,11 @@ const english = {
     locale: 'Languages',
     width: 'Wrap at',
     order: 'Layer order',
+    wght: 'Weight',
+    wdth: 'Width',
+    opsz: 'Optical size',
+    slnt: 'Slant',
+    ital: 'Italic',
     px: 'px',
     dp: 'dp',
   } as Record<string, string>,

@@ -230,7 +230,7 @@ test('a dropped font with its variations', async () => {
   const font = execFileSync('fc-match', ['-f', '%{file}', 'Inter:variable=true']).toString();
   await open();
   await dropFile(page.locator('.font .drop'), font);
-  const weight = page.getByRole('slider', { name: 'wght' });
+  const weight = page.getByRole('slider', { name: 'Weight' });
   await weight.fill('800');
   await page.getByRole('textbox', { name: 'Text to draw' }).fill('Weight 日 \u{16A40}');
   await page.getByText(/Other letters come from .*CJK/).waitFor();
