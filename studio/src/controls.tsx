@@ -1,6 +1,7 @@
 // One control for each kind of field.
 import type { ComponentChildren } from 'preact';
 import { useRef, useState } from 'preact/hooks';
+import { alphaOf, cssColor, isColor, opaqueOf, withAlpha } from './colors';
 import type { Field } from './schema';
 import { Mistakes, Refused, keepFile } from './server';
 import { type Path, current, pathText, setValue, update, useColor, useStore, valueAt } from './store';
@@ -152,7 +153,7 @@ function Switch(props: ControlProps) {
   );
 }
 
-function Menu(props: ControlProps) {
+function Select(props: ControlProps) {
   const { field, path, name } = props;
   return (
     <select
@@ -206,19 +207,16 @@ export function ColorPicker({ name, value, onChange, onNone }: PickerProps) {
   const { recent } = useStore();
   const [typed, setTyped] = useState<string>();
   const text = value ?? '';
-  const opaque = text.length === 9 ? `#${text.slice(3)}` : text;
-  const alpha = text.length === 9 ? Number.parseInt(text.slice(1, 3), 16) : 255;
-  const compose = (color: string, strength: number) =>
-    strength === 255 ? color.toUpperCase() : `#${strength.toString(16).padStart(2, '0')}${color.slice(1)}`.toUpperCase();
-  const isColor = (given: string) => /^#([0-9a-f]{6}|[0-9a-f]{8})$/i.test(given);
+  const opaque = opaqueOf(text);
+  const alpha = alphaOf(text);
   return (
     <span class="color">
       <input
         type="color"
         aria-label={name}
-        value={isColor(opaque) ? opaque : '#000000'}
-        onInput={(event) => onChange(compose(event.currentTarget.value, alpha))}
-        onChange={(event) => useColor(compose(event.currentTarget.value, alpha))}
+        value={opaque}
+        onInput={(event) => onChange(withAlpha(event.currentTarget.value, alpha))}
+        onChange={(event) => useColor(withAlpha(event.currentTarget.value, alpha))}
       />
       <input
         type="text"
@@ -242,12 +240,12 @@ export function ColorPicker({ name, value, onChange, onNone }: PickerProps) {
       <input
         type="range"
         class="alpha"
-        style={{ '--color': isColor(opaque) ? opaque : '#000000' }}
+        style={{ '--color': opaque }}
         aria-label={words.alpha(name)}
         min={0}
         max={255}
         value={alpha}
-        onInput={(event) => onChange(compose(isColor(opaque) ? opaque : '#000000', event.currentTarget.valueAsNumber))}
+        onInput={(event) => onChange(withAlpha(opaque, event.currentTarget.valueAsNumber))}
       />
       {recent.length > 0 && (
         <span class="recent">
@@ -258,11 +256,6 @@ export function ColorPicker({ name, value, onChange, onNone }: PickerProps) {
       )}
     </span>
   );
-}
-
-// "#AARRGGBB" as a style sheet has it.
-export function cssColor(color: string): string {
-  return color.length === 9 ? `#${color.slice(3)}${color.slice(1, 3)}` : color;
 }
 
 function Sides(props: ControlProps) {
@@ -427,7 +420,7 @@ const CONTROLS: Record<string, (props: ControlProps) => ComponentChildren> = {
     </>
   ),
   switch: Switch,
-  menu: Menu,
+  menu: Select,
   color: Color,
   sides: Sides,
   ramp: Ramp,

@@ -1,7 +1,8 @@
 // The controls that are turned and moved by hand: angles and ramps.
 import type { TargetedPointerEvent } from 'preact';
 import { useState } from 'preact/hooks';
-import { type ControlProps, Fields, Nested, cssColor, numberOf, setNumber } from './controls';
+import { channelsOf, colorOf, cssColor } from './colors';
+import { type ControlProps, Fields, Nested, numberOf, setNumber } from './controls';
 import type { Json } from './server';
 import { current, setValue, useStore, valueAt } from './store';
 import { words } from './words';
@@ -63,17 +64,10 @@ interface StopValue extends Json {
   opacity?: number;
 }
 
-// Red, green, blue and alpha, 0-255, the opacity within.
-function channelsOf(stop: StopValue): number[] {
-  const [red, green, blue, alpha = 255] = cssColor(stop.color)
-    .slice(1)
-    .match(/../g)!
-    .map((digits) => Number.parseInt(digits, 16));
+// With the opacity within.
+function paintedOf(stop: StopValue): number[] {
+  const [red, green, blue, alpha] = channelsOf(stop.color);
   return [red, green, blue, alpha * (stop.opacity ?? 1)];
-}
-
-function colorOf(channels: number[]): string {
-  return `#${channels.map((value) => Math.round(value).toString(16).padStart(2, '0')).join('')}`;
 }
 
 const rounded = (position: number) => Number(Math.max(0, Math.min(1, position)).toFixed(2));
@@ -91,14 +85,12 @@ function stopAt(stops: StopValue[], position: number): StopValue {
   const left = stops.findLast((stop) => stop.position <= position) ?? stops[0];
   if (!left || !right) return { color: '#FFFFFF', position };
   const part = right.position > left.position ? (position - left.position) / (right.position - left.position) : 0;
-  const [from, to] = [channelsOf(left), channelsOf(right)];
-  const [red, green, blue, alpha] = from.map((value, index) => value + (to[index] - value) * part);
-  const strength = alpha < 254.5 ? [alpha] : [];
-  return { color: colorOf([...strength, red, green, blue]).toUpperCase(), position };
+  const [from, to] = [paintedOf(left), paintedOf(right)];
+  return { color: colorOf(from.map((value, index) => value + (to[index] - value) * part)), position };
 }
 
 function paintOf(stops: StopValue[]): string {
-  const colors = stops.map((stop) => `${colorOf(channelsOf(stop))} ${stop.position * 100}%`);
+  const colors = stops.map((stop) => `${cssColor(colorOf(paintedOf(stop)))} ${stop.position * 100}%`);
   return `linear-gradient(to right, ${(colors.length > 1 ? colors : [colors[0], colors[0]]).join(', ')})`;
 }
 

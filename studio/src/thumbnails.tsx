@@ -1,8 +1,8 @@
 // Small pictures of styles that one may choose from.
 import { useEffect, useState } from 'preact/hooks';
 import { withText } from './drawing';
+import { Canvas } from './picture';
 import { type Drawn, type Json, draw } from './server';
-import { Canvas } from './stage';
 import { current } from './store';
 
 const FIT: [number, number] = [260, 90]; // twice as many pixels as are seen

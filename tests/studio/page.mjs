@@ -329,6 +329,8 @@ test('imports layer effects and tells what is lost', async () => {
   await save('imported.json');
   assert.equal(read('imported.json').effects[0].size, 7);
   await assertSame('imported.json');
+  await page.keyboard.press('Control+z');
+  await page.locator('.layer').waitFor({ state: 'detached' });
 });
 
 test('imports a text layer of a layered picture', { skip: !environment.hasLayerReader && 'the Python package is not built' }, async () => {

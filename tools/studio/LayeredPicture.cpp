@@ -25,6 +25,7 @@ using gxtext::Error;
 using nlohmann::ordered_json;
 
 constexpr rlim_t kMaxPrinted = rlim_t{4} << 20;
+constexpr rlim_t kMaxSeconds = 30;  // for one whose parent died before it could be told
 constexpr size_t kMostLayers = 200;
 constexpr size_t kLongestReason = 500;
 constexpr int kNoReader = 3;         // exit status of kProgram
@@ -79,13 +80,17 @@ private:
 [[noreturn]] void become(std::vector<char*>& arguments, const Sink& out, const Sink& errors) {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     const rlimit printed{kMaxPrinted, kMaxPrinted};
+    const rlimit seconds{kMaxSeconds, kMaxSeconds};
     const rlimit none{0, 0};
     setrlimit(RLIMIT_FSIZE, &printed);
+    setrlimit(RLIMIT_CPU, &seconds);
     setrlimit(RLIMIT_CORE, &none);
     const int nothing = open("/dev/null", O_RDONLY | O_CLOEXEC);
     if (nothing >= 0 && chdir("/") == 0 && dup2(nothing, STDIN_FILENO) >= 0 &&
         dup2(out.descriptor(), STDOUT_FILENO) >= 0 &&
-        dup2(errors.descriptor(), STDERR_FILENO) >= 0 && close_range(3, ~0U, 0) == 0) {
+        dup2(errors.descriptor(), STDERR_FILENO) >= 0) {
+        // What is the studio's closes by itself; what it was started with need not be there.
+        static_cast<void>(close_range(STDERR_FILENO + 1, ~0U, 0));
         execv(arguments.front(), arguments.data());
     }
     _exit(kNoInterpreter);
