@@ -17,10 +17,6 @@ namespace {
 
 constexpr SkIRect kEverywhere = {-kMaxCoordinate, -kMaxCoordinate, kMaxCoordinate, kMaxCoordinate};
 
-double fromFixed(FT_Fixed v) {
-    return static_cast<double>(v) / 65536;
-}
-
 SkIRect boxOf(const FT_Outline& outline) {
     FT_BBox box;
     return outlineBox(outline, &box) ? placeBox(box, {}) : SkIRect::MakeEmpty();

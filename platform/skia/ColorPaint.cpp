@@ -15,10 +15,6 @@ namespace {
 
 constexpr double kNowhere = std::numeric_limits<double>::quiet_NaN();
 
-double fromFixed(FT_Fixed v) {
-    return static_cast<double>(v) / 65536;
-}
-
 PaintColor mix(const PaintColor& a, const PaintColor& b, double part) {
     const auto between = [part](double x, double y) { return x + (y - x) * part; };
     return {between(a.r, b.r), between(a.g, b.g), between(a.b, b.b), between(a.a, b.a)};

@@ -5,6 +5,8 @@
 
 #include <algorithm>
 
+#include "skia/Numbers.h"
+
 namespace portable {
 
 namespace {
@@ -13,10 +15,6 @@ namespace {
 constexpr size_t kGraphList = 14;
 constexpr size_t kLayerList = 18;
 constexpr size_t kClipList = 22;
-
-double fromFixed(FT_Fixed v) {
-    return static_cast<double>(v) / 65536;
-}
 
 // Fractions of a half turn to FreeType's degrees.
 FT_Angle angleOf(double halfTurns) {

@@ -30,8 +30,8 @@ FT_Fixed toFixed(float v, int fractionBits) {
     return static_cast<FT_Fixed>(std::clamp(scaled, -kMax, kMax));
 }
 
-float fromFixed(FT_Fixed v) {
-    return static_cast<float>(static_cast<double>(v) / 65536.0);
+float floatFromFixed(FT_Fixed v) {
+    return static_cast<float>(fromFixed(v));
 }
 
 void makeBinary(uint8_t* coverage, size_t count) {
@@ -96,8 +96,8 @@ void GlyphScaler::selectScalable() {
     // FreeType goes no lower than 1; at other sizes a correction would spoil the hinting.
     if (width >= 1 && height >= 1) return;
     const float upem = fFace->units_per_EM;
-    const float xPpem = upem * fromFixed(fFace->size->metrics.x_scale) / 64;
-    const float yPpem = upem * fromFixed(fFace->size->metrics.y_scale) / 64;
+    const float xPpem = upem * floatFromFixed(fFace->size->metrics.x_scale) / 64;
+    const float yPpem = upem * floatFromFixed(fFace->size->metrics.y_scale) / 64;
     fReady = xPpem > 0 && yPpem > 0;
     if (!fReady) return;
     fMatrix.xx *= width / xPpem;
@@ -232,7 +232,7 @@ void GlyphScaler::readAdvance(FT_UInt glyph) {
     if (FT_Get_Advance(fFace, glyph, fLoadFlags | FT_ADVANCE_FLAG_FAST_ONLY, &advance) != 0) {
         advance = slot->linearHoriAdvance;
     }
-    fAdvance = fMatrix.xx * fromFixed(advance);
+    fAdvance = fMatrix.xx * floatFromFixed(advance);
 }
 
 // The layers of a COLR glyph, bottom first, each with its palette colour.

@@ -24,6 +24,11 @@ inline int roundToInt(float v) {
     return floorToInt(v + 0.5f);
 }
 
+// FreeType's 16.16 (FT_Fixed), exact.
+constexpr double fromFixed(long v) {
+    return static_cast<double>(v) / 65536;
+}
+
 // v / 255 to the nearest integer, for v up to 255 * 255.
 constexpr unsigned div255(unsigned v) {
     v += 128;

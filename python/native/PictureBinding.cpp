@@ -151,12 +151,12 @@ nb::object made(const char* name, const T& box) {
         .attr(name)(box.left, box.top, box.right, box.bottom);
 }
 
-nb::object toPython(const std::vector<char32_t>& characters) {
+nb::object charactersOf(const std::vector<char32_t>& characters) {
     return nb::steal(PyUnicode_FromKindAndData(PyUnicode_4BYTE_KIND, characters.data(),
                                                static_cast<Py_ssize_t>(characters.size())));
 }
 
-nb::object toPython(const std::vector<gxtext::Line>& lines) {
+nb::object linesOf(const std::vector<gxtext::Line>& lines) {
     const nb::object line = nb::module_::import_("gxtext._values").attr("Line");
     nb::list list;
     for (const gxtext::Line& each : lines) {
@@ -166,14 +166,14 @@ nb::object toPython(const std::vector<gxtext::Line>& lines) {
     return nb::tuple(list);
 }
 
-nb::object toPython(const std::vector<gxtext::UsedFont>& fonts) {
+nb::object fontsOf(const std::vector<gxtext::UsedFont>& fonts) {
     const nb::object font = nb::module_::import_("gxtext._values").attr("Font");
     nb::list list;
     for (const gxtext::UsedFont& each : fonts) {
         const nb::object file = nb::steal(PyUnicode_DecodeFSDefaultAndSize(
             each.face.file.data(), static_cast<Py_ssize_t>(each.face.file.size())));
         list.append(font(file, each.face.index, textOf(each.face.family), each.face.variations,
-                         toPython(each.characters)));
+                         charactersOf(each.characters)));
     }
     return nb::tuple(list);
 }
@@ -183,8 +183,8 @@ nb::object toPython(const std::vector<gxtext::UsedFont>& fonts) {
 nb::object toPython(const gxtext::Arrangement& arrangement) {
     return nb::module_::import_("gxtext._values")
         .attr("Arrangement")(arrangement.width, arrangement.height,
-                             made("Margins", arrangement.margins), toPython(arrangement.lines),
-                             toPython(arrangement.fonts), toPython(arrangement.missing));
+                             made("Margins", arrangement.margins), linesOf(arrangement.lines),
+                             fontsOf(arrangement.fonts), charactersOf(arrangement.missing));
 }
 
 nb::object toPython(gxtext::Picture&& picture) {

@@ -25,7 +25,7 @@ namespace GxFontEffect {
 
 namespace {
 
-constexpr const char* kTag = "GxEffect";
+constexpr const char* kEffectTag = "GxEffect";
 constexpr int kMaxStops = 256;
 // Two layers and the mask take 9 bytes a pixel.
 constexpr uint64_t kSpanPixels = 1 << 12;
@@ -151,7 +151,7 @@ void unite(GxRect& all, const GxRect& box, bool nothingYet) {
 }  // namespace
 
 GxEffect::GxEffect() {
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "GxEffect(%p)", this);
+    __android_log_print(ANDROID_LOG_DEBUG, kEffectTag, "GxEffect(%p)", this);
 }
 
 GxEffect::GxEffect(void* /*unused*/) {}
@@ -175,7 +175,7 @@ GxEffect::GxEffect(const GxEffect& other)
 }
 
 GxEffect::~GxEffect() {
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "~GxEffect(%p)", this);
+    __android_log_print(ANDROID_LOG_DEBUG, kEffectTag, "~GxEffect(%p)", this);
 }
 
 // --- the set of effects ---
@@ -437,13 +437,13 @@ int GxEffect::addPatternText(GxBitmap* pattern, float scale, float opacity) {
 }
 
 int GxEffect::addText(uint32_t color, float opacity) {
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "AddText(%p) - (color:%d/opacity:%f)", this,
+    __android_log_print(ANDROID_LOG_DEBUG, kEffectTag, "AddText(%p) - (color:%d/opacity:%f)", this,
                         static_cast<int>(color), static_cast<double>(opacity));
     return addText(color, GxTextProperty(premultiply(color, opacity), clampOpacity(opacity)));
 }
 
 int GxEffect::addText(uint32_t color) {
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "AddText(%p) - (color:%x)", this, color);
+    __android_log_print(ANDROID_LOG_DEBUG, kEffectTag, "AddText(%p) - (color:%x)", this, color);
     return addText(color, GxTextProperty(color | 0xFF000000u, 1.0f));
 }
 
@@ -518,7 +518,7 @@ char* GxEffect::getMapKey(uint32_t color) {
 // --- render ---
 
 void GxEffect::initEffect(uint32_t width, uint32_t height) {
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "InitEffect(%p)", this);
+    __android_log_print(ANDROID_LOG_DEBUG, kEffectTag, "InitEffect(%p)", this);
     textRect = GxRect();
     textRectEmpty = true;
     paintedRect = GxRect();
@@ -760,7 +760,7 @@ void GxEffect::runOverLines(GxECoreBase& core, const GxRect& canvas,
 }
 
 void GxEffect::doEffectPostProcessing() {
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "DoEffectPostProcessing(%p) - start", this);
+    __android_log_print(ANDROID_LOG_DEBUG, kEffectTag, "DoEffectPostProcessing(%p) - start", this);
     const bool hasOutput =
         output == Output::kAny || (isLayer(dstBitmap) && startedEmpty(dstBitmap));
     if (hasOutput && isMask(srcBitmap) && !textRectEmpty) {
@@ -772,7 +772,7 @@ void GxEffect::doEffectPostProcessing() {
     }
     lineMasks.reset();
     textRectEmpty = true;
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "DoEffectPostProcessing(%p) - end", this);
+    __android_log_print(ANDROID_LOG_DEBUG, kEffectTag, "DoEffectPostProcessing(%p) - end", this);
 }
 
 void GxEffect::renderCores() {
@@ -909,7 +909,7 @@ void GxEffect::paintColors(const GxBitmap& result, const ColorGlyphs& colors) co
 }
 
 void GxEffect::compositeLayers(GxBitmap* result) {
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "CompositeLayers(%p) - start", this);
+    __android_log_print(ANDROID_LOG_DEBUG, kEffectTag, "CompositeLayers(%p) - start", this);
     if (isLayer(result)) {
         const uint32_t alpha = textAlpha < 0 ? 255u : static_cast<uint32_t>(textAlpha);
         const bool fresh = output == Output::kFreshWords;
@@ -928,7 +928,7 @@ void GxEffect::compositeLayers(GxBitmap* result) {
     }
     releaseBitmap();
     mode = GXE_MODE_SINGLE_LAYER;
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "CompositeLayers(%p) - end", this);
+    __android_log_print(ANDROID_LOG_DEBUG, kEffectTag, "CompositeLayers(%p) - end", this);
 }
 
 }  // namespace GxFontEffect

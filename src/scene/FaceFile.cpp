@@ -43,14 +43,14 @@ uint16_t readU16(const unsigned char* bytes) {
     return static_cast<uint16_t>(bytes[0] << 8 | bytes[1]);
 }
 
-struct Release {
+struct ReleaseTable {
     void operator()(hb_face_t* face) const { hb_face_destroy(face); }
     void operator()(hb_blob_t* blob) const { hb_blob_destroy(blob); }
     void operator()(hb_set_t* set) const { hb_set_destroy(set); }
 };
-using FacePtr = std::unique_ptr<hb_face_t, Release>;
-using BlobPtr = std::unique_ptr<hb_blob_t, Release>;
-using SetPtr = std::unique_ptr<hb_set_t, Release>;
+using FacePtr = std::unique_ptr<hb_face_t, ReleaseTable>;
+using BlobPtr = std::unique_ptr<hb_blob_t, ReleaseTable>;
+using SetPtr = std::unique_ptr<hb_set_t, ReleaseTable>;
 
 // The table directory of one face of a file.
 class TableReader {

@@ -11,7 +11,7 @@ namespace {
 
 // Pixels of a unit, at the 72 to an inch that documents have for want of another resolution.
 constexpr double kPixelsPerInch = 72;
-constexpr std::pair<std::string_view, double> kUnits[] = {
+constexpr std::pair<std::string_view, double> kUnitPixels[] = {
     {"Points", kPixelsPerInch / 72},
     {"Picas", kPixelsPerInch / 6},
     {"Millimeters", kPixelsPerInch / 25.4},
@@ -136,7 +136,7 @@ std::optional<double> LayerRecord::length(std::string_view name) {
     const std::optional<Measure> measured = measure(name);
     if (!measured) return std::nullopt;
     if (isPlain(measured->units)) return measured->value;
-    for (const auto& [unit, pixels] : kUnits) {
+    for (const auto& [unit, pixels] : kUnitPixels) {
         if (unit != measured->units) continue;
         approximate(name, "the resolution is not in the file; 72 pixels to an inch are assumed");
         return measured->value * pixels;

@@ -34,7 +34,7 @@ constexpr Hinting kHintings[] = {
     {SkFontHinting::kNormal, true, FT_LOAD_TARGET_NORMAL | FT_LOAD_FORCE_AUTOHINT},
 };
 
-struct Setting {
+struct GlyphSetting {
     float size, scaleX, skewX;
     Hinting hinting;
     bool linear, alias, embolden, subpixel;
@@ -54,8 +54,8 @@ struct Setting {
     }
 };
 
-Setting makeSetting(Random& random) {
-    Setting s{};
+GlyphSetting makeGlyphSetting(Random& random) {
+    GlyphSetting s{};
     s.size = kSizes[random.between(0, std::size(kSizes) - 1)];
     s.scaleX = random.oneIn(3) ? 0.75f : 1;
     s.skewX = random.oneIn(3) ? -0.25f : 0;
@@ -68,7 +68,7 @@ Setting makeSetting(Random& random) {
     return s;
 }
 
-SkFont makeFont(const sk_sp<SkTypeface>& typeface, const Setting& s) {
+SkFont makeFont(const sk_sp<SkTypeface>& typeface, const GlyphSetting& s) {
     SkFont font(typeface, s.size, s.scaleX, s.skewX);
     font.setHinting(s.hinting.level);
     font.setForceAutoHinting(s.hinting.automatic);
@@ -79,7 +79,7 @@ SkFont makeFont(const sk_sp<SkTypeface>& typeface, const Setting& s) {
     return font;
 }
 
-GlyphRequest makeRequest(FT_Face face, const Setting& s) {
+GlyphRequest makeRequest(FT_Face face, const GlyphSetting& s) {
     GlyphRequest request;
     request.width = to26Dot6(s.size * s.scaleX);
     request.height = to26Dot6(s.size);
@@ -133,7 +133,7 @@ TEST(RasterTest, GlyphsAreFreeTypes) {
         const sk_sp<SkTypeface> typeface = loadTypeface(file);
         const auto last = std::min<int>(reference.face()->num_glyphs, 30000) - 1;
         for (int n = 0; n < kGlyphs / static_cast<int>(std::size(kFonts)); ++n) {
-            const Setting setting = makeSetting(random);
+            const GlyphSetting setting = makeGlyphSetting(random);
             const auto glyph = static_cast<SkGlyphID>(random.between(0, last));
             SCOPED_TRACE(std::string(file) + " glyph " + std::to_string(glyph) + " " +
                          setting.describe());

@@ -7,7 +7,6 @@
 #include <array>
 #include <cstring>
 #include <functional>
-#include <limits>
 #include <map>
 #include <memory>
 #include <string>
@@ -16,14 +15,14 @@
 #include "effect/GxCoreFactory.h"
 #include "effect/GxEffect.h"
 #include "effect/filters/GxText.h"
+#include "support/NotFinite.h"
 
 namespace GxFontEffect {
 namespace {
 
+using gxtest::kInfinity;
+using gxtest::kNaN;
 using testing::ElementsAre;
-
-constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
-constexpr float kInfinity = std::numeric_limits<float>::infinity();
 
 struct Call {
     int style;

@@ -4,18 +4,18 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <limits>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "raster/GxBitmap.h"
+#include "support/NotFinite.h"
 
 namespace GxFontEffect {
 namespace {
 
-constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
-constexpr float kInfinity = std::numeric_limits<float>::infinity();
+using gxtest::kInfinity;
+using gxtest::kNaN;
 
 // The key as hexadecimal text, the letter as itself: "S 82 CA ...".
 std::string keyOf(const GxProperty& property) {

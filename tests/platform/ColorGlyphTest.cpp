@@ -19,10 +19,9 @@
 namespace gxtest {
 namespace {
 
-// Premultiplied.
-struct Pixel {
+struct Premultiplied {
     uint8_t r, g, b, a;
-    bool operator==(const Pixel&) const = default;
+    bool operator==(const Premultiplied&) const = default;
 };
 
 struct ColorCanvas {
@@ -37,11 +36,11 @@ struct ColorCanvas {
         paint.setColor(color);
         SkCanvas(bitmap).drawTextBlob(makeBlob(font, glyphs), 0, 0, paint);
     }
-    Pixel at(int x, int y) const { return pixels[static_cast<size_t>(y) * width + x]; }
+    Premultiplied at(int x, int y) const { return pixels[static_cast<size_t>(y) * width + x]; }
 
     int width;
     int height;
-    std::vector<Pixel> pixels;
+    std::vector<Premultiplied> pixels;
 };
 
 ColorCanvas colored(const SkFont& font, SkGlyphID glyph, float x, float y, int w, int h,
@@ -71,7 +70,7 @@ TEST(ColorGlyph, PicturesAreTheFontsOwnAndAsCoveringAsTheirMasks) {
     for (unsigned y = 0; y < picture.rows; ++y) {
         for (unsigned x = 0; x < picture.width; ++x) {
             const uint8_t* bgra = picture.buffer + y * picture.pitch + size_t{4} * x;
-            const Pixel expected = {bgra[2], bgra[1], bgra[0], bgra[3]};
+            const Premultiplied expected = {bgra[2], bgra[1], bgra[0], bgra[3]};
             ASSERT_EQ(native.at(10 + slot->bitmap_left + static_cast<int>(x),
                                 130 - slot->bitmap_top + static_cast<int>(y)),
                       expected);
@@ -89,7 +88,7 @@ TEST(ColorGlyph, PicturesAreTheFontsOwnAndAsCoveringAsTheirMasks) {
                 const ColorCanvas color = colored(scaled, face, 10, 330, 500, 420);
                 if (kept) mask.draw(scaled, glyphs);
                 for (size_t i = 0; i < mask.pixels.size(); ++i) {
-                    const Pixel& p = color.pixels[i];
+                    const Premultiplied& p = color.pixels[i];
                     ASSERT_EQ(p.a, mask.pixels[i]) << size;
                     ASSERT_LE(std::max({p.r, p.g, p.b}), p.a);
                 }
@@ -108,19 +107,20 @@ TEST(ColorGlyph, LayersAreTheirPalettesAndTheTextsColour) {
     const sk_sp<SkTypeface> typeface = makeTypeface(file);
     for (const SkColor color : {SkColorSetARGB(255, 200, 100, 50), SK_ColorWHITE}) {
         const ColorCanvas drawn = colored(SkFont(typeface, 100), base, 0, 60, 100, 80, color);
-        const Pixel text = {static_cast<uint8_t>(SkColorGetR(color)),
-                            static_cast<uint8_t>(SkColorGetG(color)),
-                            static_cast<uint8_t>(SkColorGetB(color)), 255};
+        const Premultiplied text = {static_cast<uint8_t>(SkColorGetR(color)),
+                                    static_cast<uint8_t>(SkColorGetG(color)),
+                                    static_cast<uint8_t>(SkColorGetB(color)), 255};
         EXPECT_EQ(drawn.at(20, 30), text);
-        const Pixel half = drawn.at(60, 30);
-        EXPECT_EQ(half, (Pixel{0x30, 0x20, 0x10, 0x80})) << "0x60, 0x40 and 0x20 of 255, halved";
-        EXPECT_EQ(drawn.at(90, 30), Pixel{});
+        const Premultiplied half = drawn.at(60, 30);
+        EXPECT_EQ(half, (Premultiplied{0x30, 0x20, 0x10, 0x80}))
+            << "0x60, 0x40 and 0x20 of 255, halved";
+        EXPECT_EQ(drawn.at(90, 30), Premultiplied{});
     }
     // The paint's alpha fades them as they are.
     const ColorCanvas faded =
         colored(SkFont(typeface, 100), base, 0, 60, 100, 80, SkColorSetARGB(128, 255, 255, 255));
-    EXPECT_EQ(faded.at(60, 30), (Pixel{0x18, 0x10, 0x08, 0x40}));
-    EXPECT_EQ(faded.at(20, 30), (Pixel{0x80, 0x80, 0x80, 0x80}));
+    EXPECT_EQ(faded.at(60, 30), (Premultiplied{0x18, 0x10, 0x08, 0x40}));
+    EXPECT_EQ(faded.at(20, 30), (Premultiplied{0x80, 0x80, 0x80, 0x80}));
 }
 
 // A font of 1,000 units whose glyph `base` is a graph; `box` is a shape from (0, 0) to (800, 600).
@@ -152,7 +152,7 @@ protected:
         for (int y = kBaseline - 60; y < kBaseline; ++y) {
             for (int x = 0; x < 80; ++x) {
                 const auto expected = colorAt(10 * (x + 0.5), 10 * (kBaseline - y - 0.5));
-                const Pixel p = drawn.at(x, y);
+                const Premultiplied p = drawn.at(x, y);
                 const std::array<uint8_t, 4> actual = {p.r, p.g, p.b, p.a};
                 for (size_t c = 0; c < 4; ++c) {
                     ASSERT_NEAR(actual[c], expected[c], tolerance) << x << ", " << y << " " << c;
@@ -212,7 +212,7 @@ TEST_F(ColorGraphTest, GradientsFollowTheirGeometry) {
     // Degenerate ones paint nothing.
     EXPECT_EQ(boxOf(linearPaint({5, 5, 5, 5, 9, 9}, kRedToBlue)).pixels,
               boxOf(radialPaint({5, 5, 9, 5, 5, 9}, kRedToBlue)).pixels);
-    EXPECT_EQ(boxOf(linearPaint({0, 0, 9, 0, 0, 9}, {})).at(40, 40), Pixel{});
+    EXPECT_EQ(boxOf(linearPaint({0, 0, 9, 0, 0, 9}, {})).at(40, 40), Premultiplied{});
 }
 
 TEST_F(ColorGraphTest, TransformsMoveShapesAndFills) {
@@ -241,7 +241,7 @@ TEST_F(ColorGraphTest, TransformsMoveShapesAndFills) {
             }
         }
     }
-    EXPECT_EQ(draw(scalePaint(0, 1, 0, 0, shape)).at(0, 40), Pixel{});
+    EXPECT_EQ(draw(scalePaint(0, 1, 0, 0, shape)).at(0, 40), Premultiplied{});
     // Text that is turned around, leaning or beyond the mask size is so from the units on.
     SkFont mirrored = colorFont(makeTypeface(files.front()), kSize);
     addColorGraphs(font, {{base, shape}}, kPalette);
@@ -267,21 +267,23 @@ TEST_F(ColorGraphTest, ClipBoxesAndNestedGlyphs) {
     const Paint blue = translatePaint(100, 100, glyphPaint(box, solidPaint(1)));
     const ColorCanvas both = drawAll({{base, layersPaint(2, 0), {{0, 0, 500, 400}}}, {inner, red}},
                                      SK_ColorBLACK, {red, blue});
-    EXPECT_EQ(both.at(5, kBaseline - 5), (Pixel{255, 0, 0, 255}));
-    EXPECT_EQ(both.at(30, kBaseline - 30), (Pixel{0, 0, 255, 255}));
-    EXPECT_EQ(both.at(60, kBaseline - 30), Pixel{}) << "beyond the clip box";
+    EXPECT_EQ(both.at(5, kBaseline - 5), (Premultiplied{255, 0, 0, 255}));
+    EXPECT_EQ(both.at(30, kBaseline - 30), (Premultiplied{0, 0, 255, 255}));
+    EXPECT_EQ(both.at(60, kBaseline - 30), Premultiplied{}) << "beyond the clip box";
     const ColorCanvas nested = drawAll(
         {{base, translatePaint(100, 0, colorGlyphPaint(inner))}, {inner, red, {{0, 0, 300, 300}}}});
-    EXPECT_EQ(nested.at(15, kBaseline - 5), (Pixel{255, 0, 0, 255}));
-    EXPECT_EQ(nested.at(5, kBaseline - 5), Pixel{});
-    EXPECT_EQ(nested.at(45, kBaseline - 5), Pixel{}) << "beyond the nested clip box";
+    EXPECT_EQ(nested.at(15, kBaseline - 5), (Premultiplied{255, 0, 0, 255}));
+    EXPECT_EQ(nested.at(5, kBaseline - 5), Premultiplied{});
+    EXPECT_EQ(nested.at(45, kBaseline - 5), Premultiplied{}) << "beyond the nested clip box";
     // The text's colour, only there.
     const Paint own = glyphPaint(box, solidPaint(0xFFFF, 0.5));
-    EXPECT_EQ(draw(own, SkColorSetARGB(255, 200, 100, 50)).at(9, 40), (Pixel{100, 50, 25, 128}));
-    EXPECT_EQ(draw(own, SkColorSetARGB(255, 20, 10, 250)).at(9, 40), (Pixel{10, 5, 125, 128}));
+    EXPECT_EQ(draw(own, SkColorSetARGB(255, 200, 100, 50)).at(9, 40),
+              (Premultiplied{100, 50, 25, 128}));
+    EXPECT_EQ(draw(own, SkColorSetARGB(255, 20, 10, 250)).at(9, 40),
+              (Premultiplied{10, 5, 125, 128}));
     // Where colours are not asked for, the outline is drawn, here none.
     const SkFont plain(makeTypeface(files.back()), kSize);
-    EXPECT_EQ(colored(plain, base, 0, kBaseline, kSize, kSize).at(9, 40), Pixel{});
+    EXPECT_EQ(colored(plain, base, 0, kBaseline, kSize, kSize).at(9, 40), Premultiplied{});
     SkRect bounds;
     plain.getBounds(&base, 1, &bounds, nullptr);
     EXPECT_EQ(bounds, SkRect::MakeEmpty());
@@ -401,13 +403,13 @@ TEST_F(ColorGraphTest, CompositesAreOfWholePicturesInsideTheClip) {
     const Paint lower = glyphPaint(box, solidPaint(0));
     const Paint upper = translatePaint(400, 0, glyphPaint(box, solidPaint(2)));
     const ColorCanvas out = draw(compositePaint(FT_COLR_COMPOSITE_SRC_OUT, upper, lower));
-    EXPECT_EQ(out.at(10, 40), Pixel{}) << "the backdrop goes";
-    EXPECT_EQ(out.at(60, 40), Pixel{}) << "the source where the backdrop was";
-    EXPECT_EQ(out.at(90, 40), (Pixel{0, 128, 0, 128}));
+    EXPECT_EQ(out.at(10, 40), Premultiplied{}) << "the backdrop goes";
+    EXPECT_EQ(out.at(60, 40), Premultiplied{}) << "the source where the backdrop was";
+    EXPECT_EQ(out.at(90, 40), (Premultiplied{0, 128, 0, 128}));
     const ColorCanvas clipped =
         draw(glyphPaint(box, compositePaint(FT_COLR_COMPOSITE_PLUS, upper, lower)));
-    EXPECT_EQ(clipped.at(60, 40), (Pixel{255, 128, 0, 255}));
-    EXPECT_EQ(clipped.at(90, 40), Pixel{});
+    EXPECT_EQ(clipped.at(60, 40), (Premultiplied{255, 128, 0, 255}));
+    EXPECT_EQ(clipped.at(90, 40), Premultiplied{});
 }
 
 // Every graph ends, and gives the same picture twice.
@@ -430,15 +432,16 @@ TEST_F(ColorGraphTest, HostileGraphsEnd) {
         EXPECT_EQ(drawAll(glyphs, SK_ColorBLACK, layers).pixels, first.pixels);
         return first.at(40, 40);
     };
-    const Pixel red = {255, 0, 0, 255};
+    const Premultiplied red = {255, 0, 0, 255};
     // A cycle ends where it closes: what is beside it is drawn.
     EXPECT_EQ(twice({{base, layersPaint(2, 0)}}, {shape, layersPaint(2, 0)}), red);
-    EXPECT_EQ(twice({{base, colorGlyphPaint(other)}, {other, colorGlyphPaint(base)}}, {}), Pixel{});
-    EXPECT_EQ(twice({{base, deep}}, {}), Pixel{}) << "beyond the depth";
+    EXPECT_EQ(twice({{base, colorGlyphPaint(other)}, {other, colorGlyphPaint(base)}}, {}),
+              Premultiplied{});
+    EXPECT_EQ(twice({{base, deep}}, {}), Premultiplied{}) << "beyond the depth";
     EXPECT_EQ(twice({{base, layersPaint(255, 0)}}, crowd), red);
     twice({{base, layersPaint(1, 39)}}, doubling);
-    EXPECT_EQ(twice({{base, glyphPaint(999, solidPaint(0))}}, {}), Pixel{});
-    EXPECT_EQ(twice({{base, solidPaint(0)}}, {}), Pixel{}) << "no shape, no box";
+    EXPECT_EQ(twice({{base, glyphPaint(999, solidPaint(0))}}, {}), Premultiplied{});
+    EXPECT_EQ(twice({{base, solidPaint(0)}}, {}), Premultiplied{}) << "no shape, no box";
     EXPECT_EQ(twice({{base, solidPaint(0), {{300, 200, 500, 400}}}}, {}), red);
     twice({{base, solidPaint(0), {{-32768, -32768, 32767, 32767}}}}, {});
     twice({{base, scalePaint(1.9, 1.9, 30000, -30000, shape)}}, {});

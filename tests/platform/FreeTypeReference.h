@@ -21,6 +21,10 @@ inline FT_F26Dot6 to26Dot6(float pixels) {
     return static_cast<FT_F26Dot6>(pixels * 64);
 }
 
+// What a font asks of FreeType where none of its settings says otherwise.
+constexpr FT_Int32 kPlainLoad =
+    FT_LOAD_IGNORE_GLOBAL_ADVANCE_WIDTH | FT_LOAD_COLOR | FT_LOAD_NO_AUTOHINT | FT_LOAD_NO_BITMAP;
+
 // What a test asks of the reference: FreeType's own words.
 struct GlyphRequest {
     FT_F26Dot6 width = 0;  // of the em, 26.6

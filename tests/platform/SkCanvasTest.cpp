@@ -7,17 +7,14 @@
 #include <cfenv>
 #include <cmath>
 #include <cstdint>
-#include <limits>
 #include <vector>
 
 #include "PlainBlend.h"
+#include "support/NotFinite.h"
 #include "support/Random.h"
 
 namespace gxtest {
 namespace {
-
-constexpr float kInf = std::numeric_limits<float>::infinity();
-constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
 
 struct Image {
     Image(int w, int h, SkAlphaType alphaType = kUnpremul_SkAlphaType)
@@ -207,7 +204,7 @@ TEST(SkCanvasTest, EdgesAreSortedAndRoundedToNearest) {
         {SkRect::MakeLTRB(40, 0, 50, 9), SkIRect::MakeEmpty()},
         {SkRect::MakeLTRB(-9, 0, 0, 9), SkIRect::MakeEmpty()},
         {SkRect::MakeLTRB(kNaN, 0, 5, 5), SkIRect::MakeEmpty()},
-        {SkRect::MakeLTRB(0, 0, kInf, 5), SkIRect::MakeEmpty()},
+        {SkRect::MakeLTRB(0, 0, kInfinity, 5), SkIRect::MakeEmpty()},
     };
     for (const auto& c : cases) {
         EXPECT_EQ(touched([&](SkCanvas& canvas) { canvas.drawRect(c.rect, SkPaint()); }), c.pixels);
@@ -258,7 +255,7 @@ TEST(SkCanvasTest, DrawBitmapPlacesAndClips) {
             }
         }
     }
-    for (const float bad : {kNaN, kInf, -kInf, 1e30f, -1e30f}) {
+    for (const float bad : {kNaN, kInfinity, -kInfinity, 1e30f, -1e30f}) {
         Image image(20, 20);
         SkCanvas canvas(image.bitmap);
         canvas.drawBitmap(source.bitmap, bad, 0);

@@ -3,21 +3,16 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <limits>
 #include <vector>
 
 #include "FreeTypeReference.h"
 #include "SfntFile.h"
 #include "SkDrawing.h"
 #include "SkFontMetrics.h"
+#include "support/NotFinite.h"
 
 namespace gxtest {
 namespace {
-
-constexpr float kInf = std::numeric_limits<float>::infinity();
-constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
-constexpr FT_Int32 kPlain =
-    FT_LOAD_IGNORE_GLOBAL_ADVANCE_WIDTH | FT_LOAD_COLOR | FT_LOAD_NO_AUTOHINT | FT_LOAD_NO_BITMAP;
 
 float widthOf(const SkFont& font, SkGlyphID glyph) {
     float width = -1;
@@ -46,7 +41,7 @@ TEST(SkFontTest, ANegativeStretchMirrors) {
 TEST(SkFontTest, LinearMetricsAndLargeSizesAreMeasuredAtSize64) {
     FreeTypeReference reference(fontBytes(kNotoSans));
     const SkGlyphID glyph = reference.glyph('g');
-    const GlyphRequest request{to26Dot6(64), to26Dot6(64), kPlain | FT_LOAD_NO_HINTING};
+    const GlyphRequest request{to26Dot6(64), to26Dot6(64), kPlainLoad | FT_LOAD_NO_HINTING};
     const ReferenceGlyph expected = reference.take(glyph, request);
 
     SkFont linear(loadTypeface(kNotoSans), 20);
@@ -80,7 +75,7 @@ TEST(SkFontTest, BlankAndMissingGlyphs) {
 
 TEST(SkFontTest, NumbersThatAreNoSizesMeasureNothing) {
     const sk_sp<SkTypeface> typeface = loadTypeface(kDejaVuSans);
-    const float hostile[] = {0, -1, kNaN, kInf, -kInf, 1e-30f, 3e38f};
+    const float hostile[] = {0, -1, kNaN, kInfinity, -kInfinity, 1e-30f, 3e38f};
     for (const float size : hostile) {
         for (const float other : hostile) {
             for (const bool linear : {false, true}) {
@@ -95,7 +90,7 @@ TEST(SkFontTest, NumbersThatAreNoSizesMeasureNothing) {
             }
         }
     }
-    for (const float size : {0.0f, -1.0f, kNaN, kInf}) {
+    for (const float size : {0.0f, -1.0f, kNaN, kInfinity}) {
         EXPECT_EQ(widthOf(SkFont(typeface, size), 36), 0) << size;
     }
     EXPECT_EQ(SkFont(typeface, kNaN).getSize(), 0);

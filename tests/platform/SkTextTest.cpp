@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <limits>
 #include <numeric>
 #include <string>
 #include <vector>
@@ -14,13 +13,11 @@
 #include "SkDrawing.h"
 #include "skia/GlyphCache.h"
 #include "skia/TextGamma.h"
+#include "support/NotFinite.h"
 #include "support/Random.h"
 
 namespace gxtest {
 namespace {
-
-constexpr FT_Int32 kPlain =
-    FT_LOAD_IGNORE_GLOBAL_ADVANCE_WIDTH | FT_LOAD_COLOR | FT_LOAD_NO_AUTOHINT | FT_LOAD_NO_BITMAP;
 
 // The canvas must hold the glyph at (x, y), its coverage through `curve`, and nothing else.
 template <typename Curve>
@@ -42,7 +39,7 @@ uint8_t unchanged(uint8_t c) {
 
 GlyphRequest plainRequest(float size) {
     const auto fixedSize = to26Dot6(size);
-    return {fixedSize, fixedSize, kPlain};
+    return {fixedSize, fixedSize, kPlainLoad};
 }
 
 // The glyph of a font drawn alone.
@@ -330,20 +327,18 @@ TEST_F(SkTextTest, ColourLayersAreUnitedByTheirAlpha) {
 }
 
 TEST_F(SkTextTest, PositionsThatAreNoNumbersSkipTheGlyph) {
-    constexpr float kInf = std::numeric_limits<float>::infinity();
-    constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
     for (const float size : {20.0f, 300.0f}) {
         const SkFont font(typeface, size);
         const MaskCanvas alone = drawn(font, g, 10, 30);
         MaskCanvas mask(60, 60);
         std::vector<PlacedGlyph> glyphs = {{g, 10, 30}};
-        for (const float bad : {kInf, -kInf, kNaN, 1e9f, -1e9f, 3e38f}) {
+        for (const float bad : {kInfinity, -kInfinity, kNaN, 1e9f, -1e9f, 3e38f}) {
             glyphs.push_back({g, bad, 30});
             glyphs.push_back({g, 10, bad});
         }
         mask.draw(font, glyphs);
         EXPECT_EQ(mask.pixels, alone.pixels);
-        mask.canvas->drawTextBlob(makeBlob(font, {{g, 0, 0}}), kNaN, kInf, SkPaint());
+        mask.canvas->drawTextBlob(makeBlob(font, {{g, 0, 0}}), kNaN, kInfinity, SkPaint());
         EXPECT_EQ(mask.pixels, alone.pixels);
     }
 }

@@ -15,19 +15,19 @@ namespace GxFontEffect {
 
 namespace {
 
-constexpr int kCentreWeight = 128;
+constexpr int kGlowCentreWeight = 128;
 // Shares of the reach, found by eye: the growth makes the glow's solid part, the blur its fall.
 constexpr double kGrowthShare = 0.4750000089406967;
 constexpr float kBlurShare = 0.9f;
 constexpr uint32_t kWhite = 0xFFFFFFFFu;
-constexpr int kLast = kRampSize - 1;
+constexpr int kLastEntry = kRampSize - 1;
 // The coverage from which the alpha falls, as a share of the table.
 constexpr float kSpread = 0.3f;
 
 // Work figures of a glow of `size` pixels over a text. Plane extents are those that let columns be
 // blurred in place; growth never gets to the plane's edge, so larger ones change nothing.
-struct Geometry {
-    Geometry(const TextMask& text, float size, GlowSide side)
+struct GlowGeometry {
+    GlowGeometry(const TextMask& text, float size, GlowSide side)
         : reach(int64_t{toInt(size)} + 1),
           padding(2 * reach),
           width(text.width + 2 * padding),
@@ -48,8 +48,8 @@ struct Geometry {
 };
 
 // All memory of one glow. The inner one's second plane lies behind the first.
-struct Planes {
-    Planes(const Geometry& geometry, GlowSide side)
+struct GlowPlanes {
+    GlowPlanes(const GlowGeometry& geometry, GlowSide side)
         : mask(geometry.stride, geometry.rows * (side == GlowSide::kInner ? 2 : 1)),
           scratch(
               std::max(kernels::growthScratchBytes(geometry.stride),
@@ -74,16 +74,16 @@ void invert(uint8_t* cells, int64_t count) {
 
 // What part of the layer cells of a blurred plane lie over; its first cell is (x0, y0) of the
 // padded text.
-kernels::BlendArea layerUnder(const TextMask& text, const Geometry& geometry, const GxBitmap* layer,
-                              int64_t x0, int64_t y0, const uint8_t* cells, int64_t columns,
-                              int64_t rows) {
+kernels::BlendArea layerUnder(const TextMask& text, const GlowGeometry& geometry,
+                              const GxBitmap* layer, int64_t x0, int64_t y0, const uint8_t* cells,
+                              int64_t columns, int64_t rows) {
     return cutMaskOntoLayer(text.left - geometry.padding + x0, text.top - geometry.padding + y0,
                             layer, cells, columns, rows, geometry.stride);
 }
 
 // Blurs the mask, columns in place, then some rows at a time, which are painted from the nearest
 // cache.
-void paintOuter(const TextMask& text, const Geometry& geometry, const Planes& planes,
+void paintOuter(const TextMask& text, const GlowGeometry& geometry, const GlowPlanes& planes,
                 const uint32_t* table, const GxBitmap* layer) {
     const int64_t frame = geometry.radius;
     const int64_t columns = geometry.width - 2 * frame;
@@ -105,7 +105,7 @@ void paintOuter(const TextMask& text, const Geometry& geometry, const Planes& pl
 
 // Takes the inverse in each direction, so that what falls off the plane is background. Cells that
 // the blur did not reach, which hold 255, are opaque white.
-void paintInner(const TextMask& text, const Geometry& geometry, const Planes& planes,
+void paintInner(const TextMask& text, const GlowGeometry& geometry, const GlowPlanes& planes,
                 const uint32_t* table, const GxBitmap* layer) {
     uint8_t* blurred = planes.mask.row(geometry.rows);
     kernels::blurPlane(planes.mask.data(), blurred, geometry.width, geometry.height,
@@ -130,7 +130,7 @@ void paintInner(const TextMask& text, const Geometry& geometry, const Planes& pl
 }  // namespace
 
 void computeGlowWeights(int* weights, int* sum, int radius) {
-    fillGaussianWeights(weights, sum, radius, kCentreWeight, WeightRounding::kDouble);
+    fillGaussianWeights(weights, sum, radius, kGlowCentreWeight, WeightRounding::kDouble);
 }
 
 void makeGlowTable(const GxOuterGlowProperty* record, uint32_t* table, float spread, int curve) {
@@ -142,13 +142,13 @@ void makeGlowTable(const GxOuterGlowProperty* record, uint32_t* table, float spr
 
     const float share = spread >= 1.0f ? 0.99f : spread > 0.0f ? spread : 0.01f;
     const int start = toInt(static_cast<double>(share) * 256.0);
-    for (int i = start; i <= kLast; ++i) {
+    for (int i = start; i <= kLastEntry; ++i) {
         const auto factor = static_cast<uint32_t>(
             toInt(static_cast<float>(256 - i) * 256.0f / static_cast<float>(256 - start)));
         const uint32_t alpha = ((table[i] >> 24) * factor) >> 8;
         table[i] = (table[i] & 0x00FFFFFFu) | alpha << 24;
     }
-    table[kLast] = 0;
+    table[kLastEntry] = 0;
 }
 
 int glowReach(float size) {
@@ -170,9 +170,9 @@ void renderGlow(GxECore::ParamPostProcessing* param, const GxOuterGlowProperty* 
                 GlowSide side) {
     const TextMask text(param);
     if (!record || !text.isValid()) return;
-    const Geometry geometry(text, record->size, side);
+    const GlowGeometry geometry(text, record->size, side);
     if (geometry.reach < 1) return;
-    const Planes planes(geometry, side);
+    const GlowPlanes planes(geometry, side);
     if (!isAllocated(*param, planes)) return;
     std::array<uint32_t, kRampSize> table;
     makeGlowTable(record, table.data(), kSpread, GXE_CURVE_LINEAR);

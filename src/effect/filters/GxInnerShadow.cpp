@@ -22,8 +22,6 @@ namespace GxFontEffect {
 
 namespace {
 
-constexpr int kCentreWeight = 100;
-
 // The shifted background with its blurred edge lies over the whole box. Asymmetric at the far ends,
 // where one pixel decides: deliberate.
 bool coversBox(const TextMask& text, const ShadowShift& shift, int64_t radius) {
@@ -134,7 +132,7 @@ void keepInGlyphs(const TextMask& text, const InkRows& ink, const ShadowShift& s
 }  // namespace
 
 void GxInnerShadow::computeGaussianWeights(int* weights, int* sum, int radius) {
-    fillGaussianWeights(weights, sum, radius, kCentreWeight, WeightRounding::kSingle);
+    fillGaussianWeights(weights, sum, radius, kShadowCentreWeight, WeightRounding::kSingle);
 }
 
 void GxInnerShadow::setProperty(const GxProperty* source) {

@@ -19,8 +19,6 @@ namespace GxFontEffect {
 
 namespace {
 
-constexpr int kCentreWeight = 100;
-
 bool missesLayer(const TextMask& text, const ShadowShift& shift, int64_t padding,
                  const GxBitmap& layer) {
     return text.left + text.width + padding + shift.x < 0 ||
@@ -46,7 +44,7 @@ int32_t marginBlur(const GxOuterShadowProperty* record) {
 }  // namespace
 
 void GxOuterShadow::computeGaussianWeights(int* weights, int* sum, int radius) {
-    fillGaussianWeights(weights, sum, radius, kCentreWeight, WeightRounding::kDouble);
+    fillGaussianWeights(weights, sum, radius, kShadowCentreWeight, WeightRounding::kDouble);
 }
 
 void GxOuterShadow::setProperty(const GxProperty* source) {

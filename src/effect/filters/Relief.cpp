@@ -35,8 +35,8 @@ using kernels::ReliefPart;
 constexpr int64_t kMaskRows = 16;
 
 // Work figures of a relief over a text. Extents in pixels.
-struct Geometry {
-    Geometry(const TextMask& text, const ReliefShape& shape)
+struct ReliefGeometry {
+    ReliefGeometry(const TextMask& text, const ReliefShape& shape)
         : padding(shape.margin + shape.soften + shape.blur + 2),
           width(roundUp(text.width + 2 * padding, kernels::kReliefStep)),
           height(text.height + 2 * padding),
@@ -52,8 +52,8 @@ struct Geometry {
 
 // All memory of one relief, in one allocation: 9 bytes per cell of the plane, and
 // what the kernels work in.
-struct Planes {
-    explicit Planes(const Geometry& geometry)
+struct ReliefPlanes {
+    explicit ReliefPlanes(const ReliefGeometry& geometry)
         : memory(geometry.width, 9 * geometry.height + scratchRows(geometry), Contents::kAny) {
         if (!memory) return;
         const int64_t cells = memory.width * geometry.height + kernels::kReliefStep;
@@ -78,11 +78,11 @@ struct Planes {
     uint8_t* shadow = nullptr;
 
 private:
-    static int64_t maskBytes(const Geometry& geometry) {
+    static int64_t maskBytes(const ReliefGeometry& geometry) {
         return kMaskRows * geometry.width + kernels::kReliefStep;
     }
     // With room behind each plane.
-    static int64_t scratchRows(const Geometry& geometry) {
+    static int64_t scratchRows(const ReliefGeometry& geometry) {
         const int64_t bytes =
             std::max({kernels::heightScratchBytes(geometry.width, geometry.height),
                       kernels::boxBlurScratchBytes(geometry.width, geometry.height),
@@ -109,8 +109,8 @@ struct Tints {
     uint32_t shadow;
 };
 
-void paint(const TextMask& text, const ReliefShape& shape, const Geometry& geometry,
-           const Planes& planes, ReliefPart part, const Tints& tints, const GxBitmap* layer) {
+void paint(const TextMask& text, const ReliefShape& shape, const ReliefGeometry& geometry,
+           const ReliefPlanes& planes, ReliefPart part, const Tints& tints, const GxBitmap* layer) {
     const int64_t width = geometry.width;
     const int64_t frame = geometry.padding - shape.margin;
     for (int64_t y = 0; y < geometry.paintedHeight; y += kMaskRows) {
@@ -149,8 +149,8 @@ void renderRelief(GxECore::ParamPostProcessing* param, const GxBevelProperty* re
     if (!record || !text.isValid()) return;
     const ReliefShape shape(*record, place);
     if (!shape.isVisible()) return;
-    const Geometry geometry(text, shape);
-    const Planes planes(geometry);
+    const ReliefGeometry geometry(text, shape);
+    const ReliefPlanes planes(geometry);
     if (!isAllocated(*param, planes)) return;
     const int64_t width = geometry.width;
 

@@ -12,6 +12,9 @@ namespace GxFontEffect {
 // fits 32 bits.
 inline constexpr int64_t kMaxBlurRadius = 65535;
 
+// Of the Gaussian weights of both shadows.
+inline constexpr int kShadowCentreWeight = 100;
+
 // Where the 0.5 of the rounding is added. The results differ only where the product is within a
 // single-precision step of a half.
 enum class WeightRounding { kDouble, kSingle };

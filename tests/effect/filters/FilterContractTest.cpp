@@ -32,7 +32,7 @@ void PrintTo(const Filter& filter, std::ostream* out) {
     *out << "style " << filter.style;
 }
 
-const GxGradient kStops[] = {{0xFFFF0000, 1, 0}, {0xFF00FF00, 1, 0.5f}, {0xFF0000FF, 1, 1}};
+const GxGradient kThreeStops[] = {{0xFFFF0000, 1, 0}, {0xFF00FF00, 1, 0.5f}, {0xFF0000FF, 1, 1}};
 
 // Positions as odd as the sizes.
 std::array<GxGradient, 4> stopsAt(float v) {
@@ -72,12 +72,12 @@ const Filter kFilters[] = {
      [](auto& core) { give<GxInnerShadowProperty>(core, 120, 2, 2, kGreen, 1); },
      [](auto& core, float v) { give<GxInnerShadowProperty>(core, v, v, v, kGreen, v); }},
     {GXE_STYLE_OUTER_GLOW,
-     [](auto& core) { give<GxOuterGlowProperty>(core, 2, kGreen, 1, 3, kStops); },
+     [](auto& core) { give<GxOuterGlowProperty>(core, 2, kGreen, 1, 3, kThreeStops); },
      [](auto& core, float v) {
          give<GxOuterGlowProperty>(core, v, kGreen, v, 4, stopsAt(v).data());
      }},
     {GXE_STYLE_INNER_GLOW,
-     [](auto& core) { give<GxInnerGlowProperty>(core, 2, kGreen, 1, 3, kStops); },
+     [](auto& core) { give<GxInnerGlowProperty>(core, 2, kGreen, 1, 3, kThreeStops); },
      [](auto& core, float v) {
          give<GxInnerGlowProperty>(core, v, kGreen, v, 4, stopsAt(v).data());
      }},
@@ -86,12 +86,12 @@ const Filter kFilters[] = {
     {GXE_STYLE_EMBOSS, [](auto& core) { giveRelief<GxEmbossProperty>(core, 3, 1); },
      [](auto& core, float v) { giveRelief<GxEmbossProperty>(core, v, v); }},
     {GXE_STYLE_LINEAR_GRADIENT,
-     [](auto& core) { give<GxLinearGradientProperty>(core, 30, 1, 1, 3, kStops); },
+     [](auto& core) { give<GxLinearGradientProperty>(core, 30, 1, 1, 3, kThreeStops); },
      [](auto& core, float v) {
          give<GxLinearGradientProperty>(core, v, v, v, 4, stopsAt(v).data());
      }},
     {GXE_STYLE_RADIAL_GRADIENT,
-     [](auto& core) { give<GxRadialGradientProperty>(core, 30, 1, 1, 3, kStops); },
+     [](auto& core) { give<GxRadialGradientProperty>(core, 30, 1, 1, 3, kThreeStops); },
      [](auto& core, float v) {
          give<GxRadialGradientProperty>(core, v, v, v, 4, stopsAt(v).data());
      }},

@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
-#include <limits>
 #include <string>
 #include <vector>
 
@@ -14,12 +13,10 @@
 #include "effect/GxEffect.h"
 #include "raster/GxBitmap.h"
 #include "raster/GxBlender.h"
+#include "support/NotFinite.h"
 #include "support/Random.h"
 
 namespace gxtest {
-
-constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
-constexpr float kInfinity = std::numeric_limits<float>::infinity();
 
 // Everything a filter paints with: a mask, two layers and the box of the text.
 struct Scene {

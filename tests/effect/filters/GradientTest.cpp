@@ -17,15 +17,16 @@ using gxtest::premultiplied;
 using gxtest::Scene;
 
 template <typename Core>
-using RecordOf = std::conditional_t<std::is_same_v<Core, GxLinearGradient>,
-                                    GxLinearGradientProperty, GxRadialGradientProperty>;
+using GradientRecord = std::conditional_t<std::is_same_v<Core, GxLinearGradient>,
+                                          GxLinearGradientProperty, GxRadialGradientProperty>;
 
 const std::vector<GxGradient> kTwoStops = {{0xFF000000, 1, 0}, {0xFF0000FF, 1, 1}};
 
 template <typename Core>
 void paint(Scene& scene, float angle, float scale, const std::vector<GxGradient>& stops,
            uint32_t mode = 0) {
-    const RecordOf<Core> record(angle, scale, 0.1f, static_cast<int>(stops.size()), stops.data());
+    const GradientRecord<Core> record(angle, scale, 0.1f, static_cast<int>(stops.size()),
+                                      stops.data());
     gxtest::paintWith<Core>(scene, record, mode);
 }
 
@@ -37,8 +38,8 @@ Scene fullScene(int width, int height) {
 
 template <typename Core>
 class Gradients : public testing::Test {};
-using Cores = testing::Types<GxLinearGradient, GxRadialGradient>;
-TYPED_TEST_SUITE(Gradients, Cores);
+using GradientCores = testing::Types<GxLinearGradient, GxRadialGradient>;
+TYPED_TEST_SUITE(Gradients, GradientCores);
 
 TYPED_TEST(Gradients, NothingWithoutStopsOrScale) {
     for (const auto& [scale, count] :
@@ -48,7 +49,7 @@ TYPED_TEST(Gradients, NothingWithoutStopsOrScale) {
         EXPECT_EQ(scene.pixel(1, 1), 0u) << scale << " " << count;
     }
     TypeParam core;
-    const RecordOf<TypeParam> record(0, 1, 1, 2, nullptr);
+    const GradientRecord<TypeParam> record(0, 1, 1, 2, nullptr);
     core.setProperty(&record);
     Scene scene = fullScene(3, 3);
     auto param = scene.param();
@@ -61,7 +62,7 @@ TYPED_TEST(Gradients, KeepTheirOwnStops) {
     TypeParam core;
     {
         std::vector<GxGradient> stops = kTwoStops;
-        RecordOf<TypeParam> record(-725, 9, 1, 2, stops.data());
+        GradientRecord<TypeParam> record(-725, 9, 1, 2, stops.data());
         record.angle = -725;
         record.scale = 9;
         core.setProperty(&record);

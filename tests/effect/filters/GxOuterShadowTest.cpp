@@ -15,8 +15,8 @@ using gxtest::paintWith;
 using gxtest::Scene;
 using testing::ElementsAre;
 
-GxOuterShadowProperty recordOf(float angle, float distance, float size,
-                               uint32_t color = 0xFFFFFFFF) {
+GxOuterShadowProperty outerRecord(float angle, float distance, float size,
+                                  uint32_t color = 0xFFFFFFFF) {
     return {angle, distance, size, color, 0.3f};
 }
 
@@ -57,7 +57,7 @@ TEST(GxOuterShadow, MarginsPerSide) {
     };
     for (const Case& c : cases) {
         GxOuterShadow core;
-        const auto record = recordOf(c.angle, c.distance, c.size);
+        const auto record = outerRecord(c.angle, c.distance, c.size);
         core.setProperty(&record);
         EXPECT_THAT((std::vector{core.getLeftOffset(), core.getTopOffset(), core.getRightOffset(),
                                  core.getBottomOffset()}),
@@ -102,9 +102,9 @@ TEST(GxOuterShadow, EqualsItsDefinition) {
     for (int run = 0; run < 250; ++run) {
         Scene scene = gxtest::randomScene(random, 15);
         const auto record =
-            recordOf(static_cast<float>(random.between(-400, 400)),
-                     static_cast<float>(random.between(0, random.oneIn(4) ? 300 : 90)) * 0.1f,
-                     static_cast<float>(random.between(-10, 60)) * 0.1f, random.word());
+            outerRecord(static_cast<float>(random.between(-400, 400)),
+                        static_cast<float>(random.between(0, random.oneIn(4) ? 300 : 90)) * 0.1f,
+                        static_cast<float>(random.between(-10, 60)) * 0.1f, random.word());
         // Away from halves the shift is that of any arithmetic.
         const double angle = record.angle * 3.14159 / 180.0;
         const double x = -record.distance * std::cos(angle);
