@@ -3,6 +3,10 @@
 option(GXTEXT_WERROR "Treat warnings as errors" OFF)
 
 # gxtext_target(<name>): warnings, hidden symbols and exact floating point.
+#
+# With CMAKE_UNITY_BUILD the compiler sees the sources of a target in batches, and their headers once per batch: names
+# in unnamed namespaces are unique within a target then. The sanitizers' presets compile each file by itself, so that
+# none leans on another's includes.
 function(gxtext_target name)
     target_compile_features(${name} PUBLIC cxx_std_20)
     set_target_properties(${name} PROPERTIES
