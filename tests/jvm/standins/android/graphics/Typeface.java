@@ -6,6 +6,7 @@ public class Typeface {
     public static final int NORMAL = 0;
     public static final int BOLD = 1;
     public static final int ITALIC = 2;
+    public static final Typeface DEFAULT = new Typeface(false, false);
 
     public boolean bold;
     public boolean italic;
@@ -21,6 +22,7 @@ public class Typeface {
         return create(path, NORMAL);
     }
 
+    public int getWeight() { return bold ? 700 : 400; }
     public int getStyle() { return (bold ? BOLD : NORMAL) | (italic ? ITALIC : NORMAL); }
     public boolean isBold() { return bold; }
     public boolean isItalic() { return italic; }

@@ -1,6 +1,7 @@
 package android.widget;
 
 import android.content.Context;
+import android.content.res.Resources;
 import android.graphics.Paint;
 import android.graphics.Typeface;
 import android.os.LocaleList;
@@ -35,7 +36,9 @@ public class TextView {
 
     public Context getContext() { throw unwanted(); }
     public Layout getLayout() { throw unwanted(); }
+    public Resources getResources() { throw unwanted(); }
     public float getLineSpacingExtra() { throw unwanted(); }
+    public int getMaxWidth() { throw unwanted(); }
     public Paint getPaint() { throw unwanted(); }
     public CharSequence getText() { throw unwanted(); }
     public void invalidate() { throw unwanted(); }

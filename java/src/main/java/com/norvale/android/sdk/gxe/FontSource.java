@@ -150,7 +150,7 @@ final class FontSource {
         synchronized (INSERTED) {
             if (!INSERTED.contains(fullName)) {
                 FontManager.insertFontData(fullName,
-                        ViewAttributes.readRaw(context.getResources(), number).toByteArray());
+                        RawResource.read(context.getResources(), number));
                 INSERTED.add(fullName);
             }
         }

@@ -6,10 +6,7 @@ import android.content.res.TypedArray;
 import android.os.Build;
 import android.util.AttributeSet;
 import android.util.TypedValue;
-import java.io.ByteArrayOutputStream;
-import java.io.IOException;
-import java.io.InputStream;
-import java.io.UnsupportedEncodingException;
+import java.nio.charset.StandardCharsets;
 import java.util.function.Consumer;
 
 /** What a layout file, a style of the resources or the theme sets of a view. */
@@ -35,7 +32,8 @@ final class ViewAttributes {
         this.inEditMode = inEditMode;
         read("gxStyle", value -> {
             int file = value.getResourceId(0, 0);
-            style = file == 0 ? null : readStyle(readText(context.getResources(), file));
+            style = file == 0 ? null : readStyle(new String(
+                    RawResource.read(context.getResources(), file), StandardCharsets.UTF_8));
         });
         read("gxSize", value -> {
             size = new TypedValue();
@@ -87,27 +85,5 @@ final class ViewAttributes {
         return size.resourceId == 0
                 ? TypedValue.complexToDimension(size.data, resources.getDisplayMetrics())
                 : resources.getDimension(size.resourceId);
-    }
-
-    private static String readText(Resources resources, int file) {
-        try {
-            return readRaw(resources, file).toString("UTF-8");
-        } catch (UnsupportedEncodingException e) {
-            throw new AssertionError(e); // every Java has it
-        }
-    }
-
-    static ByteArrayOutputStream readRaw(Resources resources, int file) {
-        try (InputStream in = resources.openRawResource(file)) {
-            ByteArrayOutputStream bytes = new ByteArrayOutputStream();
-            byte[] buffer = new byte[16384];
-            for (int count = in.read(buffer); count >= 0; count = in.read(buffer)) {
-                bytes.write(buffer, 0, count);
-            }
-            return bytes;
-        } catch (IOException e) {
-            throw new IllegalArgumentException(
-                    resources.getResourceName(file) + " cannot be read", e);
-        }
     }
 }
