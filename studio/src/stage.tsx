@@ -26,7 +26,7 @@ const SIDE_SPACE = 72; // with the gap between two pictures, and what is written
 const NO_SCRIPTS = ['', 'Unknown', 'Common', 'Inherited'];
 
 export function Stage() {
-  const { drawn, density, comparison, compared } = useStore();
+  const { drawn, density, comparison, compared, problems } = useStore();
   const [backdrop, setBackdrop] = useState<Backdrop>({ ground: 'checker', color: '#3F51B5', photo: '' });
   const [zoom, setZoom] = useState(0); // 0 fits
   const [overlays, setOverlays] = useState<Overlay[]>([]);
@@ -57,7 +57,7 @@ export function Stage() {
         <DropZone name={words.backdropPhoto} text={words.backdropPhoto} accept="image/*" onFile={(file) => setBackdrop({ ...backdrop, photo: URL.createObjectURL(file) })} />
       )}
       <div
-        class={`room ${ground}`}
+        class={problems.length > 0 ? `room ${ground} stale` : `room ${ground}`}
         style={paint}
         ref={room}
         tabIndex={0}
@@ -210,6 +210,7 @@ function Status({ drawn, pixel, factor }: { drawn: Drawn | undefined; pixel: str
           {words.missing(drawn.missing.map((item) => item.codePoint).join(', '))} {scripts ? words.missingFonts(scripts) : words.missingFont}
         </span>
       )}
+      {problems.length > 0 && <span class="mistake">{words.stale}</span>}
       {others.length > 0 && <span>{words.fallback([...new Set(others)].join(', '))}</span>}
       {loose.map((problem) => (
         <span class="mistake" role="alert">

@@ -39,6 +39,7 @@ const english = {
   chooseFile: 'Drop a picture here, or choose one',
   toDefault: 'Double click: default',
   picture: 'Picture',
+  stale: 'The picture is the last one that could be drawn.',
   pictureOf: (text: string, width: number, height: number) => `“${text}”, ${width} by ${height} pixels`,
   backdrop: 'Backdrop',
   backdrops: { checker: 'Checker', light: 'Light', dark: 'Dark', color: 'Colour', photo: 'Photo' },

@@ -215,6 +215,7 @@ test('every kind of control writes what it shows', async () => {
   // A mistake is told where it was made, and the picture stays.
   await control('$.effects[2].size', 'input[type=number]').fill('140');
   await page.locator('[data-path="$.effects[2].size"] [role=alert]', { hasText: '0-100' }).waitFor();
+  await page.getByText('The picture is the last one that could be drawn.').waitFor();
   await assertSame('all.json');
   // A number is typed over without the default getting in between.
   await control('$.effects[2].size', 'input[type=number]').fill('');
