@@ -54,7 +54,7 @@ export function ExportDialog({ close }: DialogProps) {
             ))}
           </span>
         ))}
-        <button type="button" onClick={() => download(`${title}.json`, new Blob([text], { type: 'application/json' }))}>
+        <button type="button" disabled={!text} onClick={() => download(`${title}.json`, new Blob([text], { type: 'application/json' }))}>
           JSON
         </button>
       </div>
@@ -82,7 +82,7 @@ function Code({ text, attempt }: { text: string; attempt(action: () => Promise<v
         ))}
       </div>
       <textarea class="code" aria-label={words.code} readOnly rows={14} spellcheck={false} value={code} />
-      <button type="button" class="main" onClick={() => void attempt(copy)}>
+      <button type="button" class="main" disabled={!text} onClick={() => void attempt(copy)}>
         {words.copy}
       </button>{' '}
       <span role="status">{copied !== '' && copied === code && words.copied}</span>

@@ -67,7 +67,7 @@ export function ImportDialog({ close, dropped }: DialogProps & { dropped?: File 
 }
 
 function LayerChoice({ layers, chosen, choose }: { layers: Layer[]; chosen: number; choose(index: number): void }) {
-  const pictures = useThumbnails(
+  const [pictures] = useThumbnails(
     layers.map((layer) => layer.style),
     JSON.stringify(layers),
   );

@@ -212,10 +212,10 @@ function Presets() {
   const { session, style } = useStore();
   const styles = session.presets.map((preset) => dressed(preset.style));
   const [active, setActive] = useState(0);
-  const pictures = useThumbnails(styles, JSON.stringify(OWN.map((name) => style[name])));
+  const [pictures, isDrawn] = useThumbnails(styles, JSON.stringify(OWN.map((name) => style[name])));
   const begin = (style: Json) => change(style, '', { selected: TOPMOST });
   return (
-    <div class="presets" onKeyDown={moveFocus}>
+    <div class="presets" aria-busy={!isDrawn} onKeyDown={moveFocus}>
       {session.presets.map(({ name }, index) => {
         const title = name.replace('.json', '').replaceAll('-', ' ');
         return (

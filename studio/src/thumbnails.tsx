@@ -12,8 +12,10 @@ const WAIT_MILLISECONDS = 250;
 const drawSmall = (style: Json) => draw({ style: withText(style), name: current().name, fit: FIT });
 
 // Drawn one after the other, anew when `key` is another; undefined until then, and where it cannot be.
-export function useThumbnails(styles: Json[], key: string): (Drawn | undefined)[] {
+// And whether all are of this key.
+export function useThumbnails(styles: Json[], key: string): [(Drawn | undefined)[], boolean] {
   const [pictures, setPictures] = useState<(Drawn | undefined)[]>([]);
+  const [drawnKey, setDrawnKey] = useState<string>();
   useEffect(() => {
     let isStale = false;
     const drawAll = async () => {
@@ -23,6 +25,7 @@ export function useThumbnails(styles: Json[], key: string): (Drawn | undefined)[
         if (isStale) return;
         setPictures((before) => Object.assign([...before], { [index]: drawn }));
       }
+      setDrawnKey(key);
     };
     const timer = setTimeout(() => void drawAll(), WAIT_MILLISECONDS);
     return () => {
@@ -30,7 +33,7 @@ export function useThumbnails(styles: Json[], key: string): (Drawn | undefined)[
       clearTimeout(timer);
     };
   }, [key]);
-  return pictures;
+  return [pictures, drawnKey === key];
 }
 
 export function Thumbnail({ drawn }: { drawn: Drawn | undefined }) {

@@ -30,14 +30,22 @@ async function open(file, viewport = WIDE, more = {}) {
   studio = await Studio.start(folder, ...(file ? [file] : []));
   context = await browser.newContext({ viewport, acceptDownloads: true, permissions: ['clipboard-read', 'clipboard-write'], ...more });
   page = await context.newPage();
-  page.setDefaultTimeout(20_000);
+  page.setDefaultTimeout(60_000);
   page.on('pageerror', (error) => assert.fail(error));
   page.on('request', (request) => assert.ok(request.url().startsWith(studio.address) || /^(data|blob):/.test(request.url()), request.url()));
   await page.goto(studio.address);
   await page.locator('.picture canvas').first().waitFor();
+  // The list of files, which comes by itself.
+  if (file) await button('With a file').waitFor();
+  await settled();
 }
 
-const write = (name, style) => fs.writeFileSync(path.join(folder, name), JSON.stringify(style));
+// At one stroke: half a file is never seen.
+function write(name, style) {
+  const half = path.join(folder, `.${name}.half`);
+  fs.writeFileSync(half, JSON.stringify(style));
+  fs.renameSync(half, path.join(folder, name));
+}
 const read = (name) => JSON.parse(fs.readFileSync(path.join(folder, name)));
 const control = (place, selector = 'input') => page.locator(`[data-path="${place}"] ${selector}`);
 const button = (name, exact = true) => page.getByRole('button', { name, exact });
@@ -64,6 +72,12 @@ async function save(name) {
 async function assertSame(name) {
   await settled();
   await assertShown(page, drawWithProgram(path.join(folder, name)));
+}
+
+// Until every preset is of the text and the font that are chosen.
+async function presetsDrawn() {
+  await page.locator('.presets[aria-busy=false]').waitFor();
+  assert.equal(await page.locator('.preset canvas').count(), await page.locator('.preset').count());
 }
 
 // Until nothing is being drawn, and what was is on the page.
@@ -287,9 +301,10 @@ test('nothing is lost by a reload, a crash of the server, or another editor', as
   const children = fs.readFileSync(`/proc/${studio.process.pid}/task/${studio.process.pid}/children`, 'utf8').trim().split(' ');
   for (const pid of children) process.kill(Number(pid), 'SIGKILL');
   await text.fill('After the crash');
+  await settled();
   await page.locator('.lost').waitFor({ state: 'detached' });
   await save();
-  assert.ok(!fs.existsSync(path.join(folder, '.kept.json.studio')));
+  while (fs.existsSync(path.join(folder, '.kept.json.studio'))) await page.waitForTimeout(50);
   await assertSame('kept.json');
   // An editor saves: shown at once.
   write('kept.json', { text: 'Edited', size: 60 });
@@ -360,6 +375,7 @@ test('exports pictures and code that draws them', async () => {
   }
   const code = async (kind) => {
     await page.getByRole('group', { name: 'Code' }).getByRole('button', { name: kind, exact: true }).click();
+    await button('Copy').and(page.locator(':enabled')).waitFor();
     return page.getByRole('textbox', { name: 'Code' }).inputValue();
   };
   const expected = drawWithProgram(path.join(folder, 'title.json'));
@@ -418,7 +434,7 @@ async function assertAccessible(panel) {
 async function visitPanels(visit) {
   await visit('settings');
   await page.getByRole('tab', { name: 'Presets' }).click();
-  await page.waitForFunction(() => [...document.querySelectorAll('.preset')].every((preset) => preset.querySelector('canvas')));
+  await presetsDrawn();
   await visit('presets');
   for (const layer of await page.locator('.layer .title').all()) {
     await layer.click();
@@ -437,6 +453,7 @@ async function visitPanels(visit) {
   for (const name of ['Open', 'Save as', 'Import', 'Export']) {
     await button(name).click();
     await page.getByRole('dialog').waitFor();
+    if (name === 'Export') await button('Copy').and(page.locator(':enabled')).waitFor();
     await visit(name.toLowerCase().replace(' ', '-'));
     await page.keyboard.press('Escape');
     await page.getByRole('dialog').waitFor({ state: 'detached' });
@@ -448,9 +465,10 @@ test('every panel is accessible, and looks as it did', async () => {
   let panels = 0;
   for (const [viewport, colorScheme] of [[WIDE, 'light'], [TABLET, 'dark']]) {
     write('all.json', source);
-    await open('all.json', viewport, { colorScheme, bypassCSP: true });
+    await open('all.json', viewport, { colorScheme, bypassCSP: true, reducedMotion: 'reduce' });
     const shots = [];
     await visitPanels(async (panel) => {
+      await settled();
       await assertAccessible(panel);
       shots.push((await page.screenshot({ path: path.join(environment.output, `${panel}-${colorScheme}.png`) })).toString('base64'));
       panels++;
@@ -475,7 +493,7 @@ test('a style from its first letter to its file, in pictures', async () => {
   await page.getByRole('textbox', { name: 'Text to draw' }).fill('Golden hour');
   await page.getByRole('combobox', { name: 'Search fonts' }).fill('DejaVu Serif');
   await page.keyboard.press('Enter');
-  await page.waitForFunction(() => [...document.querySelectorAll('.preset')].every((preset) => preset.querySelector('canvas')));
+  await presetsDrawn();
   await take();
   await button('Begin with gold').click();
   await page.locator('.layer .title', { hasText: 'Linear gradient' }).click();

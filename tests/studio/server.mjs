@@ -232,10 +232,12 @@ test('the fonts are those of the command line', async () => {
 test('ends by itself, and at once when it is told', async () => {
   const idle = await Studio.start(folder, '--idle', '1');
   assert.deepEqual(await idle.ended, { code: 0, signal: null });
-  const sessions = () => fs.readdirSync(os.tmpdir()).filter((name) => name.startsWith('gxtext-studio-')).length;
-  const open = sessions();
-  const stopped = await Studio.start(folder);
+  const temporary = fs.mkdtempSync(path.join(os.tmpdir(), 'studio-test-'));
+  const sessions = () => fs.readdirSync(temporary).length;
+  const stopped = await Studio.start(folder, { environment: { TMPDIR: temporary } });
+  assert.equal(sessions(), 1);
   stopped.process.kill('SIGINT');
   assert.deepEqual(await stopped.ended, { code: 0, signal: null });
-  assert.equal(sessions(), open);
+  assert.equal(sessions(), 0);
+  fs.rmdirSync(temporary);
 });
