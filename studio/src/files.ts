@@ -74,9 +74,19 @@ export function discard() {
   change(current().saved, '', { notice: '', canDiscard: false });
 }
 
-// Over `version` of the file, and no other.
-export async function saveStyle(name: string, version = name === current().name ? current().version : '') {
+let isSaving = false;
+let lastSave = Promise.resolve();
+
+// Over `version` of the file, and no other; by itself that which the page knows. One after the other.
+export function saveStyle(name: string, version?: string): Promise<void> {
+  const save = lastSave.then(() => writeStyle(name, version ?? (name === current().name ? current().version : '')));
+  lastSave = save.catch(() => {});
+  return save;
+}
+
+async function writeStyle(name: string, version: string) {
   const { style } = current();
+  isSaving = true;
   try {
     const saved = await call<Opened>('save', { name, style, version });
     localStorage.removeItem(memoryKey());
@@ -85,6 +95,8 @@ export async function saveStyle(name: string, version = name === current().name 
     if (!(error instanceof Refused && error.isConflict)) throw error;
     const found = await call<{ version: string }>('watch', { name });
     update({ conflict: { name, version: found.version } });
+  } finally {
+    isSaving = false;
   }
 }
 
@@ -94,9 +106,11 @@ export async function keepMine() {
 }
 
 export async function loadTheirs() {
-  const { conflict, name } = current();
+  const { conflict, name, style } = current();
   if (conflict && conflict.name !== name) return openStyle(conflict.name);
   const opened = await call<Opened>('open', { name });
+  // Edited meanwhile, it is asked about at the next look.
+  if (current().style !== style) return;
   const saved = readStyle(opened.text);
   // A step that can be undone.
   change(saved, '', { saved, version: opened.version, notice: words.reloaded(name), conflict: undefined });
@@ -116,7 +130,8 @@ async function look() {
   if (isLost) changes.isLost = false;
   if (JSON.stringify(found.styles) !== JSON.stringify(current().styles)) changes.styles = found.styles;
   if (Object.keys(changes).length > 0) update(changes);
-  if (!name || name !== current().name || version !== current().version || found.version === version) return;
+  // What the page itself is writing is no change.
+  if (isSaving || !name || name !== current().name || version !== current().version || found.version === version) return;
   if (!found.version || found.version === current().conflict?.version) return;
   if (isChanged()) update({ conflict: { name, version: found.version } });
   else await loadTheirs();
@@ -138,12 +153,13 @@ export function startWatching() {
 
 // In the browser at once, beside the file a little later.
 export function startRemembering() {
-  let known: Json | undefined;
+  let known: unknown[] = [];
   let timer = 0;
   const remember = () => {
-    const { style, name } = current();
-    if (style === known) return;
-    known = style;
+    const { style, saved, name } = current();
+    // What was edited while it was saved is not yet in the file.
+    if (style === known[0] && saved === known[1] && name === known[2]) return;
+    known = [style, saved, name];
     const text = isChanged() ? JSON.stringify(style) : '';
     if (text) localStorage.setItem(memoryKey(), text);
     else localStorage.removeItem(memoryKey());

@@ -11,7 +11,8 @@ import { label, words } from './words';
 function shownOrder(): number[] {
   const { style, drawn } = current();
   const effects = effectsOf(style);
-  const stacking = drawn?.stacking;
+  // Once listed, a picture from before would have them elsewhere.
+  const stacking = style.order === 'listed' ? undefined : drawn?.stacking;
   const order = stacking?.length === effects.length ? stacking : effects.map((_, index) => index);
   return [...order].reverse();
 }
@@ -81,8 +82,9 @@ export function Layers() {
   );
 }
 
+// After the page is made anew, which is in a microtask, and before the next key.
 function focusChosen() {
-  requestAnimationFrame(() => document.querySelector<HTMLElement>('.layer.selected .title')?.focus());
+  queueMicrotask(() => document.querySelector<HTMLElement>('.layer.selected .title')?.focus());
 }
 
 function LayerList({ order }: { order: number[] }) {

@@ -1,5 +1,5 @@
 // What the page knows: one style with its history, and what is shown of it.
-import { useEffect, useState } from 'preact/hooks';
+import { useLayoutEffect, useState } from 'preact/hooks';
 import { Schema } from './schema';
 import { type Drawn, type Json, type Problem, type Session } from './server';
 
@@ -71,7 +71,8 @@ export function watch(watcher: () => void): () => void {
 
 export function useStore(): State {
   const [, redraw] = useState(0);
-  useEffect(() => watch(() => redraw((count) => count + 1)) as () => void, []);
+  // At once: what changes before the first frame is seen, too.
+  useLayoutEffect(() => watch(() => redraw((count) => count + 1)) as () => void, []);
   return state;
 }
 

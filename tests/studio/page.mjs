@@ -26,11 +26,13 @@ afterEach(async () => {
   fs.rmSync(folder, { recursive: true });
 });
 
-async function open(file, viewport = WIDE, more = {}) {
+// `prepare` is called with the page before there is anything on it.
+async function open(file, viewport = WIDE, { prepare = () => {}, ...more } = {}) {
   studio = await Studio.start(folder, ...(file ? [file] : []));
   context = await browser.newContext({ viewport, acceptDownloads: true, permissions: ['clipboard-read', 'clipboard-write'], ...more });
   page = await context.newPage();
   page.setDefaultTimeout(60_000);
+  await prepare(page);
   page.on('pageerror', (error) => assert.fail(error));
   page.on('request', (request) => assert.ok(request.url().startsWith(studio.address) || /^(data|blob):/.test(request.url()), request.url()));
   await page.goto(studio.address);
@@ -133,11 +135,13 @@ test('layers by mouse and by keyboard, and every step back', async () => {
   await page.getByRole('textbox', { name: 'Colour, #RRGGBB or #AARRGGBB' }).last().fill('#C02020');
   await settled();
   assert.deepEqual(await names(), ['Stroke', 'Stroke', 'Outer shadow']);
-  // The shadow to the top, by keyboard, and back down with the mouse.
+  // The shadow to the top, by keyboard, faster than pictures come, and back down with the mouse.
   await page.locator('.layer .title').last().focus();
-  await page.keyboard.press('Alt+ArrowUp');
-  await settled();
-  await page.keyboard.press('Alt+ArrowUp');
+  await page.evaluate(() => {
+    const press = () => document.activeElement.dispatchEvent(new KeyboardEvent('keydown', { key: 'ArrowUp', altKey: true, bubbles: true }));
+    press();
+    setTimeout(press);
+  });
   await settled();
   assert.deepEqual(await names(), ['Outer shadow', 'Stroke', 'Stroke']);
   await page.locator('.layer').first().dragTo(page.locator('.layer').last());
@@ -332,6 +336,50 @@ test('nothing is lost by a reload, a crash of the server, or another editor', as
   await page.getByText('kept.json', { exact: true }).waitFor();
   await studio.stop();
   await page.locator('.lost').waitFor();
+});
+
+test('what comes late costs nothing', async () => {
+  write('late.json', { text: 'Late', size: 60, effects: [{ type: 'stroke' }] });
+  // Frames half a second late: the picture comes before the first, and says which layer is chosen.
+  const prepare = () => page.addInitScript(() => {
+    const later = setTimeout;
+    window.requestAnimationFrame = (call) => later(() => call(performance.now()), 500);
+    window.setTimeout = (call, time, ...all) => later(call, Math.max(time ?? 0, 500), ...all);
+  });
+  await open('late.json', WIDE, { prepare });
+  await page.locator('.layer.selected').waitFor();
+  await context.close();
+  await studio.stop();
+  await open('late.json');
+  const text = page.getByRole('textbox', { name: 'Text to draw' });
+  const nextLook = () => page.waitForResponse((response) => response.url().endsWith('/watch'));
+  const dialogs = () => page.getByRole('dialog').count();
+  // The answer to a save, behind two looks at the file that it wrote: edits meanwhile are kept.
+  await page.route('**/save', async (route) => {
+    const response = await route.fetch();
+    await text.fill('Edited while saved');
+    await nextLook();
+    await nextLook();
+    assert.equal(await dialogs(), 0);
+    await route.fulfill({ response });
+  });
+  await text.fill('Saved');
+  await page.keyboard.press('Control+s');
+  await page.getByText('Saved late.json').waitFor();
+  assert.equal(read('late.json').text, 'Saved');
+  await page.reload();
+  assert.equal(await text.inputValue(), 'Edited while saved');
+  await page.unroute('**/save');
+  await save();
+  // Another editor's file, behind an edit: asked.
+  await page.route('**/open', async (route) => {
+    await text.fill('Mine');
+    await route.continue();
+  });
+  write('late.json', { text: 'Theirs', size: 60 });
+  await button('Keep mine').click();
+  await page.locator('.file-name em').waitFor({ state: 'detached' });
+  assert.equal(read('late.json').text, 'Mine');
 });
 
 test('imports layer effects and tells what is lost', async () => {
