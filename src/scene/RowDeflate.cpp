@@ -18,7 +18,8 @@ using deflate::load64;
 constexpr size_t kPixel = 4;
 // Nothing shorter is looked for, but for the colour of the pixel before.
 constexpr size_t kWord = 4;
-constexpr int kHashBits = 13;
+// As many as there are places within reach: with fewer, others are in the way.
+constexpr int kHashBits = 15;
 // A match that is as long is taken without looking further, and what lies in it is not remembered.
 constexpr size_t kLong = 64;
 // How many places from a match's start on are remembered: more cost more than they find.
@@ -130,6 +131,8 @@ private:
     const size_t above_;
     deflate::Blocks& blocks_;
     // The lower 16 bits of the last four places for a hash, the last one lowest.
+    // A quarter of a megabyte on the stack: fresh memory of its own would take as long as a seventh
+    // of a title.
     std::array<uint64_t, size_t{1} << kHashBits> places_{};
 };
 
