@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <vector>
 
 #include "raster/PlaneMemory.h"
 #include "scene/RowDeflate.h"
@@ -87,38 +88,33 @@ Sized filteredRows(const uint32_t* pixels, uint32_t width, uint32_t height, Filt
 // The knee of the curve of time and size.
 constexpr int kSmallLevel = 10;
 
-Sized compress(const Sized& rows, int level) {
+std::vector<uint8_t> compress(const Sized& rows, int level) {
     struct Free {
         void operator()(libdeflate_compressor* c) const { libdeflate_free_compressor(c); }
     };
     const std::unique_ptr<libdeflate_compressor, Free> compressor(
         libdeflate_alloc_compressor(level));
     if (!compressor) throw PictureError("the picture", "out of memory");
-    // Only what is used of it is touched.
-    const size_t most = libdeflate_zlib_compress_bound(compressor.get(), rows.size);
-    Sized out{Bytes(new uint8_t[most]), 0};
-    out.size = libdeflate_zlib_compress(compressor.get(), rows.bytes.get(), rows.size,
-                                        out.bytes.get(), most);
+    std::vector<uint8_t> out(libdeflate_zlib_compress_bound(compressor.get(), rows.size));
+    out.resize(libdeflate_zlib_compress(compressor.get(), rows.bytes.get(), rows.size, out.data(),
+                                        out.size()));
     return out;
 }
 
 // Rendered text is flat or smooth: without a filter its repetitions stay whole, but for textures
 // that change from pixel to pixel. docs/gxtext.md has what each way costs and saves.
-Sized imageData(const uint32_t* pixels, uint32_t width, uint32_t height,
-                PngCompression compression) {
-    Sized plain = filteredRows(pixels, width, height, kNone);
+std::vector<uint8_t> imageData(const uint32_t* pixels, uint32_t width, uint32_t height,
+                               PngCompression compression) {
+    const Sized rows = filteredRows(pixels, width, height, kNone);
     if (compression != PngCompression::kSmall) {
-        const bool isFast = compression == PngCompression::kFast;
-        const std::vector<uint8_t> bytes =
-            deflateRows(plain.bytes.get(), plain.size, size_t{width} * 4 + 1,
-                        isFast ? RowEffort::kLess : RowEffort::kMore);
-        Sized out{Bytes(new uint8_t[bytes.size()]), bytes.size()};
-        std::memcpy(out.bytes.get(), bytes.data(), bytes.size());
-        return out;
+        return deflateRows(
+            rows.bytes.get(), rows.size, size_t{width} * 4 + 1,
+            compression == PngCompression::kFast ? RowEffort::kLess : RowEffort::kMore);
     }
-    plain = compress(plain, kSmallLevel);
-    Sized differences = compress(filteredRows(pixels, width, height, kUp), kSmallLevel);
-    return differences.size < plain.size ? std::move(differences) : std::move(plain);
+    std::vector<uint8_t> plain = compress(rows, kSmallLevel);
+    std::vector<uint8_t> differences =
+        compress(filteredRows(pixels, width, height, kUp), kSmallLevel);
+    return differences.size() < plain.size() ? differences : plain;
 }
 
 // A file in memory that is written chunk by chunk.
@@ -144,13 +140,13 @@ void append(png_structp png, png_bytep data, size_t size) {
 
 // False when libpng jumped out. No object here has a destructor that the jump would pass over.
 bool writeChunks(png_structp png, png_infop info, uint32_t width, uint32_t height,
-                 const Sized& data) {
+                 const std::vector<uint8_t>& data) {
     if (setjmp(png_jmpbuf(png)) != 0) return false;
     png_set_IHDR(png, info, width, height, 8, PNG_COLOR_TYPE_RGB_ALPHA, PNG_INTERLACE_NONE,
                  PNG_COMPRESSION_TYPE_BASE, PNG_FILTER_TYPE_BASE);
     png_set_sRGB(png, info, PNG_sRGB_INTENT_PERCEPTUAL);
     png_write_info(png, info);
-    png_write_chunk(png, reinterpret_cast<png_const_bytep>("IDAT"), data.bytes.get(), data.size);
+    png_write_chunk(png, reinterpret_cast<png_const_bytep>("IDAT"), data.data(), data.size());
     png_write_chunk(png, reinterpret_cast<png_const_bytep>("IEND"), nullptr, 0);
     return true;
 }
@@ -164,10 +160,10 @@ void checkPictureSize(const std::string& place, uint64_t width, uint64_t height)
 std::string encodePng(const uint32_t* pixels, uint32_t width, uint32_t height,
                       PngCompression compression) {
     if (!pixels || width == 0 || height == 0) throw PictureError("the picture", "no pixels");
-    const Sized data = imageData(pixels, width, height, compression);
+    const std::vector<uint8_t> data = imageData(pixels, width, height, compression);
     // The signature, the header, the colour space and the ends of the chunks.
     constexpr size_t kFrame = 128;
-    std::string bytes(data.size + kFrame, '\0');
+    std::string bytes(data.size() + kFrame, '\0');
     PngFile file{bytes.data(), 0, bytes.size()};
     png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, &file, leave, nullptr);
     png_infop info = png ? png_create_info_struct(png) : nullptr;

@@ -49,7 +49,7 @@ public:
     Matcher(const uint8_t* rows, size_t size, size_t period, deflate::Blocks& blocks)
         : rows_(rows),
           size_(size),
-          above_(period <= kFarthestMatch ? period : kPixel),
+          above_(period <= kFarthestMatch ? period : size),
           blocks_(blocks) {}
 
     void run() {
@@ -128,7 +128,7 @@ private:
 
     const uint8_t* rows_;
     const size_t size_;
-    const size_t above_;
+    const size_t above_;  // how far before a pixel the one above is; beyond all when out of reach
     deflate::Blocks& blocks_;
     // The lower 16 bits of the last four places for a hash, the last one lowest.
     // A quarter of a megabyte on the stack: fresh memory of its own would take as long as a seventh

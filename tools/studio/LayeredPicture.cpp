@@ -151,8 +151,7 @@ std::string readLayers(const std::string& file, const std::vector<std::string>& 
     }
     throw Error(
         "layered pictures are read by the Python package gxtext with its extra psd, which no "
-        "Python "
-        "here has; install it with: pip install 'gxtext[psd]'");
+        "Python here has; install it with: pip install 'gxtext[psd]'");
 }
 
 ordered_json layersOf(const std::string& printed) {
