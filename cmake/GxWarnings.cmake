@@ -22,3 +22,8 @@ function(gxtext_target name)
         -ffp-contract=off -fno-fast-math -Wall -Wextra -Wzero-as-null-pointer-constant -Wsuggest-override
         $<$<BOOL:${GXTEXT_WERROR}>:-Werror>)
 endfunction()
+
+# gxtext_optimization(<name> <level>): less of it in release builds, where a user would not notice but a build does.
+function(gxtext_optimization name level)
+    target_compile_options(${name} PRIVATE $<$<CONFIG:Release>:-O${level}>)
+endfunction()

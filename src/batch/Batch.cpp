@@ -274,7 +274,7 @@ void Run::count(const Entry& entry) {
 }
 
 void Run::reportFailure(const Entry& entry) const {
-    const auto line = nlohmann::json::parse(entry.answer->line);
+    const auto line = nlohmann::ordered_json::parse(entry.answer->line);
     events_.failed(entry.row.number, {line["error"]["place"], line["error"]["reason"]});
 }
 

@@ -19,7 +19,7 @@ namespace gxtext {
 namespace {
 
 using GxFontEffect::Descriptor;
-using nlohmann::json;
+using nlohmann::ordered_json;
 
 [[noreturn]] void failWith(const std::string& file, const char* task) {
     throw FileError(file, std::string(task) + ": " + strerror(errno));
@@ -71,7 +71,7 @@ private:
 
 // Empty for a line without a picture.
 std::string outputOf(const std::string& line) {
-    const json value = json::parse(line, nullptr, false);
+    const ordered_json value = ordered_json::parse(line, nullptr, false);
     if (!value.is_object() || !value.contains("sha256")) return {};
     const auto output = value.find("output");
     return output != value.end() && output->is_string() ? output->get<std::string>() : "";

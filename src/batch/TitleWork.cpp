@@ -17,7 +17,6 @@ namespace gxtext {
 namespace {
 
 namespace fs = std::filesystem;
-using nlohmann::json;
 using nlohmann::ordered_json;
 
 // Styles of other files that are kept; more are read again.
@@ -164,7 +163,7 @@ std::string TitleWork::inputHash(const Style& style, const Arrangement& arrangem
 }
 
 bool TitleWork::isUnchanged(const TitleRequest& request, const Style& style) {
-    const json known = json::parse(request.known, nullptr, false);
+    const ordered_json known = ordered_json::parse(request.known, nullptr, false);
     if (!known.is_object()) return false;
     const auto bytes = known.find("bytes");
     std::error_code isMissing;

@@ -10,7 +10,7 @@ namespace gxtext {
 
 namespace {
 
-using nlohmann::json;
+using nlohmann::ordered_json;
 
 constexpr size_t kLongestShown = 40;
 
@@ -41,13 +41,13 @@ public:
 
     bool null() { return add(std::monostate()); }
     bool boolean(bool value) { return add(value); }
-    bool number_integer(json::number_integer_t value) { return addNumber(value); }
-    bool number_unsigned(json::number_unsigned_t value) { return addNumber(value); }
-    bool number_float(json::number_float_t value, const std::string& text) {
+    bool number_integer(ordered_json::number_integer_t value) { return addNumber(value); }
+    bool number_unsigned(ordered_json::number_unsigned_t value) { return addNumber(value); }
+    bool number_float(ordered_json::number_float_t value, const std::string& text) {
         return add(JsonNumber{value, text});
     }
     bool string(std::string& value) { return add(std::move(value)); }
-    bool binary(json::binary_t& /*value*/) { return false; }  // not in JSON
+    bool binary(ordered_json::binary_t& /*value*/) { return false; }  // not in JSON
     bool start_object(size_t /*count*/) { return open(JsonValue::Object()); }
     bool start_array(size_t /*count*/) { return open(JsonValue::Array()); }
     bool end_object() { return close(); }
@@ -57,7 +57,8 @@ public:
         return true;
     }
     // `what` begins with "[json.exception.parse_error.101] ".
-    bool parse_error(size_t /*offset*/, const std::string& token, const json::exception& error) {
+    bool parse_error(size_t /*offset*/, const std::string& token,
+                     const ordered_json::exception& error) {
         constexpr size_t kLongestReason = 300;
         if (error.id == kNumberOverflow) {
             fail(shortened(token, kLongestShown) + " is too large for a number");
@@ -138,7 +139,7 @@ JsonValue parseJson(std::string_view text, const std::string& source) {
         throw StyleError(source, {"$", "a NUL byte at " + lineAndColumn(text, nul), ""});
     }
     TreeBuilder builder(source);
-    json::sax_parse(text, &builder);
+    ordered_json::sax_parse(text, &builder);
     return std::move(builder.root);
 }
 
@@ -159,7 +160,7 @@ std::string shown(const JsonValue& value) {
     if (const auto* boolean = value.as<bool>()) text = *boolean ? "true" : "false";
     if (const auto* number = value.as<JsonNumber>()) text = number->text;
     if (const auto* string = value.as<std::string>()) {
-        text = json(*string).dump(-1, ' ', true, json::error_handler_t::replace);
+        text = ordered_json(*string).dump(-1, ' ', true, ordered_json::error_handler_t::replace);
     }
     return shortened(std::move(text), kLongestShown);
 }

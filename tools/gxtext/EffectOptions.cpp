@@ -15,7 +15,7 @@ namespace {
 using gxtext::Effect;
 using gxtext::EffectType;
 using gxtext::Field;
-using nlohmann::json;
+using nlohmann::ordered_json;
 
 // An effect in a word: values by commas, colours anywhere among them, numbers in this order.
 struct Shorthand {
@@ -54,12 +54,12 @@ std::string helpOf(const Shorthand& shorthand) {
 }
 
 bool isNumber(const std::string& text) {
-    return json::parse(text, nullptr, false).is_number();
+    return ordered_json::parse(text, nullptr, false).is_number();
 }
 
 // Stops at equal distances.
-json rampOf(const std::vector<std::string>& colors) {
-    json stops = json::array();
+ordered_json rampOf(const std::vector<std::string>& colors) {
+    ordered_json stops = ordered_json::array();
     const double last = std::max<double>(1, static_cast<double>(colors.size()) - 1);
     for (size_t i = 0; i < colors.size(); i++) {
         stops.push_back({{"color", colors[i]}, {"position", static_cast<double>(i) / last}});
@@ -68,15 +68,15 @@ json rampOf(const std::vector<std::string>& colors) {
 }
 
 // The fields that the values stand for. Throws ToolError for one value too many.
-json fieldsOf(const Shorthand& shorthand, const std::string& text) {
-    json fields = json::object();
+ordered_json fieldsOf(const Shorthand& shorthand, const std::string& text) {
+    ordered_json fields = ordered_json::object();
     std::vector<std::string> colors;
     size_t numbers = 0;
     for (const std::string& value : CLI::detail::split(text, ',')) {
         if (value.starts_with('#')) {
             colors.push_back(value);
         } else if (isNumber(value) && numbers < shorthand.numbers.size()) {
-            fields[shorthand.numbers[numbers++]] = json::parse(value);
+            fields[shorthand.numbers[numbers++]] = ordered_json::parse(value);
         } else if (!isNumber(value) && shorthand.word && !fields.contains(shorthand.word)) {
             fields[shorthand.word] = value;
         } else {
@@ -95,7 +95,7 @@ json fieldsOf(const Shorthand& shorthand, const std::string& text) {
 
 // Changes the effect of that type, or adds one.
 Style withEffect(const Style& style, const Shorthand& shorthand, const std::string& text) {
-    json fields = fieldsOf(shorthand, text);
+    ordered_json fields = fieldsOf(shorthand, text);
     const auto same =
         std::find_if(style.effects.begin(), style.effects.end(),
                      [&](const Effect& effect) { return effect.type == shorthand.type; });
