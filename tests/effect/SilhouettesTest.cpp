@@ -4,50 +4,31 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <functional>
+#include <algorithm>
 #include <memory>
 #include <vector>
 
 #include "effect/GxEffect.h"
 #include "effect/filters/FilterTesting.h"
-#include "effect/filters/GxStroke.h"
+#include "effect/filters/PlaneModels.h"
 
 namespace GxFontEffect {
 namespace {
 
 using gxtest::difference;
+using gxtest::Plane;
 using gxtest::Scene;
 
 constexpr int kSide = 40;
 constexpr int kInk = 12;  // extent of the letters, in the middle
 
-using Plane = std::vector<int>;  // kSide x kSide
-
 Plane dilated(const Plane& plane, float radius) {
-    unsigned char* cells = nullptr;
-    const int size = makeCircleKernel(&cells, radius);
-    const int half = size / 2;
-    Plane result(plane.size());
-    for (int y = 0; y < kSide; ++y) {
-        for (int x = 0; x < kSide; ++x) {
-            for (int i = 0; i < size * size; ++i) {
-                const int fromX = x + i % size - half, fromY = y + i / size - half;
-                const bool isInside = fromX >= 0 && fromY >= 0 && fromX < kSide && fromY < kSide;
-                const int m = isInside ? plane[fromY * kSide + fromX] : 0;
-                int& cell = result[y * kSide + x];
-                cell = std::max(cell, m == 0 ? 0 : m + cells[i] - 255);
-            }
-        }
-    }
-    std::free(cells);
-    return result;
+    return gxtest::dilated(plane, gxtest::Disc(radius));
 }
-
-Plane combined(const Plane& a, const Plane& b, const std::function<int(int, int)>& of) {
-    Plane result;
-    for (size_t i = 0; i < a.size(); ++i) result.push_back(of(a[i], b[i]));
-    return result;
+// What `of` makes of the cells of both.
+template <typename Of>
+Plane combined(const Plane& a, const Plane& b, const Of& of) {
+    return {kSide, kSide, 0, [&](int x, int y) { return of(a.at(x, y), b.at(x, y)); }};
 }
 int largerOf(int a, int b) {
     return std::max(a, b);
@@ -70,7 +51,9 @@ struct Letters : Scene {
             }
         }
     }
-    Plane plane() const { return {mask.data, mask.data + kSide * kSide}; }
+    Plane plane() const {
+        return {kSide, kSide, 0, [&](int x, int y) { return coverage(x - 14, y - 14); }};
+    }
 };
 
 // Letters with strokes in a stack and what one effect of it sees.
@@ -90,15 +73,14 @@ struct Stack {
         return silhouettes->choose(*effect.findEffect(id), block);
     }
     Plane seen() const {
-        Plane plane(kSide * kSide);
-        const GxRect& box = *block.textRect;
-        for (int y = box.top; y < box.bottom; ++y) {
-            for (int x = box.left; x < box.right; ++x) {
-                plane[y * kSide + x] =
-                    block.src->data[(y - block.srcTop) * block.src->width + x - block.srcLeft];
-            }
-        }
-        return plane;
+        const GxRect& text = *block.textRect;
+        return {kSide, kSide, 0, [&](int x, int y) {
+                    const bool isInside =
+                        x >= text.left && x < text.right && y >= text.top && y < text.bottom;
+                    const GxBitmap& mask = *block.src;
+                    return isInside ? mask.data[(y - block.srcTop) * mask.width + x - block.srcLeft]
+                                    : 0;
+                }};
     }
 
     GxEffect effect;
@@ -131,30 +113,20 @@ TEST(Silhouettes, EqualTheirDefinition) {
         const auto whole = static_cast<float>(static_cast<int>(silhouette.spread));
         if (whole > 0) expected = combined(expected, dilated(expected, whole), largerOf);
         ASSERT_TRUE(outer.choose(silhouette));
-        ASSERT_EQ(outer.seen(), expected) << run << " spread " << silhouette.spread;
+        ASSERT_EQ(outer.seen().cells, expected.cells) << run << " spread " << silhouette.spread;
 
         Stack inner(letters, GXE_STYLE_INNER_GLOW);
         Plane choked = letters.plane();
         if (whole > 0) choked = inverse(dilated(inverse(choked), whole));
         ASSERT_TRUE(inner.choose(silhouette));
-        ASSERT_EQ(inner.seen(), choked) << run << " spread " << silhouette.spread;
+        ASSERT_EQ(inner.seen().cells, choked.cells) << run << " spread " << silhouette.spread;
     }
 }
 
-GxBitmap rendered(GxEffect& stack, int x, int y, int extent, const uint8_t* mask) {
-    GxBitmap output(kSide, kSide, 4);
-    std::vector<uint8_t> pixels(mask, mask + extent * extent);
-    GxGlyph glyph;
-    glyph.pixels = pixels.data();
-    glyph.width = glyph.height = static_cast<uint16_t>(extent);
+GxBitmap rendered(GxEffect& stack, int x, int y, int extent, const uint8_t* pixels) {
+    const GxBitmap mask(extent, extent, pixels, 1);
     stack.setOutput(GxEffect::Output::kFreshWords);
-    stack.initEffect(kSide, kSide);
-    stack.setTextBox(GxRect(x, y, x + extent, y + extent));
-    stack.setDstBitmap(&output);
-    stack.renderEffectLayer(x, y, &glyph);
-    stack.doEffectPostProcessing();
-    stack.compositeLayers(&output);
-    return output;
+    return gxtest::renderStack(stack, kSide, kSide, x, y, mask);
 }
 
 // The stack with a silhouette over the letters, and the plain one over the silhouette. Strokes
@@ -182,9 +154,7 @@ TEST(Silhouettes, EffectsRunAsIfTheyWereTheText) {
         for (int i = 0; i < kInk * kInk; ++i) {
             ink.push_back(letters.mask.data[(14 + i / kInk) * kSide + 14 + i % kInk]);
         }
-        const Plane plane = seen.seen();
-        const std::vector<uint8_t> shape(plane.begin(), plane.end());
-        const GxBitmap expected = rendered(plain, 0, 0, kSide, shape.data());
+        const GxBitmap expected = rendered(plain, 0, 0, kSide, seen.seen().bytes().data());
         ASSERT_EQ(difference(expected, rendered(cast, 14, 14, kInk, ink.data())), "") << run;
     }
 }

@@ -11,6 +11,12 @@
 #include "effect/GxCoreFactory.h"
 #include "effect/GxProperty.h"
 #include "effect/filters/FilterTesting.h"
+#include "effect/filters/GxBevel.h"
+#include "effect/filters/GxEmboss.h"
+#include "effect/filters/GxInnerShadow.h"
+#include "effect/filters/GxLinearGradient.h"
+#include "effect/filters/GxPattern.h"
+#include "effect/filters/GxRadialGradient.h"
 #include "raster/GxMath.h"
 #include "support/AllocationFailure.h"
 
@@ -32,19 +38,21 @@ void PrintTo(const Filter& filter, std::ostream* out) {
     *out << "style " << filter.style;
 }
 
-const GxGradient kThreeStops[] = {{0xFFFF0000, 1, 0}, {0xFF00FF00, 1, 0.5f}, {0xFF0000FF, 1, 1}};
-
 // Positions as odd as the sizes.
 std::array<GxGradient, 4> stopsAt(float v) {
     return {{{0xFFFF0000, v, v}, {0x80123456, v, 0.5f}, {0xFF00FF00, v, v}, {0xFF0000FF, v, -v}}};
 }
 
-GxBitmap* whitePicture() {
-    static GxBitmap picture = [] {
-        const std::vector<uint8_t> white(24, 255);
-        return GxBitmap(3, 2, white.data(), 4);
-    }();
-    return &picture;
+// Stops and a picture for a record to point at. Afterwards they are blank: a core has its own.
+template <typename Give>
+void lend(const Give& give) {
+    static std::array<GxGradient, 3> stops;
+    static GxBitmap picture(3, 2, 4);
+    stops = {{{0xFFFF0000, 1, 0}, {0xFF00FF00, 1, 0.5f}, {0xFF0000FF, 1, 1}}};
+    std::memset(picture.data, 255, 24);
+    give(stops.data(), &picture);
+    stops = {};
+    std::memset(picture.data, 0, 24);
 }
 
 template <typename Record, typename... Fields>
@@ -54,6 +62,17 @@ void give(GxECoreBase& core, Fields... fields) {
 }
 
 constexpr uint32_t kGreen = 0xFF00FF00;
+
+template <typename Record, int kFirst, auto kSecond, int kThird>
+void giveStops(GxECoreBase& core) {
+    lend([&](auto* stops, auto*) { give<Record>(core, kFirst, kSecond, kThird, 3, stops); });
+}
+
+void giveFilledStroke(GxECoreBase& core, float size, const GxProperty& fill) {
+    GxStrokeProperty record(size, kGreen, 1, 0, GxStrokeProperty::kOutside);
+    record.fill = &fill;
+    core.setProperty(&record);
+}
 
 // Fields are public: what the constructor would clamp can still be set.
 template <typename Record>
@@ -71,13 +90,11 @@ const Filter kFilters[] = {
     {GXE_STYLE_INNER_SHADOW,
      [](auto& core) { give<GxInnerShadowProperty>(core, 120, 2, 2, kGreen, 1); },
      [](auto& core, float v) { give<GxInnerShadowProperty>(core, v, v, v, kGreen, v); }},
-    {GXE_STYLE_OUTER_GLOW,
-     [](auto& core) { give<GxOuterGlowProperty>(core, 2, kGreen, 1, 3, kThreeStops); },
+    {GXE_STYLE_OUTER_GLOW, giveStops<GxOuterGlowProperty, 2, kGreen, 1>,
      [](auto& core, float v) {
          give<GxOuterGlowProperty>(core, v, kGreen, v, 4, stopsAt(v).data());
      }},
-    {GXE_STYLE_INNER_GLOW,
-     [](auto& core) { give<GxInnerGlowProperty>(core, 2, kGreen, 1, 3, kThreeStops); },
+    {GXE_STYLE_INNER_GLOW, giveStops<GxInnerGlowProperty, 2, kGreen, 1>,
      [](auto& core, float v) {
          give<GxInnerGlowProperty>(core, v, kGreen, v, 4, stopsAt(v).data());
      }},
@@ -85,19 +102,20 @@ const Filter kFilters[] = {
      [](auto& core, float v) { giveRelief<GxBevelProperty>(core, v, v); }},
     {GXE_STYLE_EMBOSS, [](auto& core) { giveRelief<GxEmbossProperty>(core, 3, 1); },
      [](auto& core, float v) { giveRelief<GxEmbossProperty>(core, v, v); }},
-    {GXE_STYLE_LINEAR_GRADIENT,
-     [](auto& core) { give<GxLinearGradientProperty>(core, 30, 1, 1, 3, kThreeStops); },
+    {GXE_STYLE_LINEAR_GRADIENT, giveStops<GxLinearGradientProperty, 30, 1, 1>,
      [](auto& core, float v) {
          give<GxLinearGradientProperty>(core, v, v, v, 4, stopsAt(v).data());
      }},
-    {GXE_STYLE_RADIAL_GRADIENT,
-     [](auto& core) { give<GxRadialGradientProperty>(core, 30, 1, 1, 3, kThreeStops); },
+    {GXE_STYLE_RADIAL_GRADIENT, giveStops<GxRadialGradientProperty, 30, 1, 1>,
      [](auto& core, float v) {
          give<GxRadialGradientProperty>(core, v, v, v, 4, stopsAt(v).data());
      }},
-    {GXE_STYLE_PATTERN, [](auto& core) { give<GxPatternProperty>(core, whitePicture(), 1.5f, 1); },
+    {GXE_STYLE_PATTERN,
+     [](auto& core) {
+         lend([&](auto*, auto* picture) { give<GxPatternProperty>(core, picture, 1.5f, 1); });
+     },
      [](auto& core, float v) {
-         give<GxPatternProperty>(core, whitePicture(), v, v);
+         lend([&](auto*, auto* picture) { give<GxPatternProperty>(core, picture, v, v); });
          // Fields are public: what the constructor would clamp can still be set.
          dynamic_cast<GxPatternProperty&>(*core.getProperty()).scale = v;
      }},
@@ -105,6 +123,20 @@ const Filter kFilters[] = {
      [](auto& core) { give<GxStrokeProperty>(core, 3, kGreen, 1, 0, GxStrokeProperty::kCenter); },
      [](auto& core, float v) {
          give<GxStrokeProperty>(core, v, kGreen, v, 0, GxStrokeProperty::kOutside);
+     }},
+    {GXE_STYLE_STROKE,
+     [](auto& core) {
+         lend([&](auto* stops, auto*) {
+             const GxLinearGradientProperty fill(30, 1, 1, 3, stops);
+             giveFilledStroke(core, 3, fill);
+         });
+     },
+     [](auto& core, float v) {
+         lend([&](auto*, auto* picture) {
+             GxPatternProperty fill(picture, v, v);
+             fill.scale = v;
+             giveFilledStroke(core, v, fill);
+         });
      }},
 };
 
@@ -251,9 +283,61 @@ TEST_P(Filters, AFailedCopyKeepsTheRecord) {
 }
 
 std::string styleName(const testing::TestParamInfo<Filter>& info) {
-    return "Style" + std::to_string(info.param.style);
+    return std::to_string(info.index) + "Style" + std::to_string(info.param.style);
 }
 INSTANTIATE_TEST_SUITE_P(Styles, Filters, testing::ValuesIn(kFilters), styleName);
+
+// Every pixel of a square that the record is to leave alone.
+template <typename Core, typename Record>
+void expectNothingPainted(const Record& record) {
+    Scene scene({"###", "###", "###"}, 3);
+    gxtest::paintWith<Core>(scene, record);
+    EXPECT_EQ(difference(GxBitmap(9, 9, 4), scene.layer), "");
+}
+
+TEST(FilterRecords, WithNothingToPaintLeaveTheLayer) {
+    const GxGradient stops[] = {{0xFF000000, 1, 0}, {0xFF0000FF, 1, 1}};
+    for (const float scale : {0.05f, 0.0f, -3.0f, gxtest::kNaN, 0.099f}) {
+        expectNothingPainted<GxLinearGradient>(GxLinearGradientProperty(0, scale, 1, 2, stops));
+        expectNothingPainted<GxRadialGradient>(GxRadialGradientProperty(0, scale, 1, 2, stops));
+    }
+    expectNothingPainted<GxLinearGradient>(GxLinearGradientProperty(0, 1, 1, 0, stops));
+    expectNothingPainted<GxRadialGradient>(GxRadialGradientProperty(0, 1, 1, 2, nullptr));
+    GxBitmap empty, none(0, 4, 4), mask(2, 2, 1), fine(2, 2, 4);
+    std::memset(mask.data, 255, 4);
+    std::memset(fine.data, 255, 16);
+    for (GxBitmap* picture : {&empty, &none, &mask, static_cast<GxBitmap*>(nullptr)}) {
+        expectNothingPainted<GxPattern>(GxPatternProperty(picture, 1, 1));
+    }
+    expectNothingPainted<GxPattern>(GxPatternProperty(&fine, 0.05f, 1));
+    for (const auto& [size, depth] :
+         {std::pair{0.0f, 1.0f}, {0.4f, 1.0f}, {-3.0f, 1.0f}, {gxtest::kNaN, 1.0f}, {5, 0.004f}}) {
+        for (const int kind : {0, 1}) {
+            const GxBevelProperty bevel(kind, size, depth, 0, 0, 3, 1, 120, 30, kGreen, 1, 0, 1);
+            expectNothingPainted<GxBevel>(bevel);
+            EXPECT_EQ(gxtest::marginsOf<GxBevel>(bevel), (std::array{0, 0, 0, 0}));
+            expectNothingPainted<GxEmboss>(
+                GxEmbossProperty(kind, size, depth, 0, 0, 3, 1, 120, 30, kGreen, 1, 0, 1));
+        }
+    }
+}
+
+// Fields that were set past what the constructor lets through.
+TEST(FilterRecords, AreReducedWhenTheyAreGiven) {
+    GxLinearGradientProperty gradient(0, 1, 1, 0, nullptr);
+    gradient.angle = -725;
+    gradient.scale = 9;
+    GxLinearGradient linear;
+    linear.setProperty(&gradient);
+    const auto& kept = dynamic_cast<const GxLinearGradientProperty&>(*linear.getProperty());
+    EXPECT_EQ(kept.angle, -5.0f);
+    EXPECT_EQ(kept.scale, 2.0f);
+    GxInnerShadowProperty shadow(0, 1, 1, 0, 1);
+    shadow.angle = -725.9f;
+    GxInnerShadow inner;
+    inner.setProperty(&shadow);
+    EXPECT_EQ(dynamic_cast<const GxInnerShadowProperty&>(*inner.getProperty()).angle, -5.0f);
+}
 
 }  // namespace
 }  // namespace GxFontEffect

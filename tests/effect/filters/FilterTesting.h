@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstring>
 #include <string>
@@ -13,6 +14,7 @@
 #include "effect/GxEffect.h"
 #include "raster/GxBitmap.h"
 #include "raster/GxBlender.h"
+#include "raster/GxMath.h"
 #include "support/NotFinite.h"
 #include "support/Random.h"
 
@@ -129,6 +131,27 @@ void paintWith(Scene& scene, const Record& record, uint32_t mode = 0, bool both 
     core.doPostProcessing(&param);
 }
 
+// Calls `check(random, scene)` with this many random scenes, until one fails.
+template <typename Check>
+void forRandomScenes(uint32_t seed, int count, int maxExtent, const Check& check) {
+    Random random(seed);
+    GX_TRACE_SEED(random);
+    for (int i = 0; i < count && !testing::Test::HasFatalFailure(); ++i) {
+        SCOPED_TRACE("scene " + std::to_string(i));
+        Scene scene = randomScene(random, maxExtent);
+        check(random, scene);
+    }
+}
+
+// What the effect needs beyond the text: left, top, right, bottom.
+template <typename Core, typename Record>
+std::array<int, 4> marginsOf(const Record& record) {
+    Core core;
+    core.setProperty(&record);
+    return {core.getLeftOffset(), core.getTopOffset(), core.getRightOffset(),
+            core.getBottomOffset()};
+}
+
 // A mask as glyphs come; it borrows the pixels.
 inline GxFontEffect::GxGlyph glyphOf(const GxFontEffect::GxBitmap& mask) {
     GxFontEffect::GxGlyph glyph;
@@ -145,6 +168,8 @@ inline GxFontEffect::GxBitmap renderStack(GxFontEffect::GxEffect& stack, uint32_
     GxFontEffect::GxBitmap output(width, height, 4);
     const GxFontEffect::GxGlyph glyph = glyphOf(mask);
     stack.initEffect(width, height);
+    stack.setTextBox(GxFontEffect::GxRect(x, y, GxFontEffect::saturateInt(int64_t{x} + glyph.width),
+                                          GxFontEffect::saturateInt(int64_t{y} + glyph.height)));
     stack.setDstBitmap(&output);
     stack.renderEffectLayer(x, y, &glyph);
     stack.doEffectPostProcessing();

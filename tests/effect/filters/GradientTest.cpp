@@ -20,58 +20,10 @@ template <typename Core>
 using GradientRecord = std::conditional_t<std::is_same_v<Core, GxLinearGradient>,
                                           GxLinearGradientProperty, GxRadialGradientProperty>;
 
-const std::vector<GxGradient> kTwoStops = {{0xFF000000, 1, 0}, {0xFF0000FF, 1, 1}};
-
-template <typename Core>
-void paint(Scene& scene, float angle, float scale, const std::vector<GxGradient>& stops,
-           uint32_t mode = 0) {
-    const GradientRecord<Core> record(angle, scale, 0.1f, static_cast<int>(stops.size()),
-                                      stops.data());
-    gxtest::paintWith<Core>(scene, record, mode);
-}
-
-Scene fullScene(int width, int height) {
-    Scene scene(width, height);
-    std::memset(scene.mask.data, 255, size_t{scene.mask.width} * scene.mask.height);
-    return scene;
-}
-
 template <typename Core>
 class Gradients : public testing::Test {};
 using GradientCores = testing::Types<GxLinearGradient, GxRadialGradient>;
 TYPED_TEST_SUITE(Gradients, GradientCores);
-
-TYPED_TEST(Gradients, NothingWithoutStopsOrScale) {
-    for (const auto& [scale, count] :
-         {std::pair{0.05f, 2}, {0.0f, 2}, {-3.0f, 2}, {1.0f, 0}, {gxtest::kNaN, 2}, {0.099f, 2}}) {
-        Scene scene = fullScene(3, 3);
-        paint<TypeParam>(scene, 0, scale, {kTwoStops.begin(), kTwoStops.begin() + count});
-        EXPECT_EQ(scene.pixel(1, 1), 0u) << scale << " " << count;
-    }
-    TypeParam core;
-    const GradientRecord<TypeParam> record(0, 1, 1, 2, nullptr);
-    core.setProperty(&record);
-    Scene scene = fullScene(3, 3);
-    auto param = scene.param();
-    core.doPostProcessing(&param);
-    EXPECT_EQ(scene.pixel(1, 1), 0u);
-    EXPECT_EQ(core.getOffset(), 0);
-}
-
-TYPED_TEST(Gradients, KeepTheirOwnStops) {
-    TypeParam core;
-    {
-        std::vector<GxGradient> stops = kTwoStops;
-        GradientRecord<TypeParam> record(-725, 9, 1, 2, stops.data());
-        record.angle = -725;
-        record.scale = 9;
-        core.setProperty(&record);
-    }
-    const auto& record = dynamic_cast<const GxLinearGradientProperty&>(*core.getProperty());
-    EXPECT_EQ(record.stops[1].color, 0xFF0000FFu);
-    EXPECT_EQ(record.angle, -5.0f);
-    EXPECT_EQ(record.scale, 2.0f);
-}
 
 // One entry of the table, from its definition for stops at 0, `middle` and 1.
 uint32_t modelColor(int index, const std::vector<GxGradient>& stops) {
@@ -127,10 +79,7 @@ GxBitmap model(const Scene& scene, float angle, float scale, const std::vector<G
 }
 
 TYPED_TEST(Gradients, EqualTheirDefinition) {
-    gxtest::Random random(307);
-    GX_TRACE_SEED(random);
-    for (int run = 0; run < 200; ++run) {
-        Scene scene = gxtest::randomScene(random, 40);
+    gxtest::forRandomScenes(307, 200, 40, [](gxtest::Random& random, Scene& scene) {
         std::vector<GxGradient> stops;
         const int count = random.between(1, 6);
         for (int i = 0; i < count; ++i) {
@@ -140,10 +89,10 @@ TYPED_TEST(Gradients, EqualTheirDefinition) {
         const auto angle = static_cast<float>(random.between(-359, 359));
         const float scale = static_cast<float>(random.between(11, 200)) * 0.01f;
         const GxBitmap expected = model<TypeParam>(scene, angle, scale, stops);
-        paint<TypeParam>(scene, angle, scale, stops, random.between(0, 1));
-        ASSERT_EQ(difference(expected, scene.layer), "")
-            << run << " angle " << angle << " scale " << scale;
-    }
+        const GradientRecord<TypeParam> record(angle, scale, 0.1f, count, stops.data());
+        gxtest::paintWith<TypeParam>(scene, record, random.between(0, 1));
+        ASSERT_EQ(difference(expected, scene.layer), "") << "angle " << angle << " x" << scale;
+    });
 }
 
 }  // namespace

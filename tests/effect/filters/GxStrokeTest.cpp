@@ -2,69 +2,50 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <memory>
+#include <algorithm>
+#include <array>
+#include <cmath>
 #include <vector>
 
 #include "effect/filters/FilterTesting.h"
 #include "effect/filters/GxLinearGradient.h"
 #include "effect/filters/GxPattern.h"
 #include "effect/filters/GxRadialGradient.h"
+#include "effect/filters/PlaneModels.h"
 #include "raster/kernels/BlendPixel.h"
 
 namespace GxFontEffect {
 namespace {
 
 using gxtest::difference;
+using gxtest::Disc;
+using gxtest::Plane;
+using gxtest::Random;
 using gxtest::Scene;
 
-struct Kernel {
-    explicit Kernel(float radius) { size = makeCircleKernel(&cells, radius); }
-    Kernel(const Kernel&) = delete;
-    Kernel& operator=(const Kernel&) = delete;
-    ~Kernel() { std::free(cells); }
-    int at(int64_t y, int64_t x) const { return cells[y * size + x]; }
-
-    unsigned char* cells = nullptr;
-    int size;
-};
-
-TEST(CircleKernel, SizesAndCells) {
-    struct Case {
-        float radius;
-        int size;
-        int centre, next, rim;  // (R, R), (R, R + 1), (R, 2R); -1: no such cell
-    };
-    const Case cases[] = {
-        {0.0f, 1, 0, -1, -1},     {0.3f, 1, 77, -1, -1},     // 0.3 x 255 + 0.5 = 77.0
-        {0.5f, 3, 128, 128, 128},                            // centre 0.5; distance 1: 0.5 - 1 + 1
-        {1.0f, 3, 255, 255, 255}, {1.5f, 5, 255, 255, 128},  // distance 2: 0.5
-        {2.0f, 5, 255, 255, 255}, {-1.0f, 1, 0, -1, -1},
-    };
-    for (const Case& c : cases) {
-        const Kernel kernel(c.radius);
-        ASSERT_EQ(kernel.size, c.size) << c.radius;
-        const int r = c.size / 2;
-        EXPECT_EQ(kernel.at(r, r), c.centre) << c.radius;
-        if (c.next >= 0) {
-            EXPECT_EQ(kernel.at(r, r + 1), c.next) << c.radius;
-            EXPECT_EQ(kernel.at(r, c.size - 1), c.rim) << c.radius;
-            EXPECT_EQ(kernel.at(0, r), c.rim) << c.radius;
+TEST(CircleKernel, CellsAreTheDiscsCoverage) {
+    for (const float radius : {-1.0f, 0.0f, 0.3f, 0.5f, 1.0f, 1.4f, 1.5f, 2.0f, 5.7f, 40.0f}) {
+        const Disc disc(radius);
+        const int r = static_cast<int>(radius + 0.5f);
+        ASSERT_EQ(disc.size, 2 * r + 1) << radius;
+        for (int i = 0; i < disc.size * disc.size; ++i) {
+            const double distance = std::hypot(i % disc.size - r, i / disc.size - r);
+            const double covered = distance == 0 ? radius : radius - distance + 1;
+            ASSERT_EQ(disc.cells[i], static_cast<int>(std::clamp(covered, 0.0, 1.0) * 255 + 0.5))
+                << radius << " cell " << i;
         }
     }
-    // Corner of the 5 x 5 disc of radius 2: 2 - sqrt(8) + 1 = 0.17157, x 255 + 0.5 = 44.25.
-    EXPECT_EQ(Kernel(2.0f).at(0, 0), 44);
 }
 
 TEST(CircleKernel, RefusesWhatHasNoCellsOrDoesNotFit) {
     EXPECT_EQ(makeCircleKernel(nullptr, 3.0f), 7);
     for (const auto& [radius, size] :
          {std::pair{-1.5f, -1}, {-9.0f, -15}, {30000.0f, 60001}, {gxtest::kInfinity, INT32_MAX}}) {
-        const Kernel kernel(radius);
-        EXPECT_EQ(kernel.size, size);
-        EXPECT_EQ(kernel.cells, nullptr);
+        const Disc disc(radius);
+        EXPECT_EQ(disc.size, size);
+        EXPECT_EQ(disc.cells, nullptr);
     }
-    const Kernel undefined(gxtest::kNaN);
+    const Disc undefined(gxtest::kNaN);
     ASSERT_EQ(undefined.size, 1);
     EXPECT_EQ(undefined.at(0, 0), 0);
 }
@@ -81,98 +62,63 @@ TEST(GxStroke, Margins) {
                                            {-3, -1, -2},
                                            {1e30f, INT32_MAX, INT32_MAX}}) {
         for (int position : {0, 1, 2, 5, -1}) {
-            GxStroke core;
             const GxStrokeProperty record(c.size, 0, 1, 0, position);
-            core.setProperty(&record);
-            const int expected = position == 0 ? c.centre : position == 1 ? c.outside : 0;
-            EXPECT_EQ(core.getOffset(), expected) << c.size << " " << position;
-            EXPECT_EQ(core.getTopOffset(), expected);
+            const int margin = position == 0 ? c.centre : position == 1 ? c.outside : 0;
+            EXPECT_EQ(gxtest::marginsOf<GxStroke>(record),
+                      (std::array{margin, margin, margin, margin}))
+                << c.size << " " << position;
         }
     }
 }
 
-void paint(Scene& scene, float size, uint32_t color, int position, uint32_t mode = 0,
-           bool both = false) {
-    const GxStrokeProperty record(size, color, 0.1f, 9, position);
-    gxtest::paintWith<GxStroke>(scene, record, mode, both);
-}
-
-// The band from its definition: each output cell is the maximum over the pixels that reach it.
-std::vector<int> modelPlane(const Scene& scene, const Kernel& kernel, bool inverse, int64_t width,
-                            int64_t height) {
-    const int64_t half = kernel.size / 2;
-    std::vector<int> plane(width * height);
-    for (int64_t y = 0; y < height; ++y) {
-        for (int64_t x = 0; x < width; ++x) {
-            int best = 0;
-            for (int64_t ky = 0; ky < kernel.size; ++ky) {
-                for (int64_t kx = 0; kx < kernel.size; ++kx) {
-                    // The mask cell (framed by a pixel) whose kernel cell (ky, kx) lies here.
-                    const int64_t my = y - ky, mx = x - kx;
-                    if (my < 0 || mx < 0 || my >= height - 2 * half || mx >= width - 2 * half) {
-                        continue;
-                    }
-                    const int m = scene.coverageInBox(mx - 1, my - 1);
-                    best = std::max(best, (inverse ? 255 - m : m) + kernel.at(ky, kx) - 255);
-                }
-            }
-            plane[y * width + x] = best;
-        }
-    }
-    return plane;
-}
-
-GxBitmap model(const Scene& scene, const GxBitmap& before, float size, uint32_t color, int position,
+GxBitmap model(const Scene& scene, const GxBitmap& before, const GxStrokeProperty& record,
                uint32_t mode) {
     GxBitmap layer(before);
-    const Kernel kernel(position == 0 ? size * 0.5f : size);
-    const int half = kernel.size / 2;
+    const Disc disc(record.position == 0 ? record.size * 0.5f : record.size);
+    // The box in a frame of one pixel, and the disc's reach around it.
+    const int half = disc.size / 2;
     const int width = scene.box.right - scene.box.left + 2 + 2 * half;
     const int height = scene.box.bottom - scene.box.top + 2 + 2 * half;
-    const std::vector<int> spread = modelPlane(scene, kernel, false, width, height);
-    const std::vector<int> eroded = modelPlane(scene, kernel, true, width, height);
-    std::vector<uint8_t> band;
-    for (size_t i = 0; i < spread.size(); ++i) {
-        const int value = position == 0   ? std::min(spread[i], eroded[i])
-                          : position == 1 ? spread[i]
-                                          : eroded[i];
-        band.push_back(static_cast<uint8_t>(value));
-    }
+    const auto spread = [&](bool isInverse) {
+        const Plane plane(width, height, 0, [&](int x, int y) {
+            const bool isFramed = x >= half && y >= half && x < width - half && y < height - half;
+            const int m = scene.coverageInBox(x - half - 1, y - half - 1);
+            return !isFramed ? 0 : isInverse ? 255 - m : m;
+        });
+        return gxtest::dilated(plane, disc);
+    };
+    const Plane letters = spread(false), background = spread(true);
+    const Plane band(width, height, 0, [&](int x, int y) {
+        const int outside = letters.at(x, y), inside = background.at(x, y);
+        return record.position == 0   ? std::min(outside, inside)
+               : record.position == 1 ? outside
+                                      : inside;
+    });
     GxBlender().drawBitmapBlend8(scene.box.left - 1 - half, scene.box.top - 1 - half, &layer,
-                                 band.data(), width, height, width, color,
-                                 mode != 1 && position == 0 ? 1 : 2);
+                                 band.bytes().data(), width, height, width, record.color,
+                                 mode != 1 && record.position == 0 ? 1 : 2);
     return layer;
 }
 
 TEST(GxStroke, EqualsItsDefinition) {
-    gxtest::Random random(301);
-    GX_TRACE_SEED(random);
-    for (int run = 0; run < 250; ++run) {
-        Scene scene = gxtest::randomScene(random, 17);
-        const float size = static_cast<float>(random.between(-20, 60)) * 0.1f;
-        const int position = random.between(0, 3);
+    gxtest::forRandomScenes(301, 250, 17, [](Random& random, Scene& scene) {
+        const GxStrokeProperty record(static_cast<float>(random.between(-20, 60)) * 0.1f,
+                                      random.word() | (random.oneIn(2) ? 0xFF000000u : 0), 0.1f, 9,
+                                      random.between(0, 3));
         const uint32_t mode = random.between(0, 1);
-        const uint32_t color = random.word() | (random.oneIn(2) ? 0xFF000000u : 0);
         const bool both = random.oneIn(2);
-        const GxBitmap expected = model(scene, scene.layer, size, color, position, mode);
-        const GxBitmap otherExpected =
-            both ? model(scene, scene.other, size, color, position, mode) : scene.other;
-        paint(scene, size, color, position, mode, both);
-        ASSERT_EQ(difference(expected, scene.layer), "")
-            << run << " size " << size << " " << position;
-        ASSERT_EQ(difference(otherExpected, scene.other), "") << run;
-    }
+        const GxBitmap expected = model(scene, scene.layer, record, mode);
+        const GxBitmap otherExpected = both ? model(scene, scene.other, record, mode) : scene.other;
+        gxtest::paintWith<GxStroke>(scene, record, mode, both);
+        ASSERT_EQ(difference(expected, scene.layer), "") << record.size << " " << record.position;
+        ASSERT_EQ(difference(otherExpected, scene.other), "");
+    });
 }
 
-// Each pixel is the tint's formula with the colour that the fill has there: that of a core that
-// fills the stroke's whole box.
 TEST(GxStroke, AFillIsATintOfManyColours) {
-    gxtest::Random random(303);
-    GX_TRACE_SEED(random);
-    GxBitmap tile(3, 2, 4);
-    for (int i = 0; i < 24; ++i) tile.data[i] = random.edgeByte();
-    for (int run = 0; run < 150; ++run) {
-        Scene scene = gxtest::randomScene(random, 17);
+    gxtest::forRandomScenes(303, 150, 17, [](Random& random, Scene& scene) {
+        GxBitmap tile(3, 2, 4);
+        for (int i = 0; i < 24; ++i) tile.data[i] = random.edgeByte();
         const GxGradient stops[] = {{random.word(), 1, 0}, {random.word(), 1, 0.6f}};
         const int stopCount = random.between(1, 2);
         const GxLinearGradientProperty linear(45, 1, 1, stopCount, stops);
@@ -212,14 +158,14 @@ TEST(GxStroke, AFillIsATintOfManyColours) {
         record.fill = fills[kind];
         gxtest::paintWith<GxStroke>(scene, record, mode);
         ASSERT_EQ(difference(expected, scene.layer), "")
-            << run << " fill " << kind << " position " << record.position << " " << record.size;
-    }
+            << "fill " << kind << " position " << record.position << " " << record.size;
+    });
 }
 
 TEST(StrokeDistance, HonoursOriginsBandsAndWhatTheOutputHolds) {
-    gxtest::Random random(302);
+    Random random(302);
     GX_TRACE_SEED(random);
-    const Kernel kernel(1.4f);
+    const Disc kernel(1.4f);
     ASSERT_EQ(kernel.size, 3);
     const std::vector<uint8_t> mask = random.edgeBytes(9 * 7);
     const std::vector<uint8_t> before = random.edgeBytes(2 * 12 * 10);
