@@ -1,135 +1,55 @@
-// Order, layers, margins and record conversions of the stack, with a recording core for every style
-// in place of the real filters: this program brings its own makeEffectCore.
+// Order, layers, margins and record conversions of the stack.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <functional>
-#include <map>
 #include <memory>
 #include <string>
 #include <vector>
 
-#include "effect/GxCoreFactory.h"
-#include "effect/GxEffect.h"
-#include "effect/filters/GxText.h"
-#include "support/NotFinite.h"
+#include "effect/filters/FilterTesting.h"
 
 namespace GxFontEffect {
 namespace {
 
+using gxtest::keyOf;
 using gxtest::kInfinity;
 using gxtest::kNaN;
 using testing::ElementsAre;
 
-struct Call {
-    int style;
-    const GxBitmap* dst;
-    const GxBitmap* other;
-};
-std::vector<Call> calls;                                            // of doPostProcessing
-std::function<void(int, GxBitmap*)> paint = [](int, GxBitmap*) {};  // called by it
-std::array<int, 4> offsets[14];  // left, top, right, bottom per style
-
-// Records calls; copies its record, stops included, as the filters do.
-template <typename Property>
-class RecordingCore : public GxPropertyCore<Property> {
-public:
-    explicit RecordingCore(int style) : GxPropertyCore<Property>(style) {}
-    void doPostProcessing(GxECore::ParamPostProcessing* param) override {
-        calls.push_back({this->style, param->dst, param->other});
-        paint(this->style, param->dst);
-    }
-    int getLeftOffset() override { return offsets[this->style][0]; }
-    int getTopOffset() override { return offsets[this->style][1]; }
-    int getRightOffset() override { return offsets[this->style][2]; }
-    int getBottomOffset() override { return offsets[this->style][3]; }
-};
-
-template <typename Property>
-class RecordingStopsCore : public RecordingCore<Property> {
-public:
-    using RecordingCore<Property>::RecordingCore;
-    void setProperty(const GxProperty* source) override {
-        RecordingCore<Property>::setProperty(source);
-        if (!this->property || !source || this->property->stopCount == 0) return;
-        stops.assign(this->property->stops, this->property->stops + this->property->stopCount);
-        this->property->stops = stops.data();
-    }
-    std::vector<GxGradient> stops;
-};
-
-template <typename Core>
-GxECoreBase* make(int style) {
-    return new Core(style);
-}
-
-}  // namespace
-
-GxECoreBase* makeEffectCore(int style) {
-    static const std::map<int, GxECoreBase* (*)(int)> cores = {
-        {1, make<RecordingCore<GxOuterShadowProperty>>},
-        {2, make<RecordingCore<GxInnerShadowProperty>>},
-        {3, make<RecordingStopsCore<GxOuterGlowProperty>>},
-        {4, make<RecordingStopsCore<GxInnerGlowProperty>>},
-        {5, make<RecordingCore<GxBevelProperty>>},
-        {6, make<RecordingCore<GxEmbossProperty>>},
-        {7, make<RecordingStopsCore<GxLinearGradientProperty>>},
-        {8, make<RecordingStopsCore<GxRadialGradientProperty>>},
-        {10, make<RecordingCore<GxStrokeProperty>>},
-        {11, make<RecordingCore<GxPatternProperty>>},
-        {12, make<RecordingCore<GxTextProperty>>},
-    };
-    const auto found = cores.find(style);
-    return found == cores.end() ? nullptr : found->second(style);
-}
-
-namespace {
+constexpr uint32_t kRed = 0xFFFF0000;
 
 class GxEffectStack : public testing::Test {
 protected:
-    void SetUp() override {
-        calls.clear();
-        paint = [](int, GxBitmap*) {};
-        for (auto& side : offsets) side = {0, 0, 0, 0};
-    }
-
     // `detail` is the position of a stroke or the kind of a bevel.
-    void add(int style, int detail = 1) {
-        const std::map<int, std::function<int()>> adds = {
-            {1, [&] { return stack.addOuterShadowText(0, 1, 2, 0, 1); }},
-            {2, [&] { return stack.addInnerShadowText(0, 1, 2, 0, 1); }},
-            {3, [&] { return stack.addOuterGlowText(1, 0, 1, 0, nullptr); }},
-            {4, [&] { return stack.addInnerGlowText(1, 0, 1, 0, nullptr); }},
-            {5, [&] { return stack.addBevelText(detail, 1, 1, 0, 0, 0, 1, 0, 0, 0, 1, 0, 1); }},
-            {6, [&] { return stack.addEmbossText(1, 1, 1, 0, 0, 0, 1, 0, 0, 0, 1, 0, 1); }},
-            {7, [&] { return stack.addLinearGradientText(0, 1, 1, 0, nullptr); }},
-            {8, [&] { return stack.addRadialGradientText(1, 1, 0, nullptr); }},
-            {10, [&] { return stack.addStrokeText(1, 0, 1, 0, detail); }},
-            {11, [&] { return stack.addPatternText(&pattern, 1, 1); }},
-            {12, [&] { return stack.addText(0xFF000000); }},
-        };
-        ASSERT_GE(adds.at(style)(), 0) << style;
-    }
-
-    std::vector<int> layerStyles() const {
-        std::vector<int> styles;
-        for (GxECoreBase* core : stack.getLayers()) styles.push_back(core->getStyle());
-        return styles;
-    }
-
-    // A whole render of one covered pixel at (1, 1) of 4 x 4.
-    void render() {
-        stack.initEffect(4, 4);
-        stack.setDstBitmap(&output);
-        uint8_t coverage = 255;
-        GxGlyph glyph;
-        glyph.pixels = &coverage;
-        glyph.width = glyph.height = 1;
-        stack.renderEffectLayer(1, 1, &glyph);
-        stack.doEffectPostProcessing();
+    int add(int style, int detail = 1) {
+        const GxGradient stop{kRed, 1, 0};
+        switch (style) {
+            case 1:
+                return stack.addOuterShadowText(45, 10, 2, kRed, 1);
+            case 2:
+                return stack.addInnerShadowText(45, 1, 2, kRed, 1);
+            case 3:
+                return stack.addOuterGlowText(4, kRed, 1, 0, nullptr);
+            case 4:
+                return stack.addInnerGlowText(4, kRed, 1, 0, nullptr);
+            case 5:
+                return stack.addBevelText(detail, 3, 1, 0, 0, 0, 1, 0, 0, kRed, 1, kRed, 1);
+            case 6:
+                return stack.addEmbossText(1, 3, 1, 0, 0, 0, 1, 0, 0, kRed, 1, kRed, 1);
+            case 7:
+                return stack.addLinearGradientText(0, 1, 1, 1, &stop);
+            case 8:
+                return stack.addRadialGradientText(1, 1, 1, &stop);
+            case 10:
+                return stack.addStrokeText(2, kRed, 1, 0, detail);
+            case 11:
+                return stack.addPatternText(&pattern, 1, 1);
+            default:
+                return stack.addText(kRed);
+        }
     }
 
     template <typename Property>
@@ -137,8 +57,7 @@ protected:
         return dynamic_cast<const Property&>(*stack.getEffect(style)->getProperty());
     }
 
-    GxBitmap pattern{2, 2, 4};
-    GxBitmap output{4, 4, 4};
+    GxBitmap pattern = gxtest::Scene(2, 2).layer;
     GxEffect stack;
 };
 
@@ -179,7 +98,9 @@ TEST_F(GxEffectStack, LayerOrders) {
         stack.setTextOpacity(c.opacity);
         stack.initEffect(4, 4);
         EXPECT_EQ(stack.getMode(), c.mode);
-        EXPECT_EQ(layerStyles(), c.layers) << testing::PrintToString(c.layers);
+        std::vector<int> layers;
+        for (GxECoreBase* core : stack.getLayers()) layers.push_back(core->getStyle());
+        EXPECT_EQ(layers, c.layers);
     }
 }
 
@@ -209,117 +130,67 @@ TEST_F(GxEffectStack, RepeatsAreEffectsOfTheirOwn) {
     EXPECT_EQ(stack.findEffect(1), nullptr);
 
     GxEffect copy(stack);
-    const std::unique_ptr<char[]> key(stack.getMapKey()), copied(copy.getMapKey());
-    EXPECT_STREQ(key.get(), copied.get());
-    EXPECT_EQ(testing::PrintToString(std::string(key.get())).find("K\x89"), std::string::npos);
-    EXPECT_EQ(std::count(key.get(), key.get() + std::strlen(key.get()), 'K'), 5);
+    EXPECT_EQ(keyOf(stack), keyOf(copy));
+    const std::string key = keyOf(stack);
+    EXPECT_EQ(std::count(key.begin(), key.end(), 'K'), 5);
     EXPECT_EQ(copy.addStrokeText(1, 0, 1, 0, 1), 10) << "a copy repeats too";
     stack.setRepeats(false);
     EXPECT_EQ(stack.addStrokeText(1, 0, 1, 0, 1), 5) << "the first one's settings";
     EXPECT_EQ(GxEffect(stack).findEffect(40)->getId(), 40);
 }
 
+// Without a fill: what lies in the front layer shows in the glyphs, what lies in the back around.
 TEST_F(GxEffectStack, TargetsInTwoLayerMode) {
     struct Case {
         int style, detail;
-        bool back, other;
+        bool front, back;
     };
     const Case cases[] = {
-        {1, 1, true, false},   {2, 1, false, false},  {3, 1, true, false},   {4, 1, false, false},
-        {5, 0, true, false},   {5, 1, false, false},  {5, 2, true, false},   {6, 1, true, true},
-        {7, 1, false, false},  {8, 1, false, false},  {10, 0, true, true},   {10, 1, true, false},
-        {10, 2, false, false}, {10, 77, true, false}, {11, 1, false, false}, {12, 1, false, false},
+        {1, 1, false, true},  {2, 1, true, false},   {3, 1, false, true},  {4, 1, true, false},
+        {5, 0, false, true},  {5, 1, true, false},   {5, 2, false, true},  {6, 1, true, true},
+        {7, 1, true, false},  {8, 1, true, false},   {10, 0, true, true},  {10, 1, false, true},
+        {10, 2, true, false}, {10, 77, false, true}, {11, 1, true, false}, {12, 1, true, false},
     };
+    const gxtest::Scene scene({"####    ", "####    ", "####    ", "####    "});
+    std::memset(pattern.data, 255, 16);
     for (const Case& c : cases) {
         stack.cleanAllEffect();
-        calls.clear();
         add(c.style, c.detail);
         stack.setTextOpacity(0.5f);
-        render();
-        ASSERT_EQ(calls.size(), 1u);
-        EXPECT_EQ(calls[0].dst != &output, c.back) << c.style << " " << c.detail;
-        EXPECT_NE(calls[0].dst, nullptr);
-        EXPECT_EQ(calls[0].other, c.other ? &output : nullptr) << c.style << " " << c.detail;
-        stack.compositeLayers(&output);
+        const GxBitmap output = gxtest::renderStack(stack, 24, 20, 8, 8, scene.mask);
+        bool front = false, back = false;
+        for (uint32_t i = 0; i < output.pixelCount(); ++i) {
+            const uint32_t x = i % 24 - 8, y = i / 24 - 8;
+            const bool isInGlyph = x < 4 && y < 4;
+            const bool isPainted = output.data[i * 4 + 3] != 0;
+            (isInGlyph ? front : back) |= isPainted;
+        }
+        EXPECT_EQ(front, c.front) << c.style << " " << c.detail;
+        EXPECT_EQ(back, c.back) << c.style << " " << c.detail;
         EXPECT_EQ(stack.getMode(), 0u);
         EXPECT_EQ(stack.getSrcBitmap(), nullptr);
     }
 }
 
-TEST_F(GxEffectStack, OutsideTheTextTheBackLayerShows) {
-    add(1);
-    add(12);
-    stack.setTextOpacity(0.5f);
-    paint = [](int style, GxBitmap* dst) {
-        for (int i = 0; i < 64; ++i) {
-            dst->data[i] = static_cast<uint8_t>(i % 4 == 3 ? 255 : style);
-        }
-    };
-    render();
-    stack.compositeLayers(&output);
-    EXPECT_EQ(output.data[5 * 4], 12);
-    EXPECT_EQ(output.data[0], 1);
-}
-
-// --- keeping inside effects inside ---
-
-TEST_F(GxEffectStack, ConfinementClearsWhatLiesOutsideTheGlyphsBeforeTheFill) {
-    paint = [](int style, GxBitmap* dst) { std::memset(dst->data, style, size_t{16} * 4); };
-    const auto paintedOutside = [&] { return static_cast<int>(output.data[0]); };
-    for (int style : {2, 4, 7, 8, 11}) {
-        stack.cleanAllEffect();
-        add(style);
-        stack.setConfineInside(false);
-        render();
-        EXPECT_EQ(paintedOutside(), style);
-        stack.setConfineInside(true);
-        render();
-        EXPECT_EQ(paintedOutside(), 0) << style;
-        EXPECT_EQ(output.data[5 * 4], style) << "covered pixels stay";
-    }
-    // The pass comes before the text and what lies beneath it.
-    stack.cleanAllEffect();
-    add(2);
-    add(12);
-    std::vector<std::pair<int, int>> seen;  // style, first byte before it paints
-    paint = [&](int style, GxBitmap* dst) {
-        seen.emplace_back(style, dst->data[0]);
-        std::memset(dst->data, style, size_t{16} * 4);
-    };
-    std::memset(output.data, 0, 64);
-    render();
-    EXPECT_THAT(seen, ElementsAre(std::pair(2, 0), std::pair(12, 0)));
-    EXPECT_EQ(paintedOutside(), 12);
-    // Never in two-layer mode: the mix does it.
-    stack.setTextOpacity(0.5f);
-    seen.clear();
-    render();
-    EXPECT_EQ(seen.back(), (std::pair(12, 2)));
-}
-
 // --- margins and key ---
 
 TEST_F(GxEffectStack, TheWidestEffectDecidesEachMargin) {
-    add(1);
+    const GxOuterShadowProperty narrow(0, 6, -3, 0, 1);
+    stack.addEffect(1, &narrow);
+    const auto margins = [&] {
+        return std::array{stack.getLeftOffset(), stack.getTopOffset(), stack.getRightOffset(),
+                          stack.getBottomOffset()};
+    };
+    EXPECT_THAT(margins(), ElementsAre(4, 0, 0, 0)) << "never below 0";
     add(3);
+    add(1);
     add(12);
-    offsets[1] = {-5, 9, 3, 0};
-    offsets[3] = {4, 4, 4, -1};
-    EXPECT_EQ(stack.getLeftOffset(), 4);
-    EXPECT_EQ(stack.getTopOffset(), 9);
-    EXPECT_EQ(stack.getRightOffset(), 4);
-    EXPECT_EQ(stack.getBottomOffset(), 0);
+    EXPECT_THAT(margins(), ElementsAre(9, 4, 4, 9));
 }
 
 TEST_F(GxEffectStack, SilhouettesShowInMarginsAndKeys) {
     stack.setRepeats(true);
-    offsets[1] = {4, 0, 0, 9};
-    offsets[10] = {6, 6, 6, 6};
     for (const int style : {1, 2, 3, 4, 10, 12}) add(style);
-    const auto keyOf = [](GxEffect& of) {
-        const std::unique_ptr<char[]> text(of.getMapKey());
-        return std::string(text.get());
-    };
     const std::string plain = keyOf(stack);
     const GxSilhouette outline{GxSilhouette::kOutline, 0};
     EXPECT_FALSE(stack.setSilhouette(6, outline));
@@ -328,19 +199,19 @@ TEST_F(GxEffectStack, SilhouettesShowInMarginsAndKeys) {
     EXPECT_TRUE(stack.setSilhouette(1, {1, 0.9f}));
     EXPECT_EQ(keyOf(stack), plain) << "neither stroke nor fill casts; inner ones only choke";
     EXPECT_TRUE(stack.setSilhouette(0, outline));
-    EXPECT_EQ(stack.getLeftOffset(), 10);
+    EXPECT_EQ(stack.getLeftOffset(), 9 + 2) << "the stroke around the letters";
     EXPECT_TRUE(stack.setSilhouette(0, {GxSilhouette::kOutline, 3.9f}));
-    EXPECT_EQ(stack.getBottomOffset(), 18);
+    EXPECT_EQ(stack.getBottomOffset(), 9 + 2 + 3);
     EXPECT_TRUE(stack.setSilhouette(2, {7, kNaN}));
     EXPECT_TRUE(stack.setSilhouette(3, {1, kInfinity}));
-    EXPECT_EQ(stack.getBottomOffset(), 18) << "what chokes needs no room";
+    EXPECT_EQ(stack.getBottomOffset(), 14) << "what chokes needs no room";
     std::string key = plain;
     key.insert(plain.find('I'), "C\x81\x83");
     key.insert(key.find('K'), "C\x80\xE4");
     EXPECT_EQ(keyOf(stack), key);
     GxEffect copy(stack);
     EXPECT_EQ(keyOf(copy), key);
-    EXPECT_EQ(copy.getBottomOffset(), 18);
+    EXPECT_EQ(copy.getBottomOffset(), 14);
     EXPECT_TRUE(stack.setSilhouette(0, {}));
     EXPECT_TRUE(stack.setSilhouette(3, {}));
     EXPECT_EQ(keyOf(stack), plain);
@@ -445,8 +316,7 @@ TEST_F(GxEffectStack, RecordsOfAnotherEffectAreIgnored) {
     EXPECT_EQ(stack.addEffect(10, nullptr), 0) << "but one without any";
     stack.initEffect(4, 4);
     EXPECT_EQ(stack.getMode(), 0u);
-    const std::unique_ptr<char[]> key(stack.getMapKey());
-    EXPECT_STREQ(key.get(), "");
+    EXPECT_EQ(keyOf(stack), "");
 }
 
 }  // namespace

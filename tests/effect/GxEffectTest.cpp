@@ -18,6 +18,7 @@
 namespace GxFontEffect {
 namespace {
 
+using gxtest::keyOf;
 using gxtest::LogCapture;
 using gxtest::renderStack;
 using Pixel = std::array<int, 4>;  // R, G, B, A
@@ -30,11 +31,6 @@ Pixel pixelAt(const GxBitmap& bitmap, int x, int y) {
 // A mask from a picture.
 GxBitmap maskOf(const std::vector<std::string>& rows) {
     return gxtest::Scene(rows).mask;
-}
-
-std::string keyOf(GxEffect& stack) {
-    const std::unique_ptr<char[]> key(stack.getMapKey());
-    return key.get();
 }
 
 TEST(GxText, DoesNothingWithoutItsInputs) {

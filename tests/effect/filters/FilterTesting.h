@@ -7,6 +7,7 @@
 #include <array>
 #include <cmath>
 #include <cstring>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -150,6 +151,11 @@ std::array<int, 4> marginsOf(const Record& record) {
     core.setProperty(&record);
     return {core.getLeftOffset(), core.getTopOffset(), core.getRightOffset(),
             core.getBottomOffset()};
+}
+
+inline std::string keyOf(GxFontEffect::GxEffect& stack) {
+    const std::unique_ptr<char[]> key(stack.getMapKey());
+    return key.get();
 }
 
 // A mask as glyphs come; it borrows the pixels.
