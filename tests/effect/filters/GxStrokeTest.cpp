@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <tuple>
 #include <vector>
 
 #include "effect/filters/FilterTesting.h"
@@ -51,22 +52,17 @@ TEST(CircleKernel, RefusesWhatHasNoCellsOrDoesNotFit) {
 }
 
 TEST(GxStroke, Margins) {
-    struct Case {
-        float size;
-        int centre, outside;
-    };
-    for (const Case& c : std::vector<Case>{{0, 0, 0},
-                                           {3, 2, 3},
-                                           {2.4f, 1, 2},
-                                           {2.5f, 1, 3},
-                                           {-3, -1, -2},
-                                           {1e30f, INT32_MAX, INT32_MAX}}) {
+    for (const auto& [size, centre, outside] : {std::tuple{0.0f, 0, 0},
+                                                {3.0f, 2, 3},
+                                                {2.4f, 1, 2},
+                                                {2.5f, 1, 3},
+                                                {-3.0f, -1, -2},
+                                                {1e30f, INT32_MAX, INT32_MAX}}) {
         for (int position : {0, 1, 2, 5, -1}) {
-            const GxStrokeProperty record(c.size, 0, 1, 0, position);
-            const int margin = position == 0 ? c.centre : position == 1 ? c.outside : 0;
-            EXPECT_EQ(gxtest::marginsOf<GxStroke>(record),
+            const int margin = position == 0 ? centre : position == 1 ? outside : 0;
+            EXPECT_EQ(gxtest::marginsOf<GxStroke>(GxStrokeProperty(size, 0, 1, 0, position)),
                       (std::array{margin, margin, margin, margin}))
-                << c.size << " " << position;
+                << size << " " << position;
         }
     }
 }
@@ -115,6 +111,8 @@ TEST(GxStroke, EqualsItsDefinition) {
     });
 }
 
+// Each pixel is the tint's formula with the colour that the fill has there: that of a core that
+// fills the stroke's whole box.
 TEST(GxStroke, AFillIsATintOfManyColours) {
     gxtest::forRandomScenes(303, 150, 17, [](Random& random, Scene& scene) {
         GxBitmap tile(3, 2, 4);
@@ -162,49 +160,41 @@ TEST(GxStroke, AFillIsATintOfManyColours) {
     });
 }
 
+// The public routines: on a window of the planes, over what the output holds.
 TEST(StrokeDistance, HonoursOriginsBandsAndWhatTheOutputHolds) {
     Random random(302);
     GX_TRACE_SEED(random);
     const Disc kernel(1.4f);
-    ASSERT_EQ(kernel.size, 3);
     const std::vector<uint8_t> mask = random.edgeBytes(9 * 7);
     const std::vector<uint8_t> before = random.edgeBytes(2 * 12 * 10);
-    for (int routine = 0; routine < 3; ++routine) {
+    for (const auto run : {GxStroke::partalDTStrokeOutside, GxStroke::partalDTStrokeInside,
+                           GxStroke::partalDTStrokeCenter}) {
+        const bool isCentre = run == GxStroke::partalDTStrokeCenter;
         std::vector<uint8_t> out = before;
         StrokeDTArgs args;
-        args.out = out.data();
-        args.mask = mask.data();
-        args.kernel = kernel.cells;
+        args.out = out.data(), args.mask = mask.data(), args.kernel = kernel.cells;
         args.maskStride = 9, args.maskHeight = 7, args.maskOriginY = 1, args.maskOriginX = 2;
         args.outStride = 12, args.outHeight = 10, args.outOriginY = 2, args.outOriginX = 3;
         args.planeSize = 120, args.kernelSize = 3, args.columns = 5;
         args.rowBegin = 1, args.rowEnd = 5;
-        const auto run = routine == 0   ? GxStroke::partalDTStrokeOutside
-                         : routine == 1 ? GxStroke::partalDTStrokeInside
-                                        : GxStroke::partalDTStrokeCenter;
         std::vector<uint8_t> expected = before;
-        const auto spread = [&](bool inverse, int plane) {
-            for (int y = 1; y < 5; ++y) {
-                for (int x = 0; x < 5; ++x) {
-                    const int m = mask[(y + 1) * 9 + 2 + x];
-                    for (int i = 0; i < 9; ++i) {
-                        uint8_t& o = expected[plane + (y + 2 - 1 + i / 3) * 12 + x + 3 - 1 + i % 3];
-                        const int k = kernel.cells[i];
-                        o = static_cast<uint8_t>(std::max<int>(o, inverse  ? k - m
-                                                                  : m == 0 ? 0
-                                                                           : m + k - 255));
-                    }
-                }
+        const auto spread = [&](bool isInverse, int plane) {
+            for (int i = 0; i < 4 * 5 * 9; ++i) {
+                const int x = i / 9 % 5, y = 1 + i / 45, cell = i % 9;
+                const int m = mask[(y + 1) * 9 + 2 + x];
+                uint8_t& o = expected[plane + (y + 1 + cell / 3) * 12 + x + 2 + cell % 3];
+                const int value = (isInverse ? 255 - m : m) + kernel.cells[cell] - 255;
+                o = static_cast<uint8_t>(std::max<int>(o, value));
             }
         };
-        if (routine != 1) spread(false, 0);
-        if (routine != 0) spread(true, routine == 2 ? 120 : 0);
+        if (run != GxStroke::partalDTStrokeInside) spread(false, 0);
+        if (run != GxStroke::partalDTStrokeOutside) spread(true, isCentre ? 120 : 0);
         EXPECT_EQ(run(&args), 0);
-        EXPECT_EQ(out, expected) << routine;
+        EXPECT_EQ(out, expected);
         // Bands and windows outside the planes are refused, null likewise.
         out = before;
         EXPECT_EQ(run(nullptr), 0);
-        for (int32_t StrokeDTArgs::*field :
+        for (const auto field :
              {&StrokeDTArgs::rowEnd, &StrokeDTArgs::columns, &StrokeDTArgs::outOriginX,
               &StrokeDTArgs::outOriginY, &StrokeDTArgs::maskOriginY, &StrokeDTArgs::maskOriginX}) {
             for (int32_t value : {-5, 60, INT32_MIN, INT32_MAX}) {
