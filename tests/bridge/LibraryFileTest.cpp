@@ -1,8 +1,8 @@
 // The library as a file: what it exports and how it was linked.
 #include <cxxabi.h>
 #include <elf.h>
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <link.h>
 
 #include <algorithm>
 #include <cctype>
@@ -20,22 +20,7 @@
 
 namespace {
 
-struct Elf32 {
-    using Header = Elf32_Ehdr;
-    using Segment = Elf32_Phdr;
-    using Section = Elf32_Shdr;
-    using Dynamic = Elf32_Dyn;
-    using Symbol = Elf32_Sym;
-};
-struct Elf64 {
-    using Header = Elf64_Ehdr;
-    using Segment = Elf64_Phdr;
-    using Section = Elf64_Shdr;
-    using Dynamic = Elf64_Dyn;
-    using Symbol = Elf64_Sym;
-};
-
-// What an ELF file of either width, least significant byte first, says of itself.
+// What an ELF file for the machine that this program is for says of itself.
 class ElfFile {
 public:
     explicit ElfFile(const char* path) {
@@ -43,26 +28,18 @@ public:
         bytes_.assign(std::istreambuf_iterator<char>(stream), {});
         EXPECT_EQ(std::string(bytes_.data(), std::min<size_t>(bytes_.size(), SELFMAG)), ELFMAG)
             << path;
-        EXPECT_EQ(at<uint8_t>(EI_DATA), ELFDATA2LSB);
-        if (at<uint8_t>(EI_CLASS) == ELFCLASS32) {
-            read<Elf32>();
-        } else {
-            read<Elf64>();
+        const auto header = at<ElfW(Ehdr)>(0);
+        machine = header.e_machine;
+        for (size_t i = 0; i < header.e_phnum; i++) {
+            segments_.push_back(at<ElfW(Phdr)>(header.e_phoff + i * sizeof(ElfW(Phdr))));
         }
+        for (size_t i = 0; i < header.e_shnum; i++) read(header, sectionOf(header, i));
     }
 
-    struct Segment {
-        uint32_t type;
-        uint32_t flags;
-        uint64_t offset;
-        uint64_t address;
-        uint64_t fileSize;
-        uint64_t align;
-    };
-    std::vector<Segment> segments(uint32_t type) const {
-        std::vector<Segment> found;
+    std::vector<ElfW(Phdr)> segments(uint32_t type) const {
+        std::vector<ElfW(Phdr)> found;
         std::copy_if(segments_.begin(), segments_.end(), std::back_inserter(found),
-                     [=](const Segment& segment) { return segment.type == type; });
+                     [=](const ElfW(Phdr) & segment) { return segment.p_type == type; });
         return found;
     }
 
@@ -78,45 +55,23 @@ public:
     std::vector<std::string> imports;  // of what others must have
 
 private:
-    template <class Elf>
-    void read() {
-        const auto header = at<typename Elf::Header>(0);
-        machine = header.e_machine;
-        for (uint64_t i = 0; i < header.e_phnum; i++) {
-            using Entry = typename Elf::Segment;
-            const auto s = at<Entry>(header.e_phoff + i * sizeof(Entry));
-            segments_.push_back(
-                {s.p_type, s.p_flags, s.p_offset, s.p_vaddr, s.p_filesz, s.p_align});
-        }
-        for (uint64_t i = 0; i < header.e_shnum; i++) {
-            using Entry = typename Elf::Section;
-            const auto section = at<Entry>(header.e_shoff + i * sizeof(Entry));
-            if (section.sh_type != SHT_DYNSYM && section.sh_type != SHT_DYNAMIC) continue;
-            const auto strings = at<Entry>(header.e_shoff + section.sh_link * sizeof(Entry));
-            const char* names = bytes_.data() + strings.sh_offset;
-            const uint64_t end = section.sh_offset + section.sh_size;
+    ElfW(Shdr) sectionOf(const ElfW(Ehdr) & header, size_t i) const {
+        return at<ElfW(Shdr)>(header.e_shoff + i * sizeof(ElfW(Shdr)));
+    }
+    void read(const ElfW(Ehdr) & header, const ElfW(Shdr) & section) {
+        if (section.sh_type != SHT_DYNSYM && section.sh_type != SHT_DYNAMIC) return;
+        const char* names = bytes_.data() + sectionOf(header, section.sh_link).sh_offset;
+        for (uint64_t i = 0; i < section.sh_size; i += section.sh_entsize) {
             if (section.sh_type == SHT_DYNSYM) {
-                readSymbols<typename Elf::Symbol>(section.sh_offset, end, names);
+                const auto symbol = at<ElfW(Sym)>(section.sh_offset + i);
+                if (symbol.st_name == 0) continue;
+                auto& list = symbol.st_shndx == SHN_UNDEF ? imports : exports;
+                list.emplace_back(names + symbol.st_name);
             } else {
-                readDynamic<typename Elf::Dynamic>(section.sh_offset, end, names);
+                const auto entry = at<ElfW(Dyn)>(section.sh_offset + i);
+                dynamic_[static_cast<uint64_t>(entry.d_tag)] = entry.d_un.d_val;
+                if (entry.d_tag == DT_NEEDED) needed.emplace_back(names + entry.d_un.d_val);
             }
-        }
-    }
-    template <class Symbol>
-    void readSymbols(uint64_t begin, uint64_t end, const char* names) {
-        for (uint64_t i = begin; i < end; i += sizeof(Symbol)) {
-            const auto symbol = at<Symbol>(i);
-            if (symbol.st_name == 0) continue;
-            (symbol.st_shndx == SHN_UNDEF ? imports : exports).emplace_back(names + symbol.st_name);
-        }
-    }
-    template <class Dynamic>
-    void readDynamic(uint64_t begin, uint64_t end, const char* names) {
-        for (uint64_t i = begin; i < end; i += sizeof(Dynamic)) {
-            const auto entry = at<Dynamic>(i);
-            const auto tag = static_cast<uint64_t>(entry.d_tag);
-            dynamic_[tag] = entry.d_un.d_val;
-            if (tag == DT_NEEDED) needed.emplace_back(names + entry.d_un.d_val);
         }
     }
 
@@ -131,7 +86,7 @@ private:
     }
 
     std::vector<char> bytes_;
-    std::vector<Segment> segments_;
+    std::vector<ElfW(Phdr)> segments_;
     std::map<uint64_t, uint64_t> dynamic_;
 };
 
@@ -229,14 +184,14 @@ TEST(LibraryFileTest, IsLinkedHardened) {
     EXPECT_TRUE(library.dynamic(DT_FLAGS_1) & DF_1_NOW);
     EXPECT_TRUE(library.dynamic(DT_FLAGS_1) & DF_1_NODELETE);
     EXPECT_EQ(library.dynamic(DT_TEXTREL), 0u);
-    for (const ElfFile::Segment& stack : library.segments(PT_GNU_STACK)) {
-        EXPECT_FALSE(stack.flags & PF_X) << "executable stack";
+    for (const auto& stack : library.segments(PT_GNU_STACK)) {
+        EXPECT_FALSE(stack.p_flags & PF_X) << "executable stack";
     }
     ASSERT_FALSE(library.segments(PT_LOAD).empty());
-    for (const ElfFile::Segment& load : library.segments(PT_LOAD)) {
-        EXPECT_GE(load.align, 16384u);
-        EXPECT_EQ(load.offset % 16384, load.address % 16384);
-        EXPECT_FALSE((load.flags & PF_X) && (load.flags & PF_W));
+    for (const auto& load : library.segments(PT_LOAD)) {
+        EXPECT_GE(load.p_align, 16384u);
+        EXPECT_EQ(load.p_offset % 16384, load.p_vaddr % 16384);
+        EXPECT_FALSE((load.p_flags & PF_X) && (load.p_flags & PF_W));
     }
 }
 
@@ -297,7 +252,7 @@ TEST(LibraryFileTest, IsSmall) {
     const std::map<uint16_t, uint64_t> ceilings = {
         {EM_X86_64, 1'790'000}, {EM_AARCH64, 1'140'000}, {EM_ARM, 1'000'000}};
     uint64_t size = 0;
-    for (const ElfFile::Segment& load : library.segments(PT_LOAD)) size += load.fileSize;
+    for (const auto& load : library.segments(PT_LOAD)) size += load.p_filesz;
     ASSERT_TRUE(ceilings.count(library.machine));
     EXPECT_LE(size, ceilings.at(library.machine));
 }

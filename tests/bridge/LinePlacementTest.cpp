@@ -50,14 +50,13 @@ GxView makeView(uint32_t gravity, int lineLimit, int maxLines, int height = 200)
     return view;
 }
 
-struct RangeCase {
-    int lines, limit, maxLines;
-    uint32_t gravity;
-    int first, end;
-};
-
 TEST(LinePlacementTest, ChoosesTheShownLines) {
-    const RangeCase cases[] = {
+    struct Case {
+        int lines, limit, maxLines;
+        uint32_t gravity;
+        int first, end;
+    };
+    const Case cases[] = {
         // lines, limit, maximum, gravity: first, end
         {5, 0, 3, kTop, 0, 3},        {5, 0, 3, kBottom, 2, 5},
         {5, 0, 3, kCenter, 0, 3},     {5, 2, 3, kTop, 0, 2},
@@ -68,7 +67,7 @@ TEST(LinePlacementTest, ChoosesTheShownLines) {
         {-4, 3, 3, kTop, 0, 0},       {1, 1, 0, kBottom, 0, 1},
         {5, 0, 3, 0xFFFFFFFFu, 0, 3}, {5, 0, std::numeric_limits<int32_t>::max(), kTop, 0, 5},
     };
-    for (const RangeCase& c : cases) {
+    for (const Case& c : cases) {
         SCOPED_TRACE(testing::Message() << c.lines << " lines, limit " << c.limit << ", maximum "
                                         << c.maxLines << ", gravity " << c.gravity);
         EvenLines lines(c.lines);
@@ -82,15 +81,14 @@ TEST(LinePlacementTest, ChoosesTheShownLines) {
     }
 }
 
-struct BaselineCase {
-    uint32_t gravity;
-    int visible, height;
-    std::vector<int> y;
-};
-
 TEST(LinePlacementTest, PlacesTheBlockByVerticalGravity) {
     // Padding: top 10, bottom 30. Two lines end at 40, five at 100.
-    const BaselineCase cases[] = {
+    struct Case {
+        uint32_t gravity;
+        int visible, height;
+        std::vector<int> y;
+    };
+    const Case cases[] = {
         {kTop, 2, 200, {25, 45}},
         {kNone, 2, 200, {25, 45}},
         {kCenter, 2, 200, {85, 105}},  // (160 - 40) / 2 = 60 more
@@ -102,7 +100,7 @@ TEST(LinePlacementTest, PlacesTheBlockByVerticalGravity) {
         {kBottom, 2, 200, {145, 165}},  // the last two, where they stand among all five
         {kBottom, 1, 60, {25}},
     };
-    for (const BaselineCase& c : cases) {
+    for (const Case& c : cases) {
         SCOPED_TRACE(testing::Message() << "gravity " << c.gravity << ", " << c.visible
                                         << " of 5 lines, height " << c.height);
         EvenLines lines(5);
@@ -115,21 +113,11 @@ TEST(LinePlacementTest, PlacesTheBlockByVerticalGravity) {
     }
 }
 
-TEST(LinePlacementTest, FillsEveryFieldOfALine) {
-    EvenLines lines(3);
-    const std::vector<GxLineInfo> placed = PlaceLines(lines, 3, makeView(kTop, 2, 0));
-    ASSERT_EQ(placed.size(), 2u);
-    const GxLineInfo& line = placed[1];
-    EXPECT_EQ(std::tuple(line.x, line.y, line.start, line.end, line.direction),
-              std::tuple(9, 45, 10, 19, 1));
-    EXPECT_EQ(std::tuple(line.rect.left, line.rect.top, line.rect.right, line.rect.bottom),
-              std::tuple(9, 45 - 13, 9 + 60, 45 + 4));
-}
-
 TEST(LinePlacementTest, CutsFractionsTowardZeroAndSaturates) {
     constexpr int32_t kMost = std::numeric_limits<int32_t>::max();
     const std::tuple<float, float, int, int> cases[] = {
         // left, width: x and the box's right end, after a padding of 7
+        {2.75f, 60.9f, 9, 69},
         {-2.75f, 10.5f, 5, 15},
         {1e20f, 10, kMost, kMost},
         {0, std::numeric_limits<float>::infinity(), 7, kMost},
@@ -141,8 +129,13 @@ TEST(LinePlacementTest, CutsFractionsTowardZeroAndSaturates) {
         lines.width = width;
         const std::vector<GxLineInfo> placed = PlaceLines(lines, 1, makeView(kTop, 1, 0));
         ASSERT_EQ(placed.size(), 1u);
-        EXPECT_EQ(placed[0].x, x) << left;
-        EXPECT_EQ(placed[0].rect.right, right) << width;
+        const GxLineInfo& line = placed[0];
+        EXPECT_EQ(std::tuple(line.x, line.y, line.start, line.end, line.direction),
+                  std::tuple(x, 25, 0, 9, 1))
+            << left;
+        EXPECT_EQ(std::tuple(line.rect.left, line.rect.top, line.rect.right, line.rect.bottom),
+                  std::tuple(x, 25 - 13, right, 25 + 4))
+            << width;
     }
 }
 
