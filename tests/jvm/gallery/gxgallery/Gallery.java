@@ -5,24 +5,20 @@ import android.graphics.Paint;
 import android.os.LocaleList;
 import android.text.SpannableString;
 import android.text.style.BackgroundColorSpan;
-import android.util.JsonReader;
-import android.util.JsonToken;
 import android.widget.TextView;
 import com.norvale.android.sdk.gxe.GxText;
 import com.norvale.android.sdk.gxe.TextStyle;
 import java.awt.image.BufferedImage;
 import java.io.File;
 import java.io.IOException;
-import java.io.StringReader;
 import java.nio.charset.StandardCharsets;
 import java.nio.file.Files;
 import java.nio.file.Path;
-import java.util.ArrayList;
 import java.util.Arrays;
-import java.util.LinkedHashMap;
-import java.util.List;
-import java.util.Map;
 import javax.imageio.ImageIO;
+import org.json.JSONArray;
+import org.json.JSONException;
+import org.json.JSONObject;
 
 /**
  * {@code Gallery PROGRAM FOLDER STYLE_FILE...}: each style through the SDK and through the program,
@@ -56,14 +52,14 @@ public final class Gallery {
 
     /** What differs between the style's picture and the program's of the file, or null. */
     static String compare(String program, Path folder, Path file, TextStyle style, float scale)
-            throws IOException, InterruptedException {
+            throws IOException, JSONException, InterruptedException {
         String factor = Float.toString(scale);
         Path png = folder.resolve("program.png");
         run(program, "render", file.toString(), "--scale", factor, "-o", png.toString());
         BufferedImage expected = ImageIO.read(png.toFile());
-        Map<?, ?> measured = (Map<?, ?>) parse(
+        JSONObject measured = new JSONObject(
                 run(program, "measure", file.toString(), "--scale", factor, "--json"));
-        List<?> fonts = (List<?>) parse(
+        JSONArray fonts = new JSONArray(
                 run(program, "fonts", file.toString(), "--scale", factor, "--json"));
         Bitmap drawn = draw(style.scaled(scale), file.getParent(), measured, fonts);
         int width = expected.getWidth();
@@ -81,7 +77,8 @@ public final class Gallery {
         return different == 0 ? null : different + " of " + pixels.length + " pixels";
     }
 
-    private static Bitmap draw(TextStyle style, Path folder, Map<?, ?> measured, List<?> fonts) {
+    private static Bitmap draw(TextStyle style, Path folder, JSONObject measured, JSONArray fonts)
+            throws JSONException {
         PlacedLines layout = new PlacedLines(textOf(style), measured, style);
         try (GxText text = new GxText()) {
             text.setPatternLoader(name -> bitmap(folder.resolve(name).toFile()));
@@ -96,16 +93,15 @@ public final class Gallery {
         }
     }
 
-    private static void putFonts(GxText text, List<?> fonts) {
-        for (Object font : fonts) {
-            Map<?, ?> face = (Map<?, ?>) font;
-            String file = (String) face.get("file");
-            if (face == fonts.get(0)) {
-                Object variations = face.get("variations");
-                text.setFont(file, number(face, "index"),
-                        variations == null ? "" : variations.toString());
+    private static void putFonts(GxText text, JSONArray fonts)
+            throws JSONException {
+        for (int i = 0; i < fonts.length(); i++) {
+            JSONObject face = fonts.getJSONObject(i);
+            String file = face.getString("file");
+            if (i == 0) {
+                text.setFont(file, face.getInt("index"), face.optString("variations"));
             } else {
-                text.addFallbackFont(file, number(face, "index"), (String) face.get("locales"));
+                text.addFallbackFont(file, face.getInt("index"), face.optString("locales", null));
             }
         }
     }
@@ -120,7 +116,8 @@ public final class Gallery {
                 .with(new BackgroundColorSpan(style.getBackground()), 0, text.length());
     }
 
-    private static Paint paint(TextStyle style, List<?> fonts) {
+    private static Paint paint(TextStyle style, JSONArray fonts)
+            throws JSONException {
         Paint paint = new Paint();
         paint.textSize = or(style.getSize(), 64f);
         paint.textScaleX = or(style.getScaleX(), 1f);
@@ -128,22 +125,23 @@ public final class Gallery {
         paint.letterSpacing = or(style.getLetterSpacing(), 0f);
         paint.fontFeatureSettings = style.getFontFeatures();
         paint.textLocales = style.getLocale() == null ? null : new LocaleList(style.getLocale());
-        Map<?, ?> first = (Map<?, ?>) fonts.get(0);
+        int weight = fonts.getJSONObject(0).getInt("weight");
         String variations = style.getFontVariations();
         boolean setsWeight = variations != null && variations.contains("wght");
-        if (or(style.getBold(), false) && number(first, "weight") < 600 && !setsWeight) {
+        if (or(style.getBold(), false) && weight < 600 && !setsWeight) {
             paint.flags |= FAKE_BOLD;
             paint.fakeBoldText = true;
         }
         return paint;
     }
 
-    private static TextView view(TextStyle style, Map<?, ?> measured) {
-        Map<?, ?> image = (Map<?, ?>) measured.get("image");
-        Map<?, ?> margins = (Map<?, ?>) measured.get("margins");
+    private static TextView view(TextStyle style, JSONObject measured)
+            throws JSONException {
+        JSONObject image = measured.getJSONObject("image");
+        JSONObject margins = measured.getJSONObject("margins");
         TextView view = new TextView();
-        view.width = number(image, "width") - number(margins, "left") - number(margins, "right");
-        view.height = number(image, "height") - number(margins, "top") - number(margins, "bottom");
+        view.width = image.getInt("width") - margins.getInt("left") - margins.getInt("right");
+        view.height = image.getInt("height") - margins.getInt("top") - margins.getInt("bottom");
         if (style.getPadding() != null) {
             view.paddingLeft = style.getPadding().get(0);
             view.paddingTop = style.getPadding().get(1);
@@ -167,10 +165,6 @@ public final class Gallery {
         return value == null ? other : value;
     }
 
-    static int number(Map<?, ?> object, String name) {
-        return Integer.parseInt(object.get(name).toString());
-    }
-
     private static String run(String... command) throws IOException, InterruptedException {
         Process process = new ProcessBuilder(command)
                 .redirectError(ProcessBuilder.Redirect.INHERIT).start();
@@ -180,36 +174,5 @@ public final class Gallery {
             throw new IOException(String.join(" ", command));
         }
         return answer;
-    }
-
-    /** Maps, lists, and strings for all else. */
-    private static Object parse(String json) throws IOException {
-        try (JsonReader reader = new JsonReader(new StringReader(json))) {
-            return value(reader);
-        }
-    }
-
-    private static Object value(JsonReader reader) throws IOException {
-        if (reader.peek() == JsonToken.BEGIN_OBJECT) {
-            Map<String, Object> object = new LinkedHashMap<>();
-            reader.beginObject();
-            while (reader.hasNext()) {
-                object.put(reader.nextName(), value(reader));
-            }
-            reader.endObject();
-            return object;
-        }
-        if (reader.peek() == JsonToken.BEGIN_ARRAY) {
-            List<Object> list = new ArrayList<>();
-            reader.beginArray();
-            while (reader.hasNext()) {
-                list.add(value(reader));
-            }
-            reader.endArray();
-            return list;
-        }
-        return reader.peek() == JsonToken.BOOLEAN
-                ? (Object) reader.nextBoolean()
-                : reader.nextString();
     }
 }
