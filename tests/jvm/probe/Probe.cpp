@@ -122,6 +122,18 @@ struct Interruption {
     }
 } interruption;
 
+// Which method throws what in place of running.
+struct {
+    std::map<jmethodID, std::string> names;  // of those that were looked up
+    std::string method;                      // empty while none shall
+    jthrowable error = nullptr;              // global
+
+    bool throws(JNIEnv* env, jmethodID id) {
+        const Uncounted uncounted;
+        return !method.empty() && names[id] == method && real->Throw(env, error) == JNI_OK;
+    }
+} thrower;
+
 // A name that no class has stands in for a hidden one.
 const char* nameUnlessHidden(const char* name, const char* instead) {
     const Uncounted uncounted;
@@ -131,7 +143,10 @@ const char* nameUnlessHidden(const char* name, const char* instead) {
 // Lookups may load and initialise a class, which runs code of that class and of its loader.
 jmethodID JNICALL getMethodId(JNIEnv* env, jclass type, const char* name, const char* signature) {
     interruption.reach(env);
-    return real->GetMethodID(env, type, nameUnlessHidden(name, "hidden"), signature);
+    const jmethodID id = real->GetMethodID(env, type, nameUnlessHidden(name, "hidden"), signature);
+    const Uncounted uncounted;
+    if (id) thrower.names[id] = name;
+    return id;
 }
 jmethodID JNICALL getStaticMethodId(JNIEnv* env, jclass type, const char* name,
                                     const char* signature) {
@@ -149,6 +164,7 @@ jclass JNICALL findClass(JNIEnv* env, const char* name) {
 #define GX_HOOK_CALL(Type, type)                                                            \
     type JNICALL call##Type(JNIEnv* env, jobject object, jmethodID method, va_list given) { \
         interruption.reach(env);                                                            \
+        if (thrower.throws(env, method)) return type();                                     \
         return real->Call##Type##MethodV(env, object, method, given);                       \
     }
 GX_HOOK_CALL(Object, jobject)
@@ -285,6 +301,12 @@ GX_PROBE(void, failCall)(JNIEnv* env, jclass, jstring function, jint which) {
     callsLeft[utf8Of(env, function)] = which;
 }
 
+GX_PROBE(void, throwFrom)(JNIEnv* env, jclass, jstring method, jthrowable error) {
+    env->DeleteGlobalRef(thrower.error);
+    thrower.method = utf8Of(env, method);
+    thrower.error = static_cast<jthrowable>(env->NewGlobalRef(error));
+}
+
 GX_PROBE(void, interrupt)(JNIEnv* env, jclass, jint which, jobject action) {
     interruption = {env->NewGlobalRef(action), which};
 }
@@ -299,6 +321,7 @@ GX_PROBE(jboolean, endInterruption)(JNIEnv* env, jclass) {
 GX_PROBE(void, reset)(JNIEnv*, jclass) {
     hidden.clear();
     callsLeft.clear();
+    thrower.method.clear();
 }
 
 GX_PROBE(jint, outstanding)(JNIEnv*, jclass) {

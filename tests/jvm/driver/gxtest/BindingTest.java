@@ -1,6 +1,7 @@
 package gxtest;
 
 import java.lang.reflect.Method;
+import java.util.Arrays;
 import java.util.concurrent.atomic.AtomicInteger;
 
 /** Java objects and the native objects behind them. */
@@ -74,7 +75,7 @@ final class BindingTest {
     // Every native gives its failure value, records 19 and says where.
     private static void expectNotBound(Object text, String what) {
         for (Method method : Sdk.textNatives()) {
-            String name = method.getName().substring("GxText_".length());
+            String name = Sdk.nameOf(method);
             if (name.equals("finalize")) {
                 continue;
             }
@@ -90,15 +91,8 @@ final class BindingTest {
     }
 
     private static Object[] defaults(Class<?>[] types) {
-        Object[] values = new Object[types.length];
-        for (int i = 0; i < types.length; i++) {
-            if (types[i] == int.class) {
-                values[i] = 0;
-            } else if (types[i] == float.class) {
-                values[i] = 0f;
-            }
-        }
-        return values;
+        return Arrays.stream(types).map(
+                type -> type == int.class ? (Object) 0 : type == float.class ? 0f : null).toArray();
     }
 
     private static Object failureOf(Method method) {

@@ -4,6 +4,7 @@ import android.content.res.AssetManager;
 import java.io.IOException;
 import java.nio.file.Files;
 import java.nio.file.Path;
+import java.util.Arrays;
 
 /** Fonts from files, bytes and assets. */
 final class FontTest {
@@ -65,39 +66,30 @@ final class FontTest {
 
     static void missingArgumentsAreNamed() {
         Object text = Sdk.newText();
-        expectLog(text, "SetFont", "GxText_SetFont() - Fail to get fontFile string",
-                (Object) null);
-        expectLog(text, "SetFontFamilyName",
-                "GxText_SetFontFamilyName() - Fail to get familyName string", (Object) null);
-        expectLog(text, "SetFont2", "GxText_SetFont2() - fontName is NULL", null, new byte[1]);
-        expectLog(text, "SetFont2", "GxText_SetFont2() - buffer is NULL", "name", null);
-        expectLog(text, "SetFont3", "GxText_SetFont3() - assetManager is NULL", null, "name");
-        expectLog(text, "SetFont3", "GxText_SetFont3() - fontName is NULL", new AssetManager(),
-                null);
-        Check.isTrue(Sdk.flag(text, "SetFontFamilyName", "serif"), "a family name");
-        Check.equal(0, Sdk.error(), "no code is recorded");
-    }
-
-    static void charactersAndBytesThatTheRuntimeRefusesAreFailures() {
-        Object text = Sdk.newText();
-        Object[][] calls = {
-            {"SetFont", "GxText_SetFont() - Fail to get fontFile string", FONT},
-            {"SetFontFamilyName", "GxText_SetFontFamilyName() - Fail to get familyName string", "a"},
-            {"SetFont2", "GxText_SetFont2() - Fail to get fontFile string", "a", new byte[1]},
-            {"SetFont3", "GxText_SetFont3() - Fail to get fontFile string", new AssetManager(), "a"},
-        };
-        for (Object[] call : calls) {
+        String noFont = "Fail to get fontFile string";
+        String noFamily = "Fail to get familyName string";
+        expectLog(text, "SetFont", noFont, (Object) null);
+        expectLog(text, "SetFontFamilyName", noFamily, (Object) null);
+        Object[][] unread = {{"SetFont", noFont, FONT}, {"SetFontFamilyName", noFamily, "a"},
+                {"SetFont2", noFont, "a", new byte[1]}, {"SetFont3", noFont, new AssetManager(), "a"}};
+        for (Object[] call : unread) {
             Probe.failCall("GetStringUTFChars", 1);
             expectLog(text, (String) call[0], (String) call[1],
-                    java.util.Arrays.copyOfRange(call, 2, call.length));
+                    Arrays.copyOfRange(call, 2, call.length));
         }
+        expectLog(text, "SetFont2", "fontName is NULL", null, new byte[1]);
+        expectLog(text, "SetFont2", "buffer is NULL", "name", null);
+        expectLog(text, "SetFont3", "assetManager is NULL", null, "name");
+        expectLog(text, "SetFont3", "fontName is NULL", new AssetManager(), null);
         Probe.failCall("GetByteArrayElements", 1);
         Check.isTrue(!Sdk.flag(text, "SetFont2", "unread", fontBytes()), "no bytes");
+        Check.isTrue(Sdk.flag(text, "SetFontFamilyName", "serif"), "a family name");
+        Check.equal(0, Sdk.error(), "no code is recorded");
     }
 
     private static void expectLog(Object text, String method, String line, Object... arguments) {
         Probe.takeLog();
         Check.isTrue(!Sdk.flag(text, method, arguments), method);
-        Check.logged(Probe.log(), "E/GxText_JNI: " + line);
+        Check.logged(Probe.log(), "E/GxText_JNI: GxText_" + method + "() - " + line);
     }
 }

@@ -14,24 +14,18 @@ final class MemoryTest {
 
     private MemoryTest() {}
 
-    static void aThousandRendersLeaveNativeMemoryAsItWas() {
-        Object text = Widgets.text(Widgets.view(200, 60));
-        Sdk.number(text, "AddStrokeTextEffect", 3f, 0xFFFF0000, 1f, 0, 1);
+    static void aThousandTextsLeaveNativeMemoryAsItWas() {
+        byte[] garbage = new byte[10_000];
         Layout layout = new Layout(new SpannableString("Hello, memory")
                                            .with(new BackgroundColorSpan(-1), 0, 3), 1);
         expectFlat(() -> {
+            Object text = Widgets.text(Widgets.view(200, 60));
+            Sdk.number(text, "AddStrokeTextEffect", 3f, 0xFFFF0000, 1f, 0, 1);
+            Sdk.flag(text, "SetFont2", "garbage", garbage);
             Sdk.flag(text, "SetPaint", new Paint());
             Sdk.flag(text, "SetLayout", layout);
             Widgets.render(text);
-        });
-    }
-
-    static void aThousandObjectsLeaveNativeMemoryAsItWas() {
-        byte[] garbage = new byte[10_000];
-        expectFlat(() -> {
-            Object text = Widgets.text(Widgets.view(20, 20));
-            Sdk.flag(text, "SetFont2", "garbage", garbage);
-            Sdk.flag(text, "SetLayout", new Layout("a", 1));
+            Widgets.render(text);
             Sdk.call(text, "finalize");
         });
     }

@@ -5,8 +5,6 @@ import android.os.LocaleList;
 
 /** What is taken from an android.graphics.Paint. */
 final class PaintTest {
-    private static final String[] METHODS = AndroidMethods.of("android/graphics/Paint");
-
     private PaintTest() {}
 
     private static String paintAfter(Paint paint) {
@@ -55,9 +53,6 @@ final class PaintTest {
             int expected = align == Paint.Align.LEFT ? 0 : align == Paint.Align.RIGHT ? 2 : 1;
             Check.isTrue(paintAfter(paint).endsWith("align " + expected), align.name());
         }
-        Probe.hide("name");
-        Check.isTrue(paintAfter(paint).endsWith("align 0"), "no name");
-        Check.logged(Probe.log(), "D/GxText_JNI: Paint.Align cannot find 'name' method id");
     }
 
     static void localeListsAreKnownByTheirTags() {
@@ -65,46 +60,6 @@ final class PaintTest {
         Check.isTrue(!japanese.equals("0"), "registered");
         Check.equal(japanese, localesAfter("ja-JP"), "the same list");
         Check.isTrue(!japanese.equals(localesAfter("ko-KR,ja-JP")), "another list");
-        Probe.hide("toLanguageTags");
-        Check.equal("0", localesAfter("ja-JP"), "no tags");
-        Check.logged(
-                Probe.log(), "D/GxText_JNI: LocaleList cannot find 'toLanguageTags' method id");
-    }
-
-    static void everyMethodMustBeThere() {
-        Object text = Sdk.newText();
-        for (String method : METHODS) {
-            Probe.reset();
-            Probe.hide(method);
-            Check.isTrue(!Sdk.flag(text, "SetPaint", new Paint()), method);
-            Check.logged(Probe.log(), "E/GxText_JNI: Java function " + method + " not found");
-        }
-        Probe.reset();
-        Check.isTrue(!Sdk.flag(text, "SetPaint", (Object) null), "no paint");
-        Check.isTrue(Probe.paint(Sdk.handle(text)).startsWith("size 12,"), "nothing was stored");
-    }
-
-    static void whatAGetterThrowsGoesOn() {
-        RuntimeException thrown = new RuntimeException("from a getter");
-        Object text = Sdk.newText();
-        Paint size = new Paint() {
-            @Override
-            public float getTextSize() { throw thrown; }
-        };
-        Paint locales = new Paint() {
-            @Override
-            public LocaleList getTextLocales() {
-                return new LocaleList("") {
-                    @Override
-                    public String toLanguageTags() { throw thrown; }
-                };
-            }
-        };
-        for (Paint paint : new Paint[] {size, locales}) {
-            paint.textScaleX = 3f;
-            Check.passesOn(thrown, () -> Sdk.call(text, "SetPaint", paint), "SetPaint");
-            Check.isTrue(Probe.paint(Sdk.handle(text)).contains("scale 1,"), "nothing was stored");
-        }
     }
 
     static void hostileNumbersAreTaken() {

@@ -16,6 +16,9 @@ final class Probe {
     /** The given call of this JNI function (1: the next) gives null and an OutOfMemoryError. */
     static native void failCall(String function, int which);
 
+    /** Natives that call a method of this name get this thrown, until {@link #reset}. */
+    static native void throwFrom(String method, RuntimeException error);
+
     static native void reset();
 
     /** Runs this where a native looks up or calls something of Java the given time (1: next). */

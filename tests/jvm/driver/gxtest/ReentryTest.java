@@ -1,16 +1,8 @@
 package gxtest;
 
-import android.content.res.AssetManager;
-import android.graphics.Paint;
-import android.graphics.Typeface;
-import android.os.LocaleList;
-import android.text.Layout;
-import android.text.SpannableString;
-import android.text.style.BackgroundColorSpan;
-import android.widget.TextView;
+import gxtest.Natives.Native;
 import java.util.List;
 import java.util.Map;
-import java.util.TreeMap;
 
 /**
  * The application's objects use the very text object whose native is asking them. Every native is
@@ -21,72 +13,13 @@ final class ReentryTest {
     private static final int ROUNDS = 20;
     private static final String DELETED = "D/GxTextObject: Delete GxTextObject by InstanceManager";
 
-    private static int fonts;
-
     private ReentryTest() {}
-
-    private interface Native {
-        Object call(Object text);
-    }
-
-    private static Map<String, Native> natives() {
-        Paint paint = new Paint();
-        paint.fontFeatureSettings = "'liga' off";
-        paint.textLocales = new LocaleList("ja-JP");
-        paint.textAlign = Paint.Align.CENTER;
-        TextView view = view();
-        view.gravity = 0x50;
-        view.typeface = new Typeface(true, true);
-        Layout layout = layout("other text");
-        AssetManager assets = new AssetManager();
-        Map<String, Native> natives = new TreeMap<>();
-        natives.put("SetPaint", text -> Sdk.call(text, "SetPaint", paint));
-        natives.put("SetView", text -> Sdk.call(text, "SetView", view));
-        natives.put("SetLine", text -> Sdk.call(text, "SetLine", 2));
-        natives.put("SetLayout", text -> Sdk.call(text, "SetLayout", layout));
-        natives.put("SetFont", text -> Sdk.call(text, "SetFont", FontTest.FONT));
-        natives.put("SetFont2", text -> Sdk.call(text, "SetFont2", "reentry", new byte[9]));
-        natives.put("SetFont3", text -> {
-            String name = "reentry " + fonts++;  // a name that is known is not opened
-            assets.assets.put(name, new byte[9]);
-            return Sdk.call(text, "SetFont3", assets, name);
-        });
-        natives.put("SetFontFamilyName", text -> Sdk.call(text, "SetFontFamilyName", "serif"));
-        natives.put("AddInnerShadow",
-                text -> Sdk.call(text, "AddInnerShadowTextEffect", 0f, 1f, 2f, -1, 1f));
-        natives.put("AddOuterShadow",
-                text -> Sdk.call(text, "AddOuterShadowTextEffect", 0f, 1f, 2f, -1, 1f));
-        natives.put("AddOuterGlow", text -> Sdk.call(text, "AddOuterGlowTextEffect", 2f, -1, 1f));
-        natives.put("AddStroke", text -> Sdk.call(text, "AddStrokeTextEffect", 2f, -1, 1f, 0, 1));
-        natives.put("AddLinearGradient",
-                text -> Sdk.call(text, "AddLinearGradientTextEffect", 0f, 1f, new int[2],
-                        new float[2], new float[2], 1f));
-        natives.put("ClearAllTextEffect", text -> Sdk.call(text, "ClearAllTextEffect"));
-        natives.put("RenderTextEffect", text -> Sdk.call(text, "RenderTextEffect"));
-        natives.put("GetDrawingBitmapSize", text -> Sdk.call(text, "GetDrawingBitmapSize"));
-        for (String side : new String[] {"Left", "Top", "Right", "Bottom"}) {
-            String name = "GetEffect" + side + "Offset";
-            natives.put(name, text -> Sdk.call(text, name));
-        }
-        Check.equal(Sdk.textNatives().length, natives.size() + 1, "all but finalize");
-        return natives;
-    }
-
-    private static TextView view() {
-        TextView view = Widgets.view(30, 20);
-        view.maxLines = 3;
-        return view;
-    }
-
-    private static Layout layout(String text) {
-        return new Layout(new SpannableString(text).with(new BackgroundColorSpan(-1), 0, 3), 3);
-    }
 
     // With everything that a native may find there.
     private static Object text() {
-        Object text = Widgets.text(view());
+        Object text = Widgets.text(Natives.view());
         Sdk.number(text, "AddStrokeTextEffect", 2f, -1, 1f, 0, 1);
-        Sdk.flag(text, "SetLayout", layout("some text"));
+        Sdk.flag(text, "SetLayout", Natives.layout("some text"));
         Widgets.render(text);
         Probe.takeLog();
         Probe.setError(0);
@@ -94,7 +27,7 @@ final class ReentryTest {
     }
 
     static void theClosedObjectGoesWhenTheNativeReturns() {
-        Map<String, Native> natives = natives();
+        Map<String, Native> natives = Natives.all();
         Native close = text -> Sdk.call(text, "finalize");
         Native closeAndGoOn = text -> {
             close.call(text);
@@ -142,7 +75,7 @@ final class ReentryTest {
     }
 
     static void anyNativeMayRunInsideAnyOther() {
-        Map<String, Native> natives = natives();
+        Map<String, Native> natives = Natives.all();
         for (Map.Entry<String, Native> outer : natives.entrySet()) {
             for (Map.Entry<String, Native> inner : natives.entrySet()) {
                 String what = inner.getKey() + " inside " + outer.getKey() + " at place ";

@@ -78,6 +78,11 @@ final class Sdk {
         }
     }
 
+    /** Of a native of {@code GxText}, as {@link #call} takes it. */
+    static String nameOf(Method method) {
+        return method.getName().substring("GxText_".length());
+    }
+
     private static void setField(String className, String name, Object object)
             throws ReflectiveOperationException {
         Field field = Class.forName(className).getDeclaredField(name);

@@ -5,8 +5,6 @@ import android.widget.TextView;
 
 /** What is taken from an android.widget.TextView. */
 final class ViewTest {
-    private static final String[] METHODS = AndroidMethods.of("android/widget/TextView");
-
     private ViewTest() {}
 
     private static TextView view() {
@@ -40,43 +38,5 @@ final class ViewTest {
         view.typeface = null;
         Check.isTrue(Sdk.flag(text, "SetView", view), "no typeface");
         Check.isTrue(Probe.view(Sdk.handle(text)).endsWith("bold 0, italic 1"), "style as before");
-    }
-
-    static void everyMethodMustBeThereButTheTypefaces() {
-        Object text = Sdk.newText();
-        for (String method : METHODS) {
-            Probe.reset();
-            Probe.hide(method);
-            Check.isTrue(!Sdk.flag(text, "SetView", view()), method);
-            Check.logged(
-                    Probe.log(), "E/GxText_JNI: GxText_SetView - Function " + method + " not found");
-        }
-        Probe.reset();
-        Check.isTrue(!Sdk.flag(text, "SetView", (Object) null), "no view");
-        for (String method : new String[] {"isBold", "isItalic"}) {
-            Probe.hide(method);
-            Check.isTrue(Sdk.flag(text, "SetView", view()), method);
-            Check.logged(Probe.log(),
-                    "D/GxText_JNI: getTypeFace cannot find '" + method + "' method id");
-        }
-        Check.isTrue(Probe.view(Sdk.handle(text)).endsWith("bold 0, italic 0"), "neither is set");
-    }
-
-    static void whatAGetterThrowsGoesOn() {
-        RuntimeException thrown = new RuntimeException("from a getter");
-        Object text = Sdk.newText();
-        TextView padding = new TextView() {
-            @Override
-            public int getPaddingTop() { throw thrown; }
-        };
-        padding.width = 77;
-        Check.passesOn(thrown, () -> Sdk.call(text, "SetView", padding), "getPaddingTop");
-        Check.isTrue(Probe.view(Sdk.handle(text)).startsWith("0 x 0,"), "nothing was stored");
-        TextView typeface = view();
-        typeface.typeface = new Typeface(true, true) {
-            @Override
-            public boolean isBold() { throw thrown; }
-        };
-        Check.passesOn(thrown, () -> Sdk.call(text, "SetView", typeface), "isBold");
     }
 }
