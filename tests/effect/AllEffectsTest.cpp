@@ -116,6 +116,7 @@ TEST(AllEffects, KnowOfEveryFailedAllocation) {
         GxEffect stack;
         addAll(stack, pattern);
         stack.setTextOpacity(opacity);
+        stack.setConfineInside(opacity == 1.0f);
         EXPECT_EQ(stack.getLeftOffset(), 8);
         const GxBitmap expected = render(stack);
         ASSERT_FALSE(stack.hasFailed());

@@ -129,21 +129,6 @@ TEST(GxEffect, AFilledStrokesKeyEndsWithItsFills) {
     EXPECT_EQ(stack.addRadialGradientStrokeText(1, 0, 1, 1, 1, 2, nullptr), -1);
 }
 
-TEST(GxEffect, CopyHasCoresOfItsOwn) {
-    GxEffect stack;
-    stack.getNewEffectId();
-    stack.addText(0xFF112233);
-    stack.setTextOpacity(0.25f);
-    stack.setConfineInside(true);
-    GxEffect copy(stack);
-    stack.addText(0xFFFFFFFF);
-    EXPECT_EQ(keyOf(copy), "T\x8F\x8F\x81\x81\x82\x82\x83\x83");
-    EXPECT_EQ(copy.getEffect(12)->getId(), 1);
-    EXPECT_EQ(copy.getTextOpacity(), 0.25f);
-    EXPECT_TRUE(copy.getConfineInside());
-    EXPECT_EQ(copy.getNewEffectId(), 2);
-}
-
 TEST(GxEffect, ReleasingACoreTakesItOutOfTheStack) {
     GxEffect stack;
     stack.addText(0xFFFFFFFF);
