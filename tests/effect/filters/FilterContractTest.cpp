@@ -164,6 +164,25 @@ TEST_P(Filters, DoesNothingWithoutItsInputs) {
     }
 }
 
+TEST_P(Filters, StaysInItsReach) {
+    gxtest::Random random(310);
+    GX_TRACE_SEED(random);
+    for (const float size : {1.0f, 2.5f, 6.0f, 12.0f}) {
+        GetParam().give(*core, size, 1);
+        Scene framed(100, 100, GxRect(40, 40, 60, 60));
+        for (int i = 0; i < 400; ++i) {
+            framed.mask.data[(40 + i / 20) * 100 + 40 + i % 20] = random.edgeByte();
+        }
+        paint(framed);
+        for (int i = 0; i < 10000; ++i) {
+            const int x = i % 100, y = i / 100;
+            const int distance = std::max({40 - x, x - 59, 40 - y, y - 59});
+            ASSERT_TRUE(distance <= core->getReach() || framed.pixel(x, y) == 0)
+                << "size " << size << ": " << x << ", " << y;
+        }
+    }
+}
+
 TEST_P(Filters, SurvivesOddRectanglesAndLayers) {
     GetParam().give(*core, 3, 1);
     constexpr int32_t kMin = std::numeric_limits<int32_t>::min();
