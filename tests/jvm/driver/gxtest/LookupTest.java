@@ -1,16 +1,12 @@
 package gxtest;
 
 import android.graphics.Paint;
-import android.graphics.Typeface;
-import android.os.LocaleList;
 import android.text.FontConfig;
 import android.text.Layout;
-import android.text.SpannableString;
-import android.text.style.BackgroundColorSpan;
-import android.widget.TextView;
 import gxtest.Natives.Native;
 import java.util.Arrays;
 import java.util.List;
+import java.util.Map;
 
 /** The methods of Android's classes that natives look up and call: missing ones, throwing ones. */
 final class LookupTest {
@@ -19,7 +15,7 @@ final class LookupTest {
 
     private LookupTest() {}
 
-    /** A native that asks objects of a class for all they have, and calls so many of their methods. */
+    /** A native that asks objects of a class for all they have, by so many of their methods. */
     private static final class Asked {
         final String type;
         final Native asks;
@@ -35,19 +31,9 @@ final class LookupTest {
     }
 
     private static List<Asked> all() {
-        Paint paint = new Paint();
-        paint.textScaleX = 3f;
-        paint.fakeBoldText = true;
-        paint.textLocales = new LocaleList("ja");
-        paint.textAlign = Paint.Align.RIGHT;
-        TextView view = Widgets.view(77, 7);
-        view.typeface = new Typeface(true, true);
-        Layout layout = new Layout("0123456789", 5);
+        Map<String, Native> natives = Natives.all();
         FontConfig config = new FontConfig(
                 new FontConfig.Family(null, null, new FontConfig.Font(FontTest.FONT)));
-        Native setPaint = text -> Sdk.call(text, "SetPaint", paint);
-        Native setView = text -> Sdk.call(text, "SetView", view);
-        Native setLayout = text -> Sdk.call(text, "SetLayout", layout);
         Native setConfig = text -> {
             Probe.forgetFontConfig();
             return Sdk.fonts("SetFontConfig", config);
@@ -55,11 +41,11 @@ final class LookupTest {
         String text = "E/GxText_JNI: ";
         String fonts = "E/Init_GxFontManager_JNI: Java ";
         return List.of(
-                new Asked("android/graphics/Paint", setPaint, 10,
+                new Asked("android/graphics/Paint", natives.get("SetPaint"), 10,
                         text + "Java function %s not found"),
-                new Asked("android/widget/TextView", setView, 10,
+                new Asked("android/widget/TextView", natives.get("SetView"), 10,
                         text + "GxText_SetView - Function %s not found"),
-                new Asked("android/text/Layout", setLayout, 9,
+                new Asked("android/text/Layout", natives.get("SetLayout"), 9,
                         text + "GxText_SetLayout - Function %s not found"),
                 new Asked("android/text/FontConfig", setConfig, 1, fonts + "Function %s not found"),
                 new Asked("android/text/FontConfig$Family", setConfig, 4,
@@ -129,36 +115,26 @@ final class LookupTest {
         Check.equal(0, Sdk.error(), "no code is recorded");
     }
 
-    /** Methods of the objects that the getters give. */
-    static void aMethodOfAValueIsMissed() {
-        Layout spanned = new Layout(new SpannableString("ab").with(new BackgroundColorSpan(-1), 0, 2), 1);
-        Paint paint = new Paint();
-        paint.textLocales = new LocaleList("ja");
-        paint.textAlign = Paint.Align.RIGHT;
-        TextView view = Widgets.view(10, 10);
-        view.typeface = new Typeface(true, true);
-        Native setPaint = text -> Sdk.call(text, "SetPaint", paint);
-        Native setView = text -> Sdk.call(text, "SetView", view);
-        Object[][] cases = {{"name", setPaint, "Paint.Align cannot find"},
-                {"toLanguageTags", setPaint, "LocaleList cannot find"},
-                {"isBold", setView, "getTypeFace cannot find"},
-                {"isItalic", setView, "getTypeFace cannot find"},
-                {"toString", (Native) text -> Sdk.call(text, "SetLayout", spanned),
-                        "getText cannot find"}};
+    /** Methods of the objects that the getters give: one that is missing is done without. */
+    static void methodsOfValuesMayBeMissing() {
+        String[][] cases = {{"name", "SetPaint", "Paint.Align cannot find"},
+                {"toLanguageTags", "SetPaint", "LocaleList cannot find"},
+                {"isBold", "SetView", "getTypeFace cannot find"},
+                {"isItalic", "SetView", "getTypeFace cannot find"},
+                {"toString", "SetLayout", "getText cannot find"}};
+        Map<String, Native> natives = Natives.all();
+        RuntimeException thrown = new RuntimeException("from a value");
         Object text = text();
-        for (Object[] each : cases) {
-            Probe.hide((String) each[0]);
-            Check.equal(true, ((Native) each[1]).call(text), (String) each[0]);
-            Check.logged(Probe.log(),
-                    "D/GxText_JNI: " + each[2] + " '" + each[0] + "' method id");
+        for (String[] each : cases) {
+            Native asks = natives.get(each[1]);
+            Probe.throwFrom(each[0], thrown);
+            Check.passesOn(thrown, () -> asks.call(text), each[0]);
+            Probe.hide(each[0]);
+            Check.equal(true, asks.call(text), each[0]);
+            Check.logged(Probe.log(), "D/GxText_JNI: " + each[2] + " '" + each[0] + "' method id");
         }
         String state = stateOf(text);
-        Check.isTrue(state.contains("locales 0, align 0") && state.contains("bold 0, italic 0"), state);
-        Probe.reset();
-        RuntimeException thrown = new RuntimeException("from a value");
-        for (Object[] each : cases) {
-            Probe.throwFrom((String) each[0], thrown);
-            Check.passesOn(thrown, () -> ((Native) each[1]).call(text), (String) each[0]);
-        }
+        Check.isTrue(state.contains("locales 0, align 0"), state);
+        Check.isTrue(state.contains("bold 0, italic 0"), state);
     }
 }

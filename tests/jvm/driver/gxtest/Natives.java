@@ -32,9 +32,10 @@ final class Natives {
         TextView view = view();
         view.gravity = 0x50;
         view.typeface = new Typeface(true, true);
-        Map<Class<?>, Object> given = Map.of(Paint.class, paint, TextView.class, view, Layout.class,
-                layout("a long enough text \uD83D\uDE00"), String.class, FontTest.FONT, byte[].class,
-                new byte[9], int.class, 2, float.class, 1f, int[].class, new int[2], float[].class,
+        Layout layout = layout("a long enough text \uD83D\uDE00");
+        Map<Class<?>, Object> given = Map.of(Paint.class, paint, TextView.class, view,
+                Layout.class, layout, String.class, FontTest.FONT, byte[].class, new byte[9],
+                int.class, 2, float.class, 1f, int[].class, new int[2], float[].class,
                 new float[2]);
         Map<String, Native> natives = new TreeMap<>();
         for (Method method : Sdk.textNatives()) {
