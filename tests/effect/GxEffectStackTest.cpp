@@ -57,6 +57,18 @@ protected:
         return dynamic_cast<const Property&>(*stack.getEffect(style)->getProperty());
     }
 
+    // What was added is an effect of this style with this record, and gone afterwards.
+    void expectAs(int style, const GxProperty& wanted) {
+        GxEffect other;
+        ASSERT_EQ(other.addEffect(style, &wanted), 0);
+        EXPECT_EQ(keyOf(stack), keyOf(other));
+        const GxBitmap mask = gxtest::Scene({"####", "#94#", "####"}).mask;
+        const GxBitmap expected = gxtest::renderStack(other, 24, 20, 8, 8, mask);
+        const GxBitmap actual = gxtest::renderStack(stack, 24, 20, 8, 8, mask);
+        EXPECT_EQ(gxtest::difference(expected, actual), "");
+        stack.cleanAllEffect();
+    }
+
     GxBitmap pattern = gxtest::Scene(2, 2).layer;
     GxEffect stack;
 };
@@ -231,41 +243,30 @@ TEST_F(GxEffectStack, AnglesAndPercentages) {
                           {-359.5f, 1, 0.99f, 0},
                           {kInfinity, static_cast<float>(INT32_MAX % 360), kInfinity, 100}};
     for (const Case& c : cases) {
-        stack.addOuterShadowText(c.angle, c.size, c.size, 0, 1);
-        stack.addInnerShadowText(c.angle, c.size, c.size, 0, 1);
-        stack.addStrokeText(c.size, 0, 1, 7, -8);
-        const auto& outer = record<GxOuterShadowProperty>(1);
-        EXPECT_EQ(outer.angle, c.wrapped) << c.angle;
-        EXPECT_EQ(outer.distance, c.clamped) << c.size;
-        EXPECT_EQ(outer.size, c.clamped) << c.size;
-        EXPECT_EQ(record<GxInnerShadowProperty>(2).angle, c.wrapped);
-        EXPECT_EQ(record<GxStrokeProperty>(10).size, c.clamped);
+        SCOPED_TRACE(testing::Message() << c.angle << " degrees, " << c.size << " pixels");
+        stack.addOuterShadowText(c.angle, c.size, c.size, kRed, 1);
+        expectAs(1, GxOuterShadowProperty(c.wrapped, c.clamped, c.clamped, kRed, 1));
+        stack.addInnerShadowText(c.angle, c.size, c.size, kRed, 1);
+        expectAs(2, GxInnerShadowProperty(c.wrapped, c.clamped, c.clamped, kRed, 1));
+        stack.addStrokeText(c.size, kRed, 1, 7, -8);
+        expectAs(10, GxStrokeProperty(c.clamped, kRed, 1, 7, -8));
     }
-    EXPECT_EQ(record<GxStrokeProperty>(10).cap, 7);
-    EXPECT_EQ(record<GxStrokeProperty>(10).position, -8);
 }
 
 TEST_F(GxEffectStack, ColoursTakeTheOpacity) {
     // Premultiplied: shadows and stroke. Opacity 0.2: a = trunc(51.5) = 51; 0xFF: 51 x 256 >> 8 =
     // 51; 0x80: 51 x 129 >> 8 = 25.
     stack.addOuterShadowText(0, 0, 0, 0x00FF8000, 0.2f);
-    stack.addStrokeText(0, 0x77FF8000, 0.2f, 0, 0);
-    EXPECT_EQ(record<GxOuterShadowProperty>(1).color, 0x33331900u);
-    EXPECT_EQ(record<GxStrokeProperty>(10).color, 0x33331900u);
-    // As alpha: glows and bevels.
-    stack.addOuterGlowText(0, 0x00FF8000, 0.2f, 0, nullptr);
-    EXPECT_EQ(record<GxOuterGlowProperty>(3).color, 0x33FF8000u);
-    stack.addBevelText(1, 2, 99, 3, 4, 99, 1, -30, -30, 0x00FF8000, 0.2f, 0xFF123456, kNaN);
-    const auto& bevel = record<GxBevelProperty>(5);
-    EXPECT_EQ(bevel.highlightColor, 0x33FF8000u);
-    EXPECT_EQ(bevel.shadowColor, 0x00123456u);
-    EXPECT_EQ(bevel.angle, 330.0f);
-    EXPECT_EQ(bevel.altitude, 60.0f);
-    EXPECT_EQ(bevel.soften, 16);
-    EXPECT_EQ(bevel.depth, 10.0f);
+    expectAs(1, GxOuterShadowProperty(0, 0, 0, 0x33331900, 0));
+    stack.addStrokeText(3, 0x77FF8000, 0.2f, 0, 0);
+    expectAs(10, GxStrokeProperty(3, 0x33331900, 0, 0, 0));
     stack.addOuterShadowText(0, 0, 0, 0xFFFFFFFF, 7.0f);
-    EXPECT_EQ(record<GxOuterShadowProperty>(1).color, 0xFFFFFFFFu);
-    EXPECT_EQ(record<GxOuterShadowProperty>(1).opacity, 1.0f);
+    expectAs(1, GxOuterShadowProperty(0, 0, 0, 0xFFFFFFFF, 0));
+    // As alpha: glows and bevels.
+    stack.addOuterGlowText(3, 0x00FF8000, 0.2f, 0, nullptr);
+    expectAs(3, GxOuterGlowProperty(3, 0x33FF8000, 0.2f, 0, nullptr));
+    stack.addBevelText(1, 2, 99, 3, 4, 99, 1, -30, -30, 0x00FF8000, 0.2f, 0xFF123456, kNaN);
+    expectAs(5, GxBevelProperty(1, 2, 10, 3, 4, 16, 1, 330, 60, 0x33FF8000, 0, 0x00123456, 0));
 }
 
 TEST_F(GxEffectStack, StopsFoldTheOpacityIn) {
@@ -273,26 +274,16 @@ TEST_F(GxEffectStack, StopsFoldTheOpacityIn) {
                                 {0xFFFFFFFF, 3.0f, -0.5f},
                                 {0xFFFFFFFF, -1.0f, kInfinity},
                                 {0xFF000000, kNaN, kNaN}};
+    // 0.5 x 0.5 x 255 + 0.5 = 64.25. A stop's opacity counts as given: 3 x 0.5 is clamped to 1.
+    // Positions have two decimals.
+    const GxGradient folded[] = {
+        {0x40345678, 0.5f, 0.99f}, {0xFFFFFFFF, 1, 0}, {0x00FFFFFF, 0, 1}, {0, 0, 0}};
     stack.addLinearGradientText(0, 1, 0.5f, 4, stops);
-    const auto& gradient = record<GxLinearGradientProperty>(7);
-    ASSERT_EQ(gradient.stopCount, 4);
-    // 0.5 x 0.5 x 255 + 0.5 = 64.25.
-    EXPECT_EQ(gradient.stops[0].color, 0x40345678u);
-    EXPECT_EQ(gradient.stops[0].opacity, 0.5f);
-    EXPECT_EQ(gradient.stops[0].position, 0.99f) << "two decimals, truncated";
-    // The stop's opacity counts as given: 3 x 0.5 is clamped to 1.
-    EXPECT_EQ(gradient.stops[1].color, 0xFFFFFFFFu);
-    EXPECT_EQ(gradient.stops[1].opacity, 1.0f);
-    EXPECT_EQ(gradient.stops[1].position, 0.0f);
-    EXPECT_EQ(gradient.stops[2].color, 0x00FFFFFFu);
-    EXPECT_EQ(gradient.stops[2].position, 1.0f);
-    EXPECT_EQ(gradient.stops[3].color, 0u);
-    EXPECT_EQ(gradient.stops[3].position, 0.0f);
-    EXPECT_EQ(record<GxLinearGradientProperty>(7).scale, 1.0f);
+    expectAs(7, GxLinearGradientProperty(0, 1, 0.5f, 4, folded));
+    stack.addRadialGradientText(9, 0.5f, 4, stops);
+    expectAs(8, GxRadialGradientProperty(0, 2, 0.5f, 4, folded));
     stack.addRadialGradientText(9, 1, -4, stops);
-    EXPECT_EQ(record<GxRadialGradientProperty>(8).stopCount, 0);
-    EXPECT_EQ(record<GxRadialGradientProperty>(8).scale, 2.0f);
-    EXPECT_EQ(record<GxRadialGradientProperty>(8).angle, 0.0f);
+    expectAs(8, GxRadialGradientProperty(0, 2, 1, 0, nullptr));
     const std::vector<GxGradient> many(300);
     stack.addInnerGlowText(1, 0, 1, 300, many.data());
     EXPECT_EQ(record<GxInnerGlowProperty>(4).stopCount, 256);
