@@ -86,47 +86,11 @@ TEST(GxEffect, TextOpacityIsClampedAndCountsAsAnEffect) {
     EXPECT_EQ(stack.getTextOpacity(), 1.0f);
 }
 
-TEST(GxEffect, TextColourConversions) {
+TEST(GxEffect, KeyWithAColourSetsTheFill) {
     GxEffect stack;
     EXPECT_EQ(keyOf(stack), "");
-    stack.addText(0x80336699);
-    EXPECT_EQ(keyOf(stack), "T\x8F\x8F\x83\x83\x86\x86\x89\x89") << "alpha forced to 255";
-    // Opacity 0.5: a = trunc(0.5 x 255 + 0.5) = 128; 0x33: 128 x 52 >> 8 = 26 = 0x1A;
-    // 0x66: 128 x 103 >> 8 = 51 = 0x33; 0x99: 128 x 154 >> 8 = 77 = 0x4D.
-    stack.addText(0x12336699, 0.5f);
-    EXPECT_EQ(keyOf(stack), "T\x88\x80\x81\x8A\x83\x83\x84\x8D");
-    stack.addText(0xFF336699, std::nanf(""));
-    EXPECT_EQ(stack.getEffect(12)->getProperty()->color, 0u);
     const std::unique_ptr<char[]> key(stack.getMapKey(0x00336699));
-    EXPECT_STREQ(key.get(), "T\x8F\x8F\x83\x83\x86\x86\x89\x89") << "sets the fill";
-}
-
-// The fill's conversions are those of the effect of its kind.
-TEST(GxEffect, AFilledStrokesKeyEndsWithItsFills) {
-    GxEffect stack;
-    GxBitmap pattern(2, 2, 4);
-    const GxGradient stops[] = {{0x12345678, 0.5f, 0.999f}, {0xFFFFFFFF, 3.0f, 1}};
-    const auto keyWith = [&](auto add) {
-        stack.cleanAllEffect();
-        EXPECT_EQ(add(), 0);
-        std::string key = keyOf(stack);
-        const size_t address = key.find('P');  // of the core's own copy
-        if (address != std::string::npos) key.erase(address + 1, 8);
-        return key;
-    };
-    const std::string stroke = keyWith([&] { return stack.addStrokeText(3.5f, 0, 0, 2, 1); }) + "F";
-    EXPECT_EQ(
-        keyWith([&] {
-            return stack.addLinearGradientStrokeText(3.5f, 2, 1, -30, 0.7f, 0.4f, 2, stops);
-        }),
-        stroke + keyWith([&] { return stack.addLinearGradientText(-30, 0.7f, 0.4f, 2, stops); }));
-    EXPECT_EQ(
-        keyWith([&] { return stack.addRadialGradientStrokeText(3.5f, 2, 1, 9, 0.4f, 2, stops); }),
-        stroke + keyWith([&] { return stack.addRadialGradientText(9, 0.4f, 2, stops); }));
-    EXPECT_EQ(keyWith([&] { return stack.addPatternStrokeText(3.5f, 2, 1, &pattern, 2, 7); }),
-              stroke + keyWith([&] { return stack.addPatternText(&pattern, 2, 7); }));
-    EXPECT_EQ(stack.addPatternStrokeText(1, 0, 1, nullptr, 1, 1), -1);
-    EXPECT_EQ(stack.addRadialGradientStrokeText(1, 0, 1, 1, 1, 2, nullptr), -1);
+    EXPECT_STREQ(key.get(), "T\x8F\x8F\x83\x83\x86\x86\x89\x89");
 }
 
 TEST(GxEffect, ReleasingACoreTakesItOutOfTheStack) {
