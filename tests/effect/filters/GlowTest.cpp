@@ -50,8 +50,13 @@ TYPED_TEST(Glows, Margins) {
 
 TYPED_TEST(Glows, TableFadesFromTheSpread) {
     const typename TestFixture::Record record(4, 0xC8123456, 1, 0, nullptr);
-    for (const auto& [spread, start] :
-         {std::pair{0.3f, 76}, {0.5f, 128}, {1.5f, 253}, {-1.0f, 2}, {gxtest::kNaN, 2}}) {
+    for (const auto& [spread, start] : {std::pair{0.3f, 76},
+                                        {0.5f, 128},
+                                        {1.5f, 253},
+                                        {1.0f, 253},
+                                        {0.0f, 2},
+                                        {-1.0f, 2},
+                                        {gxtest::kNaN, 2}}) {
         const Table table = this->tableOf(record, spread);
         for (int i = 0; i <= 256; ++i) {
             const int alpha = i < start ? 200 : 200 * ((256 - i) * 256 / (256 - start)) >> 8;
