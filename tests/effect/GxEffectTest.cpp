@@ -1,4 +1,4 @@
-// The stack with the effects that exist: adding, ids, the text fill end to end, compositing.
+// The stack: adding, ids, the text fill end to end, compositing.
 #include "effect/GxEffect.h"
 
 #include <gmock/gmock.h>

@@ -93,8 +93,16 @@ TYPED_TEST(Glows, NothingToGrow) {
     EXPECT_EQ(mask, std::vector<uint8_t>(25, 9));
 }
 
-// One pass: a quarter of the sum of each cell and its neighbours, but in the first and last row and
-// column.
+void gaussianWeights(int* weights, int* sum, int radius) {
+    *sum = weights[0] = 128;
+    for (int i = 1; i <= radius; ++i) {
+        weights[i] = static_cast<int>(std::exp(-4.60517 * i * i / (radius * radius)) * 128 + 0.5);
+        *sum += 2 * weights[i];
+    }
+}
+
+// One pass: a quarter of the sum of each cell and its neighbours. The first and the last row stay,
+// the first and the last column become empty.
 Plane grown(const Plane& plane) {
     return Plane(plane.width, plane.height, 0, [&](int x, int y) {
         if (y == 0 || y == plane.height - 1) return plane.at(x, y);
@@ -121,20 +129,11 @@ GxBitmap model(const Scene& scene, float size, const Table& table, bool isInner)
         plane = grown(plane);
     }
     const int g = static_cast<int>(static_cast<float>(m) * 0.9f);
-    const gxtest::Weights weights(
-        [](int* taps, int* sum, int radius) {
-            *sum = taps[0] = 128;
-            for (int i = 1; i <= radius; ++i) {
-                taps[i] =
-                    static_cast<int>(std::exp(-4.60517 * i * i / (radius * radius)) * 128 + 0.5);
-                *sum += 2 * taps[i];
-            }
-        },
-        g);
-    // Each pass of the inner glow inverts.
+    const gxtest::Weights weights(gaussianWeights, g);
     const auto isComputed = [&](int x, int y) {
         return x >= g && x < width - g && y >= g && y < height - g;
     };
+    // Each pass of the inner glow inverts.
     const auto blurredAlong = [&](const Plane& from, bool isColumn) {
         const Plane input(width, height, 0, [&](int x, int y) {
             return isInner ? 255 - from.at(x, y) : from.at(x, y);
