@@ -32,31 +32,53 @@ run_maven_or_skip() {
     exit 1
 }
 
-# Puts the jar GROUP:ARTIFACT:VERSION into $build/tools.
+# Sets `tool`, the path of the jar GROUP:ARTIFACT:VERSION in Maven's repository. Wants the SDK in $build/sdk.
 fetch_tool() {
-    local name=${1#*:}
-    [[ -e $build/tools/${name/:/-}.jar ]] || run_maven_or_skip \
-        org.apache.maven.plugins:maven-dependency-plugin:3.6.1:copy "-Dartifact=$1" "-DoutputDirectory=$build/tools"
+    local group artifact version
+    IFS=: read -r group artifact version <<<"$1"
+    tool=$(sed 's|/org/robolectric/.*||' "$build/sdk/classpath")/${group//.//}/$artifact/$version/$artifact-$version.jar
+    [[ -e $tool ]] || run_maven_or_skip \
+        org.apache.maven.plugins:maven-dependency-plugin:3.6.1:get "-Dartifact=$1" -Dtransitive=false
+}
+R8=com.android.tools:r8:8.5.35
+
+# Sets `java_base` to a jar of java.lang and its like, or to all of the runtime where its modules are not installed: of a
+# library the shrinker reads every class.
+find_java_base() {
+    local home
+    home=$(java -XshowSettings:properties -version 2>&1 | sed -n 's/^ *java.home = //p')
+    java_base=$home
+    [[ -e $home/jmods/java.base.jmod ]] || return 0
+    java_base=$build/java.base.jar
+    [[ $java_base -nt $home/jmods/java.base.jmod ]] ||
+        python3 - "$home/jmods/java.base.jmod" "$java_base" <<'END'
+import sys, zipfile
+with zipfile.ZipFile(sys.argv[1]) as module, zipfile.ZipFile(sys.argv[2], "w") as jar:
+    for name in module.namelist():
+        if name.startswith("classes/"):
+            jar.writestr(name.removeprefix("classes/"), module.read(name))
+END
 }
 
 # The shrinker, as the Android build runs it: full mode, with the SDK's rules and those of the caller.
 #   shrink RULES OUTPUT OPTION_OR_JAR...
-R8=8.5.35
 shrink() {
-    local rules=$1 output=$2 home
+    local rules=$1 output=$2
     shift 2
-    fetch_tool "com.android.tools:r8:$R8"
-    home=$(java -XshowSettings:properties -version 2>&1 | sed -n 's/^ *java.home = //p') # java.lang and its like
+    fetch_tool "$R8"
+    find_java_base
     # What a rule does not match is told at length; an app without the SDK matches none.
-    java -cp "$build/tools/r8-$R8.jar" com.android.tools.r8.R8 --release \
+    java -cp "$tool" com.android.tools.r8.R8 --release \
         --pg-conf "$(dirname "${BASH_SOURCE[0]}")/consumer-rules.pro" --pg-conf "$rules" --output "$output" \
-        "$@" --lib "$home" >"$build/r8.log" 2>&1 || { cat "$build/r8.log" && exit 1; }
+        "$@" --lib "$java_base" >"$build/r8.log" 2>&1 || { cat "$build/r8.log" && exit 1; }
 }
 
-# The Kotlin compiler's path into `kotlin_compiler`, that of its library into `kotlin_library`.
+# The Kotlin compiler's path into `kotlin_compiler`, that of its library into `kotlin_library`. Asked of Maven once for all
+# who share the SDK's classes.
 find_kotlin() {
-    local list=$build/kotlin.classpath
-    [[ -e $list ]] || run_maven_or_skip -f "$(dirname "${BASH_SOURCE[0]}")/kotlin/pom.xml" \
+    local list=${GXTEXT_SDK_CLASSES:-$build}/kotlin.classpath pom
+    pom=$(dirname "${BASH_SOURCE[0]}")/kotlin/pom.xml
+    [[ $list -nt $pom ]] || run_maven_or_skip -f "$pom" \
         org.apache.maven.plugins:maven-dependency-plugin:3.6.1:build-classpath "-Dmdep.outputFile=$list"
     kotlin_compiler=$(cat "$list")
     kotlin_library=$(tr : '\n' <"$list" | grep -m 1 '/kotlin-stdlib-[0-9.]*jar$')
