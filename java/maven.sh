@@ -85,8 +85,8 @@ find_kotlin() {
 }
 
 # What the compiler says is in $build/kotlin.log.
-#   compile_kotlin CLASSPATH OUTPUT FILE
+#   compile_kotlin CLASSPATH OUTPUT FILE...
 compile_kotlin() {
     java -cp "$kotlin_compiler" org.jetbrains.kotlin.cli.jvm.K2JVMCompiler -no-stdlib -no-reflect -Werror -jvm-target 11 \
-        -classpath "$1:$kotlin_library" -d "$2" "$3" >"$build/kotlin.log" 2>&1
+        -classpath "$1:$kotlin_library" -d "$2" "${@:3}" >"$build/kotlin.log" 2>&1
 }
