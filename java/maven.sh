@@ -20,10 +20,15 @@ run_maven() {
 
 # For everything short of running tests: a failure to download is no failure of the SDK.
 run_maven_or_skip() {
-    local status=0 log=$build/maven.log
+    local status=0
     run_maven "$@" || status=$?
-    [[ $status -ne 0 ]] || return 0
-    [[ $status -ne 124 ]] || skip "Maven's repository does not answer in time"
+    [[ $status -eq 0 ]] || fail_or_skip "$status"
+}
+
+# After a run of Maven that ended so before it came to a test.
+fail_or_skip() {
+    local log=$build/maven.log
+    [[ $1 -ne 124 ]] || skip "Maven's repository does not answer in time"
     if grep -qE 'Could not (resolve|transfer|find)|could not be resolved|Unknown host' "$log"; then
         grep -m 1 -E '^\[ERROR\]' "$log" || true
         skip "Maven's repository does not answer"

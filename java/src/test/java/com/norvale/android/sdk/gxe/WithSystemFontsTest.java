@@ -12,8 +12,8 @@ import com.norvale.android.sdk.gxe.font.FontManager;
 import java.util.Arrays;
 import org.junit.Test;
 
-/** The framework's own configuration class; it holds for the process, so this has one of its own. */
-public class SystemFontsTest extends NativeTest {
+/** The framework's own configuration class; it holds for the process, of which this is the last by its name. */
+public class WithSystemFontsTest extends NativeTest {
     private static FontConfig.Family family(String name, String languages, String fontFile) {
         FontConfig.Font font = new FontConfig.Font(
                 fontFile, 0, new FontVariationAxis[0], 400, false, null);
