@@ -21,12 +21,11 @@ import org.json.JSONException;
 import org.json.JSONObject;
 
 /**
- * {@code Gallery PROGRAM FOLDER STYLE_FILE...}: each style through the SDK and through the program,
- * plain and scaled. Where the program lays the text out and with which font files, the SDK draws it:
+ * {@code Gallery PROGRAM FOLDER SCALE,... STYLE_FILE...}: each style through the SDK and through the
+ * program, at each scale. Where the program lays the text out and with which font files, the SDK draws it:
  * the pictures are the same bytes or the exit code is 1.
  */
 public final class Gallery {
-    private static final float[] SCALES = {1, 2.25f};
     private static final int FAKE_BOLD = 0x20;
 
     private Gallery() {}
@@ -34,9 +33,10 @@ public final class Gallery {
     public static void main(String[] arguments) throws Exception {
         int wrong = 0;
         int count = 0;
-        for (String file : Arrays.asList(arguments).subList(2, arguments.length)) {
-            for (float scale : SCALES) {
+        for (String file : Arrays.asList(arguments).subList(3, arguments.length)) {
+            for (String factor : arguments[2].split(",")) {
                 count++;
+                float scale = Float.parseFloat(factor);
                 TextStyle style = TextStyle.fromJson(Files.readString(Path.of(file)));
                 String difference =
                         compare(arguments[0], Path.of(arguments[1]), Path.of(file), style, scale);
