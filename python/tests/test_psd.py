@@ -56,18 +56,18 @@ def test_what_a_style_has_not_is_said(renderer):
     assert "$.text.transform" in {loss.path for loss in turned.losses}
 
 
-def test_the_command_writes_a_file_a_layer(fonts, tmp_path):
-    command = [sys.executable, "-m", "gxtext.psd", "--fonts", str(fonts), "--out", str(tmp_path / "styles")]
-    done = subprocess.run([*command, FOLDER / "mixed.psd"], capture_output=True, text=True)
+def test_the_command_writes_a_file_a_layer(fonts, tmp_path, capsys):
+    options = ["--fonts", str(fonts), "--out", str(tmp_path / "styles"), str(FOLDER / "mixed.psd")]
+    done = subprocess.run([sys.executable, "-m", "gxtext.psd", *options], capture_output=True, text=True)
     assert done.returncode == 0 and "Group/Many/effects: $.satin: dropped: " in done.stderr
     files = sorted((tmp_path / "styles").iterdir())
     assert [file.name for file in files] == ["Group-Many-effects-2.json", "Group-Many-effects.json"]
     assert gxtext.Style.load(files[1]).text == "Twice as large"
-    printed = subprocess.run([*command, "--json", FOLDER / "mixed.psd"], capture_output=True, check=True).stdout
-    layer = json.loads(printed)[0]
+    assert psd.main(["--json", *options]) == 0
+    layer = json.loads(capsys.readouterr().out)[0]
     assert layer["name"] == "Group/Many/effects" and layer["style"] == json.loads(files[1].read_text())
     assert {"path": "$.text.underline", "kind": "dropped", "reason": "a style has none"} in layer["losses"]
-    assert subprocess.run([*command, "--strict", FOLDER / "mixed.psd"], capture_output=True).returncode == 1
+    assert psd.main(["--strict", *options]) == 1
 
 
 @pytest.mark.parametrize("size", [0, 3, 25, 26, 200, 5000, 20000])
