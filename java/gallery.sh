@@ -3,8 +3,8 @@
 
 top=$(realpath "$(dirname "${BASH_SOURCE[0]}")/..")
 
-# Sets `framework`, `classes` and `gallery`: paths of the framework, of the SDK, and of tests/jvm/gallery/ with its stand-ins,
-# which come before the framework.
+# Sets `framework`, `classes` and `gallery`: paths of the framework, of the SDK, and of tests/jvm/gallery/ with its
+# stand-ins, which come before the framework.
 build_gallery() {
     "$top/java/build-classes" --gallery "${build:?}/sdk"
     framework=$(cat "$build/sdk/classpath")

@@ -12,10 +12,10 @@ require_maven() {
     command -v javac >/dev/null || skip "no Java compiler (javac) on this machine"
 }
 
-# What was downloaded once is not asked for again, so this needs no network then.
+# What was downloaded once is not asked for again, so this needs no network then. `maven_seconds` is how long it may take.
 run_maven() {
     local log=${build:?}/maven.log
-    timeout 540 mvn -B "-Dgxtext.build.dir=$build" "$@" >"$log" 2>&1
+    timeout "${maven_seconds:-540}" mvn -B "-Dgxtext.build.dir=$build" "$@" >"$log" 2>&1
 }
 
 # For everything short of running tests: a failure to download is no failure of the SDK.
@@ -47,8 +47,8 @@ fetch_tool() {
 }
 R8=com.android.tools:r8:8.5.35
 
-# Sets `java_base` to a jar of java.lang and its like, or to all of the runtime where its modules are not installed: of a
-# library the shrinker reads every class.
+# Sets `java_base` to a jar of java.lang and its like, or to all of the runtime where its modules are not installed: the
+# shrinker reads every class of a library.
 find_java_base() {
     local home
     home=$(java -XshowSettings:properties -version 2>&1 | sed -n 's/^ *java.home = //p')
@@ -78,8 +78,8 @@ shrink() {
         "$@" --lib "$java_base" >"$build/r8.log" 2>&1 || { cat "$build/r8.log" && exit 1; }
 }
 
-# The Kotlin compiler's path into `kotlin_compiler`, that of its library into `kotlin_library`. Asked of Maven once for all
-# who share the SDK's classes.
+# The Kotlin compiler's path into `kotlin_compiler`, that of its library into `kotlin_library`. Those who share the SDK's
+# classes ask Maven once.
 find_kotlin() {
     local list=${GXTEXT_SDK_CLASSES:-$build}/kotlin.classpath pom
     pom=$(dirname "${BASH_SOURCE[0]}")/kotlin/pom.xml
