@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <memory>
+#include <numeric>
 #include <string>
 #include <vector>
 
@@ -101,30 +101,13 @@ GlyphRequest makeRequest(FT_Face face, const GlyphSetting& s) {
     return request;
 }
 
-// Whether the mask holds the glyph at (x, y), its coverage through the curve, and nothing else.
-bool holds(const MaskCanvas& mask, const ReferenceGlyph& glyph, int x, int y,
-           const uint8_t* curve) {
-    for (int j = 0; j < mask.height; ++j) {
-        const int gy = j - y - glyph.top;
-        for (int i = 0; i < mask.width; ++i) {
-            const int gx = i - x - glyph.left;
-            const bool inside = gx >= 0 && gy >= 0 && gx < glyph.width && gy < glyph.height;
-            const uint8_t c = inside ? glyph.coverage[gy * glyph.width + gx] : 0;
-            if (mask.at(i, j) != curve[c]) return false;
-        }
-    }
-    return true;
-}
-
 TEST(RasterTest, GlyphsAreFreeTypes) {
     constexpr int kGlyphs = 20000;
     Random random(61);
     GX_TRACE_SEED(random);
     std::array<uint8_t, 256> grey, plain;
-    for (int i = 0; i < 256; ++i) {
-        plain[i] = static_cast<uint8_t>(i);
-        grey[i] = blackTextGamma(plain[i]);
-    }
+    std::iota(plain.begin(), plain.end(), uint8_t{0});
+    std::transform(plain.begin(), plain.end(), grey.begin(), blackTextGamma);
     Figure coverage("coverage against FreeType, glyphs");
     Figure advances("advances against FreeType, glyphs");
     Figure boxes("boxes against FreeType, glyphs");
@@ -147,8 +130,8 @@ TEST(RasterTest, GlyphsAreFreeTypes) {
                             y + std::max(expected.box.fBottom, 0) + 8);
             mask.draw(font, {{glyph, static_cast<float>(x) + setting.quarters * 0.25f,
                               static_cast<float>(y)}});
-            EXPECT_TRUE(coverage.add(
-                holds(mask, expected, x, y, setting.alias ? plain.data() : grey.data())));
+            const auto curve = [&](uint8_t c) { return setting.alias ? plain[c] : grey[c]; };
+            EXPECT_TRUE(coverage.add(holds(mask, expected, x, y, curve)));
 
             // Linear metrics are taken at another size, and boxes at the first phase.
             if (setting.linear || setting.quarters != 0) continue;

@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "SkDrawing.h"
 #include "SkRect.h"
 #include "SkTypes.h"
 
@@ -133,6 +134,21 @@ private:
     FT_Library library_ = nullptr;
     FT_Face face_ = nullptr;
 };
+
+// Whether the mask holds the glyph at (x, y), its coverage through `curve`, and nothing else.
+template <typename Curve>
+bool holds(const MaskCanvas& mask, const ReferenceGlyph& glyph, int x, int y, Curve curve) {
+    for (int j = 0; j < mask.height; ++j) {
+        const int gy = j - y - glyph.top;
+        for (int i = 0; i < mask.width; ++i) {
+            const int gx = i - x - glyph.left;
+            const bool inside = gx >= 0 && gy >= 0 && gx < glyph.width && gy < glyph.height;
+            const uint8_t c = inside ? glyph.coverage[gy * glyph.width + gx] : 0;
+            if (mask.at(i, j) != curve(c)) return false;
+        }
+    }
+    return true;
+}
 
 // The contrast curve of black text, in closed form: the exponent is 89/64.
 inline uint8_t blackTextGamma(uint8_t coverage) {

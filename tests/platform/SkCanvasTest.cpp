@@ -10,35 +10,16 @@
 #include <vector>
 
 #include "PlainBlend.h"
+#include "SkDrawing.h"
 #include "support/NotFinite.h"
 #include "support/Random.h"
 
 namespace gxtest {
 namespace {
 
-struct Image {
-    Image(int w, int h, SkAlphaType alphaType = kUnpremul_SkAlphaType)
-        : width(w), height(h), bytes(static_cast<size_t>(w) * h * 4) {
-        EXPECT_TRUE(bitmap.installPixels(
-            SkImageInfo::Make(w, h, kRGBA_8888_SkColorType, alphaType, SkColorSpace::MakeSRGB()),
-            bytes.data(), static_cast<size_t>(w) * 4));
-    }
-    Image(const Image&) = delete;
-    Image& operator=(const Image&) = delete;
-
-    void randomize(Random& random) {
-        for (uint8_t& b : bytes) b = random.edgeByte();
-    }
-    Pixel at(int x, int y) const {
-        const uint8_t* p = &bytes[4 * (static_cast<size_t>(y) * width + x)];
-        return {p[0], p[1], p[2], p[3]};
-    }
-
-    int width;
-    int height;
-    std::vector<uint8_t> bytes;
-    SkBitmap bitmap;
-};
+void randomize(ColorCanvas* canvas, Random& random) {
+    for (uint8_t& b : canvas->bytes) b = random.edgeByte();
+}
 
 Pixel toPixel(SkColor c) {
     return {static_cast<uint8_t>(SkColorGetR(c)), static_cast<uint8_t>(SkColorGetG(c)),
@@ -67,7 +48,7 @@ TEST(SkBitmapTest, OnlyMemoryThatFitsIsInstalled) {
 }
 
 TEST(SkCanvasTest, BitmapsThatCannotBeDrawnIntoStayAsTheyAre) {
-    Image source(4, 4);
+    ColorCanvas source(4, 4);
     std::vector<uint8_t> memory(256, 9);
     const auto drawEverything = [&](const SkImageInfo& info, void* pixels, size_t rowBytes) {
         SkBitmap bitmap;
@@ -76,7 +57,7 @@ TEST(SkCanvasTest, BitmapsThatCannotBeDrawnIntoStayAsTheyAre) {
         canvas.drawColor(SK_ColorWHITE, SkBlendMode::kSrc);
         canvas.drawRect(SkRect::MakeWH(4, 4), SkPaint());
         canvas.drawBitmap(source.bitmap, 0, 0);
-        Image target(4, 4);
+        ColorCanvas target(4, 4);
         SkCanvas(target.bitmap).drawBitmap(bitmap, 0, 0);
         EXPECT_EQ(target.at(0, 0), Pixel());
     };
@@ -98,8 +79,8 @@ TEST(SkCanvasTest, BitmapsThatCannotBeDrawnIntoStayAsTheyAre) {
 
 TEST(SkCanvasTest, DrawBitmapBlendsEveryPairOfAlphasLikeTheSlowModel) {
     // Column: source alpha; row: destination alpha; colours in several pairs.
-    Image source(256, 256);
-    Image target(256, 256);
+    ColorCanvas source(256, 256);
+    ColorCanvas target(256, 256);
     for (const auto& [s, d] : {std::pair{200, 31}, {0, 255}, {255, 0}, {255, 255}, {1, 127}}) {
         for (int i = 0; i < 256 * 256; ++i) {
             const auto sa = static_cast<uint8_t>(i % 256);
@@ -127,7 +108,7 @@ TEST(SkCanvasTest, DrawBitmapBlendsEveryPairOfAlphasLikeTheSlowModel) {
 }
 
 TEST(SkCanvasTest, DrawBitmapCopiesEveryColourOntoAClearPixel) {
-    Image source(256, 256), target(256, 256);
+    ColorCanvas source(256, 256), target(256, 256);
     for (int y = 0; y < 256; ++y) {
         for (int x = 0; x < 256; ++x) {
             const auto value = static_cast<uint8_t>(x), alpha = static_cast<uint8_t>(y);
@@ -145,10 +126,10 @@ TEST(SkCanvasTest, DrawRectBlendsLikeTheSlowModel) {
     Random random(21);
     GX_TRACE_SEED(random);
     for (int round = 0; round < 60; ++round) {
-        Image image(17, 13);
-        image.randomize(random);
+        ColorCanvas image(17, 13);
+        randomize(&image, random);
         const std::vector<uint8_t> before = image.bytes;
-        Image old(17, 13);
+        ColorCanvas old(17, 13);
         old.bytes = before;
         SkPaint paint;
         paint.setColor(random.word() | (round % 4 ? 0 : 0xFF000000));
@@ -171,7 +152,7 @@ TEST(SkCanvasTest, DrawRectBlendsLikeTheSlowModel) {
 // The rectangle of pixels that a call changed.
 template <typename Draw>
 SkIRect touched(Draw draw, SkRect clip = SkRect::MakeWH(40, 40)) {
-    Image image(40, 40);
+    ColorCanvas image(40, 40);
     SkCanvas canvas(image.bitmap);
     canvas.clipRect(clip, SkClipOp::kIntersect, false);
     draw(canvas);
@@ -230,12 +211,12 @@ TEST(SkCanvasTest, ClipsOnlyShrink) {
 TEST(SkCanvasTest, DrawBitmapPlacesAndClips) {
     Random random(22);
     GX_TRACE_SEED(random);
-    Image source(11, 9);
-    source.randomize(random);
+    ColorCanvas source(11, 9);
+    randomize(&source, random);
     for (size_t i = 3; i < source.bytes.size(); i += 4) source.bytes[i] = 255;
     for (const float x : {-7.0f, 0.0f, 0.4f, 0.5f, 16.2f, 19.0f}) {
         for (const float y : {-5.0f, 0.0f, 2.5f, 17.7f}) {
-            Image image(20, 20);
+            ColorCanvas image(20, 20);
             SkCanvas canvas(image.bitmap);
             canvas.clipRect(SkRect::MakeLTRB(1, 0, 19, 18), SkClipOp::kIntersect, false);
             canvas.drawBitmap(source.bitmap, x, y);
@@ -256,7 +237,7 @@ TEST(SkCanvasTest, DrawBitmapPlacesAndClips) {
         }
     }
     for (const float bad : {kNaN, kInfinity, -kInfinity, 1e30f, -1e30f}) {
-        Image image(20, 20);
+        ColorCanvas image(20, 20);
         SkCanvas canvas(image.bitmap);
         canvas.drawBitmap(source.bitmap, bad, 0);
         canvas.drawBitmap(source.bitmap, 0, bad);
@@ -265,11 +246,11 @@ TEST(SkCanvasTest, DrawBitmapPlacesAndClips) {
 }
 
 TEST(SkCanvasTest, PaintAlphaScalesABitmapAndColoursAMask) {
-    Image source(2, 1);
+    ColorCanvas source(2, 1);
     source.bytes = {200, 100, 50, 255, 10, 20, 30, 128};
     SkPaint paint;
     paint.setColor(SkColorSetARGB(51, 255, 0, 0));
-    Image image(2, 1);
+    ColorCanvas image(2, 1);
     SkCanvas(image.bitmap).drawBitmap(source.bitmap, 0, 0, &paint);
     EXPECT_EQ(image.at(0, 0), (Pixel{200, 100, 50, 51}));
     EXPECT_EQ(image.at(1, 0)[3], 26);
@@ -277,7 +258,7 @@ TEST(SkCanvasTest, PaintAlphaScalesABitmapAndColoursAMask) {
     uint8_t coverage[] = {255, 128};
     SkBitmap mask;
     ASSERT_TRUE(mask.installPixels(SkImageInfo::MakeA8(2, 1), coverage, 2));
-    Image colored(2, 1);
+    ColorCanvas colored(2, 1);
     paint.setColor(SkColorSetARGB(255, 1, 2, 3));
     SkCanvas(colored.bitmap).drawBitmap(mask, 0, 0, &paint);
     EXPECT_EQ(colored.at(0, 0), (Pixel{1, 2, 3, 255}));
@@ -298,21 +279,21 @@ TEST(SkCanvasTest, DrawColorBlendModes) {
         {SkBlendMode::kDstOver, sourceOver(old, {200, 100, 50, 128})},
     };
     for (const auto& c : cases) {
-        Image image(3, 1);
+        ColorCanvas image(3, 1);
         for (size_t i = 0; i < image.bytes.size(); ++i) image.bytes[i] = old[i % 4];
         SkCanvas(image.bitmap).drawColor(color, c.mode);
         for (int x = 0; x < 3; ++x) EXPECT_EQ(image.at(x, 0), c.expected);
     }
-    Image cleared(3, 1);
+    ColorCanvas cleared(3, 1);
     cleared.bytes.assign(12, 77);
     SkCanvas(cleared.bitmap).drawColor(0, SkBlendMode::kSrc);
     EXPECT_EQ(cleared.bytes, std::vector<uint8_t>(12));
 }
 
 TEST(SkCanvasTest, AColourOfAlpha0LeavesEveryByte) {
-    Image source(1, 1);
+    ColorCanvas source(1, 1);
     source.bytes = {1, 2, 3, 4};
-    Image image(1, 1);
+    ColorCanvas image(1, 1);
     image.bytes = {200, 100, 50, 0};
     SkPaint paint;
     paint.setColor(SkColorSetARGB(0, 9, 9, 9));
@@ -327,10 +308,10 @@ TEST(SkCanvasTest, PremultipliedOpaqueAndAlphaOnlyTargets) {
     SkPaint paint;
     paint.setColor(SkColorSetARGB(128, 255, 0, 100));
     const auto rect = SkRect::MakeWH(1, 1);
-    Image premul(1, 1, kPremul_SkAlphaType);
+    ColorCanvas premul(1, 1, kPremul_SkAlphaType);
     SkCanvas(premul.bitmap).drawRect(rect, paint);
     EXPECT_EQ(premul.at(0, 0), (Pixel{128, 0, 50, 128}));
-    Image opaque(1, 1, kOpaque_SkAlphaType);
+    ColorCanvas opaque(1, 1, kOpaque_SkAlphaType);
     opaque.bytes = {0, 0, 200, 3};
     SkCanvas(opaque.bitmap).drawRect(rect, paint);
     EXPECT_EQ(opaque.at(0, 0), (Pixel{128, 0, 150, 255}));

@@ -1,4 +1,4 @@
-// Short words for drawing text into 8-bit masks.
+// Short words for drawing text into 8-bit masks and pictures.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "PlainBlend.h"
 #include "SkCanvas.h"
 #include "SkFont.h"
 #include "SkTextBlob.h"
@@ -60,6 +61,27 @@ struct MaskCanvas {
     int height;
     std::vector<uint8_t> pixels;
     std::unique_ptr<SkCanvas> canvas;
+};
+
+// A picture of red, green, blue and alpha, cleared.
+struct ColorCanvas {
+    ColorCanvas(int w, int h, SkAlphaType alphaType = kUnpremul_SkAlphaType)
+        : width(w), height(h), bytes(static_cast<size_t>(w) * h * 4) {
+        EXPECT_TRUE(bitmap.installPixels(
+            SkImageInfo::Make(w, h, kRGBA_8888_SkColorType, alphaType, SkColorSpace::MakeSRGB()),
+            bytes.data(), size_t{4} * w));
+    }
+    ColorCanvas(ColorCanvas&&) = default;
+
+    Pixel at(int x, int y) const {
+        const uint8_t* p = &bytes[4 * (static_cast<size_t>(y) * width + x)];
+        return {p[0], p[1], p[2], p[3]};
+    }
+
+    int width;
+    int height;
+    std::vector<uint8_t> bytes;
+    SkBitmap bitmap;
 };
 
 }  // namespace gxtest
