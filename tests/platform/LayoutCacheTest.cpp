@@ -1,19 +1,19 @@
 #include "minikin/LayoutCache.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <memory>
-#include <new>
 #include <string>
 #include <thread>
 #include <utility>
 #include <vector>
 
+#include "SkDrawing.h"
 #include "hwui/MinikinUtils.h"
 #include "minikin/LocaleList.h"
 #include "skia/GlyphCache.h"
-#include "support/AllocationFailure.h"
 #include "support/Fonts.h"
 #include "support/Random.h"
 
@@ -155,43 +155,37 @@ TEST(LayoutCache, StaysInItsBound) {
     EXPECT_EQ(LayoutCache::shared().bytes(), before);
 }
 
-// A layout made while memory ran out must not be served afterwards.
-TEST(LayoutCache, FailedAllocationsLeaveNoWrongPieces) {
+TEST(LayoutCache, ThreadsShareWordsGlyphsAndLocales) {
     const auto typeface = makeTypeface();
-    const Paint paint;
-    const std::u16string text = u"wide \u0645\u0631\u062D\u0628\u0627";
-    const std::vector<float> expected = answers(layOut(text, *typeface, paint));
-    const int failures = gxtest::failEachAllocation(
-        [&] {
-            LayoutCache::shared().clear();
-            portable::GlyphCache::shared().clear();
-            try {
-                layOut(text, *typeface, paint);
-            } catch (const std::bad_alloc&) {  // the platform's answer
-            }
-        },
-        [&](int n) {
-            ASSERT_EQ(answers(layOut(text, *typeface, paint)), expected) << "allocation " << n;
-        });
-    EXPECT_GT(failures, 40);
-}
-
-TEST(LayoutCache, ThreadsShareIt) {
-    const auto typeface = makeTypeface();
-    const Paint paint;
-    const std::vector<float> expected = answers(layOut(u"shared words", *typeface, paint));
+    const std::u16string text = u"shared words";
+    const auto draw = [&](const Paint& paint) {
+        const Layout layout = layOut(text, *typeface, paint);
+        SkFont font = paint.getSkFont();
+        font.setTypeface(gxtest::loadTypeface(gxtest::kNotoSans));
+        gxtest::MaskCanvas mask(200, 40);
+        for (int i = 0; i < static_cast<int>(layout.nGlyphs()); i++) {
+            mask.draw(font, {{static_cast<SkGlyphID>(layout.getGlyphId(i)), layout.getX(i), 30}});
+        }
+        return std::pair(answers(layout), mask.pixels);
+    };
+    const auto expected = draw(Paint());
+    std::vector<std::vector<uint32_t>> locales(4);
     std::vector<std::thread> threads;
-    for (int t = 0; t < 4; t++) {
+    for (size_t t = 0; t < locales.size(); t++) {
         threads.emplace_back([&, t] {
             for (int i = 0; i < 100; i++) {
-                EXPECT_EQ(answers(layOut(u"shared words", *typeface, paint)), expected);
-                layOut(numbered(u"own ", 100 * t + i), *typeface, paint);
-                if (i % 25 == t) LayoutCache::shared().clear();
+                Paint paint;
+                locales[t].push_back(minikin::registerLocaleList("fr-x-no" + std::to_string(i)));
+                paint.setMinikinLocaleListId(locales[t].back());
+                EXPECT_EQ(draw(paint), expected);
+                layOut(numbered(u"own ", 100 * static_cast<int>(t) + i), *typeface, paint);
+                if (i % 25 == static_cast<int>(t)) LayoutCache::shared().clear();
                 if (i % 25 == 20) layOut(u"short-lived", *makeTypeface(), paint);
             }
         });
     }
     for (std::thread& thread : threads) thread.join();
+    EXPECT_THAT(locales, testing::Each(locales[0]));
 }
 
 }  // namespace

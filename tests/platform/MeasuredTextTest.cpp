@@ -12,7 +12,6 @@
 #include "hwui/MinikinUtils.h"
 #include "hwui/Paint.h"
 #include "hwui/Typeface.h"
-#include "minikin/BidiRuns.h"
 #include "support/Fonts.h"
 #include "support/Random.h"
 #include "support/TextMaker.h"
@@ -44,44 +43,6 @@ std::optional<Line> someLine(const std::u16string& text, Random& random) {
     return Line{before == std::u16string::npos ? 0 : static_cast<uint32_t>(before),
                 Range(static_cast<uint32_t>(start), static_cast<uint32_t>(end)),
                 random.oneIn(2) ? Bidi::DEFAULT_RTL : Bidi::DEFAULT_LTR};
-}
-
-using Run =
-    std::tuple<uint32_t, uint32_t, bool>;  // first and last unit in the range, right to left
-
-std::vector<Run> runsIn(const U16StringPiece& text, const Range& range, Bidi bidi) {
-    std::vector<Run> runs;
-    for (const BidiRun& run : visualRuns(text, range, bidi)) {
-        runs.emplace_back(run.range.getStart() - range.getStart(),
-                          run.range.getEnd() - range.getStart(), run.isRtl);
-    }
-    return runs;
-}
-
-TEST(MeasuredText, ShortContextsKeepTheRunsAndTheirOrder) {
-    Random random(11);
-    GX_TRACE_SEED(random);
-    int shortened = 0;
-    for (int round = 0; round < 250; round++) {
-        const std::u16string text = TextMaker(random).text(random.between(300, 1500));
-        MeasuredText measured(piece(text));
-        for (int i = 0; i < 20; i++) {
-            const auto line = someLine(text, random);
-            if (!line) continue;
-            const auto context = measured.shortContext(line->contextStart, line->range, line->bidi);
-            if (!context) continue;
-            shortened++;
-            const auto [start, end] = std::pair(line->range.getStart() - line->contextStart,
-                                                line->range.getEnd() - line->contextStart);
-            ASSERT_EQ(
-                runsIn({context->text.data(), context->text.size()}, context->range, line->bidi),
-                runsIn(piece(text).substr(Range(line->contextStart, line->range.getEnd())),
-                       Range(start, end), line->bidi))
-                << "line" << gxtest::hexUnits(text.substr(line->range.getStart(), end - start))
-                << "\nbehind" << gxtest::hexUnits(text.substr(line->contextStart, start));
-        }
-    }
-    EXPECT_GT(shortened, 1000);
 }
 
 // Else the time for all lines is quadratic in the text.

