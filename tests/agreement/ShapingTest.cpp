@@ -18,21 +18,17 @@
 #include <vector>
 
 #include "Figure.h"
-#include "hwui/MinikinUtils.h"
-#include "hwui/Paint.h"
-#include "hwui/Typeface.h"
 #include "minikin/LocaleList.h"
 #include "minikin/SparseBitSet.h"
 #include "platform/FreeTypeReference.h"
+#include "platform/TextLayout.h"
 #include "support/Fonts.h"
 #include "support/Random.h"
 
 namespace gxtest {
 namespace {
 
-using android::MinikinUtils;
 using android::Paint;
-using android::Typeface;
 using minikin::Bidi;
 using minikin::Layout;
 
@@ -195,7 +191,7 @@ public:
     hb_buffer_t* shape(const std::u16string& word) {
         const auto size = static_cast<int>(word.size());
         hb_buffer_reset(buffer_);
-        hb_buffer_add_utf16(buffer_, reinterpret_cast<const uint16_t*>(word.data()), size, 0, size);
+        hb_buffer_add_utf16(buffer_, unitsOf(word), size, 0, size);
         hb_buffer_set_language(buffer_, language_);
         hb_buffer_guess_segment_properties(buffer_);
         hb_shape(font_, buffer_, features_.data(), static_cast<unsigned>(features_.size()));
@@ -332,7 +328,7 @@ TEST(ShapingTest, WordsOfAllScriptsAreHarfBuzzs) {
         SCOPED_TRACE(sample.name);
         const auto family = makeFamily(loadFont(sample.font, sample.face));
         FreeTypeReference reference(fontBytes(sample.font), sample.face);
-        const std::unique_ptr<Typeface> typeface(Typeface::createFromFamilies({family}, 400, 0));
+        const auto typeface = typefaceOf({family});
         const auto words = wordsOf(sample, *family, kRandomWords, &random);
         for (const Setting& setting : kSettings) {
             SCOPED_TRACE(setting.name);
@@ -350,10 +346,8 @@ TEST(ShapingTest, WordsOfAllScriptsAreHarfBuzzs) {
             for (const std::u16string& word : words) {
                 hb_buffer_t* shaped = shaper.shape(word);
                 const bool isRtl = HB_DIRECTION_IS_BACKWARD(hb_buffer_get_direction(shaped));
-                const Layout layout = MinikinUtils::doLayout(
-                    &paint, isRtl ? Bidi::FORCE_RTL : Bidi::FORCE_LTR, typeface.get(),
-                    reinterpret_cast<const uint16_t*>(word.data()), word.size(), 0, word.size(), 0,
-                    word.size(), nullptr);
+                const Layout layout =
+                    layOut(word, *typeface, paint, isRtl ? Bidi::FORCE_RTL : Bidi::FORCE_LTR);
                 EXPECT_TRUE(
                     figures.words.add(isSame(layout, shaped, word.size(), setting, &figures)))
                     << testing::PrintToString(word);

@@ -9,11 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "SkDrawing.h"
-#include "hwui/MinikinUtils.h"
-#include "hwui/Paint.h"
-#include "hwui/Typeface.h"
-#include "minikin/Layout.h"
+#include "TextLayout.h"
 #include "skia/GlyphEffort.h"
 #include "support/NotFinite.h"
 #include "support/SyntheticFont.h"
@@ -162,22 +158,10 @@ int layOutAndDraw(const android::Typeface& typeface, float size) {
     android::Paint paint;
     paint.setAntiAlias(true);
     paint.getSkFont().setSize(size);
-    const uint16_t text[] = {'a', 'a'};
-    const minikin::Layout layout = android::MinikinUtils::doLayout(
-        &paint, minikin::Bidi::LTR, &typeface, text, 2, 0, 2, 0, 2, nullptr);
-    const minikin::MinikinRect& box = layout.getBounds();
-    for (const float number : {layout.getAdvance(), box.mLeft, box.mTop, box.mRight, box.mBottom}) {
-        EXPECT_TRUE(std::isfinite(number));
-    }
+    const minikin::Layout layout = layOut(u"aa", typeface, paint);
+    for (const float length : lengthsOf(layout)) EXPECT_TRUE(std::isfinite(length));
     MaskCanvas mask(40, 40);
-    const auto draw = [&](size_t start, size_t end) {
-        for (size_t i = start; i < end; ++i) {
-            mask.draw(paint.getSkFont(),
-                      {{static_cast<SkGlyphID>(layout.getGlyphId(static_cast<int>(i))),
-                        layout.getX(static_cast<int>(i)), 30}});
-        }
-    };
-    android::MinikinUtils::forFontRun(layout, &paint, draw);
+    drawLayout(layout, paint, 0, 30, &mask);
     return static_cast<int>(
         std::count_if(mask.pixels.begin(), mask.pixels.end(), [](uint8_t c) { return c != 0; }));
 }
@@ -190,8 +174,7 @@ TEST_P(HostileFontTest, GetsAnAnswerSoon) {
     const auto font = makeFont(bytes.data(), bytes.size());
     ASSERT_EQ(font != nullptr, hostile.isFont);
     if (!font) return;
-    const std::unique_ptr<android::Typeface> typeface(
-        android::Typeface::createFromFamilies({makeFamily(font)}, 400, 0));
+    const auto typeface = typefaceOf({makeFamily(font)});
     for (const float size : {20.0f, 257.0f}) {
         EXPECT_EQ(layOutAndDraw(*typeface, size) > 0, hostile.isDrawn) << size;
     }

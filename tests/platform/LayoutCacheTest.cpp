@@ -10,8 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "SkDrawing.h"
-#include "hwui/MinikinUtils.h"
+#include "TextLayout.h"
 #include "minikin/LocaleList.h"
 #include "skia/GlyphCache.h"
 #include "support/Fonts.h"
@@ -20,37 +19,25 @@
 namespace {
 
 using android::Paint;
+using gxtest::layOut;
 using gxtest::loadFont;
 using gxtest::makeFamily;
 using minikin::Bidi;
 using minikin::Layout;
 using minikin::LayoutCache;
 
-using Families = std::vector<std::shared_ptr<minikin::FontFamily>>;
-
 std::unique_ptr<android::Typeface> makeTypeface() {
-    return std::unique_ptr<android::Typeface>(android::Typeface::createFromFamilies(
-        Families{makeFamily(loadFont(gxtest::kNotoSans)), makeFamily(loadFont(gxtest::kNotoArabic)),
-                 makeFamily(loadFont(gxtest::kNotoCjk, 2))},
-        400, 0));
-}
-
-Layout layOut(const std::u16string& text, const android::Typeface& typeface, const Paint& paint,
-              Bidi bidi = Bidi::LTR, size_t start = 0) {
-    return android::MinikinUtils::doLayout(
-        &paint, bidi, &typeface, reinterpret_cast<const uint16_t*>(text.data()), text.size(), start,
-        text.size() - start, 0, text.size(), nullptr);
+    return gxtest::typefaceOf({makeFamily(loadFont(gxtest::kNotoSans)),
+                               makeFamily(loadFont(gxtest::kNotoArabic)),
+                               makeFamily(loadFont(gxtest::kNotoCjk, 2))});
 }
 
 // Everything that a layout answers.
 std::vector<float> answers(const Layout& layout) {
-    const minikin::MinikinRect& box = layout.getBounds();
-    std::vector<float> all = {layout.getAdvance(), box.mLeft, box.mTop, box.mRight, box.mBottom};
-    all.insert(all.end(), layout.getAdvances().begin(), layout.getAdvances().end());
+    std::vector<float> all = gxtest::lengthsOf(layout);
     for (int i = 0; i < static_cast<int>(layout.nGlyphs()); i++) {
         minikin::FontFakery fakery = layout.getFakery(i);
-        all.insert(all.end(), {layout.getX(i), layout.getY(i), float(layout.getGlyphId(i)),
-                               float(layout.getFont(i)->GetUniqueId()),
+        all.insert(all.end(), {float(layout.getGlyphId(i)), float(layout.getFont(i)->GetUniqueId()),
                                float(fakery.isFakeBold() + 2 * fakery.isFakeItalic())});
     }
     return all;
@@ -77,13 +64,8 @@ Paint randomPaint(gxtest::Random& random) {
 TEST(LayoutCache, KeptPiecesChangeNothing) {
     gxtest::Random random(5);
     GX_TRACE_SEED(random);
-    const std::vector<std::unique_ptr<android::Typeface>> typefaces = [] {
-        std::vector<std::unique_ptr<android::Typeface>> made;
-        for (int i = 0; i < 2; i++) made.push_back(makeTypeface());
-        made.push_back(std::unique_ptr<android::Typeface>(android::Typeface::createFromFamilies(
-            Families(made[0]->fFontCollection->getFamilies()), 700, 1)));
-        return made;
-    }();
+    std::unique_ptr<android::Typeface> typefaces[] = {makeTypeface(), makeTypeface(), nullptr};
+    typefaces[2] = gxtest::typefaceOf(typefaces[0]->fFontCollection->getFamilies(), 700, 1);
     const std::u16string letters = u"fi AV\u0644\u0627\u0645 \u4E2D\u6587\u0301-";
     constexpr int kCases = 150;
     std::vector<std::vector<float>> alone;
@@ -160,12 +142,8 @@ TEST(LayoutCache, ThreadsShareWordsGlyphsAndLocales) {
     const std::u16string text = u"shared words";
     const auto draw = [&](const Paint& paint) {
         const Layout layout = layOut(text, *typeface, paint);
-        SkFont font = paint.getSkFont();
-        font.setTypeface(gxtest::loadTypeface(gxtest::kNotoSans));
         gxtest::MaskCanvas mask(200, 40);
-        for (int i = 0; i < static_cast<int>(layout.nGlyphs()); i++) {
-            mask.draw(font, {{static_cast<SkGlyphID>(layout.getGlyphId(i)), layout.getX(i), 30}});
-        }
+        drawLayout(layout, paint, 0, 30, &mask);
         return std::pair(answers(layout), mask.pixels);
     };
     const auto expected = draw(Paint());

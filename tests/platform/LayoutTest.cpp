@@ -8,13 +8,11 @@
 #include <limits>
 #include <new>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "FreeTypeReference.h"
-#include "SkDrawing.h"
-#include "hwui/MinikinUtils.h"
-#include "hwui/Paint.h"
-#include "hwui/Typeface.h"
+#include "TextLayout.h"
 #include "minikin/LocaleList.h"
 #include "support/AllocationFailure.h"
 #include "support/Fonts.h"
@@ -25,8 +23,12 @@ namespace {
 using android::MinikinUtils;
 using android::Paint;
 using android::Typeface;
+using gxtest::glyphsOf;
+using gxtest::lengthsOf;
 using gxtest::loadFont;
 using gxtest::makeFamily;
+using gxtest::typefaceOf;
+using gxtest::unitsOf;
 using minikin::Bidi;
 using minikin::Layout;
 
@@ -37,10 +39,6 @@ constexpr uint32_t kSubpixel = 0x080;
 // One step of the 24.8 fixed point that HarfBuzz counts in.
 constexpr float kStep = 1.0f / 256;
 
-const uint16_t* units(const std::u16string& text) {
-    return reinterpret_cast<const uint16_t*>(text.data());
-}
-
 class LayoutTest : public testing::Test {
 protected:
     LayoutTest() {
@@ -48,29 +46,13 @@ protected:
         paint.getSkFont().setSize(40);
     }
 
-    void setFonts(const std::vector<std::shared_ptr<minikin::FontFamily>>& families,
-                  int weight = 400, int italic = 0) {
-        auto copy = families;
-        typeface.reset(Typeface::createFromFamilies(std::move(copy), weight, italic));
+    void setFont(const char* name) { typeface = typefaceOf({makeFamily(loadFont(name))}); }
+    Layout layOut(const std::u16string& text, Bidi bidi = Bidi::DEFAULT_LTR, size_t start = 0,
+                  size_t count = std::u16string::npos) const {
+        return gxtest::layOut(text, *typeface, paint, bidi, start, count);
     }
-    void setFont(const char* name, int face = 0) { setFonts({makeFamily(loadFont(name, face))}); }
-
-    Layout layOut(const std::u16string& text, Bidi bidi = Bidi::DEFAULT_LTR) const {
-        return layOutPart(text, 0, text.size(), bidi);
-    }
-    // A part with the whole text as context.
-    Layout layOutPart(const std::u16string& text, size_t start, size_t count,
-                      Bidi bidi = Bidi::DEFAULT_LTR) const {
-        return MinikinUtils::doLayout(&paint, bidi, typeface.get(), units(text), text.size(), start,
-                                      count, 0, text.size(), nullptr);
-    }
-
-    static std::vector<uint32_t> glyphs(const Layout& layout) {
-        std::vector<uint32_t> ids;
-        for (size_t i = 0; i < layout.nGlyphs(); i++) {
-            ids.push_back(layout.getGlyphId(static_cast<int>(i)));
-        }
-        return ids;
+    std::vector<uint32_t> glyphs(const std::u16string& text) const {
+        return glyphsOf(layOut(text));
     }
 
     Paint paint;
@@ -81,20 +63,20 @@ TEST_F(LayoutTest, LettersJoinAcrossTheRangeButNotAcrossSpaces) {
     setFont(gxtest::kNotoArabic);
     const std::u16string word = u"\u0628\u0628\u0628";
     // The middle letter alone keeps its medial form because its neighbours are in the context.
-    const auto medial = glyphs(layOutPart(word, 1, 1));
-    EXPECT_EQ(medial.at(0), glyphs(layOut(word)).at(1));
-    const auto isolated = glyphs(layOut(u"\u0628"));
+    const auto medial = glyphsOf(layOut(word, Bidi::DEFAULT_LTR, 1, 1));
+    EXPECT_EQ(medial.at(0), glyphs(word).at(1));
+    const auto isolated = glyphs(u"\u0628");
     EXPECT_NE(medial, isolated);
     // Without the neighbours in the context it stands alone.
     const Layout alone = MinikinUtils::doLayout(&paint, Bidi::DEFAULT_LTR, typeface.get(),
-                                                units(word), 3, 1, 1, 1, 1, nullptr);
-    EXPECT_EQ(glyphs(alone), isolated);
+                                                unitsOf(word), 3, 1, 1, 1, 1, nullptr);
+    EXPECT_EQ(glyphsOf(alone), isolated);
     // A space ends the joining, a joiner does not.
-    const auto spaced = glyphs(layOut(u"\u0628 \u0628"));
+    const auto spaced = glyphs(u"\u0628 \u0628");
     ASSERT_EQ(spaced.size(), 3u);
     EXPECT_EQ(spaced.front(), isolated.front());
     EXPECT_EQ(spaced.back(), isolated.back());
-    EXPECT_NE(glyphs(layOut(u"\u0628\u200D")), isolated);
+    EXPECT_NE(glyphs(u"\u0628\u200D"), isolated);
 }
 
 TEST_F(LayoutTest, NothingKernsAcrossASpace) {
@@ -111,9 +93,9 @@ TEST_F(LayoutTest, MixedDirectionsComeInVisualOrder) {
     const auto shown = [this](const std::u16string& text, Bidi bidi, size_t start = 0,
                               size_t count = std::u16string::npos) {
         const std::u16string letters = u"ab \u05D0\u05D112";
-        const auto known = glyphs(layOut(letters, Bidi::FORCE_LTR));
+        const auto known = glyphsOf(layOut(letters, Bidi::FORCE_LTR));
         std::u16string result;
-        for (const uint32_t id : glyphs(layOutPart(text, start, count, bidi))) {
+        for (const uint32_t id : glyphsOf(layOut(text, bidi, start, count))) {
             const auto found = std::find(known.begin(), known.end(), id);
             result += letters.at(static_cast<size_t>(found - known.begin()));
         }
@@ -143,22 +125,23 @@ TEST_F(LayoutTest, IdeographsStandAloneAndLanguagesShapeThem) {
     }
     const auto boneIn = [this](const char* locale) {
         paint.setMinikinLocaleListId(minikin::registerLocaleList(locale));
-        return glyphs(layOut(u"\u9AA8"));
+        return glyphs(u"\u9AA8");
     };
     EXPECT_NE(boneIn("ja"), boneIn("zh-Hans"));
     // A sequence is one glyph, which the font's own table names.
     const Layout variant = layOut(u"\u5026\U000E0100");
     gxtest::FreeTypeReference reference(gxtest::fontBytes(gxtest::kNotoCjk));
-    EXPECT_EQ(glyphs(variant),
+    EXPECT_EQ(glyphsOf(variant),
               std::vector{FT_Face_GetCharVariantIndex(reference.face(), 0x5026, 0xE0100)});
-    EXPECT_NE(glyphs(variant), glyphs(layOut(u"\u5026")));
+    EXPECT_NE(glyphsOf(variant), glyphs(u"\u5026"));
     EXPECT_EQ(variant.getAdvances().size(), 3u);
 }
 
 TEST_F(LayoutTest, FontsFollowTheFamiliesAndFakeTheStyle) {
     // A bold user font before regular fallbacks: only these are emboldened.
-    setFonts({makeFamily(loadFont(gxtest::kNotoSansBold)), makeFamily(loadFont(gxtest::kNotoThai))},
-             700, 1);
+    typeface = typefaceOf(
+        {makeFamily(loadFont(gxtest::kNotoSansBold)), makeFamily(loadFont(gxtest::kNotoThai))}, 700,
+        1);
     const Layout layout = layOut(u"a\u0E01");
     ASSERT_EQ(layout.nGlyphs(), 2u);
     const auto& families = typeface->fFontCollection->getFamilies();
@@ -249,7 +232,7 @@ TEST_F(LayoutTest, BlanksAreOutsideTheBounds) {
 TEST_F(LayoutTest, EmptyCollectionsGiveNothing) {
     for (const auto& families :
          {std::vector<std::shared_ptr<minikin::FontFamily>>{}, {nullptr, makeFamily(nullptr)}}) {
-        setFonts(families);
+        typeface = typefaceOf(families);
         EXPECT_EQ(layOut(u"abc").nGlyphs(), 0u);
         EXPECT_EQ(layOut(u"abc").getAdvances(), std::vector<float>(3));
         EXPECT_EQ(layOut(u"abc").getBounds(), minikin::MinikinRect());
@@ -275,26 +258,27 @@ TEST_F(LayoutTest, RangesOutsideTheTextAreCutOff) {
     };
     for (const auto& c : cases) {
         const Layout layout =
-            layOutRange(&paint, units(text), c.start, c.count, c.contextStart, c.contextCount);
+            layOutRange(&paint, unitsOf(text), c.start, c.count, c.contextStart, c.contextCount);
         EXPECT_EQ(layout.nGlyphs(), c.glyphs) << c.start << " " << c.count;
         EXPECT_EQ(layout.getAdvances().size(), c.glyphs);
         EXPECT_EQ(layout.getAdvance() > 0, c.glyphs > 0);
     }
     EXPECT_EQ(layOutRange(&paint, nullptr, 0, 6, 0, 6).nGlyphs(), 0u);
-    EXPECT_EQ(layOutRange(nullptr, units(text), 0, 6, 0, 6).nGlyphs(), 0u);
+    EXPECT_EQ(layOutRange(nullptr, unitsOf(text), 0, 6, 0, 6).nGlyphs(), 0u);
 }
 
 TEST_F(LayoutTest, LoneSurrogatesAndNulsAreLaidOut) {
     setFont(gxtest::kNotoSans);
-    const uint32_t replacement = glyphs(layOut(u"\uFFFD")).at(0);
-    const auto broken = glyphs(layOut(std::u16string{'a', 0xD83D, 'b', 0xDE00, 0xD83D}));
+    const uint32_t replacement = glyphs(u"\uFFFD").at(0);
+    const auto broken = glyphs(std::u16string{'a', 0xD83D, 'b', 0xDE00, 0xD83D});
     ASSERT_EQ(broken.size(), 5u);
     EXPECT_EQ(broken[1], replacement);
     EXPECT_EQ(broken[3], replacement);
     EXPECT_EQ(broken[4], replacement);
     EXPECT_EQ(layOut(std::u16string(4, u'\0')).getAdvances().size(), 4u);
     // A range that cuts a pair in two.
-    EXPECT_EQ(glyphs(layOutPart(u"\U0001F600", 1, 1)), std::vector<uint32_t>{replacement});
+    EXPECT_EQ(glyphsOf(layOut(u"\U0001F600", Bidi::DEFAULT_LTR, 1, 1)),
+              std::vector<uint32_t>{replacement});
 }
 
 TEST_F(LayoutTest, SenselessNumbersStayFinite) {
@@ -317,22 +301,17 @@ TEST_F(LayoutTest, SenselessNumbersStayFinite) {
                 paint.getSkFont().setSize(20);
                 set(&paint, value);
                 const Layout layout = layOut(u"A\u0301b c");
-                const minikin::MinikinRect box = layout.getBounds();
-                std::vector<float> numbers = {layout.getAdvance(), box.mLeft, box.mTop, box.mRight,
-                                              box.mBottom};
-                for (int i = 0; i < static_cast<int>(layout.nGlyphs()); i++) {
-                    numbers.insert(numbers.end(), {layout.getX(i), layout.getY(i)});
-                }
-                for (const float number : numbers) EXPECT_TRUE(std::isfinite(number));
+                for (const float length : lengthsOf(layout)) EXPECT_TRUE(std::isfinite(length));
             }
         }
     }
 }
 
 TEST_F(LayoutTest, LongLinesTakeLinearTime) {
-    setFonts({makeFamily(loadFont(gxtest::kNotoSans)), makeFamily(loadFont(gxtest::kNotoHebrew)),
-              makeFamily(loadFont(gxtest::kNotoThai)), makeFamily(loadFont(gxtest::kNotoArabic)),
-              makeFamily(loadFont(gxtest::kNotoCjk))});
+    typeface = typefaceOf(
+        {makeFamily(loadFont(gxtest::kNotoSans)), makeFamily(loadFont(gxtest::kNotoHebrew)),
+         makeFamily(loadFont(gxtest::kNotoThai)), makeFamily(loadFont(gxtest::kNotoArabic)),
+         makeFamily(loadFont(gxtest::kNotoCjk))});
     constexpr size_t kLength = 100000;
     const std::u16string patterns[] = {u"a",
                                        u" ",
@@ -358,48 +337,31 @@ TEST_F(LayoutTest, LongLinesTakeLinearTime) {
 
 TEST_F(LayoutTest, VeryLongWordsStayJoined) {
     setFont(gxtest::kNotoArabic);
-    const auto ids = glyphs(layOut(std::u16string(5000, u'\u0628')));
-    const auto shortWord = glyphs(layOut(std::u16string(3, u'\u0628')));
+    const auto ids = glyphs(std::u16string(5000, u'\u0628'));
+    const auto shortWord = glyphs(std::u16string(3, u'\u0628'));
     ASSERT_EQ(ids.size(), 5000u);
     EXPECT_EQ(ids.front(), shortWord.front());
     EXPECT_EQ(ids.back(), shortWord.back());
     EXPECT_EQ(std::count(ids.begin(), ids.end(), shortWord[1]), 4998);
 }
 
-// A layout and the mask that it draws.
-struct Drawing {
-    std::vector<uint32_t> glyphs;
-    float advance = 0;
-    std::vector<uint8_t> pixels;
-    bool operator==(const Drawing&) const = default;
-};
-
 TEST_F(LayoutTest, WhateverAllocationFailsTheSameFontsDrawAfterwards) {
-    const std::u16string text = u"ab\u00E9 \u05D0\u0301 \U0001F600";
-    const auto draw = [this, &text] {
-        const Layout layout = layOut(text);
+    // What is laid out, and the mask that it draws.
+    const auto draw = [this] {
+        const Layout layout = layOut(u"ab\u00E9 \u05D0\u0301 \U0001F600");
         gxtest::MaskCanvas mask(200, 60);
-        const auto drawRun = [&](size_t start, size_t end) {
-            std::vector<gxtest::PlacedGlyph> run;
-            for (size_t i = start; i < end; i++) {
-                const int glyph = static_cast<int>(i);
-                run.push_back({static_cast<SkGlyphID>(layout.getGlyphId(glyph)),
-                               layout.getX(glyph) + 4, layout.getY(glyph) + 45});
-            }
-            mask.draw(paint.getSkFont(), run);
-        };
-        MinikinUtils::forFontRun(layout, &paint, drawRun);
-        return Drawing{glyphs(layout), layout.getAdvance(), mask.pixels};
+        drawLayout(layout, paint, 4, 45, &mask);
+        return std::tuple(glyphsOf(layout), layout.getAdvance(), mask.pixels);
     };
     const auto loadAll = [this] {
-        setFonts({makeFamily(loadFont(gxtest::kNotoSans)),
-                  makeFamily(loadFont(gxtest::kNotoHebrew)),
-                  makeFamily(loadFont(gxtest::kNotoColorEmoji))});
+        typeface = typefaceOf({makeFamily(loadFont(gxtest::kNotoSans)),
+                               makeFamily(loadFont(gxtest::kNotoHebrew)),
+                               makeFamily(loadFont(gxtest::kNotoColorEmoji))});
         paint.setMinikinLocaleListId(minikin::registerLocaleList("he,en"));
     };
     loadAll();
-    const Drawing expected = draw();
-    ASSERT_GE(expected.glyphs.size(), 7u);
+    const auto expected = draw();
+    ASSERT_GE(std::get<0>(expected).size(), 7u);
     // The platform's answer is bad_alloc or, in drawing, blank glyphs.
     const auto surviving = [](const auto& body) {
         return [&body] {

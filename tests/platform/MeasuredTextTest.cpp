@@ -6,12 +6,8 @@
 #include <algorithm>
 #include <optional>
 #include <string>
-#include <tuple>
-#include <vector>
 
-#include "hwui/MinikinUtils.h"
-#include "hwui/Paint.h"
-#include "hwui/Typeface.h"
+#include "TextLayout.h"
 #include "support/Fonts.h"
 #include "support/Random.h"
 #include "support/TextMaker.h"
@@ -23,7 +19,7 @@ using gxtest::Random;
 using gxtest::TextMaker;
 
 U16StringPiece piece(const std::u16string& text) {
-    return {reinterpret_cast<const uint16_t*>(text.data()), text.size()};
+    return {gxtest::unitsOf(text), text.size()};
 }
 
 struct Line {
@@ -62,22 +58,13 @@ TEST(MeasuredText, ContextsStayShort) {
     }
 }
 
-std::vector<std::tuple<uint32_t, float, float>> glyphs(const Layout& layout) {
-    std::vector<std::tuple<uint32_t, float, float>> result;
-    for (int i = 0; i < static_cast<int>(layout.nGlyphs()); i++) {
-        result.emplace_back(layout.getGlyphId(i), layout.getX(i), layout.getY(i));
-    }
-    return result;
-}
-
 // With the text at hand, and with texts that change in one place of memory from call to call.
 TEST(MeasuredText, LinesAreLaidOutAsInTheirWholeContext) {
     Random random(12);
     GX_TRACE_SEED(random);
-    const std::unique_ptr<android::Typeface> typeface(android::Typeface::createFromFamilies(
-        {gxtest::makeFamily(gxtest::loadFont(gxtest::kDejaVuSans)),
-         gxtest::makeFamily(gxtest::loadFont(gxtest::kNotoArabic))},
-        400, 0));
+    const auto typeface =
+        gxtest::typefaceOf({gxtest::makeFamily(gxtest::loadFont(gxtest::kDejaVuSans)),
+                            gxtest::makeFamily(gxtest::loadFont(gxtest::kNotoArabic))});
     android::Paint paint;
     paint.getSkFont().setSize(20);
     const auto minikinPaint = android::MinikinUtils::prepareMinikinPaint(&paint, typeface.get());
@@ -99,8 +86,9 @@ TEST(MeasuredText, LinesAreLaidOutAsInTheirWholeContext) {
                 const Layout layout = android::MinikinUtils::doLayout(
                     &paint, line->bidi, typeface.get(), piece(buffer).data(), buffer.size(), start,
                     end - start, origin, end - origin, text);
-                ASSERT_EQ(glyphs(layout), glyphs(whole)) << start << " to " << end;
-                ASSERT_EQ(layout.getAdvance(), whole.getAdvance());
+                ASSERT_EQ(gxtest::glyphsOf(layout), gxtest::glyphsOf(whole)) << start << " " << end;
+                ASSERT_EQ(gxtest::lengthsOf(layout), gxtest::lengthsOf(whole))
+                    << start << " " << end;
             }
         }
     }

@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "hwui/MinikinUtils.h"
+#include "TextLayout.h"
 #include "support/Fonts.h"
 
 namespace {
@@ -127,23 +127,16 @@ TEST(MinikinFontSkiaTest, PopulateAddsFakeryToWhatIsSet) {
 // A layout over three fonts and what forFontRun made of it.
 class FontRunTest : public testing::Test {
 protected:
-    void SetUp() override {
-        std::vector<std::shared_ptr<minikin::FontFamily>> families = {
-            gxtest::makeFamily(gxtest::loadFont(gxtest::kNotoSansBold)),
-            gxtest::makeFamily(gxtest::loadFont(gxtest::kNotoThai))};
-        typeface.reset(android::Typeface::createFromFamilies(std::move(families), 700, 0));
+    FontRunTest() {
         paint.getSkFont().setSize(20);
         paint.getSkFont().setSkewX(-0.125f);
     }
 
-    minikin::Layout layOut(const std::u16string& text) {
-        return MinikinUtils::doLayout(&paint, minikin::Bidi::LTR, typeface.get(),
-                                      reinterpret_cast<const uint16_t*>(text.data()), text.size(),
-                                      0, text.size(), 0, text.size(), nullptr);
-    }
-
     Paint paint;
-    std::unique_ptr<android::Typeface> typeface;
+    const std::unique_ptr<android::Typeface> typeface =
+        gxtest::typefaceOf({gxtest::makeFamily(gxtest::loadFont(gxtest::kNotoSansBold)),
+                            gxtest::makeFamily(gxtest::loadFont(gxtest::kNotoThai))},
+                           700);
 };
 
 TEST_F(FontRunTest, RunsComeInOrderWithTheFontSetUpAndRestored) {
@@ -154,13 +147,13 @@ TEST_F(FontRunTest, RunsComeInOrderWithTheFontSetUpAndRestored) {
         float skew;
         bool operator==(const Run&) const = default;
     };
-    const minikin::Layout layout = layOut(u"ab \u0E01\u0E02c");
+    const minikin::Layout layout = gxtest::layOut(u"ab \u0E01\u0E02c", *typeface, paint);
     std::vector<Run> runs;
     const auto record = [&](size_t start, size_t end) {
         const SkFont& font = paint.getSkFont();
         runs.push_back({start, end, font.getTypeface(), font.isEmbolden(), font.getSkewX()});
     };
-    MinikinUtils::forFontRun(layOut(u""), &paint, record);
+    MinikinUtils::forFontRun(gxtest::layOut(u"", *typeface, paint), &paint, record);
     EXPECT_TRUE(runs.empty());
     MinikinUtils::forFontRun(layout, &paint, record);
     const auto face = [&](int glyph) {
@@ -178,12 +171,12 @@ TEST_F(FontRunTest, RunsComeInOrderWithTheFontSetUpAndRestored) {
 
 TEST_F(FontRunTest, MeasureTextAgreesWithTheLayout) {
     const std::u16string text = u"ab \u0E01\u0E02c";
-    const minikin::Layout whole = layOut(text);
+    const minikin::Layout whole = gxtest::layOut(text, *typeface, paint);
     for (const size_t start : {1, 4}) {
         std::vector<float> advances(4, -1);
-        const float width = MinikinUtils::measureText(
-            &paint, minikin::Bidi::LTR, typeface.get(),
-            reinterpret_cast<const uint16_t*>(text.data()), start, 4, text.size(), advances.data());
+        const float width = MinikinUtils::measureText(&paint, minikin::Bidi::LTR, typeface.get(),
+                                                      gxtest::unitsOf(text), start, 4, text.size(),
+                                                      advances.data());
         float sum = 0;
         for (size_t i = 0; i < 4; i++) {
             // Units beyond the text have no advance.
