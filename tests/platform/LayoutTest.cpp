@@ -351,7 +351,7 @@ TEST_F(LayoutTest, WhateverAllocationFailsTheSameFontsDrawAfterwards) {
         const Layout layout = layOut(u"ab\u00E9 \u05D0\u0301 \U0001F600");
         gxtest::MaskCanvas mask(200, 60);
         drawLayout(layout, paint, 4, 45, &mask);
-        return std::tuple(glyphsOf(layout), layout.getAdvance(), mask.pixels);
+        return std::tuple(glyphsOf(layout), lengthsOf(layout), mask.pixels);
     };
     const auto loadAll = [this] {
         typeface = typefaceOf({makeFamily(loadFont(gxtest::kNotoSans)),
