@@ -20,7 +20,6 @@
 #include "Figure.h"
 #include "minikin/LocaleList.h"
 #include "minikin/SparseBitSet.h"
-#include "platform/FreeTypeReference.h"
 #include "platform/TextLayout.h"
 #include "support/Fonts.h"
 #include "support/Random.h"
@@ -218,7 +217,7 @@ struct Figures {
     Figure glyphs{"glyph ids and offsets against HarfBuzz, glyphs"};
     Figure units{"clusters against HarfBuzz, UTF-16 units"};
     Figure advances{"advances against HarfBuzz, glyphs"};
-    Figure bounds{"bounds against FreeType's boxes at these positions, words"};
+    Figure bounds{"bounds against the glyphs' boxes at these positions, words"};
     float widest = 0;
     ~Figures() {
         char text[80];
@@ -280,35 +279,16 @@ bool isSame(const Layout& layout, hb_buffer_t* shaped, size_t units, const Setti
     return same;
 }
 
-// The control boxes of FreeType's glyphs in whole pixels where the layout has them, put together;
-// as long as there is no ink, the last blank's place.
-minikin::MinikinRect boxAround(const Layout& layout, FT_Face face, const Setting& setting) {
-    const auto size = static_cast<float>(setting.size * 64);
-    EXPECT_EQ(FT_Set_Char_Size(face, static_cast<FT_F26Dot6>(size * setting.scaleX),
-                               static_cast<FT_F26Dot6>(size), 72, 72),
-              0);
+// The glyphs' boxes where the layout has them, joined.
+minikin::MinikinRect boxAround(const Layout& layout, const SkFont& font) {
     minikin::MinikinRect around;
-    bool hasInk = false;
     for (int i = 0; i < static_cast<int>(layout.nGlyphs()); ++i) {
-        EXPECT_EQ(FT_Load_Glyph(face, layout.getGlyphId(i), kLoadFlags), 0);
-        FT_BBox box;
-        FT_Outline_Get_CBox(&face->glyph->outline, &box);
-        const bool isBlank = box.xMin == box.xMax || box.yMin == box.yMax;
-        minikin::MinikinRect glyph;
-        if (!isBlank) {
-            glyph = {std::floor(static_cast<float>(box.xMin) / 64),
-                     -std::ceil(static_cast<float>(box.yMax) / 64),
-                     std::ceil(static_cast<float>(box.xMax) / 64),
-                     -std::floor(static_cast<float>(box.yMin) / 64)};
-        }
-        glyph.offset(layout.getX(i), layout.getY(i));
-        if (!hasInk) around = glyph;
-        if (hasInk && !isBlank) {
-            around = {std::min(around.mLeft, glyph.mLeft), std::min(around.mTop, glyph.mTop),
-                      std::max(around.mRight, glyph.mRight),
-                      std::max(around.mBottom, glyph.mBottom)};
-        }
-        hasInk = hasInk || !isBlank;
+        const auto glyph = static_cast<SkGlyphID>(layout.getGlyphId(i));
+        SkRect box;
+        font.getBounds(&glyph, 1, &box, nullptr);
+        minikin::MinikinRect placed(box.fLeft, box.fTop, box.fRight, box.fBottom);
+        placed.offset(layout.getX(i), layout.getY(i));
+        around.join(placed);
     }
     return around;
 }
@@ -327,7 +307,6 @@ TEST(ShapingTest, WordsOfAllScriptsAreHarfBuzzs) {
     for (const Sample& sample : samples()) {
         SCOPED_TRACE(sample.name);
         const auto family = makeFamily(loadFont(sample.font, sample.face));
-        FreeTypeReference reference(fontBytes(sample.font), sample.face);
         const auto typeface = typefaceOf({family});
         const auto words = wordsOf(sample, *family, kRandomWords, &random);
         for (const Setting& setting : kSettings) {
@@ -339,6 +318,7 @@ TEST(ShapingTest, WordsOfAllScriptsAreHarfBuzzs) {
             paint.setJavaFlags(setting.hinted ? 0x001 : 0x001 | 0x080);
             paint.getSkFont().setSize(static_cast<float>(setting.size));
             paint.getSkFont().setScaleX(setting.scaleX);
+            paint.getSkFont().setTypeface(loadTypeface(sample.font, sample.face));
             paint.setFontFeatureSettings(setting.features);
             paint.setLetterSpacing(kLetterSpacing);
             paint.setMinikinLocaleListId(minikin::registerLocaleList(sample.locale));
@@ -352,7 +332,7 @@ TEST(ShapingTest, WordsOfAllScriptsAreHarfBuzzs) {
                     figures.words.add(isSame(layout, shaped, word.size(), setting, &figures)))
                     << testing::PrintToString(word);
                 EXPECT_TRUE(figures.bounds.add(
-                    isNear(layout.getBounds(), boxAround(layout, reference.face(), setting))))
+                    isNear(layout.getBounds(), boxAround(layout, paint.getSkFont()))))
                     << testing::PrintToString(word);
             }
         }

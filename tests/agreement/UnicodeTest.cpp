@@ -59,28 +59,24 @@ TEST(UnicodeTest, LocalesAreCompletedAsByIcu) {
     EXPECT_GT(figure.compared, 2000u);
 }
 
-TEST(UnicodeTest, EmojiModifierBasesAreIcus) {
-    Figure figure("emoji modifier bases against ICU, code points");
-    for (UChar32 c = 0; c <= kLastCodePoint; c++) {
-        const bool expected = u_hasBinaryProperty(c, UCHAR_EMOJI_MODIFIER_BASE);
-        EXPECT_TRUE(figure.add(minikin::isEmojiModifierBase(static_cast<uint32_t>(c)) == expected))
-            << std::hex << c;
-    }
-}
-
-TEST(UnicodeTest, DecompositionsBeginAsIcus) {
+TEST(UnicodeTest, CharactersAreIcus) {
     UErrorCode status = U_ZERO_ERROR;
     const UNormalizer2* normalizer = unorm2_getNFDInstance(&status);
     ASSERT_TRUE(U_SUCCESS(status));
-    Figure figure("first character of decompositions against ICU, code points");
+    Figure bases("emoji modifier bases against ICU, code points");
+    Figure firsts("first character of decompositions against ICU, code points");
     for (UChar32 c = 0; c <= kLastCodePoint; c++) {
+        const auto codePoint = static_cast<uint32_t>(c);
+        const bool isBase = u_hasBinaryProperty(c, UCHAR_EMOJI_MODIFIER_BASE);
+        EXPECT_TRUE(bases.add(minikin::isEmojiModifierBase(codePoint) == isBase)) << std::hex << c;
         UChar units[8];
         status = U_ZERO_ERROR;
         const int32_t length = unorm2_getRawDecomposition(normalizer, c, units, 8, &status);
-        UChar32 expected = c;
-        if (length > 0) U16_GET_UNSAFE(units, 0, expected);
-        const uint32_t first = minikin::firstOfDecomposition(static_cast<uint32_t>(c));
-        EXPECT_TRUE(figure.add(first == static_cast<uint32_t>(expected))) << std::hex << c;
+        UChar32 first = c;
+        if (length > 0) U16_GET_UNSAFE(units, 0, first);
+        EXPECT_TRUE(
+            firsts.add(minikin::firstOfDecomposition(codePoint) == static_cast<uint32_t>(first)))
+            << std::hex << c;
     }
 }
 
