@@ -44,14 +44,6 @@ struct GlyphSetting {
     bool hasLinearAdvance() const {
         return !isHinted() || subpixel || (hinting.level == SkFontHinting::kSlight && !alias);
     }
-    std::string describe() const {
-        return "size " + std::to_string(size) + " scale " + std::to_string(scaleX) + " skew " +
-               std::to_string(skewX) + " hinting " +
-               std::to_string(static_cast<int>(hinting.level)) +
-               (hinting.automatic ? " automatic" : "") + (linear ? " linear" : "") +
-               (alias ? " alias" : "") + (embolden ? " embolden" : "") +
-               (subpixel ? " subpixel " + std::to_string(quarters) : "");
-    }
 };
 
 GlyphSetting makeGlyphSetting(Random& random) {
@@ -118,8 +110,7 @@ TEST(RasterTest, GlyphsAreFreeTypes) {
         for (int n = 0; n < kGlyphs / static_cast<int>(std::size(kFonts)); ++n) {
             const GlyphSetting setting = makeGlyphSetting(random);
             const auto glyph = static_cast<SkGlyphID>(random.between(0, last));
-            SCOPED_TRACE(std::string(file) + " glyph " + std::to_string(glyph) + " " +
-                         setting.describe());
+            SCOPED_TRACE(std::string(file) + " glyph " + std::to_string(glyph));
             const SkFont font = makeFont(typeface, setting);
             GlyphRequest request = makeRequest(reference.face(), setting);
             const ReferenceGlyph expected = reference.take(glyph, request);

@@ -16,7 +16,6 @@
 #include "Figure.h"
 #include "minikin/FontFamily.h"
 #include "minikin/Locale.h"
-#include "minikin/SparseBitSet.h"
 #include "minikin/Unicode.h"
 #include "platform/FreeTypeReference.h"
 #include "support/Fonts.h"
@@ -105,7 +104,7 @@ TEST(UnicodeTest, CoverageIsFreeTypes) {
             covered.insert(c);
         }
         for (uint32_t c = 0; c <= static_cast<uint32_t>(kLastCodePoint); ++c) {
-            EXPECT_TRUE(figure.add(family->getCoverage().get(c) == (covered.count(c) != 0)))
+            EXPECT_TRUE(figure.add(family->hasGlyph(c, 0) == (covered.count(c) != 0)))
                 << std::hex << c;
         }
         // FreeType's lists last until it is asked for the next one.

@@ -3,8 +3,8 @@
 // the target as a bitmap, and the target with a rectangle in each tile of 8 x 8 pixels. The tile's
 // first source pixel is the rectangle's colour, the next two its edges from the tile's corner, as
 // signed sixteenths of a pixel; it is clipped to the tile. Then come masks of one byte per pixel:
-// letters of the font on a clear mask, and on one of the first bytes of the first source; a letter of
-// 300 pixels; an emoji at the sizes, stretches and slants of PICTURES. Last, for a letter at PLACES by
+// letters of the font on a clear mask, and on one of the first bytes of the first source; an
+// emoji at the sizes, stretches and slants of PICTURES. Last, for a letter at PLACES by
 // PLACES positions around a pixel, a 64th of a pixel apart, without and with subpixel positions: which
 // position was the first to give the same picture, as 16 bits.
 'use strict';
@@ -106,11 +106,8 @@ require(kitPath)().then((kit) => {
   const clear = Buffer.alloc(SIZE * SIZE);
   output.push(drawn(clear, drawLetters, maskInfo));
   output.push(drawn(input.subarray(0, SIZE * SIZE), drawLetters, maskInfo));
-  font.setSize(300);
-  font.setLinearMetrics(true);
   const paint = new kit.Paint();
   paint.setAntiAlias(true);
-  output.push(drawn(clear, (canvas) => canvas.drawText('&', 10.25, 235.5, paint, font), maskInfo));
   const emoji = loadFont(emojiPath, 40);
   emoji.setEmbeddedBitmaps(true);
   for (const [size, scaleX, skewX] of PICTURES) {
