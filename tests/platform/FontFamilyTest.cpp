@@ -4,7 +4,7 @@
 
 #include <cstring>
 
-#include "SkTypeface.h"
+#include "SkDrawing.h"
 #include "hwui/Typeface.h"
 #include "minikin/LocaleList.h"
 #include "support/Fonts.h"
@@ -72,34 +72,20 @@ TEST(FontFamilyTest, NoFontsAndNullFontsCoverNothing) {
     EXPECT_FALSE(makeFamily(loadFont(gxtest::kNotoSans))->hasGlyph(0xFFFFFFFF, 0));
 }
 
-// Claims other bytes than those its typeface was made from.
-class MismatchedFont : public android::MinikinFontSkia {
-public:
-    MismatchedFont(const void* data, size_t size, int index)
-        : MinikinFontSkia(skTypeface(), data, size, "", index, {}) {}
-
-private:
-    static sk_sp<SkTypeface> skTypeface() {
-        const std::vector<char>& bytes = gxtest::fontBytes(gxtest::kNotoSans);
-        return SkTypeface::MakeFromStream(
-            std::make_unique<SkMemoryStream>(bytes.data(), bytes.size()));
-    }
-};
-
 TEST(FontFamilyTest, DamagedFilesActAsFontsWithoutGlyphs) {
     const std::vector<char>& good = gxtest::fontBytes(gxtest::kNotoSans);
-    for (const size_t size : {0u, 3u, 12u, 100u, 300u}) {
-        const auto family = makeFamily(std::make_shared<MismatchedFont>(good.data(), size, 0));
+    const std::vector<char>& collection = gxtest::fontBytes(gxtest::kNotoCjk);
+    const sk_sp<SkTypeface> typeface = gxtest::makeTypeface(good);
+    const auto expectBlank = [&](const char* data, size_t size, int index) {
+        // Other bytes than those that the typeface was made from.
+        const auto family = makeFamily(std::make_shared<android::MinikinFontSkia>(
+            typeface, data, size, "", index, std::vector<minikin::FontVariation>()));
         EXPECT_FALSE(family->hasGlyph('A', 0)) << size;
         EXPECT_EQ(family->getFont(0)->style(), FontStyle()) << size;
-    }
-    EXPECT_FALSE(makeFamily(std::make_shared<MismatchedFont>(nullptr, 1000, 0))->hasGlyph('A', 0));
-    const std::vector<char>& collection = gxtest::fontBytes(gxtest::kNotoCjk);
-    for (const int index : {-1, 1000}) {
-        EXPECT_FALSE(makeFamily(std::make_shared<MismatchedFont>(collection.data(),
-                                                                 collection.size(), index))
-                         ->hasGlyph('A', 0));
-    }
+    };
+    for (const size_t size : {0u, 3u, 12u, 100u, 300u}) expectBlank(good.data(), size, 0);
+    expectBlank(nullptr, 1000, 0);
+    for (const int index : {-1, 1000}) expectBlank(collection.data(), collection.size(), index);
 }
 
 TEST(TypefaceTest, StylesAreResolvedAndClamped) {

@@ -84,49 +84,34 @@ public:
         FT_Outline_Get_CBox(&slot->outline, &box);
         result.box = SkIRect::MakeLTRB(box.xMin >> 6, -((box.yMax + 63) >> 6), (box.xMax + 63) >> 6,
                                        -(box.yMin >> 6));
-        if (request.mono) {
-            // As the device does, and not FT_Render_Glyph: its smaller bitmap loses thin parts.
-            readMono(&slot->outline, &result);
-        } else {
-            EXPECT_EQ(FT_Render_Glyph(slot, FT_RENDER_MODE_NORMAL), 0);
-            readBitmap(*slot, &result);
-        }
+        // As the device does, and not FT_Render_Glyph: its smaller bitmap loses thin parts.
+        fill(&slot->outline, request.mono, &result);
         return result;
     }
 
 private:
-    static void readBitmap(const FT_GlyphSlotRec& slot, ReferenceGlyph* result) {
-        const FT_Bitmap& bitmap = slot.bitmap;
-        result->left = slot.bitmap_left;
-        result->top = -slot.bitmap_top;
-        result->width = static_cast<int>(bitmap.width);
-        result->height = static_cast<int>(bitmap.rows);
-        for (unsigned y = 0; y < bitmap.rows; ++y) {
-            const uint8_t* row = bitmap.buffer + static_cast<ptrdiff_t>(y) * bitmap.pitch;
-            result->coverage.insert(result->coverage.end(), row, row + bitmap.width);
-        }
-    }
-
-    void readMono(FT_Outline* outline, ReferenceGlyph* result) {
+    void fill(FT_Outline* outline, bool mono, ReferenceGlyph* result) {
         const SkIRect& box = result->box;
         if (box.isEmpty()) return;
         result->left = box.fLeft;
         result->top = box.fTop;
         result->width = box.fRight - box.fLeft;
         result->height = box.fBottom - box.fTop;
-        const int pitch = (result->width + 7) / 8;
-        std::vector<uint8_t> bits(static_cast<size_t>(pitch) * result->height);
+        const int pitch = mono ? (result->width + 7) / 8 : result->width;
+        std::vector<uint8_t> rows(static_cast<size_t>(pitch) * result->height);
         FT_Bitmap bitmap = {};
         bitmap.width = static_cast<unsigned>(result->width);
         bitmap.rows = static_cast<unsigned>(result->height);
         bitmap.pitch = pitch;
-        bitmap.buffer = bits.data();
-        bitmap.pixel_mode = FT_PIXEL_MODE_MONO;
+        bitmap.buffer = rows.data();
+        bitmap.num_grays = 256;
+        bitmap.pixel_mode = mono ? FT_PIXEL_MODE_MONO : FT_PIXEL_MODE_GRAY;
         FT_Outline_Translate(outline, -64L * box.fLeft, 64L * box.fBottom);
         EXPECT_EQ(FT_Outline_Get_Bitmap(library_, outline, &bitmap), 0);
         for (int y = 0; y < result->height; ++y) {
             for (int x = 0; x < result->width; ++x) {
-                result->coverage.push_back((bits[y * pitch + x / 8] >> (7 - x % 8) & 1) * 255);
+                const uint8_t* row = &rows[static_cast<size_t>(y) * pitch];
+                result->coverage.push_back(mono ? (row[x / 8] >> (7 - x % 8) & 1) * 255 : row[x]);
             }
         }
     }

@@ -21,77 +21,67 @@ void randomize(ColorCanvas* canvas, Random& random) {
     for (uint8_t& b : canvas->bytes) b = random.edgeByte();
 }
 
-TEST(SkBitmapTest, OnlyMemoryThatFitsIsInstalled) {
-    uint8_t memory[64];
-    SkBitmap bitmap;
-    const auto rgba = [](int w, int h) {
-        return SkImageInfo::Make(w, h, kRGBA_8888_SkColorType, kUnpremul_SkAlphaType);
-    };
-    EXPECT_TRUE(bitmap.installPixels(rgba(4, 4), memory, 16));
-    EXPECT_FALSE(bitmap.drawsNothing());
-    EXPECT_FALSE(bitmap.installPixels(rgba(4, 4), memory, 15));
-    EXPECT_TRUE(bitmap.isNull());
-    EXPECT_FALSE(bitmap.installPixels(rgba(-1, 4), memory, 16));
-    EXPECT_FALSE(bitmap.installPixels(rgba(4, -1), memory, 16));
-    EXPECT_FALSE(bitmap.installPixels(rgba(0x7FFFFFFF, 4), memory, 0x7FFFFFFF));
-    EXPECT_TRUE(bitmap.installPixels(rgba(4, 4), memory, 0));
-    EXPECT_EQ(bitmap.rowBytes(), 16u);
-    EXPECT_TRUE(bitmap.installPixels(rgba(4, 4), nullptr, 16));
-    EXPECT_TRUE(bitmap.drawsNothing());
-    EXPECT_TRUE(bitmap.installPixels(rgba(4, 0), memory, 16));
-    EXPECT_TRUE(bitmap.drawsNothing());
-}
-
-TEST(SkCanvasTest, BitmapsThatCannotBeDrawnIntoStayAsTheyAre) {
-    ColorCanvas source(4, 4);
-    std::vector<uint8_t> memory(256, 9);
+TEST(SkBitmapTest, OnlyMemoryThatFitsIsInstalledAndDrawn) {
     const auto rgba = [](int w, int h, SkAlphaType alphaType = kUnpremul_SkAlphaType) {
         return SkImageInfo::Make(w, h, kRGBA_8888_SkColorType, alphaType);
     };
-    const std::pair<SkImageInfo, void*> cases[] = {
-        {rgba(0, 4), memory.data()},
-        {rgba(4, 0), memory.data()},
-        {rgba(-4, 4), memory.data()},
-        {rgba(4, -4), memory.data()},
-        {rgba(100, 100), memory.data()},
-        {SkImageInfo::Make(4, 4, kRGB_565_SkColorType, kOpaque_SkAlphaType), memory.data()},
-        {rgba(4, 4, kUnknown_SkAlphaType), memory.data()},
-        {SkImageInfo(), memory.data()},
-        {rgba(4, 4), nullptr},
+    std::vector<uint8_t> memory(64);
+    uint8_t* pixels = memory.data();
+    const struct {
+        SkImageInfo info;
+        uint8_t* pixels;
+        size_t rowBytes;
+        bool isInstalled, isDrawn;
+    } cases[] = {
+        {rgba(4, 4), pixels, 16, true, true},
+        {rgba(4, 4), pixels, 0, true, true},  // packed
+        {rgba(4, 4), pixels, 15, false, false},
+        {rgba(-4, 4), pixels, 16, false, false},
+        {rgba(4, -4), pixels, 16, false, false},
+        {rgba(100, 100), pixels, 16, false, false},
+        {rgba(0x7FFFFFFF, 4), pixels, 0x7FFFFFFF, false, false},
+        {rgba(4, 4), nullptr, 16, true, false},
+        {rgba(0, 4), pixels, 16, true, false},
+        {rgba(4, 0), pixels, 16, true, false},
+        {rgba(4, 4, kUnknown_SkAlphaType), pixels, 16, true, false},
+        {SkImageInfo::Make(4, 4, kRGB_565_SkColorType, kOpaque_SkAlphaType), pixels, 8, true,
+         false},
+        {SkImageInfo(), pixels, 16, true, false},
     };
-    for (const auto& [info, pixels] : cases) {
+    ColorCanvas source(4, 4);
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << &c - cases);
+        memory.assign(memory.size(), 9);
         SkBitmap bitmap;
-        bitmap.installPixels(info, pixels, 16);
+        EXPECT_EQ(bitmap.installPixels(c.info, c.pixels, c.rowBytes), c.isInstalled);
         SkCanvas canvas(bitmap);
-        canvas.drawColor(SK_ColorWHITE, SkBlendMode::kSrc);
         canvas.drawRect(SkRect::MakeWH(4, 4), SkPaint());
         canvas.drawBitmap(source.bitmap, 0, 0);
+        canvas.drawColor(SK_ColorWHITE, SkBlendMode::kSrc);
+        EXPECT_EQ(memory, std::vector<uint8_t>(memory.size(), c.isDrawn ? 255 : 9));
         ColorCanvas target(4, 4);
         SkCanvas(target.bitmap).drawBitmap(bitmap, 0, 0);
-        EXPECT_EQ(target.at(0, 0), Pixel());
+        EXPECT_EQ(target.at(0, 0)[3], c.isDrawn ? 255 : 0);
     }
-    EXPECT_EQ(memory, std::vector<uint8_t>(256, 9));
-    SkCanvas(SkBitmap()).drawColor(0, SkBlendMode::kSrc);
 }
 
-// Draws `source` over `target` and holds each pixel against the slow model.
-void expectSourceOver(const ColorCanvas& source, const ColorCanvas& target) {
+// What `draw` does to the target, held pixel by pixel against the slow model of a source over it.
+template <typename Source, typename Draw>
+void expectSourceOver(const ColorCanvas& target, Source sourceAt, Draw draw) {
     std::vector<Pixel> expected;
-    for (int y = 0; y < target.height; ++y) {
-        for (int x = 0; x < target.width; ++x) {
-            const Pixel from = source.at(x, y), to = target.at(x, y);
-            expected.push_back(sourceOver(from, to));
-            const bool copies = from[3] == 255 || (from[3] != 0 && to[3] == 0);
-            ASSERT_TRUE(!copies || expected.back() == from);
-            ASSERT_TRUE(from[3] != 0 || expected.back() == (to[3] == 0 ? Pixel() : to));
-        }
+    for (int i = 0; i < target.width * target.height; ++i) {
+        const Pixel from = sourceAt(i % target.width, i / target.width);
+        const Pixel to = target.at(i % target.width, i / target.width);
+        expected.push_back(sourceOver(from, to));
+        const bool copies = from[3] == 255 || (from[3] != 0 && to[3] == 0);
+        ASSERT_TRUE(!copies || expected.back() == from);
+        ASSERT_TRUE(from[3] != 0 || expected.back() == (to[3] == 0 ? Pixel() : to));
     }
-    SkCanvas(target.bitmap).drawBitmap(source.bitmap, 0, 0);
-    size_t i = 0;
-    for (int y = 0; y < target.height; ++y) {
-        for (int x = 0; x < target.width; ++x) {
-            ASSERT_EQ(target.at(x, y), expected[i++]) << x << ", " << y;
-        }
+    SkCanvas canvas(target.bitmap);
+    draw(canvas);
+    for (int i = 0; i < target.width * target.height; ++i) {
+        ASSERT_EQ(target.at(i % target.width, i / target.width), expected[static_cast<size_t>(i)])
+            << i;
     }
 }
 
@@ -105,15 +95,20 @@ TEST(SkCanvasTest, DrawBitmapBlendsEveryPairOfAlphasLikeTheSlowModel) {
             std::copy(pixel.begin(), pixel.end(), &canvas->bytes[4 * static_cast<size_t>(i)]);
         }
     };
+    const auto expectBlending = [&] {
+        expectSourceOver(
+            target, [&](int x, int y) { return source.at(x, y); },
+            [&](SkCanvas& canvas) { canvas.drawBitmap(source.bitmap, 0, 0); });
+    };
     for (const auto& [s, d] :
          {std::pair<uint8_t, uint8_t>{200, 31}, {0, 255}, {255, 0}, {1, 127}}) {
         fill(&source, [s = s](uint8_t x, uint8_t) { return Pixel{s, 100, 3, x}; });
         fill(&target, [d = d](uint8_t, uint8_t y) { return Pixel{d, 2, 250, y}; });
-        expectSourceOver(source, target);
+        expectBlending();
     }
     fill(&source, [](uint8_t x, uint8_t y) { return Pixel{x, x, x, y}; });
     fill(&target, [](uint8_t, uint8_t) { return Pixel{7, 7, 7, 0}; });
-    expectSourceOver(source, target);
+    expectBlending();
 }
 
 TEST(SkCanvasTest, DrawRectBlendsLikeTheSlowModel) {
@@ -122,19 +117,16 @@ TEST(SkCanvasTest, DrawRectBlendsLikeTheSlowModel) {
     for (int round = 0; round < 60; ++round) {
         ColorCanvas image(17, 13);
         randomize(&image, random);
-        ColorCanvas expected(17, 13);
-        expected.bytes = image.bytes;
-        const Pixel color = {random.byte(), random.byte(), random.byte(), random.edgeByte()};
-        for (size_t i = 0; color[3] != 0 && i < expected.bytes.size(); i += 4) {
-            Pixel was;
-            std::copy_n(&expected.bytes[i], 4, was.begin());
-            const Pixel now = sourceOver(color, was);
-            std::copy(now.begin(), now.end(), &expected.bytes[i]);
-        }
+        const SkColor color = random.word() | 0x01000000;
         SkPaint paint;
-        paint.setColor(SkColorSetARGB(color[3], color[0], color[1], color[2]));
-        SkCanvas(image.bitmap).drawRect(SkRect::MakeWH(17, 13), paint);
-        ASSERT_EQ(image.bytes, expected.bytes);
+        paint.setColor(color);
+        const auto byte = [color](int shift) { return static_cast<uint8_t>(color >> shift); };
+        expectSourceOver(
+            image,
+            [&](int, int) {
+                return Pixel{byte(16), byte(8), byte(0), byte(24)};
+            },
+            [&](SkCanvas& canvas) { canvas.drawRect(SkRect::MakeWH(17, 13), paint); });
     }
 }
 
@@ -182,19 +174,17 @@ TEST(SkCanvasTest, EdgesAreSortedAndRoundedToNearest) {
         // As a clip the same pixels; what is not finite leaves the clip alone.
         EXPECT_EQ(touched(color, c.rect), c.rect.isFinite() ? c.pixels : SkIRect::MakeWH(40, 40));
     }
-    SkPaint stroke;
-    stroke.setStyle(SkPaint::kStroke_Style);
-    EXPECT_TRUE(touched([&](SkCanvas& c) { c.drawRect(SkRect::MakeWH(9, 9), stroke); }).isEmpty());
-}
-
-TEST(SkCanvasTest, ClipsOnlyShrink) {
-    const auto draw = [](SkCanvas& canvas) {
+    // Clips only shrink.
+    const auto clipTwice = [](SkCanvas& canvas) {
         canvas.clipRect(SkRect::MakeLTRB(0, 10, 20, 60), SkClipOp::kIntersect, true);
         canvas.clipRect(SkRect::MakeLTRB(0, 0, 40, 40), SkClipOp::kDifference, false);
         canvas.drawColor(SK_ColorBLACK);
     };
-    EXPECT_EQ(touched(draw, SkRect::MakeLTRB(5, 0, 60, 30)), SkIRect::MakeLTRB(5, 10, 20, 30));
-    EXPECT_TRUE(touched(draw, SkRect::MakeLTRB(5, 0, 60, 9)).isEmpty());
+    EXPECT_EQ(touched(clipTwice, SkRect::MakeLTRB(5, 0, 60, 30)), SkIRect::MakeLTRB(5, 10, 20, 30));
+    EXPECT_TRUE(touched(clipTwice, SkRect::MakeLTRB(5, 0, 60, 9)).isEmpty());
+    SkPaint stroke;
+    stroke.setStyle(SkPaint::kStroke_Style);
+    EXPECT_TRUE(touched([&](SkCanvas& c) { c.drawRect(SkRect::MakeWH(9, 9), stroke); }).isEmpty());
 }
 
 TEST(SkCanvasTest, DrawBitmapPlacesAndClips) {
@@ -234,78 +224,75 @@ TEST(SkCanvasTest, DrawBitmapPlacesAndClips) {
     }
 }
 
-TEST(SkCanvasTest, PaintAlphaScalesABitmapAndColoursAMask) {
-    ColorCanvas source(2, 1);
-    source.bytes = {200, 100, 50, 255, 10, 20, 30, 128};
-    SkPaint paint;
-    paint.setColor(SkColorSetARGB(51, 255, 0, 0));
-    ColorCanvas image(2, 1);
-    SkCanvas(image.bitmap).drawBitmap(source.bitmap, 0, 0, &paint);
-    EXPECT_EQ(image.at(0, 0), (Pixel{200, 100, 50, 51}));
-    EXPECT_EQ(image.at(1, 0)[3], 26);
-
-    uint8_t coverage[] = {255, 128};
+TEST(SkCanvasTest, EveryModeOnEveryKindOfPixel) {
+    const Pixel old = {10, 20, 30, 64}, half = {200, 100, 50, 128}, clear = {200, 100, 50, 0};
+    ColorCanvas picture(1, 1);
+    picture.bytes = {200, 100, 50, 255};
+    uint8_t coverage = 128;
     SkBitmap mask;
-    ASSERT_TRUE(mask.installPixels(SkImageInfo::MakeA8(2, 1), coverage, 2));
-    ColorCanvas colored(2, 1);
-    paint.setColor(SkColorSetARGB(255, 1, 2, 3));
-    SkCanvas(colored.bitmap).drawBitmap(mask, 0, 0, &paint);
-    EXPECT_EQ(colored.at(0, 0), (Pixel{1, 2, 3, 255}));
-    EXPECT_EQ(colored.at(1, 0), (Pixel{1, 2, 3, 128}));
-}
-
-TEST(SkCanvasTest, DrawColorBlendModes) {
-    const SkColor color = SkColorSetARGB(128, 200, 100, 50);
-    const Pixel old = {10, 20, 30, 64}, drawn = {200, 100, 50, 128};
+    ASSERT_TRUE(mask.installPixels(SkImageInfo::MakeA8(1, 1), &coverage, 1));
+    enum class Draw { kColor, kRect, kBitmap, kMask };
     const struct {
+        SkAlphaType alphaType;
+        Pixel before;
+        Draw draw;
+        Pixel color;
         SkBlendMode mode;
-        SkColor color;
-        Pixel expected;
+        Pixel after;
     } cases[] = {
-        {SkBlendMode::kClear, color, {0, 0, 0, 0}},
-        {SkBlendMode::kSrc, color, drawn},
-        {SkBlendMode::kSrc, 0, {0, 0, 0, 0}},
-        {SkBlendMode::kDst, color, old},
-        {SkBlendMode::kSrcOver, color, sourceOver(drawn, old)},
-        {SkBlendMode::kDstOver, color, sourceOver(old, drawn)},
+        {kUnpremul_SkAlphaType, old, Draw::kColor, half, SkBlendMode::kClear, {0, 0, 0, 0}},
+        {kUnpremul_SkAlphaType, old, Draw::kColor, half, SkBlendMode::kSrc, half},
+        {kUnpremul_SkAlphaType, old, Draw::kColor, {}, SkBlendMode::kSrc, {0, 0, 0, 0}},
+        {kUnpremul_SkAlphaType, old, Draw::kColor, half, SkBlendMode::kDst, old},
+        {kUnpremul_SkAlphaType, old, Draw::kColor, half, SkBlendMode::kSrcOver,
+         sourceOver(half, old)},
+        {kUnpremul_SkAlphaType, old, Draw::kColor, half, SkBlendMode::kDstOver,
+         sourceOver(old, half)},
+        // A colour of alpha 0 leaves every byte.
+        {kUnpremul_SkAlphaType, clear, Draw::kColor, {9, 9, 9, 0}, SkBlendMode::kSrcOver, clear},
+        {kUnpremul_SkAlphaType, clear, Draw::kRect, {9, 9, 9, 0}, SkBlendMode::kSrcOver, clear},
+        {kUnpremul_SkAlphaType, clear, Draw::kBitmap, {9, 9, 9, 0}, SkBlendMode::kSrcOver, clear},
+        // A paint's alpha scales a bitmap, its colour is that of a mask.
+        {kUnpremul_SkAlphaType,
+         {},
+         Draw::kBitmap,
+         {255, 0, 0, 51},
+         SkBlendMode::kSrcOver,
+         {200, 100, 50, 51}},
+        {kUnpremul_SkAlphaType,
+         {},
+         Draw::kMask,
+         {1, 2, 3, 255},
+         SkBlendMode::kSrcOver,
+         {1, 2, 3, 128}},
+        {kPremul_SkAlphaType,
+         {},
+         Draw::kRect,
+         {255, 0, 100, 128},
+         SkBlendMode::kSrcOver,
+         {128, 0, 50, 128}},
+        {kOpaque_SkAlphaType,
+         {0, 0, 200, 3},
+         Draw::kRect,
+         {255, 0, 100, 128},
+         SkBlendMode::kSrcOver,
+         {128, 0, 150, 255}},
     };
     for (const auto& c : cases) {
-        ColorCanvas image(3, 1);
-        for (size_t i = 0; i < image.bytes.size(); ++i) image.bytes[i] = old[i % 4];
-        SkCanvas(image.bitmap).drawColor(c.color, c.mode);
-        for (int x = 0; x < 3; ++x) EXPECT_EQ(image.at(x, 0), c.expected);
+        SCOPED_TRACE(testing::Message() << &c - cases);
+        ColorCanvas image(1, 1, c.alphaType);
+        image.bytes.assign(c.before.begin(), c.before.end());
+        SkPaint paint;
+        paint.setColor(SkColorSetARGB(c.color[3], c.color[0], c.color[1], c.color[2]));
+        SkCanvas canvas(image.bitmap);
+        if (c.draw == Draw::kColor) canvas.drawColor(paint.getColor(), c.mode);
+        if (c.draw == Draw::kRect) canvas.drawRect(SkRect::MakeWH(1, 1), paint);
+        if (c.draw == Draw::kBitmap) canvas.drawBitmap(picture.bitmap, 0, 0, &paint);
+        if (c.draw == Draw::kMask) canvas.drawBitmap(mask, 0, 0, &paint);
+        EXPECT_EQ(image.at(0, 0), c.after);
     }
-}
-
-TEST(SkCanvasTest, AColourOfAlpha0LeavesEveryByte) {
-    ColorCanvas source(1, 1), image(1, 1);
-    source.bytes = {1, 2, 3, 4};
-    image.bytes = {200, 100, 50, 0};
-    SkPaint paint;
-    paint.setColor(SkColorSetARGB(0, 9, 9, 9));
-    SkCanvas canvas(image.bitmap);
-    canvas.drawRect(SkRect::MakeWH(1, 1), paint);
-    canvas.drawBitmap(source.bitmap, 0, 0, &paint);
-    canvas.drawColor(paint.getColor());
-    EXPECT_EQ(image.at(0, 0), (Pixel{200, 100, 50, 0}));
-}
-
-TEST(SkCanvasTest, PremultipliedOpaqueAndAlphaOnlyTargets) {
-    SkPaint paint;
-    paint.setColor(SkColorSetARGB(128, 255, 0, 100));
-    const auto rect = SkRect::MakeWH(1, 1);
-    ColorCanvas premul(1, 1, kPremul_SkAlphaType);
-    SkCanvas(premul.bitmap).drawRect(rect, paint);
-    EXPECT_EQ(premul.at(0, 0), (Pixel{128, 0, 50, 128}));
-    ColorCanvas opaque(1, 1, kOpaque_SkAlphaType);
-    opaque.bytes = {0, 0, 200, 3};
-    SkCanvas(opaque.bitmap).drawRect(rect, paint);
-    EXPECT_EQ(opaque.at(0, 0), (Pixel{128, 0, 150, 255}));
-    uint8_t alpha = 100;
-    SkBitmap mask;
-    ASSERT_TRUE(mask.installPixels(SkImageInfo::MakeA8(1, 1), &alpha, 1));
-    SkCanvas(mask).drawRect(rect, paint);
-    EXPECT_EQ(alpha, 178);  // 128 + 100 * 127 / 255, rounded
+    SkCanvas(mask).drawColor(SkColorSetARGB(100, 0, 0, 0));
+    EXPECT_EQ(coverage, 178);  // 100 + 128 * 155 / 255, rounded
 }
 
 }  // namespace
