@@ -26,16 +26,6 @@ Paint::Paint(const SkPaint& paint) : SkPaint(paint) {
     mFont.setEdging(isAntiAlias() ? SkFont::Edging::kAntiAlias : SkFont::Edging::kAlias);
 }
 
-bool operator==(const Paint& a, const Paint& b) {
-    return static_cast<const SkPaint&>(a) == static_cast<const SkPaint&>(b) && a.mFont == b.mFont &&
-           a.mLetterSpacing == b.mLetterSpacing && a.mWordSpacing == b.mWordSpacing &&
-           a.mFontFeatureSettings == b.mFontFeatureSettings &&
-           a.mMinikinLocaleListId == b.mMinikinLocaleListId &&
-           a.mFamilyVariant == b.mFamilyVariant && a.mAlign == b.mAlign &&
-           a.mTypeface == b.mTypeface && a.mStrikeThru == b.mStrikeThru &&
-           a.mUnderline == b.mUnderline && a.mDevKern == b.mDevKern;
-}
-
 void Paint::reset() {
     *this = Paint();
 }

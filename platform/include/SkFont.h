@@ -83,14 +83,7 @@ public:
     // Recommended distance between baselines. metrics may be null.
     SkScalar getMetrics(SkFontMetrics* metrics) const;
 
-    friend bool operator==(const SkFont& a, const SkFont& b) {
-        return a.fTypeface == b.fTypeface && a.fSize == b.fSize && a.fScaleX == b.fScaleX &&
-               a.fSkewX == b.fSkewX && a.fEdging == b.fEdging && a.fHinting == b.fHinting &&
-               a.fEmbolden == b.fEmbolden && a.fSubpixel == b.fSubpixel &&
-               a.fLinearMetrics == b.fLinearMetrics && a.fEmbeddedBitmaps == b.fEmbeddedBitmaps &&
-               a.fForceAutoHinting == b.fForceAutoHinting && a.fColorGlyphs == b.fColorGlyphs;
-    }
-    friend bool operator!=(const SkFont& a, const SkFont& b) { return !(a == b); }
+    friend bool operator==(const SkFont& a, const SkFont& b) = default;
 
 private:
     sk_sp<SkTypeface> fTypeface;

@@ -63,13 +63,7 @@ public:
     Join getStrokeJoin() const { return fJoin; }
     void setStrokeJoin(Join join) { fJoin = join; }
 
-    friend bool operator==(const SkPaint& a, const SkPaint& b) {
-        return a.fColor == b.fColor && a.fStrokeWidth == b.fStrokeWidth &&
-               a.fStrokeMiter == b.fStrokeMiter && a.fStyle == b.fStyle && a.fCap == b.fCap &&
-               a.fJoin == b.fJoin && a.fFilterQuality == b.fFilterQuality &&
-               a.fAntiAlias == b.fAntiAlias && a.fDither == b.fDither;
-    }
-    friend bool operator!=(const SkPaint& a, const SkPaint& b) { return !(a == b); }
+    friend bool operator==(const SkPaint& a, const SkPaint& b) = default;
 
 private:
     SkColor fColor = SK_ColorBLACK;

@@ -42,7 +42,9 @@ TEST(PaintTest, EachJavaFlagDrivesItsSetting) {
         {0x800, [](const Paint& p) { return p.getSkFont().isForceAutoHinting(); }},
     };
     Paint paint;
+    EXPECT_EQ(paint.getJavaFlags(), 0u);
     paint.setJavaFlags(0xFFFFFFFF);
+    EXPECT_NE(paint, Paint());
     EXPECT_EQ(paint.getJavaFlags(), 0xDFFu);  // the LCD flag has no setting
     for (const auto& set : flags) {
         paint.setJavaFlags(set.flag);  // clears all others
@@ -52,34 +54,6 @@ TEST(PaintTest, EachJavaFlagDrivesItsSetting) {
         }
         const bool isSmooth = paint.getSkFont().getEdging() == SkFont::Edging::kAntiAlias;
         EXPECT_EQ(isSmooth, set.flag == 0x001);
-    }
-}
-
-TEST(PaintTest, EqualityNoticesEverySetting) {
-    android::Typeface* face = reinterpret_cast<android::Typeface*>(16);
-    void (*const changes[])(Paint&, android::Typeface*) = {
-        [](Paint& p, android::Typeface*) { p.setColor(0xFFFF0000); },
-        [](Paint& p, android::Typeface*) { p.getSkFont().setSize(13); },
-        [](Paint& p, android::Typeface*) { p.setLetterSpacing(1); },
-        [](Paint& p, android::Typeface*) { p.setWordSpacing(1); },
-        [](Paint& p, android::Typeface*) { p.setFontFeatureSettings("smcp"); },
-        [](Paint& p, android::Typeface*) { p.setMinikinLocaleListId(3); },
-        [](Paint& p, android::Typeface*) { p.setFamilyVariant(minikin::FamilyVariant::ELEGANT); },
-        [](Paint& p, android::Typeface*) { p.setTextAlign(Paint::kRight_Align); },
-        [](Paint& p, android::Typeface* f) { p.setAndroidTypeface(f); },
-        [](Paint& p, android::Typeface*) { p.setStrikeThru(true); },
-        [](Paint& p, android::Typeface*) { p.setUnderline(true); },
-        [](Paint& p, android::Typeface*) { p.setDevKern(true); },
-        [](Paint& p, android::Typeface*) { p.setAntiAlias(true); },
-    };
-    for (const auto change : changes) {
-        Paint paint;
-        change(paint, face);
-        EXPECT_NE(paint, Paint());
-        const Paint copy = paint;
-        EXPECT_EQ(copy, paint);
-        paint.reset();
-        EXPECT_EQ(paint, Paint());
     }
 }
 

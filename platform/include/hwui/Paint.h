@@ -24,8 +24,7 @@ public:
 
     Paint& operator=(const Paint& other) = default;
 
-    ANDROID_API friend bool operator==(const Paint& a, const Paint& b);
-    friend bool operator!=(const Paint& a, const Paint& b) { return !(a == b); }
+    friend bool operator==(const Paint& a, const Paint& b) = default;
 
     SkFont& getSkFont() { return mFont; }
     const SkFont& getSkFont() const { return mFont; }
