@@ -54,6 +54,17 @@ TEST(ColorGlyph, PicturesAreTheFontsOwnAndAsCoveringAsTheirMasks) {
                       expected);
         }
     }
+    for (const float size : {10.0f, 32.0f, ppem, 200.0f}) {
+        const float ratio = size / ppem;
+        float width = 0;
+        SkRect box;
+        SkFont(font, size).getWidthsBounds(&face, 1, &width, &box, nullptr);
+        EXPECT_NEAR(width, static_cast<float>(slot->advance.x) / 64 * ratio, 0.05);
+        EXPECT_EQ(box.fLeft, std::floor(slot->bitmap_left * ratio));
+        EXPECT_EQ(box.fTop, std::floor(-slot->bitmap_top * ratio));
+        EXPECT_EQ(box.fRight,
+                  std::ceil((slot->bitmap_left + static_cast<int>(picture.width)) * ratio));
+    }
     // Whatever is drawn first, and for masks too large to keep.
     for (const float size : {7.0f, 40.0f, 72.0f, 190.0f, 300.0f}) {
         for (const float skew : {0.0f, -0.25f}) {
@@ -266,40 +277,33 @@ TEST_F(ColorGraphTest, ClipBoxesAndNestedGlyphs) {
     EXPECT_EQ(bounds, SkRect::MakeLTRB(0, -60, 80, 0));
 }
 
-// The blend modes of Compositing and Blending Level 1, straight colours and alphas from 0 to 1.
-double blendChannel(int mode, double s, double d) {
-    const auto hard = [](double a, double b) {
-        return a <= 0.5 ? 2 * a * b : 1 - 2 * (1 - a) * (1 - b);
-    };
-    switch (mode) {
-        case FT_COLR_COMPOSITE_SCREEN:
-            return 1 - (1 - s) * (1 - d);
-        case FT_COLR_COMPOSITE_OVERLAY:
-            return hard(d, s);
-        case FT_COLR_COMPOSITE_DARKEN:
-            return std::min(s, d);
-        case FT_COLR_COMPOSITE_LIGHTEN:
-            return std::max(s, d);
-        case FT_COLR_COMPOSITE_COLOR_DODGE:
-            return d == 0 ? 0 : s == 1 ? 1 : std::min(1.0, d / (1 - s));
-        case FT_COLR_COMPOSITE_COLOR_BURN:
-            return d == 1 ? 1 : s == 0 ? 0 : 1 - std::min(1.0, (1 - d) / s);
-        case FT_COLR_COMPOSITE_HARD_LIGHT:
-            return hard(s, d);
-        case FT_COLR_COMPOSITE_SOFT_LIGHT: {
-            const double bent = d <= 0.25 ? ((16 * d - 12) * d + 4) * d : std::sqrt(d);
-            return s <= 0.5 ? d - (1 - 2 * s) * d * (1 - d) : d + (2 * s - 1) * (bent - d);
-        }
-        case FT_COLR_COMPOSITE_DIFFERENCE:
-            return std::fabs(s - d);
-        case FT_COLR_COMPOSITE_EXCLUSION:
-            return s + d - 2 * s * d;
-        case FT_COLR_COMPOSITE_MULTIPLY:
-            return s * d;
-        default:
-            return s;
-    }
+double softLight(double s, double d) {
+    const double bent = d <= 0.25 ? ((16 * d - 12) * d + 4) * d : std::sqrt(d);
+    return s <= 0.5 ? d - (1 - 2 * s) * d * (1 - d) : d + (2 * s - 1) * (bent - d);
 }
+
+double hardLight(double s, double d) {
+    return s <= 0.5 ? 2 * s * d : 1 - 2 * (1 - s) * (1 - d);
+}
+
+// The blend modes of Compositing and Blending Level 1 from kScreen on, of straight colours.
+double (*const kBlends[])(double s, double d) = {
+    [](double s, double d) { return 1 - (1 - s) * (1 - d); },
+    [](double s, double d) { return hardLight(d, s); },
+    [](double s, double d) { return std::min(s, d); },
+    [](double s, double d) { return std::max(s, d); },
+    [](double s, double d) { return d == 0   ? 0
+                                    : s == 1 ? 1
+                                             : std::min(1.0, d / (1 - s)); },
+    [](double s, double d) { return d == 1   ? 1
+                                    : s == 0 ? 0
+                                             : 1 - std::min(1.0, (1 - d) / s); },
+    hardLight,
+    softLight,
+    [](double s, double d) { return std::fabs(s - d); },
+    [](double s, double d) { return s + d - 2 * s * d; },
+    [](double s, double d) { return s * d; },
+};
 
 // Premultiplied, from 0 to 255; of the modes before the HSL ones.
 std::array<double, 4> compositeExactly(int mode, const Pixel& s, const Pixel& d) {
@@ -313,9 +317,10 @@ std::array<double, 4> compositeExactly(int mode, const Pixel& s, const Pixel& d)
         if (mode < static_cast<int>(std::size(factors))) {
             out[c] = std::min(s[c] * factors[mode][0] + d[c] * factors[mode][1], 255.0);
         } else {
-            const double mixed = c == 3 ? 1
-                                        : blendChannel(mode, as > 0 ? s[c] / (255 * as) : 0,
-                                                       ad > 0 ? d[c] / (255 * ad) : 0);
+            const double mixed =
+                c == 3 ? 1
+                       : kBlends[mode - FT_COLR_COMPOSITE_SCREEN](as > 0 ? s[c] / (255 * as) : 0,
+                                                                  ad > 0 ? d[c] / (255 * ad) : 0);
             out[c] = s[c] * (1 - ad) + d[c] * (1 - as) + 255 * as * ad * mixed;
         }
     }

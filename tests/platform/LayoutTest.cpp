@@ -77,14 +77,6 @@ TEST_F(LayoutTest, LettersJoinAcrossTheRangeButNotAcrossSpaces) {
     EXPECT_NE(glyphs(u"\u0628\u200D"), isolated);
 }
 
-TEST_F(LayoutTest, NothingKernsAcrossASpace) {
-    setFont(gxtest::kNotoSans);
-    const float whole = layOut(u"AV AV").getAdvance();
-    const float parts = 2 * layOut(u"AV").getAdvance() + layOut(u" ").getAdvance();
-    EXPECT_FLOAT_EQ(whole, parts);
-    EXPECT_LT(layOut(u"AV").getAdvance(), layOut(u"A").getAdvance() + layOut(u"V").getAdvance());
-}
-
 TEST_F(LayoutTest, MixedDirectionsComeInVisualOrder) {
     setFont(gxtest::kDejaVuSans);
     // The letters of the glyphs from left to right.
@@ -135,20 +127,6 @@ TEST_F(LayoutTest, IdeographsStandAloneAndLanguagesShapeThem) {
     EXPECT_EQ(variant.getAdvances().size(), 3u);
 }
 
-TEST_F(LayoutTest, FontsFollowTheFamiliesAndFakeTheStyle) {
-    // A bold user font before regular fallbacks: only these are emboldened.
-    typeface = typefaceOf(
-        {makeFamily(loadFont(gxtest::kNotoSansBold)), makeFamily(loadFont(gxtest::kNotoThai))}, 700,
-        1);
-    const Layout layout = layOut(u"a\u0E01");
-    ASSERT_EQ(layout.nGlyphs(), 2u);
-    const auto& families = typeface->fFontCollection->getFamilies();
-    EXPECT_EQ(layout.getFont(0), families[0]->getFont(0)->typeface().get());
-    EXPECT_EQ(layout.getFont(1), families[1]->getFont(0)->typeface().get());
-    EXPECT_EQ(layout.getFakery(0), minikin::FontFakery(false, true));
-    EXPECT_EQ(layout.getFakery(1), minikin::FontFakery(true, true));
-}
-
 TEST_F(LayoutTest, SizeIsCutToWholePixelsUnlessLinear) {
     setFont(gxtest::kNotoSans);
     const auto width = [this](float size) {
@@ -173,41 +151,34 @@ TEST_F(LayoutTest, SkewMovesRaisedMarks) {
     }
 }
 
-TEST_F(LayoutTest, WideLetterSpacingTakesLigaturesApart) {
+TEST_F(LayoutTest, FeaturesAndWideLetterSpacingTakeLigaturesApart) {
     setFont(gxtest::kDejaVuSans);
-    const size_t ligature = layOut(u"office").nGlyphs();
+    const auto glyphsWith = [this](const char* features, float letterSpacing) {
+        paint.setFontFeatureSettings(features);
+        paint.setLetterSpacing(letterSpacing);
+        return layOut(u"office").nGlyphs();
+    };
+    const size_t ligature = glyphsWith("", 0);
     ASSERT_LT(ligature, 6u);
-    paint.setLetterSpacing(0.03f);
-    EXPECT_EQ(layOut(u"office").nGlyphs(), ligature);
-    paint.setLetterSpacing(0.031f);
-    EXPECT_EQ(layOut(u"office").nGlyphs(), 6u);
-    paint.setLetterSpacing(-0.031f);
-    EXPECT_EQ(layOut(u"office").nGlyphs(), 6u);
+    EXPECT_EQ(glyphsWith("", 0.03f), ligature);
+    EXPECT_EQ(glyphsWith("", 0.031f), 6u);
+    EXPECT_EQ(glyphsWith("", -0.031f), 6u);
     // The paint's own settings come later and win.
-    paint.setFontFeatureSettings("liga");
-    EXPECT_EQ(layOut(u"office").nGlyphs(), ligature);
-}
-
-TEST_F(LayoutTest, FeatureSettingsAreReadOneByOne) {
-    setFont(gxtest::kDejaVuSans);
-    const size_t ligature = layOut(u"office").nGlyphs();
+    EXPECT_EQ(glyphsWith("liga", 0.031f), ligature);
     for (const char* off : {"-liga", "'liga' off", "\"liga\" 0", "liga=0", "kern, liga 0",
                             ",,liga off,", "%%%,-liga"}) {
-        paint.setFontFeatureSettings(off);
-        EXPECT_EQ(layOut(u"office").nGlyphs(), 6u) << off;
+        EXPECT_EQ(glyphsWith(off, 0), 6u) << off;
     }
-    for (const char* ignored :
-         {"", ",", "liga[0:3]=0", "li ga", "nonsense is ignored", "\xFF\xFE"}) {
-        paint.setFontFeatureSettings(ignored);
-        EXPECT_EQ(layOut(u"office").nGlyphs(), ligature) << ignored;
+    for (const char* ignored : {",", "liga[0:3]=0", "li ga", "nonsense is ignored", "\xFF\xFE"}) {
+        EXPECT_EQ(glyphsWith(ignored, 0), ligature) << ignored;
     }
-    paint.setFontFeatureSettings("'kern' off");
-    const float letters = layOut(u"A").getAdvance() + layOut(u"V").getAdvance();
-    EXPECT_NEAR(layOut(u"AVAV").getAdvance(), 2 * letters, kStep);
 }
 
-TEST_F(LayoutTest, WordSpacingWidensSpaces) {
+TEST_F(LayoutTest, SpacesAreWidenedAndEndKerning) {
     setFont(gxtest::kNotoSans);
+    const auto width = [this](const std::u16string& text) { return layOut(text).getAdvance(); };
+    EXPECT_LT(width(u"AV"), width(u"A") + width(u"V"));
+    EXPECT_FLOAT_EQ(width(u"AV AV"), 2 * width(u"AV") + width(u" "));
     const Layout plain = layOut(u"a b\u2003c");
     paint.setWordSpacing(7);
     const Layout spaced = layOut(u"a b\u2003c");
@@ -225,16 +196,6 @@ TEST_F(LayoutTest, BlanksAreOutsideTheBounds) {
     // Without ink there is no height, and the place is that of the last blank.
     const float width = layOut(u" ").getAdvance();
     EXPECT_EQ(layOut(u"   ").getBounds(), minikin::MinikinRect(2 * width, 0, 2 * width, 0));
-}
-
-TEST_F(LayoutTest, EmptyCollectionsGiveNothing) {
-    for (const auto& families :
-         {std::vector<std::shared_ptr<minikin::FontFamily>>{}, {nullptr, makeFamily(nullptr)}}) {
-        typeface = typefaceOf(families);
-        EXPECT_EQ(layOut(u"abc").nGlyphs(), 0u);
-        EXPECT_EQ(layOut(u"abc").getAdvances(), std::vector<float>(3));
-        EXPECT_EQ(layOut(u"abc").getBounds(), minikin::MinikinRect());
-    }
 }
 
 TEST_F(LayoutTest, RangesOutsideTheTextAreCutOff) {

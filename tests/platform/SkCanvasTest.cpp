@@ -7,6 +7,7 @@
 #include <cfenv>
 #include <cmath>
 #include <cstdint>
+#include <functional>
 #include <vector>
 
 #include "PlainBlend.h"
@@ -224,71 +225,67 @@ TEST(SkCanvasTest, DrawBitmapPlacesAndClips) {
     }
 }
 
-TEST(SkCanvasTest, EveryModeOnEveryKindOfPixel) {
-    const Pixel old = {10, 20, 30, 64}, half = {200, 100, 50, 128}, clear = {200, 100, 50, 0};
+SkPaint paintOf(const Pixel& color) {
+    SkPaint paint;
+    paint.setColor(SkColorSetARGB(color[3], color[0], color[1], color[2]));
+    return paint;
+}
+
+TEST(SkCanvasTest, DrawColorBlendModes) {
+    const Pixel old = {10, 20, 30, 64}, half = {200, 100, 50, 128};
+    const struct {
+        SkBlendMode mode;
+        Pixel color, after;
+    } cases[] = {
+        {SkBlendMode::kClear, half, {}},
+        {SkBlendMode::kSrc, half, half},
+        {SkBlendMode::kSrc, {}, {}},
+        {SkBlendMode::kDst, half, old},
+        {SkBlendMode::kSrcOver, half, sourceOver(half, old)},
+        {SkBlendMode::kDstOver, half, sourceOver(old, half)},
+    };
+    for (const auto& c : cases) {
+        ColorCanvas image(1, 1);
+        image.bytes.assign(old.begin(), old.end());
+        SkCanvas(image.bitmap).drawColor(paintOf(c.color).getColor(), c.mode);
+        EXPECT_EQ(image.at(0, 0), c.after);
+    }
+}
+
+TEST(SkCanvasTest, PaintsOnEveryKindOfPixel) {
     ColorCanvas picture(1, 1);
     picture.bytes = {200, 100, 50, 255};
     uint8_t coverage = 128;
     SkBitmap mask;
     ASSERT_TRUE(mask.installPixels(SkImageInfo::MakeA8(1, 1), &coverage, 1));
-    enum class Draw { kColor, kRect, kBitmap, kMask };
+    const auto drawRect = [](SkCanvas& c, const SkPaint& p) {
+        c.drawRect(SkRect::MakeWH(1, 1), p);
+    };
+    const auto drawPicture = [&](SkCanvas& c, const SkPaint& p) {
+        c.drawBitmap(picture.bitmap, 0, 0, &p);
+    };
+    const auto drawMask = [&](SkCanvas& c, const SkPaint& p) { c.drawBitmap(mask, 0, 0, &p); };
+    const Pixel clear = {200, 100, 50, 0};
     const struct {
         SkAlphaType alphaType;
         Pixel before;
-        Draw draw;
-        Pixel color;
-        SkBlendMode mode;
-        Pixel after;
+        std::function<void(SkCanvas&, const SkPaint&)> draw;
+        Pixel color, after;
     } cases[] = {
-        {kUnpremul_SkAlphaType, old, Draw::kColor, half, SkBlendMode::kClear, {0, 0, 0, 0}},
-        {kUnpremul_SkAlphaType, old, Draw::kColor, half, SkBlendMode::kSrc, half},
-        {kUnpremul_SkAlphaType, old, Draw::kColor, {}, SkBlendMode::kSrc, {0, 0, 0, 0}},
-        {kUnpremul_SkAlphaType, old, Draw::kColor, half, SkBlendMode::kDst, old},
-        {kUnpremul_SkAlphaType, old, Draw::kColor, half, SkBlendMode::kSrcOver,
-         sourceOver(half, old)},
-        {kUnpremul_SkAlphaType, old, Draw::kColor, half, SkBlendMode::kDstOver,
-         sourceOver(old, half)},
         // A colour of alpha 0 leaves every byte.
-        {kUnpremul_SkAlphaType, clear, Draw::kColor, {9, 9, 9, 0}, SkBlendMode::kSrcOver, clear},
-        {kUnpremul_SkAlphaType, clear, Draw::kRect, {9, 9, 9, 0}, SkBlendMode::kSrcOver, clear},
-        {kUnpremul_SkAlphaType, clear, Draw::kBitmap, {9, 9, 9, 0}, SkBlendMode::kSrcOver, clear},
-        // A paint's alpha scales a bitmap, its colour is that of a mask.
-        {kUnpremul_SkAlphaType,
-         {},
-         Draw::kBitmap,
-         {255, 0, 0, 51},
-         SkBlendMode::kSrcOver,
-         {200, 100, 50, 51}},
-        {kUnpremul_SkAlphaType,
-         {},
-         Draw::kMask,
-         {1, 2, 3, 255},
-         SkBlendMode::kSrcOver,
-         {1, 2, 3, 128}},
-        {kPremul_SkAlphaType,
-         {},
-         Draw::kRect,
-         {255, 0, 100, 128},
-         SkBlendMode::kSrcOver,
-         {128, 0, 50, 128}},
-        {kOpaque_SkAlphaType,
-         {0, 0, 200, 3},
-         Draw::kRect,
-         {255, 0, 100, 128},
-         SkBlendMode::kSrcOver,
-         {128, 0, 150, 255}},
+        {kUnpremul_SkAlphaType, clear, drawRect, {9, 9, 9, 0}, clear},
+        {kUnpremul_SkAlphaType, clear, drawPicture, {9, 9, 9, 0}, clear},
+        // Alpha scales a bitmap; a mask takes the colour.
+        {kUnpremul_SkAlphaType, {}, drawPicture, {255, 0, 0, 51}, {200, 100, 50, 51}},
+        {kUnpremul_SkAlphaType, {}, drawMask, {1, 2, 3, 255}, {1, 2, 3, 128}},
+        {kPremul_SkAlphaType, {}, drawRect, {255, 0, 100, 128}, {128, 0, 50, 128}},
+        {kOpaque_SkAlphaType, {0, 0, 200, 3}, drawRect, {255, 0, 100, 128}, {128, 0, 150, 255}},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(testing::Message() << &c - cases);
         ColorCanvas image(1, 1, c.alphaType);
         image.bytes.assign(c.before.begin(), c.before.end());
-        SkPaint paint;
-        paint.setColor(SkColorSetARGB(c.color[3], c.color[0], c.color[1], c.color[2]));
         SkCanvas canvas(image.bitmap);
-        if (c.draw == Draw::kColor) canvas.drawColor(paint.getColor(), c.mode);
-        if (c.draw == Draw::kRect) canvas.drawRect(SkRect::MakeWH(1, 1), paint);
-        if (c.draw == Draw::kBitmap) canvas.drawBitmap(picture.bitmap, 0, 0, &paint);
-        if (c.draw == Draw::kMask) canvas.drawBitmap(mask, 0, 0, &paint);
+        c.draw(canvas, paintOf(c.color));
         EXPECT_EQ(image.at(0, 0), c.after);
     }
     SkCanvas(mask).drawColor(SkColorSetARGB(100, 0, 0, 0));

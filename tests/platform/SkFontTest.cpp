@@ -84,28 +84,6 @@ TEST(SkFontTest, SizesBelowOnePixelKeepTheirProportion) {
     EXPECT_NEAR(widthOf(font, 36) * 100, widthOf(large, 36), 0.05);
 }
 
-TEST(SkFontTest, PictureFontsAreScaledFromTheirStrike) {
-    FreeTypeReference reference(fontBytes(kNotoColorEmoji));
-    const SkGlyphID glyph = reference.glyph(0x1F600);
-    ASSERT_EQ(FT_Select_Size(reference.face(), 0), 0);
-    const float ppem = reference.face()->size->metrics.x_ppem;
-    ASSERT_EQ(FT_Load_Glyph(reference.face(), glyph, FT_LOAD_COLOR), 0);
-    const FT_GlyphSlot slot = reference.face()->glyph;
-    const float advance = static_cast<float>(slot->advance.x) / 64;
-
-    const sk_sp<SkTypeface> typeface = loadTypeface(kNotoColorEmoji);
-    for (const float size : {10.0f, 32.0f, ppem, 200.0f}) {
-        const SkFont font(typeface, size);
-        const float ratio = size / ppem;
-        EXPECT_NEAR(widthOf(font, glyph), advance * ratio, 0.05);
-        const SkRect box = boundsOf(font, glyph);
-        EXPECT_EQ(box.fLeft, std::floor(slot->bitmap_left * ratio));
-        EXPECT_EQ(box.fTop, std::floor(-slot->bitmap_top * ratio));
-        EXPECT_EQ(box.fRight,
-                  std::ceil((slot->bitmap_left + static_cast<int>(slot->bitmap.width)) * ratio));
-    }
-}
-
 TEST(SkFontTest, LinesAreSpacedByTheFontsTables) {
     FreeTypeReference reference(fontBytes(kDejaVuSans));
     const FT_Face face = reference.face();
