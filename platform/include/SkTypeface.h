@@ -11,8 +11,6 @@
 #include "SkTypes.h"
 
 typedef uint32_t SkFontID;
-// Name of a table in the font file, for example 'cmap'.
-typedef uint32_t SkFontTableTag;
 
 namespace portable {
 class FontFace;
@@ -39,18 +37,6 @@ public:
 
     // Never 0 and never used twice in a process.
     SkFontID uniqueID() const { return fUniqueID; }
-
-    int countGlyphs() const;
-    // 0 when the font does not say.
-    int getUnitsPerEm() const;
-
-    // Bytes of a table; 0 when there is no such table.
-    size_t getTableSize(SkFontTableTag tag) const;
-    // Copies up to length bytes of a table from offset on into data and gives their number.
-    size_t getTableData(SkFontTableTag tag, size_t offset, size_t length, void* data) const;
-
-    // A stream over the whole font file; the index inside it goes to *ttcIndex unless that is null.
-    std::unique_ptr<SkStreamAsset> openStream(int* ttcIndex) const;
 
     // The face behind the typeface, for the glyph code alone.
     portable::FontFace& face() const { return *fFace; }

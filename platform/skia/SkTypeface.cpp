@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <limits>
 #include <utility>
 #include <vector>
 
@@ -64,37 +63,4 @@ sk_sp<SkTypeface> SkTypeface::makeClone(const SkFontArguments& arguments) const 
     auto face =
         portable::FontFace::open(fFace->stream().duplicate(), fFace->index(), std::move(values));
     return face ? sk_sp<SkTypeface>(new SkTypeface(std::move(face), fStyle)) : nullptr;
-}
-
-int SkTypeface::countGlyphs() const {
-    const FT_Long count = portable::FontFace::Access(*fFace).ft()->num_glyphs;
-    return static_cast<int>(std::clamp<FT_Long>(count, 0, std::numeric_limits<int>::max()));
-}
-
-int SkTypeface::getUnitsPerEm() const {
-    return portable::unitsPerEm(portable::FontFace::Access(*fFace).ft());
-}
-
-size_t SkTypeface::getTableSize(SkFontTableTag tag) const {
-    const portable::FontFace::Access access(*fFace);
-    FT_ULong length = 0;
-    // Tag 0 would stand for the whole file.
-    if (tag == 0 || FT_Load_Sfnt_Table(access.ft(), tag, 0, nullptr, &length) != 0) return 0;
-    return length;
-}
-
-size_t SkTypeface::getTableData(SkFontTableTag tag, size_t offset, size_t length,
-                                void* data) const {
-    const size_t size = this->getTableSize(tag);
-    if (offset >= size || length == 0 || !data) return 0;
-    FT_ULong count = std::min(length, size - offset);
-    const portable::FontFace::Access access(*fFace);
-    const auto start = static_cast<FT_Long>(offset);
-    auto* buffer = static_cast<FT_Byte*>(data);
-    return FT_Load_Sfnt_Table(access.ft(), tag, start, buffer, &count) == 0 ? count : 0;
-}
-
-std::unique_ptr<SkStreamAsset> SkTypeface::openStream(int* ttcIndex) const {
-    if (ttcIndex) *ttcIndex = fFace->index();
-    return fFace->stream().duplicate();
 }

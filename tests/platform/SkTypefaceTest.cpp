@@ -3,21 +3,16 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstring>
 #include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "SfntFile.h"
 #include "SkDrawing.h"
+#include "SkFontArguments.h"
 
 namespace gxtest {
 namespace {
-
-constexpr SkFontTableTag tag(const char (&name)[5]) {
-    return static_cast<SkFontTableTag>(name[0]) << 24 | name[1] << 16 | name[2] << 8 | name[3];
-}
 
 bool draws(const sk_sp<SkTypeface>& typeface, SkGlyphID glyph) {
     MaskCanvas mask(64, 64);
@@ -47,37 +42,19 @@ TEST(SkTypefaceTest, WhatIsNoFontGivesNull) {
     }
 }
 
-TEST(SkTypefaceTest, TablesAreCopiedInParts) {
-    const SfntFile file(fontBytes(kNotoSans));
-    const Bytes& head = file.tables.at("head");
-    const sk_sp<SkTypeface> typeface = loadTypeface(kNotoSans);
-    ASSERT_EQ(typeface->getTableSize(tag("head")), head.size());
-    Bytes copy(head.size() + 10, 0xAB);
-    EXPECT_EQ(typeface->getTableData(tag("head"), 2, copy.size(), copy.data()), head.size() - 2);
-    EXPECT_TRUE(std::equal(head.begin() + 2, head.end(), copy.begin()));
-    EXPECT_EQ(copy[head.size() - 2], 0xAB);
-    EXPECT_EQ(typeface->getTableData(tag("head"), head.size(), 4, copy.data()), 0u);
-    EXPECT_EQ(typeface->getTableData(tag("head"), 0, 4, nullptr), 0u);
-    EXPECT_EQ(typeface->getTableSize(tag("none")), 0u);
-}
-
 TEST(SkTypefaceTest, BytesAreBorrowedOrCopiedAsAsked) {
-    const std::vector<char>& font = fontBytes(kNotoCjk);
+    const std::vector<char>& font = fontBytes(kDejaVuSans);
     EXPECT_EQ(SkMemoryStream(font.data(), font.size()).getMemoryBase(), font.data());
 
     auto temporary = std::make_unique<std::vector<char>>(font);
     auto stream = std::make_unique<SkMemoryStream>(temporary->data(), temporary->size(), true);
     temporary.reset();
-    sk_sp<SkTypeface> typeface = SkTypeface::MakeFromStream(std::move(stream), 2);
-    ASSERT_TRUE(typeface);
+    sk_sp<SkTypeface> typeface = SkTypeface::MakeFromStream(std::move(stream));
     EXPECT_TRUE(draws(typeface, 36));
-    // A stream of the typeface shares the copy and outlives it.
-    int index = -1;
-    const auto again = typeface->openStream(&index);
+    // A clone shares the copy and outlives the first.
+    const sk_sp<SkTypeface> clone = typeface->makeClone(SkFontArguments());
     typeface.reset();
-    EXPECT_EQ(index, 2);
-    ASSERT_EQ(again->getLength(), font.size());
-    EXPECT_EQ(std::memcmp(again->getMemoryBase(), font.data(), font.size()), 0);
+    EXPECT_TRUE(draws(clone, 36));
 }
 
 TEST(SkMemoryStreamTest, ReadsSkipsAndStopsAtTheEnd) {
