@@ -38,14 +38,10 @@ struct GlyphRequest {
 };
 
 struct ReferenceGlyph {
-    float advance = 0;        // of the slot, hinted
-    float linearAdvance = 0;  // as the font's tables have it
-    SkIRect box{};            // of the control points, y downwards
-    int left = 0;             // of the bitmap
-    int top = 0;
-    int width = 0;
-    int height = 0;
-    std::vector<uint8_t> coverage;
+    float advance = 0;              // of the slot, hinted
+    float linearAdvance = 0;        // as the font's tables have it
+    SkIRect box{};                  // of the control points, y downwards
+    std::vector<uint8_t> coverage;  // of the pixels in the box
 };
 
 class FreeTypeReference {
@@ -93,23 +89,20 @@ private:
     void fill(FT_Outline* outline, bool mono, ReferenceGlyph* result) {
         const SkIRect& box = result->box;
         if (box.isEmpty()) return;
-        result->left = box.fLeft;
-        result->top = box.fTop;
-        result->width = box.fRight - box.fLeft;
-        result->height = box.fBottom - box.fTop;
-        const int pitch = mono ? (result->width + 7) / 8 : result->width;
-        std::vector<uint8_t> rows(static_cast<size_t>(pitch) * result->height);
+        const int width = box.fRight - box.fLeft, height = box.fBottom - box.fTop;
+        const int pitch = mono ? (width + 7) / 8 : width;
+        std::vector<uint8_t> rows(static_cast<size_t>(pitch) * height);
         FT_Bitmap bitmap = {};
-        bitmap.width = static_cast<unsigned>(result->width);
-        bitmap.rows = static_cast<unsigned>(result->height);
+        bitmap.width = static_cast<unsigned>(width);
+        bitmap.rows = static_cast<unsigned>(height);
         bitmap.pitch = pitch;
         bitmap.buffer = rows.data();
         bitmap.num_grays = 256;
         bitmap.pixel_mode = mono ? FT_PIXEL_MODE_MONO : FT_PIXEL_MODE_GRAY;
         FT_Outline_Translate(outline, -64L * box.fLeft, 64L * box.fBottom);
         EXPECT_EQ(FT_Outline_Get_Bitmap(library_, outline, &bitmap), 0);
-        for (int y = 0; y < result->height; ++y) {
-            for (int x = 0; x < result->width; ++x) {
+        for (int y = 0; y < height; ++y) {
+            for (int x = 0; x < width; ++x) {
                 const uint8_t* row = &rows[static_cast<size_t>(y) * pitch];
                 result->coverage.push_back(mono ? (row[x / 8] >> (7 - x % 8) & 1) * 255 : row[x]);
             }
@@ -123,12 +116,14 @@ private:
 // Whether the mask holds the glyph at (x, y), its coverage through `curve`, and nothing else.
 template <typename Curve>
 bool holds(const MaskCanvas& mask, const ReferenceGlyph& glyph, int x, int y, Curve curve) {
+    const SkIRect& box = glyph.box;
+    const int width = box.fRight - box.fLeft;
     for (int j = 0; j < mask.height; ++j) {
-        const int gy = j - y - glyph.top;
         for (int i = 0; i < mask.width; ++i) {
-            const int gx = i - x - glyph.left;
-            const bool inside = gx >= 0 && gy >= 0 && gx < glyph.width && gy < glyph.height;
-            const uint8_t c = inside ? glyph.coverage[gy * glyph.width + gx] : 0;
+            const bool inside = i >= x + box.fLeft && i < x + box.fRight && j >= y + box.fTop &&
+                                j < y + box.fBottom;
+            const int at = (j - y - box.fTop) * width + i - x - box.fLeft;
+            const uint8_t c = inside ? glyph.coverage[at] : 0;
             if (mask.at(i, j) != curve(c)) return false;
         }
     }

@@ -79,13 +79,6 @@ const HostileFont kHostileFonts[] = {
          return glyph;
      },
      true, false},
-    {"5,000 levels of one",
-     [](SyntheticFont& f) {
-         uint16_t glyph = addBox(f);
-         for (int level = 0; level < 5000; ++level) glyph = addPile(f, 1, glyph);
-         return glyph;
-     },
-     true, false},
     {"an endless program",
      [](SyntheticFont& f) {
          return addBox(f, endless({}, {0x20, 0x21}, 9000));

@@ -87,16 +87,4 @@ TEST(LocaleListTest, ScoresRankLanguageScriptAndEmojiStyle) {
     }
 }
 
-TEST(LocaleListTest, ShapingLanguageIsTheFirstThatSupportsTheScript) {
-    const LocaleList list("en,ja,zh-Hant");
-    const auto name = [](hb_language_t language) {
-        return std::string(hb_language_to_string(language));
-    };
-    EXPECT_EQ(name(list.languageFor(HB_SCRIPT_LATIN)), "en-latn");
-    EXPECT_EQ(name(list.languageFor(HB_SCRIPT_HAN)), "ja-jpan");
-    EXPECT_EQ(name(list.languageFor(HB_SCRIPT_KATAKANA)), "ja-jpan");
-    EXPECT_EQ(name(list.languageFor(HB_SCRIPT_THAI)), "en-latn");
-    EXPECT_EQ(LocaleList("").languageFor(HB_SCRIPT_THAI), HB_LANGUAGE_INVALID);
-}
-
 }  // namespace

@@ -15,7 +15,6 @@ namespace {
 using android::MinikinFontSkia;
 using android::MinikinUtils;
 using android::Paint;
-using minikin::FontFakery;
 
 // Callers must do with what the platform's headers have.
 static_assert(!std::is_default_constructible_v<minikin::Layout>);
@@ -70,15 +69,6 @@ TEST(MinikinFontSkiaTest, FlagsSurvivePacking) {
             }
         }
     }
-}
-
-TEST(MinikinFontSkiaTest, PopulateAddsFakeryToWhatIsSet) {
-    SkFont skFont(nullptr, 33, 1, -0.5f);
-    skFont.setEmbolden(true);
-    MinikinFontSkia::populateSkFont(&skFont, nullptr, FontFakery(false, true));
-    EXPECT_EQ(skFont.getSkewX(), -0.75f);
-    EXPECT_TRUE(skFont.isEmbolden());
-    EXPECT_EQ(skFont.getSize(), 33);
 }
 
 // A layout over three fonts and what forFontRun made of it.
