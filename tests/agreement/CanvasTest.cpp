@@ -38,14 +38,12 @@ std::string readFile(const std::string& path) {
 // Every pair of alphas, colours and edges at random.
 std::string makeJob(Random& random) {
     std::string bytes;
-    for (int i = 0; i < kSize * kSize; ++i) {
+    const auto add = [&](int alpha) {
         for (int c = 0; c < 3; ++c) bytes += static_cast<char>(random.edgeByte());
-        bytes += static_cast<char>(i % kSize);
-    }
-    for (int i = 0; i < kSize * kSize; ++i) {
-        for (int c = 0; c < 3; ++c) bytes += static_cast<char>(random.edgeByte());
-        bytes += static_cast<char>(i / kSize);
-    }
+        bytes += static_cast<char>(alpha);
+    };
+    for (int i = 0; i < kSize * kSize; ++i) add(i % kSize);
+    for (int i = 0; i < kSize * kSize; ++i) add(i / kSize);
     return bytes;
 }
 

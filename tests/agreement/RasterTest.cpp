@@ -34,63 +34,47 @@ constexpr Hinting kHintings[] = {
     {SkFontHinting::kNormal, true, FT_LOAD_TARGET_NORMAL | FT_LOAD_FORCE_AUTOHINT},
 };
 
+// A font set up at random, and what it asks of FreeType.
 struct GlyphSetting {
-    float size, scaleX, skewX;
-    Hinting hinting;
-    bool linear, alias, embolden, subpixel;
+    SkFont font;
+    GlyphRequest request;
+    bool linear, alias, hasLinearAdvance;
     int quarters;  // of a pixel, where the glyph is drawn
-
-    bool isHinted() const { return hinting.level != SkFontHinting::kNone && !linear && skewX == 0; }
-    bool hasLinearAdvance() const {
-        return !isHinted() || subpixel || (hinting.level == SkFontHinting::kSlight && !alias);
-    }
 };
 
-GlyphSetting makeGlyphSetting(Random& random) {
-    GlyphSetting s{};
-    s.size = kSizes[random.between(0, std::size(kSizes) - 1)];
-    s.scaleX = random.oneIn(3) ? 0.75f : 1;
-    s.skewX = random.oneIn(3) ? -0.25f : 0;
-    s.hinting = kHintings[random.between(0, std::size(kHintings) - 1)];
-    s.linear = random.oneIn(6);
-    s.alias = random.oneIn(3);
-    s.embolden = random.oneIn(3);
-    s.subpixel = random.oneIn(2);
-    s.quarters = s.subpixel ? random.between(0, 3) : 0;
+GlyphSetting makeGlyphSetting(const sk_sp<SkTypeface>& typeface, FT_Face face, Random& random) {
+    const float size = kSizes[random.between(0, std::size(kSizes) - 1)];
+    const float scaleX = random.oneIn(3) ? 0.75f : 1;
+    const float skewX = random.oneIn(3) ? -0.25f : 0;
+    const Hinting& hinting = kHintings[random.between(0, std::size(kHintings) - 1)];
+    const bool linear = random.oneIn(6), alias = random.oneIn(3);
+    const bool embolden = random.oneIn(3), subpixel = random.oneIn(2);
+    const int quarters = subpixel ? random.between(0, 3) : 0;
+    GlyphSetting s{SkFont(typeface, size, scaleX, skewX), {}, linear, alias, false, quarters};
+    s.font.setHinting(hinting.level);
+    s.font.setForceAutoHinting(hinting.automatic);
+    s.font.setLinearMetrics(linear);
+    s.font.setEdging(alias ? SkFont::Edging::kAlias : SkFont::Edging::kAntiAlias);
+    s.font.setEmbolden(embolden);
+    s.font.setSubpixel(subpixel);
+
+    const bool hinted = hinting.level != SkFontHinting::kNone && !linear && skewX == 0;
+    s.hasLinearAdvance = !hinted || subpixel || (hinting.level == SkFontHinting::kSlight && !alias);
+    const FT_Int32 autohint = hinting.flags & (FT_LOAD_FORCE_AUTOHINT | FT_LOAD_NO_AUTOHINT);
+    s.request.width = to26Dot6(size * scaleX);
+    s.request.height = to26Dot6(size);
+    s.request.flags = FT_LOAD_IGNORE_GLOBAL_ADVANCE_WIDTH | FT_LOAD_COLOR | FT_LOAD_NO_BITMAP |
+                      (!hinted ? FT_LOAD_NO_HINTING | autohint
+                       : alias ? FT_LOAD_TARGET_MONO | autohint
+                               : hinting.flags);
+    s.request.shear = static_cast<FT_Fixed>(-skewX * 0x10000);
+    s.request.dx = 16L * s.quarters;
+    s.request.mono = alias;
+    EXPECT_EQ(FT_Set_Char_Size(face, s.request.width, s.request.height, 72, 72), 0);
+    if (embolden) {
+        s.request.strength = FT_MulFix(face->units_per_EM, face->size->metrics.y_scale) / 34;
+    }
     return s;
-}
-
-SkFont makeFont(const sk_sp<SkTypeface>& typeface, const GlyphSetting& s) {
-    SkFont font(typeface, s.size, s.scaleX, s.skewX);
-    font.setHinting(s.hinting.level);
-    font.setForceAutoHinting(s.hinting.automatic);
-    font.setLinearMetrics(s.linear);
-    font.setEdging(s.alias ? SkFont::Edging::kAlias : SkFont::Edging::kAntiAlias);
-    font.setEmbolden(s.embolden);
-    font.setSubpixel(s.subpixel);
-    return font;
-}
-
-GlyphRequest makeRequest(FT_Face face, const GlyphSetting& s) {
-    GlyphRequest request;
-    request.width = to26Dot6(s.size * s.scaleX);
-    request.height = to26Dot6(s.size);
-    request.flags = FT_LOAD_IGNORE_GLOBAL_ADVANCE_WIDTH | FT_LOAD_COLOR | FT_LOAD_NO_BITMAP;
-    const FT_Int32 autohint = FT_LOAD_FORCE_AUTOHINT | FT_LOAD_NO_AUTOHINT;
-    if (!s.isHinted()) {
-        request.flags |= FT_LOAD_NO_HINTING | (s.hinting.flags & autohint);
-    } else {
-        request.flags |=
-            s.alias ? FT_LOAD_TARGET_MONO | (s.hinting.flags & autohint) : s.hinting.flags;
-    }
-    request.shear = static_cast<FT_Fixed>(-s.skewX * 0x10000);
-    request.dx = 16L * s.quarters;
-    request.mono = s.alias;
-    EXPECT_EQ(FT_Set_Char_Size(face, request.width, request.height, 72, 72), 0);
-    if (s.embolden) {
-        request.strength = FT_MulFix(face->units_per_EM, face->size->metrics.y_scale) / 34;
-    }
-    return request;
 }
 
 TEST(RasterTest, GlyphsAreFreeTypes) {
@@ -108,15 +92,13 @@ TEST(RasterTest, GlyphsAreFreeTypes) {
         const sk_sp<SkTypeface> typeface = loadTypeface(file);
         const auto last = std::min<int>(reference.face()->num_glyphs, 30000) - 1;
         for (int n = 0; n < kGlyphs / static_cast<int>(std::size(kFonts)); ++n) {
-            const GlyphSetting setting = makeGlyphSetting(random);
+            const GlyphSetting setting = makeGlyphSetting(typeface, reference.face(), random);
             const auto glyph = static_cast<SkGlyphID>(random.between(0, last));
             SCOPED_TRACE(std::string(file) + " glyph " + std::to_string(glyph));
-            const SkFont font = makeFont(typeface, setting);
-            GlyphRequest request = makeRequest(reference.face(), setting);
-            const ReferenceGlyph expected = reference.take(glyph, request);
-
-            const int x = static_cast<int>(setting.size) + 8 - std::min(expected.box.fLeft, 0);
-            const int y = static_cast<int>(setting.size) + 8 - std::min(expected.box.fTop, 0);
+            const SkFont& font = setting.font;
+            const ReferenceGlyph expected = reference.take(glyph, setting.request);
+            const int x = static_cast<int>(font.getSize()) + 8 - std::min(expected.box.fLeft, 0);
+            const int y = static_cast<int>(font.getSize()) + 8 - std::min(expected.box.fTop, 0);
             MaskCanvas mask(x + std::max(expected.box.fRight, 0) + 8,
                             y + std::max(expected.box.fBottom, 0) + 8);
             mask.draw(font, {{glyph, static_cast<float>(x) + setting.quarters * 0.25f,
@@ -131,7 +113,7 @@ TEST(RasterTest, GlyphsAreFreeTypes) {
             font.getWidths(&glyph, 1, &advance);
             font.getBounds(&glyph, 1, &box, nullptr);
             const float expectedAdvance =
-                setting.hasLinearAdvance() ? expected.linearAdvance : expected.advance;
+                setting.hasLinearAdvance ? expected.linearAdvance : expected.advance;
             EXPECT_TRUE(advances.add(advance == expectedAdvance))
                 << advance << " " << expectedAdvance;
             const SkIRect& e = expected.box;

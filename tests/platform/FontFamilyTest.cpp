@@ -117,19 +117,12 @@ TEST(TypefaceTest, StylesAreResolvedAndClamped) {
     }
 }
 
-TEST(TypefaceTest, TheCallersVectorKeepsItsFamilies) {
+TEST(TypefaceTest, KeepsTheCallersFamiliesAndStandsInForNull) {
     std::vector<std::shared_ptr<FontFamily>> families = {makeFamily(loadFont(gxtest::kNotoSans))};
     const std::unique_ptr<android::Typeface> face(
         android::Typeface::createFromFamilies(std::move(families), 400, 0));
     ASSERT_EQ(families.size(), 1u);  // NOLINT(bugprone-use-after-move): part of the interface
-    EXPECT_NE(families[0], nullptr);
     EXPECT_EQ(face->fFontCollection->getFamilies(), families);
-}
-
-TEST(TypefaceTest, DefaultStandsInForNull) {
-    std::vector<std::shared_ptr<FontFamily>> none;
-    const std::unique_ptr<android::Typeface> face(
-        android::Typeface::createFromFamilies(std::move(none), 400, 0));
     EXPECT_DEATH(android::Typeface::resolveDefault(nullptr), "");
     android::Typeface::setDefault(face.get());
     EXPECT_EQ(android::Typeface::resolveDefault(nullptr), face.get());

@@ -295,17 +295,12 @@ TEST_F(LayoutTest, WhateverAllocationFailsTheSameFontsDrawAfterwards) {
     EXPECT_EQ(draw(), expected);  // the last run had all it asked for
 
     // Fonts of their own for each failure, so that no cache knows a glyph or a word of theirs.
-    int n = 1;
-    for (bool triggered = true; triggered; n++) {
-        loadAll();
-        {
-            const gxtest::AllocationFailure failure(n);
-            surviving(draw)();
-            triggered = failure.triggered();
-        }
+    loadAll();
+    const int failures = gxtest::failEachAllocation(surviving(draw), [&](int n) {
         ASSERT_EQ(draw(), expected) << n;
-    }
-    EXPECT_GT(n, 100);
+        loadAll();
+    });
+    EXPECT_GT(failures, 100);
 }
 
 }  // namespace

@@ -58,16 +58,13 @@ TEST(PaintTest, EachJavaFlagDrivesItsSetting) {
 
 TEST(MinikinFontSkiaTest, FlagsSurvivePacking) {
     SkFont font;
-    for (uint32_t bits = 0; bits < 32; bits++) {
-        for (const uint32_t hinting : {0u, 1u, 2u, 3u}) {
-            for (const uint32_t edging : {0u, 1u, 2u}) {
-                const uint32_t flags = hinting << 16 | edging << 8 | bits;
-                MinikinFontSkia::unpackFontFlags(&font, flags);
-                EXPECT_EQ(static_cast<uint32_t>(font.getHinting()), hinting);
-                EXPECT_EQ(static_cast<uint32_t>(font.getEdging()), edging);
-                EXPECT_EQ(MinikinFontSkia::packFontFlags(font), flags);
-            }
-        }
+    for (uint32_t flags = 0; flags < 0x40000; flags++) {
+        const uint32_t hinting = flags >> 16, edging = flags >> 8 & 0xFF, settings = flags & 0xFF;
+        if (edging > 2 || settings > 31) continue;
+        MinikinFontSkia::unpackFontFlags(&font, flags);
+        EXPECT_EQ(static_cast<uint32_t>(font.getHinting()), hinting);
+        EXPECT_EQ(static_cast<uint32_t>(font.getEdging()), edging);
+        EXPECT_EQ(MinikinFontSkia::packFontFlags(font), flags);
     }
 }
 

@@ -58,14 +58,6 @@ public:
         return out;
     }
 
-    // Start of a glyph's description in 'glyf'.
-    size_t glyphOffset(unsigned glyph) const {
-        const Bytes& loca = tables.at("loca");
-        const bool longOffsets = readBig(tables.at("head"), 50, 2) != 0;
-        return longOffsets ? readBig(loca, 4 * size_t{glyph}, 4)
-                           : 2 * readBig(loca, 2 * size_t{glyph}, 2);
-    }
-
     std::map<std::string, Bytes> tables;
 
 private:

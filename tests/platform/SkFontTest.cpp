@@ -30,12 +30,16 @@ SkRect toRect(const SkIRect& r, float scale = 1) {
     return SkRect::MakeLTRB(r.fLeft * scale, r.fTop * scale, r.fRight * scale, r.fBottom * scale);
 }
 
-TEST(SkFontTest, ANegativeStretchMirrors) {
+TEST(SkFontTest, MirroredAndTinyGlyphsKeepTheirProportion) {
     const SkGlyphID glyph = FreeTypeReference(fontBytes(kDejaVuSans)).glyph('m');
     const sk_sp<SkTypeface> typeface = loadTypeface(kDejaVuSans);
     const SkFont mirrored(typeface, 30, -0.7f);
     EXPECT_EQ(widthOf(mirrored, glyph), -widthOf(SkFont(typeface, 30, 0.7f), glyph));
     EXPECT_LT(boundsOf(mirrored, glyph).fLeft, 0);
+    SkFont tiny(typeface, 0.5f), large(typeface, 50);
+    tiny.setSubpixel(true);
+    large.setSubpixel(true);
+    EXPECT_NEAR(widthOf(tiny, glyph) * 100, widthOf(large, glyph), 0.05);
 }
 
 TEST(SkFontTest, LinearMetricsAndLargeSizesAreMeasuredAtSize64) {
@@ -74,14 +78,6 @@ TEST(SkFontTest, BlankAndMissingGlyphsAndNoSizes) {
     for (const float size : {0.0f, -1.0f, kNaN, kInfinity}) {
         EXPECT_EQ(widthOf(SkFont(font.refTypeface(), size), 36), 0) << size;
     }
-}
-
-TEST(SkFontTest, SizesBelowOnePixelKeepTheirProportion) {
-    SkFont font(loadTypeface(kDejaVuSans), 0.5f);
-    font.setSubpixel(true);
-    SkFont large(loadTypeface(kDejaVuSans), 50);
-    large.setSubpixel(true);
-    EXPECT_NEAR(widthOf(font, 36) * 100, widthOf(large, 36), 0.05);
 }
 
 TEST(SkFontTest, LinesAreSpacedByTheFontsTables) {

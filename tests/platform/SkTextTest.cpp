@@ -86,7 +86,7 @@ TEST_F(SkTextTest, GlyphsGoOverWhatIsThereByTheirAlpha) {
     }
 }
 
-TEST(TextGammaTest, CurvesOfBlackAndWhite) {
+TEST_F(SkTextTest, TheColourChoosesTheCurve) {
     const std::pair<uint8_t, uint8_t> white[] = {{0, 0},     {16, 35},   {64, 94},  {128, 155},
                                                  {192, 208}, {240, 244}, {255, 255}};
     for (const auto& [in, out] : white) EXPECT_EQ(portable::textGamma(SK_ColorWHITE)[in], out);
@@ -94,6 +94,10 @@ TEST(TextGammaTest, CurvesOfBlackAndWhite) {
         const auto in = static_cast<uint8_t>(c);
         EXPECT_EQ(portable::textGamma(SK_ColorBLACK)[in], blackTextGamma(in));
     }
+    MaskCanvas mask(60, 60);
+    mask.draw(SkFont(typeface, 30), {{g, 10, 30}}, SK_ColorWHITE);
+    const auto curve = [](uint8_t c) { return portable::textGamma(SK_ColorWHITE)[c]; };
+    EXPECT_TRUE(holds(mask, reference.take(g, plainRequest(30)), 10, 30, curve));
     // The top three bits of (54 r + 183 g + 19 b) / 256 choose; alpha does not count.
     const auto table = [](SkColor c) { return &portable::textGamma(c); };
     EXPECT_EQ(table(0xFF1F1F1F), table(SK_ColorBLACK));
@@ -102,14 +106,6 @@ TEST(TextGammaTest, CurvesOfBlackAndWhite) {
     EXPECT_EQ(table(0xFF0000FF), table(SK_ColorBLACK));
     EXPECT_EQ(table(0xFFFF0000), table(0xFF202020));
     EXPECT_EQ(table(0xFF00FF00), table(0xFFA0A0A0));
-}
-
-TEST_F(SkTextTest, TheColourChoosesTheCurve) {
-    const ReferenceGlyph expected = reference.take(g, plainRequest(30));
-    MaskCanvas mask(60, 60);
-    mask.draw(SkFont(typeface, 30), {{g, 10, 30}}, SK_ColorWHITE);
-    const auto curve = [](uint8_t c) { return portable::textGamma(SK_ColorWHITE)[c]; };
-    EXPECT_TRUE(holds(mask, expected, 10, 30, curve));
 }
 
 TEST_F(SkTextTest, InkIsCutAtEverySideOfBitmapAndClip) {
