@@ -3,10 +3,8 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <numeric>
 #include <string>
-#include <vector>
 
 #include "Figure.h"
 #include "platform/FreeTypeReference.h"

@@ -10,7 +10,6 @@
 #include <cmath>
 #include <fstream>
 #include <map>
-#include <memory>
 #include <set>
 #include <sstream>
 #include <string>

@@ -6,7 +6,6 @@
 #include <cstdint>
 #include <functional>
 #include <numbers>
-#include <string>
 #include <vector>
 
 #include "FreeTypeReference.h"

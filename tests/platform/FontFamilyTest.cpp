@@ -2,11 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
-
 #include "SkDrawing.h"
 #include "hwui/Typeface.h"
-#include "minikin/LocaleList.h"
 #include "support/Fonts.h"
 
 namespace {
@@ -103,7 +100,6 @@ TEST(TypefaceTest, StylesAreResolvedAndClamped) {
         {italic, -1, -1, FontStyle(400, Slant::ITALIC), android::Typeface::kItalic},
         {italic, 600, -1, FontStyle(600, Slant::ITALIC), android::Typeface::kBoldItalic},
         {bold, -1, 1, FontStyle(700, Slant::ITALIC), android::Typeface::kBoldItalic},
-        {bold, -7, 0, FontStyle(400, Slant::UPRIGHT), android::Typeface::kNormal},
         {bold, 0, 0, FontStyle(1, Slant::UPRIGHT), android::Typeface::kNormal},
         {bold, 5000, 0, FontStyle(1000, Slant::UPRIGHT), android::Typeface::kBold},
         {nullptr, -1, -1, FontStyle(400, Slant::UPRIGHT), android::Typeface::kNormal},

@@ -216,8 +216,7 @@ Bytes collection(const std::vector<Bytes>& fonts) {
         out.insert(out.end(), font.begin(), font.end());
         for (size_t i = 0; i < size_t{font[5]}; ++i) {
             const size_t offset = 12 + 16 * i + 8;
-            const uint32_t inFont = font[offset] << 24 | font[offset + 1] << 16 |
-                                    font[offset + 2] << 8 | font[offset + 3];
+            const uint32_t inFont = readBig(font, offset, 4);
             writeBig(out, directory + offset, 4, static_cast<uint32_t>(directory) + inFont);
         }
     }

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <numeric>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -121,14 +122,12 @@ TEST_F(FontRunTest, MeasureTextAgreesWithTheLayout) {
         const float width = MinikinUtils::measureText(&paint, minikin::Bidi::LTR, typeface.get(),
                                                       gxtest::unitsOf(text), start, 4, text.size(),
                                                       advances.data());
-        float sum = 0;
         for (size_t i = 0; i < 4; i++) {
             // Units beyond the text have no advance.
             const bool isInside = start + i < text.size();
             EXPECT_FLOAT_EQ(advances[i], isInside ? whole.getCharAdvance(start + i) : 0);
-            sum += advances[i];
         }
-        EXPECT_FLOAT_EQ(width, sum);
+        EXPECT_FLOAT_EQ(width, std::accumulate(advances.begin(), advances.end(), 0.0f));
     }
 }
 
