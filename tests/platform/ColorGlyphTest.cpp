@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <functional>
 #include <numbers>
+#include <numeric>
 #include <vector>
 
 #include "FreeTypeReference.h"
@@ -43,10 +44,12 @@ TEST(ColorGlyph, PicturesAreTheFontsOwnAndAsCoveringAsTheirMasks) {
 
     const sk_sp<SkTypeface> font = loadTypeface(kNotoColorEmoji);
     const ColorCanvas native = colored(SkFont(font, ppem), face, 10, 130, 160, 160);
+    double nativeInk = 0;
     for (unsigned y = 0; y < picture.rows; ++y) {
         for (unsigned x = 0; x < picture.width; ++x) {
             const uint8_t* bgra = picture.buffer + y * picture.pitch + size_t{4} * x;
             const Pixel expected = {bgra[2], bgra[1], bgra[0], bgra[3]};
+            nativeInk += bgra[3];
             ASSERT_EQ(native.at(10 + slot->bitmap_left + static_cast<int>(x),
                                 130 - slot->bitmap_top + static_cast<int>(y)),
                       expected);
@@ -64,7 +67,7 @@ TEST(ColorGlyph, PicturesAreTheFontsOwnAndAsCoveringAsTheirMasks) {
                   std::ceil((slot->bitmap_left + static_cast<int>(picture.width)) * ratio));
     }
     // Whatever is drawn first, and for masks too large to keep.
-    for (const float size : {7.0f, 40.0f, 72.0f, 190.0f, 300.0f}) {
+    for (const float size : {12.0f, 40.0f, 72.0f, 190.0f, 300.0f}) {
         for (const float skew : {0.0f, -0.25f}) {
             for (const bool kept : {false, true}) {
                 SkFont scaled(font, size, 1, skew);
@@ -75,6 +78,9 @@ TEST(ColorGlyph, PicturesAreTheFontsOwnAndAsCoveringAsTheirMasks) {
                 if (!kept) mask.draw(scaled, glyphs);
                 const ColorCanvas color = colored(scaled, face, 10, 330, 500, 420);
                 if (kept) mask.draw(scaled, glyphs);
+                // Their area follows the size.
+                const double ink = std::accumulate(mask.pixels.begin(), mask.pixels.end(), 0.0);
+                EXPECT_NEAR(ink / nativeInk * ppem * ppem / (size * size), 1, 0.02) << size;
                 for (size_t i = 0; i < mask.pixels.size(); ++i) {
                     const uint8_t* p = &color.bytes[4 * i];
                     ASSERT_EQ(p[3], mask.pixels[i]) << size;
