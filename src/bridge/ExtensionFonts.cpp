@@ -144,7 +144,7 @@ bool WantsGlyph(uint32_t c) {
     return !invisible;
 }
 
-jint LogFailure(const char* what) {
+jint LogFontFailure(const char* what) {
     __android_log_print(ANDROID_LOG_ERROR, kFontManagerTag, "TextExtension - %s", what);
     return -1;
 }
@@ -185,7 +185,7 @@ GX_EXTENSION(jint, addFamily)
                 entries, tags ? Utf8FromModifiedUtf8(tags.get()) : std::string(), variant);
             return family ? Families::Instance().Add(std::move(family)) : -1;
         },
-        LogFailure);
+        LogFontFailure);
 }
 
 GX_EXTENSION(jboolean, covers)(JNIEnv* env, jclass, jintArray numbers, jstring text) {
@@ -211,7 +211,7 @@ GX_EXTENSION(jboolean, covers)(JNIEnv* env, jclass, jintArray numbers, jstring t
                    }
                    return 0;
                },
-               LogFailure) == 0;
+               LogFontFailure) == 0;
 }
 
 GX_EXTENSION(jboolean, setFamilies)
@@ -229,5 +229,5 @@ GX_EXTENSION(jboolean, setFamilies)
                    const int wanted = weight > 0 ? weight : first->style().weight();
                    return text->SetFontFamilies(std::move(families), wanted) ? 0 : -1;
                },
-               LogFailure) == 0;
+               LogFontFailure) == 0;
 }

@@ -23,11 +23,11 @@ namespace GxFontEffect {
 namespace {
 
 // One number per native; never renumber.
-enum Site : int {
-    kSiteDress = 31,
-    kSiteFade = 32,
-    kSiteMeasure = 33,
-    kSiteRender = 34,
+enum : int {
+    kSiteExtensionDress = 31,
+    kSiteExtensionFade = 32,
+    kSiteExtensionMeasure = 33,
+    kSiteExtensionRender = 34,
 };
 
 constexpr const char* kNoText = "there is no native text object";
@@ -192,7 +192,7 @@ ImageSize FitImage(JNIEnv* env, GxTextObject& text, jintArray frame) {
     return {view.GetBitmapWidth(), view.GetBitmapHeight()};
 }
 
-jint LogFailure(const char* what) {
+jint LogTextFailure(const char* what) {
     __android_log_print(ANDROID_LOG_ERROR, kTextTag, "TextExtension - %s", what);
     return 0;
 }
@@ -218,7 +218,7 @@ GX_EXTENSION(jbyteArray, dress)
         if (!javaText || !json || !lengths || !names || !widths || !pictures) {
             return Mistake(env, kNull);
         }
-        const BoundText text = RequireBoundTextObject(env, javaText, kSiteDress);
+        const BoundText text = RequireBoundTextObject(env, javaText, kSiteExtensionDress);
         if (!text || !text->GetEffect()) return Mistake(env, kNoText);
         gxtext::Style style = ReadStyle(env, json);
         SetLengths(env, style, lengths);
@@ -234,7 +234,7 @@ GX_EXTENSION(void, fade)(JNIEnv* env, jclass, jobject javaText, jfloat opacity) 
     Contained(
         [&] {
             if (!javaText) return 0;
-            const BoundText text = RequireBoundTextObject(env, javaText, kSiteFade);
+            const BoundText text = RequireBoundTextObject(env, javaText, kSiteExtensionFade);
             if (!text) return 0;
             const uint32_t color = text->GetTextColor();
             const float share = clampFloat(opacity, 0.0f, 1.0f);
@@ -242,25 +242,25 @@ GX_EXTENSION(void, fade)(JNIEnv* env, jclass, jobject javaText, jfloat opacity) 
             text->SetTextColor(static_cast<uint32_t>(alpha) << 24 | (color & 0x00FFFFFFu));
             return 0;
         },
-        LogFailure);
+        LogTextFailure);
 }
 
 GX_EXTENSION(jboolean, measure)(JNIEnv* env, jclass, jobject javaText, jintArray frame) {
     return static_cast<jboolean>(Contained(
         [&]() -> jint {
             if (!javaText || !frame) return 0;
-            const BoundText text = RequireBoundTextObject(env, javaText, kSiteMeasure);
+            const BoundText text = RequireBoundTextObject(env, javaText, kSiteExtensionMeasure);
             if (!text || !text->GetView() || !text->GetEffect()) return 0;
             return FitImage(env, *text, frame).width >= 0;
         },
-        LogFailure));
+        LogTextFailure));
 }
 
 GX_EXTENSION(jintArray, render)(JNIEnv* env, jclass, jobject javaText, jintArray frame) {
     return Contained(
         [&]() -> jintArray {
             if (!javaText || !frame) return nullptr;
-            const BoundText text = RequireBoundTextObject(env, javaText, kSiteRender);
+            const BoundText text = RequireBoundTextObject(env, javaText, kSiteExtensionRender);
             if (!text || !text->GetView() || !text->GetEffect()) return nullptr;
             const ImageSize size = FitImage(env, *text, frame);
             if (!size.FitsJavaArray()) return nullptr;
@@ -269,7 +269,7 @@ GX_EXTENSION(jintArray, render)(JNIEnv* env, jclass, jobject javaText, jintArray
             return NewIntArray(env, reinterpret_cast<const jint*>(pixels), size.Pixels());
         },
         [](const char* what) -> jintArray {
-            LogFailure(what);
+            LogTextFailure(what);
             return nullptr;
         });
 }

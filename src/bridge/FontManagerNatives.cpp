@@ -26,7 +26,7 @@ namespace GxFontEffect {
 
 namespace {
 
-bool Fail(const char* message) {
+bool FailManager(const char* message) {
     __android_log_print(ANDROID_LOG_ERROR, kFontManagerTag, "%s", message);
     return false;
 }
@@ -43,7 +43,7 @@ struct DeleteFamily {
     void operator()(GxFontFamily* family) const { DeleteFontFamily(family); }
 };
 using Entry = std::unique_ptr<GxFontEntry, DeleteEntry>;
-using Family = std::unique_ptr<GxFontFamily, DeleteFamily>;
+using OwnedFamily = std::unique_ptr<GxFontFamily, DeleteFamily>;
 
 // Walks the non-null elements of `array`, whose method ids come from the class of the first of
 // them; `use` returns false to stop. False when it did, when an element threw or when a method is
@@ -68,8 +68,8 @@ bool ForEachElement(JNIEnv* env, jobjectArray array, std::span<const JavaMethod>
     return true;
 }
 
-Family NewFamily() {
-    Family family(new GxFontFamily);
+OwnedFamily NewFamily() {
+    OwnedFamily family(new GxFontFamily);
     family->fonts = new List;
     if (!family->fonts->Construct()) throw std::bad_alloc();
     return family;
@@ -109,7 +109,7 @@ bool ConvertFamily(JNIEnv* env, const JavaCalls& javaFamily, FontConfigRules& ru
     if (javaFamily.Failed()) return false;
     if (!rules.Considers(static_cast<bool>(name))) return true;
 
-    Family family = NewFamily();
+    OwnedFamily family = NewFamily();
     const LocalRef<jobjectArray> fonts(env,
                                        javaFamily.Object<jobjectArray>(kFamilyClass["getFonts"]));
     if (javaFamily.Failed() ||
@@ -145,10 +145,10 @@ struct DeleteFamilyList {
         delete list;
     }
 };
-using FamilyList = std::unique_ptr<List, DeleteFamilyList>;
+using OwnedFamilies = std::unique_ptr<List, DeleteFamilyList>;
 
 // The manager takes the list over unless one was set in the meantime.
-bool SetFamilies(FamilyList families) {
+bool SetFamilies(OwnedFamilies families) {
     static std::mutex setting;
     const std::lock_guard<std::mutex> lock(setting);
     FontManager& fonts = FontManager::GetInstance();
@@ -183,10 +183,10 @@ bool ConvertToFontFamilies(JNIEnv* env, jobject config, List* out) {
 
 jboolean GxFontManager_InsertFontData(JNIEnv* env, jobject, jstring name, jbyteArray data) {
     __android_log_print(ANDROID_LOG_DEBUG, kFontManagerTag, "GxFontManager_InsertFontData");
-    if (!name) return Fail("GxFontManager_InsertFontData() - fontName is NULL");
-    if (!data) return Fail("GxFontManager_InsertFontData() - buffer is NULL");
+    if (!name) return FailManager("GxFontManager_InsertFontData() - fontName is NULL");
+    if (!data) return FailManager("GxFontManager_InsertFontData() - buffer is NULL");
     UtfChars chars(env, name);
-    if (!chars) return Fail("GxFontManager_InsertFontData() - Fail to get fontFile string");
+    if (!chars) return FailManager("GxFontManager_InsertFontData() - Fail to get fontFile string");
     const std::string fontName = Utf8FromModifiedUtf8(chars.get());
     chars.ReleaseWithArrayDelete();
     FontBytes bytes = CopyFontBytes(env, data);
@@ -201,14 +201,14 @@ jboolean GxFontManager_SetFontConfig(JNIEnv* env, jobject, jobject config) {
         LogVerbose("GxFontManager_SetFontConfig - already set");
         return true;
     }
-    if (!config) return Fail("GxFontManager_SetFontConfig - jFontConfig is NULL");
-    FamilyList families(new List);
+    if (!config) return FailManager("GxFontManager_SetFontConfig - jFontConfig is NULL");
+    OwnedFamilies families(new List);
     if (!families->Construct()) return false;
     LogVerbose("GxFontManager_SetFontConfig >>> ConvertToFontFamilies");
     const bool converted = ConvertToFontFamilies(env, config, families.get());
     LogVerbose("GxFontManager_SetFontConfig <<<< ConvertToFontFamilies");
     if (!converted) {
-        return Fail("GxFontManager_SetFontConfig - cannot convert to native families");
+        return FailManager("GxFontManager_SetFontConfig - cannot convert to native families");
     }
     return SetFamilies(std::move(families));
 }

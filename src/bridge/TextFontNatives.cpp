@@ -22,7 +22,7 @@ namespace GxFontEffect {
 namespace {
 
 // One number per native; never renumber.
-enum Site : int {
+enum : int {
     kSiteFont = 1,
     kSiteFontBytes = 2,
     kSiteFontAsset = 3,

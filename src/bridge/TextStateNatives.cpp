@@ -27,7 +27,7 @@ namespace GxFontEffect {
 namespace {
 
 // One number per native; never renumber.
-enum Site : int {
+enum : int {
     kSitePaint = 1,
     kSiteView = 2,
     kSiteLine = 3,

@@ -17,11 +17,11 @@ namespace GxFontEffect {
 
 namespace {
 
-constexpr const char* kTag = "GxFontManager";
+constexpr const char* kBufferTag = "GxFontManager";
 
 // The line carries the tag alone.
 void LogFileFailure() {
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "%s", kTag);
+    __android_log_print(ANDROID_LOG_DEBUG, kBufferTag, "%s", kBufferTag);
 }
 
 // Throws bad_alloc when the call that has just failed may succeed later.

@@ -36,10 +36,10 @@ namespace GxFontEffect {
 
 namespace {
 
-constexpr const char* kTag = "GxFontManager";
+constexpr const char* kManagerTag = "GxFontManager";
 
 // One number per failing check; never renumber.
-enum Site : int {
+enum : int {
     kSiteIsExisting = 233,
     kSiteAddFont = 269,
     kSiteBuildFamily = 345,
@@ -102,7 +102,7 @@ std::string Utf8Of(const GxString* path) {
 
 // Text in the log when verbose lines are wanted.
 void LogVerbose(const char* text) {
-    if (GxLog::IsAllLogEnable()) __android_log_print(ANDROID_LOG_DEBUG, kTag, "%s", text);
+    if (GxLog::IsAllLogEnable()) __android_log_print(ANDROID_LOG_DEBUG, kManagerTag, "%s", text);
 }
 
 }  // namespace
@@ -170,8 +170,9 @@ std::shared_ptr<const FontBuffer> GxFontManagerImpl::FileBuffer(const std::strin
     const double sizeMB = static_cast<float>(buffer->length()) / 1024000.0f;
     totalBufferMB += sizeMB;
     if (GxLog::IsAllLogEnable()) {
-        __android_log_print(ANDROID_LOG_DEBUG, kTag, "BUFFER TOTAL SIZE(%.2fMB) <- %s(%.2fMB) ",
-                            totalBufferMB, path.c_str(), sizeMB);
+        __android_log_print(ANDROID_LOG_DEBUG, kManagerTag,
+                            "BUFFER TOTAL SIZE(%.2fMB) <- %s(%.2fMB) ", totalBufferMB, path.c_str(),
+                            sizeMB);
     }
     return buffer;
 }
@@ -182,7 +183,7 @@ bool GxFontManagerImpl::AddFont(const std::string& path, std::unique_ptr<char[]>
     const std::shared_ptr<const FontBuffer> buffer =
         data ? std::make_shared<FontBuffer>(std::move(data), size) : FileBuffer(path);
     if (buffer->length() == 0) {
-        __android_log_print(ANDROID_LOG_ERROR, kTag, "AddMinikinFont() - Fail to get font");
+        __android_log_print(ANDROID_LOG_ERROR, kManagerTag, "AddMinikinFont() - Fail to get font");
         return false;
     }
     sk_sp<SkTypeface> typeface;
@@ -191,7 +192,8 @@ bool GxFontManagerImpl::AddFont(const std::string& path, std::unique_ptr<char[]>
             std::make_unique<SkMemoryStream>(buffer->data(), buffer->length()), index);
     }
     if (!typeface) {
-        __android_log_print(ANDROID_LOG_ERROR, kTag, "AddMinikinFont() - Fail to create typeface");
+        __android_log_print(ANDROID_LOG_ERROR, kManagerTag,
+                            "AddMinikinFont() - Fail to create typeface");
         return false;
     }
     const auto loaded = std::make_shared<LoadedFont>(buffer, std::move(typeface), path, index);
@@ -299,23 +301,25 @@ FontManager& FontManager::GetInstance() {
 FontManager::FontManager() = default;
 
 FontManager::~FontManager() {
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "~FontManager(%p)", static_cast<void*>(this));
+    __android_log_print(ANDROID_LOG_DEBUG, kManagerTag, "~FontManager(%p)",
+                        static_cast<void*>(this));
     ClearFontMaps();
     ClearFontFamilies();
 }
 
 bool FontManager::Construct() {
-    if (impl_) return ReportNativeError(kTag, GXE_ERROR_ALREADY_CONSTRUCTED, kSiteConstructAgain);
+    if (impl_)
+        return ReportNativeError(kManagerTag, GXE_ERROR_ALREADY_CONSTRUCTED, kSiteConstructAgain);
     std::unique_ptr<GxFontManagerImpl> impl(new (std::nothrow) GxFontManagerImpl);
     if (!impl || !impl->lock.Construct()) {
-        return ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, kSiteConstructMemory);
+        return ReportNativeError(kManagerTag, GXE_ERROR_INVALID_ARGUMENT, kSiteConstructMemory);
     }
     impl_ = std::move(impl);
     return true;
 }
 
 bool FontManager::Ready(int site) const {
-    return impl_ || ReportNativeError(kTag, GXE_ERROR_NOT_CONSTRUCTED, site);
+    return impl_ || ReportNativeError(kManagerTag, GXE_ERROR_NOT_CONSTRUCTED, site);
 }
 
 bool FontManager::AddMinikinFont(const char* path, char* data, unsigned size, int index,
@@ -323,10 +327,10 @@ bool FontManager::AddMinikinFont(const char* path, char* data, unsigned size, in
     std::unique_ptr<char[]> owned(data);
     if (!Ready(kSiteAddFont)) return false;
     if (!path || !*path) {
-        __android_log_print(ANDROID_LOG_DEBUG, kTag, "AddMinikinFont() - path is NULL");
+        __android_log_print(ANDROID_LOG_DEBUG, kManagerTag, "AddMinikinFont() - path is NULL");
         return false;
     }
-    return GuardMemory(kTag, kSiteMemory, [&] {
+    return GuardMemory(kManagerTag, kSiteMemory, [&] {
         const MutexGuard guard(impl_->lock);
         return impl_->AddFont(path, std::move(owned), size, index, checkExisting);
     });
@@ -340,10 +344,10 @@ bool FontManager::AddMinikinFont(const GxString* path, char* data, unsigned size
 bool FontManager::IsExisting(const char* path, int index) {
     if (!Ready(kSiteIsExisting)) return false;
     if (!path || !*path) {
-        __android_log_print(ANDROID_LOG_DEBUG, kTag, "IsExisting() - path is NULL");
+        __android_log_print(ANDROID_LOG_DEBUG, kManagerTag, "IsExisting() - path is NULL");
         return false;
     }
-    return GuardMemory(kTag, kSiteMemory, [&] {
+    return GuardMemory(kManagerTag, kSiteMemory, [&] {
         const MutexGuard guard(impl_->lock);
         return impl_->FindFont(std::string(path), index) != nullptr;
     });
@@ -352,7 +356,7 @@ bool FontManager::IsExisting(const char* path, int index) {
 bool FontManager::GetMinikinFont(std::shared_ptr<minikin::MinikinFont>& out, const GxString* path,
                                  int index) {
     if (!Ready(kSiteGetFont)) return false;
-    return GuardMemory(kTag, kSiteMemory, [&] {
+    return GuardMemory(kManagerTag, kSiteMemory, [&] {
         const MutexGuard guard(impl_->lock);
         FontPointer font = impl_->FindFont(path, index);
         if (!font) return false;
@@ -380,7 +384,7 @@ bool FontManager::IsSystemFontFamiliesAlreadySet() {
 bool FontManager::BuildMinikinFamily(GxFontFamily* family) {
     if (!Ready(kSiteBuildFamily)) return false;
     if (!family) return false;
-    return GuardMemory(kTag, kSiteMemory, [&] {
+    return GuardMemory(kManagerTag, kSiteMemory, [&] {
         const MutexGuard guard(impl_->lock);
         return impl_->BuildFamily(*family);
     });
@@ -396,7 +400,7 @@ bool FontManager::TryLoadMinikinFontFamily(unsigned localeListId) {
 
 FontManager::FamilyLoad FontManager::LoadFamily(unsigned localeListId) {
     auto result = FamilyLoad::kNone;
-    const bool enough = GuardMemory(kTag, kSiteMemory, [&] {
+    const bool enough = GuardMemory(kManagerTag, kSiteMemory, [&] {
         const MutexGuard guard(impl_->lock);
         for (int i = 0; i < impl_->FamilyCount(); i++) {
             GxFontFamily* family = impl_->FamilyAt(i);
@@ -416,13 +420,14 @@ bool FontManager::GetMinikinFontFamilies(const GxString* familyName,
     if (!Ready(kSiteGetFamilies)) return false;
     LogVerbose("GetMinikinFontFamilies >>> GetMinikinFontFamilies");
     if (GxLog::IsAllLogEnable()) {
-        __android_log_print(ANDROID_LOG_DEBUG, kTag, "GetMinikinFontFamilies - userFont[%s]",
+        __android_log_print(ANDROID_LOG_DEBUG, kManagerTag, "GetMinikinFontFamilies - userFont[%s]",
                             GxLog::ConvertLog(userFontPath));
-        __android_log_print(ANDROID_LOG_DEBUG, kTag, "GetMinikinFontFamilies - familyFont[%s]",
+        __android_log_print(ANDROID_LOG_DEBUG, kManagerTag,
+                            "GetMinikinFontFamilies - familyFont[%s]",
                             GxLog::ConvertLog(familyName));
     }
     GxFontStyle style{weight, false};
-    const bool collected = GuardMemory(kTag, kSiteMemory, [&] {
+    const bool collected = GuardMemory(kManagerTag, kSiteMemory, [&] {
         const MutexGuard guard(impl_->lock);
         std::vector<FamilyPointer> families;
         const auto keep = [&](FamilyPointer family) {
@@ -449,7 +454,7 @@ std::shared_ptr<const android::Typeface> FontManager::GetTypeface(
     const std::vector<std::shared_ptr<minikin::FontFamily>>& families, int weight, bool italic) {
     TypefacePointer typeface;
     if (!Ready(kSiteGetTypeface)) return typeface;
-    GuardMemory(kTag, kSiteMemory, [&] {
+    GuardMemory(kManagerTag, kSiteMemory, [&] {
         const MutexGuard guard(impl_->lock);
         typeface = impl_->TypefaceOf(families, weight, italic);
         return true;

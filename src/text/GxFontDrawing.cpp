@@ -37,7 +37,7 @@ namespace GxFontEffect {
 
 namespace {
 
-constexpr const char* kTag = "GxFontDrawing";
+constexpr const char* kDrawingTag = "GxFontDrawing";
 constexpr int kDefaultWeight = 400;
 constexpr int kSiteNoLineInfo = 184;
 constexpr int kSiteNoMemory = 190;
@@ -202,7 +202,8 @@ GxRect boxOf(const std::vector<LaidOutLine>& lines, bool wholeInk) {
 bool storeString(std::unique_ptr<GxString>& string, const char* text) {
     if (string) return string->Set(text);
     std::unique_ptr<GxString> fresh(new (std::nothrow) GxString);
-    if (!fresh) return ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, kSiteNoStringMemory);
+    if (!fresh)
+        return ReportNativeError(kDrawingTag, GXE_ERROR_INVALID_ARGUMENT, kSiteNoStringMemory);
     if (!fresh->Construct() || !fresh->Set(text)) return false;
     string = std::move(fresh);
     return true;
@@ -249,16 +250,19 @@ void GxFontDrawing::ClearGlyphList() {
 bool GxFontDrawing::DrawTextEffect(GxTextObject* text, GxBitmap* destination) {
     const GxString* string = text ? text->GetText() : nullptr;
     if (!string) {
-        __android_log_print(ANDROID_LOG_ERROR, kTag, "DrawTextEffect(%p) - text is NULL", this);
+        __android_log_print(ANDROID_LOG_ERROR, kDrawingTag, "DrawTextEffect(%p) - text is NULL",
+                            this);
         return true;
     }
     if (string->GetUTF16Size() - 1 < 1) {
-        __android_log_print(ANDROID_LOG_ERROR, kTag, "DrawTextEffect(%p) - textLength is 0", this);
+        __android_log_print(ANDROID_LOG_ERROR, kDrawingTag, "DrawTextEffect(%p) - textLength is 0",
+                            this);
         return true;
     }
     GxEffect* effect = text->GetEffect();
     if (!effect) {
-        __android_log_print(ANDROID_LOG_ERROR, kTag, "DrawTextEffect(%p) - Effect is NULL", this);
+        __android_log_print(ANDROID_LOG_ERROR, kDrawingTag, "DrawTextEffect(%p) - Effect is NULL",
+                            this);
         return true;
     }
     if (!destination) return true;
@@ -271,9 +275,9 @@ bool GxFontDrawing::DrawTextEffect(GxTextObject* text, GxBitmap* destination) {
     if (effect->hasFailed()) return false;
     effect->setDstBitmap(destination);
     if (!text->GetLineInfo()) {
-        __android_log_print(ANDROID_LOG_ERROR, kTag, "DrawTextEffect(%p) - lineInfoList is NULL",
-                            this);
-        ReportNativeError(kTag, GXE_ERROR_NOT_CONSTRUCTED, kSiteNoLineInfo);
+        __android_log_print(ANDROID_LOG_ERROR, kDrawingTag,
+                            "DrawTextEffect(%p) - lineInfoList is NULL", this);
+        ReportNativeError(kDrawingTag, GXE_ERROR_NOT_CONSTRUCTED, kSiteNoLineInfo);
         return true;
     }
     if (!drawLines(text, effect)) return false;
@@ -292,15 +296,15 @@ bool GxFontDrawing::collectFamilies(std::vector<std::shared_ptr<minikin::FontFam
     weight = kDefaultWeight;
     if (!FontManager::GetInstance().GetMinikinFontFamilies(familyName.get(), families,
                                                            fontPath.get(), weight)) {
-        __android_log_print(ANDROID_LOG_ERROR, kTag,
+        __android_log_print(ANDROID_LOG_ERROR, kDrawingTag,
                             "DrawTextEffect(%p) - GetMinikinFontFamilies failed",
                             static_cast<const void*>(this));
         return false;
     }
     if (GxLog::IsAllLogEnable()) {
-        __android_log_print(ANDROID_LOG_DEBUG, kTag, "DrawTextEffect(%p) fontPath[%s] weight=%d",
-                            static_cast<const void*>(this), GxLog::ConvertLog(fontPath.get()),
-                            weight);
+        __android_log_print(
+            ANDROID_LOG_DEBUG, kDrawingTag, "DrawTextEffect(%p) fontPath[%s] weight=%d",
+            static_cast<const void*>(this), GxLog::ConvertLog(fontPath.get()), weight);
     }
     return true;
 }
@@ -317,7 +321,7 @@ bool GxFontDrawing::withLines(const GxTextObject* text, int left, int top, Use u
         FontManager::GetInstance().GetTypeface(families, weight, text->isItalicTextStyle());
     const std::unique_ptr<uint16_t[]> utf16(text->GetText()->GetUTF16());
     if (!typeface || !utf16)
-        return ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, kSiteNoMemory);
+        return ReportNativeError(kDrawingTag, GXE_ERROR_INVALID_ARGUMENT, kSiteNoMemory);
 
     const int length = text->GetText()->GetUTF16Size() - 1;
     android::Paint paint(text->paint());
@@ -351,7 +355,7 @@ bool GxFontDrawing::drawLines(GxTextObject* text, GxEffect* effect) {
             auto mask = drawMask(line.layout, paint, wholeInk,
                                  text->getKeepsColorGlyphs() ? &coloring : nullptr, &colors);
             if (!mask || !glyphList->Add(mask.get())) {
-                return ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, kSiteNoMemory);
+                return ReportNativeError(kDrawingTag, GXE_ERROR_INVALID_ARGUMENT, kSiteNoMemory);
             }
             const GxGlyph& glyph = *mask.release();  // the list's from here on
             if (colors) {

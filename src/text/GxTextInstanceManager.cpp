@@ -15,10 +15,10 @@ namespace GxFontEffect {
 
 namespace {
 
-constexpr const char* kTag = "GxTextInstanceManager";
+constexpr const char* kInstancesTag = "GxTextInstanceManager";
 
 // One number per failing check; never renumber.
-enum Site : int {
+enum : int {
     kSiteReleaseHandle = 109,
     kSiteRelease = 126,
     kSiteRegisterNull = 201,
@@ -64,8 +64,8 @@ Registry& theRegistry() {
 [[maybe_unused]] const Registry& gRegistryMade = theRegistry();
 
 void logBind(GxTextObject* object, int count) {
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "Bind(%p) - count: %d", static_cast<void*>(object),
-                        count);
+    __android_log_print(ANDROID_LOG_DEBUG, kInstancesTag, "Bind(%p) - count: %d",
+                        static_cast<void*>(object), count);
 }
 
 // The next handle for the object, or -1 when there is no room for it.
@@ -86,8 +86,8 @@ int addObject(Registry& registry, GxTextObject* object) {
 Registered* find(Registry& registry, int handle) {
     const auto known = registry.handleToObject.find(handle);
     if (known != registry.handleToObject.end()) return &known->second;
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "FindGxTextObject() - Can't find the handle[%d]",
-                        handle);
+    __android_log_print(ANDROID_LOG_DEBUG, kInstancesTag,
+                        "FindGxTextObject() - Can't find the handle[%d]", handle);
     return nullptr;
 }
 
@@ -114,13 +114,14 @@ int GxTextInstanceManager::Register(GxTextObject* object) {
     Registry& registry = theRegistry();
     const MutexGuard guard(registry.lock);
     if (!object) {
-        ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, kSiteRegisterNull);
+        ReportNativeError(kInstancesTag, GXE_ERROR_INVALID_ARGUMENT, kSiteRegisterNull);
         return -1;
     }
     const auto known = registry.objectToHandle.find(object);
     if (known != registry.objectToHandle.end()) return known->second;
     const int handle = addObject(registry, object);
-    if (handle < 0) ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, kSiteRegisterMemory);
+    if (handle < 0)
+        ReportNativeError(kInstancesTag, GXE_ERROR_INVALID_ARGUMENT, kSiteRegisterMemory);
     return handle;
 }
 
@@ -136,13 +137,13 @@ void GxTextInstanceManager::Unregister(int handle) {
 bool GxTextInstanceManager::Bind(GxTextObject* object) {
     Registry& registry = theRegistry();
     const MutexGuard guard(registry.lock);
-    if (!object) return ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, kSiteBindNull);
+    if (!object) return ReportNativeError(kInstancesTag, GXE_ERROR_INVALID_ARGUMENT, kSiteBindNull);
     const auto bound = registry.bindCount.find(object);
     if (bound != registry.bindCount.end()) {
         logBind(object, ++bound->second.count);
         return true;
     }
-    return GuardMemory(kTag, kSiteBindMemory, [&] {
+    return GuardMemory(kInstancesTag, kSiteBindMemory, [&] {
         registry.bindCount.emplace(object, Binding{1, {object}});
         registry.pendingRelease.remove(object);
         logBind(object, 1);
@@ -155,7 +156,7 @@ bool GxTextInstanceManager::Release(GxTextObject* object, bool deleteAtZero) {
     const MutexGuard guard(registry.lock);
     const auto bound = registry.bindCount.find(object);
     if (bound == registry.bindCount.end()) {
-        return ReportNativeError(kTag, GXE_ERROR_NOT_FOUND, kSiteRelease);
+        return ReportNativeError(kInstancesTag, GXE_ERROR_NOT_FOUND, kSiteRelease);
     }
     const int before = bound->second.count--;
     if (before != 1 || !deleteAtZero) return true;
@@ -174,7 +175,7 @@ bool GxTextInstanceManager::Release(int handle) {
     const MutexGuard guard(registry.lock);
     const auto known = registry.handleToObject.find(handle);
     if (known != registry.handleToObject.end()) return Release(known->second.object, true);
-    return ReportNativeError(kTag, GXE_ERROR_NOT_FOUND, kSiteReleaseHandle);
+    return ReportNativeError(kInstancesTag, GXE_ERROR_NOT_FOUND, kSiteReleaseHandle);
 }
 
 void GxTextInstanceManager::Lock() {

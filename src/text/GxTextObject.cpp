@@ -42,7 +42,7 @@ namespace GxFontEffect {
 
 namespace {
 
-constexpr const char* kTag = "GxTextObject";
+constexpr const char* kObjectTag = "GxTextObject";
 constexpr uint32_t kStyleBold = 1u << 0;
 constexpr uint32_t kStyleItalic = 1u << 1;
 constexpr uint32_t kOpaqueBlack = 0xFF000000u;
@@ -75,8 +75,8 @@ constexpr int kSiteMeasureNoMemory = 278;
 
 // The registry's way of deleting an object whose last binding was released.
 void releaseTextCallback(GxTextObject* object) {
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "Delete GxTextObject by InstanceManager : %p",
-                        object);
+    __android_log_print(ANDROID_LOG_DEBUG, kObjectTag,
+                        "Delete GxTextObject by InstanceManager : %p", object);
     delete object;
 }
 
@@ -163,7 +163,8 @@ bool loadFamiliesOf(const GxString& text) {
     if (length < 0) return true;
     const std::unique_ptr<uint16_t[]> utf16(text.GetUTF16());
     if (!utf16) {
-        __android_log_print(ANDROID_LOG_DEBUG, kTag, "SetTextLocaleListId - textString is null.");
+        __android_log_print(ANDROID_LOG_DEBUG, kObjectTag,
+                            "SetTextLocaleListId - textString is null.");
         return false;
     }
     for (int position = 0; position < length;) {
@@ -457,30 +458,31 @@ GxRect GxTextObjectImpl::compose(const GxBitmap& picture) const {
 GxTextObject::GxTextObject() {
     static std::once_flag callbackSet;
     std::call_once(callbackSet, [] { GxTextInstanceManager::SetCallBack(releaseTextCallback); });
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "GxTextObject(%p)", this);
+    __android_log_print(ANDROID_LOG_DEBUG, kObjectTag, "GxTextObject(%p)", this);
 }
 
 GxTextObject::~GxTextObject() {
     if (!requireConstructed(kSiteDestructor)) return;
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "~GxTextObject(%p / %d)", this,
+    __android_log_print(ANDROID_LOG_DEBUG, kObjectTag, "~GxTextObject(%p / %d)", this,
                         impl->runtimeHandle);
     GxTextInstanceManager::Unregister(impl->runtimeHandle);
 }
 
 bool GxTextObject::requireConstructed(int site) const {
     if (impl) return true;
-    ReportNativeError(kTag, GXE_ERROR_NOT_CONSTRUCTED, site);
+    ReportNativeError(kObjectTag, GXE_ERROR_NOT_CONSTRUCTED, site);
     return false;
 }
 
 bool GxTextObject::Construct() {
-    if (impl) return ReportNativeError(kTag, GXE_ERROR_ALREADY_CONSTRUCTED, kSiteConstructTwice);
-    return GuardMemory(kTag, kSiteConstructNoMemory, [this] {
+    if (impl)
+        return ReportNativeError(kObjectTag, GXE_ERROR_ALREADY_CONSTRUCTED, kSiteConstructTwice);
+    return GuardMemory(kObjectTag, kSiteConstructNoMemory, [this] {
         auto fresh = std::make_unique<GxTextObjectImpl>();
         fresh->runtimeHandle = GxTextInstanceManager::Register(this);
         if (fresh->runtimeHandle < 0) return false;
         impl = std::move(fresh);
-        __android_log_print(ANDROID_LOG_DEBUG, kTag, "Construct(%p / %d)", this,
+        __android_log_print(ANDROID_LOG_DEBUG, kObjectTag, "Construct(%p / %d)", this,
                             impl->runtimeHandle);
         return true;
     });
@@ -490,22 +492,22 @@ bool GxTextObject::Construct() {
 template <typename Draw>
 bool GxTextObject::renderGuarded(int width, int height, Draw drawPicture) {
     if (!requireConstructed(248)) return false;
-    __android_log_print(ANDROID_LOG_DEBUG, kTag,
+    __android_log_print(ANDROID_LOG_DEBUG, kObjectTag,
                         "RenderTextEffect(%p / %d) >>> Start! - (w=%d,h=%d)", this,
                         impl->runtimeHandle, width, height);
     if (width < 0 || height < 0) {
-        return ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, kSiteRenderBadSize);
+        return ReportNativeError(kObjectTag, GXE_ERROR_INVALID_ARGUMENT, kSiteRenderBadSize);
     }
     if (!impl->fontDrawing) {
-        return ReportNativeError(kTag, GXE_ERROR_NOT_CONSTRUCTED, kSiteRenderNoFontDrawing);
+        return ReportNativeError(kObjectTag, GXE_ERROR_NOT_CONSTRUCTED, kSiteRenderNoFontDrawing);
     }
-    const bool done = GuardMemory(kTag, kSiteRenderNoMemory, [&] {
+    const bool done = GuardMemory(kObjectTag, kSiteRenderNoMemory, [&] {
         drawPicture(static_cast<uint32_t>(width), static_cast<uint32_t>(height));
         return true;
     });
     impl->effect->releaseBitmap();
     impl->effect->setOutput(GxEffect::Output::kAny);
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "RenderTextEffect(%p / %d) <<< End.", this,
+    __android_log_print(ANDROID_LOG_DEBUG, kObjectTag, "RenderTextEffect(%p / %d) <<< End.", this,
                         impl->runtimeHandle);
     return done;
 }
@@ -522,7 +524,7 @@ const uint32_t* GxTextObject::RenderTextEffect(int width, int height) {
 
 bool GxTextObject::RenderTextEffectInto(uint32_t* pixels, int width, int height) {
     if (impl && !pixels) {
-        return ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, kSiteRenderNoPixels);
+        return ReportNativeError(kObjectTag, GXE_ERROR_INVALID_ARGUMENT, kSiteRenderNoPixels);
     }
     return renderGuarded(width, height, [&](uint32_t columns, uint32_t rows) {
         BorrowedBitmap picture(pixels, columns, rows, 4);
@@ -549,9 +551,10 @@ void GxTextObject::ReleaseKeptPlanes() {
 bool GxTextObject::FitBitmapToView() {
     if (!requireConstructed(kSiteFitBitmap)) return false;
     GxRect ink;
-    const bool isMeasured = !impl->keepsWholeInk || GuardMemory(kTag, kSiteMeasureNoMemory, [&] {
-        return !impl->fontDrawing || impl->fontDrawing->MeasureInk(this, &ink);
-    });
+    const bool isMeasured =
+        !impl->keepsWholeInk || GuardMemory(kObjectTag, kSiteMeasureNoMemory, [&] {
+            return !impl->fontDrawing || impl->fontDrawing->MeasureInk(this, &ink);
+        });
     if (!isMeasured) return false;
     const GxView& view = *impl->view;
     const GxRect margins = marginsAround(ink, view.GetWidth(), view.GetHeight());
@@ -561,7 +564,7 @@ bool GxTextObject::FitBitmapToView() {
     const int64_t height = int64_t{view.GetHeight()} + effect.getTopOffset() +
                            effect.getBottomOffset() + margins.top + margins.bottom;
     if (std::max(width, height) > INT32_MAX) {
-        return ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, kSiteFitBitmapTooLarge);
+        return ReportNativeError(kObjectTag, GXE_ERROR_INVALID_ARGUMENT, kSiteFitBitmapTooLarge);
     }
     impl->inkMargins = margins;
     return impl->view->SetBitmapWidth(static_cast<int>(width)) &&
@@ -590,7 +593,7 @@ GxEffect* GxTextObject::GetEffect() const {
 bool GxTextObject::SetText(const GxString* text) {
     if (!requireConstructed(390)) return false;
     if (GxLog::IsAllLogEnable()) {
-        __android_log_print(ANDROID_LOG_DEBUG, kTag, "SetText() - %p [%s] strLen=%d", this,
+        __android_log_print(ANDROID_LOG_DEBUG, kObjectTag, "SetText() - %p [%s] strLen=%d", this,
                             GxLog::ConvertLog(text), text ? text->GetLength() : 0);
     }
     return storeText(text);
@@ -602,7 +605,8 @@ bool GxTextObject::SetText(const wchar_t* text) {
 
 bool GxTextObject::SetText(const wchar_t* text, int length) {
     if (!requireConstructed(kSiteCountedText)) return false;
-    if (length < 0) return ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, kSiteTextLength);
+    if (length < 0)
+        return ReportNativeError(kObjectTag, GXE_ERROR_INVALID_ARGUMENT, kSiteTextLength);
     return storeText(text, length);
 }
 
@@ -612,7 +616,7 @@ bool GxTextObject::storeText(const Text* text, Length... length) {
         impl->text.reset();
         return true;
     }
-    return GuardMemory(kTag, kSiteTextNoMemory, [&] {
+    return GuardMemory(kObjectTag, kSiteTextNoMemory, [&] {
         auto fresh = std::make_unique<GxString>();
         if (!fresh->Construct() || !fresh->Set(text, length...)) return false;
         const bool hasOwnFamilies = impl->fontDrawing && impl->fontDrawing->HasFontFamilies();
@@ -627,10 +631,10 @@ bool GxTextObject::storeText(const Text* text, Length... length) {
 void GxTextObject::SetTextLocaleListId() {
     if (!requireConstructed(460)) return;
     if (!impl->text) {
-        __android_log_print(ANDROID_LOG_DEBUG, kTag, "SetTextLocaleListId - text is null.");
+        __android_log_print(ANDROID_LOG_DEBUG, kObjectTag, "SetTextLocaleListId - text is null.");
         return;
     }
-    GuardMemory(kTag, kSiteLocaleNoMemory, [this] { return loadFamiliesOf(*impl->text); });
+    GuardMemory(kObjectTag, kSiteLocaleNoMemory, [this] { return loadFamiliesOf(*impl->text); });
 }
 
 GxString* GxTextObject::GetText() const {
@@ -646,30 +650,30 @@ GxFontDrawing& GxTextObject::fontDrawing() {
 
 bool GxTextObject::SetFontFamilyName(const char* name) {
     if (!requireConstructed(549)) return false;
-    if (!name) return ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, 553);
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "SetFontFamilyName(%p) - familyName[%s]", this,
-                        name);
-    return GuardMemory(kTag, kSiteFontNoMemory,
+    if (!name) return ReportNativeError(kObjectTag, GXE_ERROR_INVALID_ARGUMENT, 553);
+    __android_log_print(ANDROID_LOG_DEBUG, kObjectTag, "SetFontFamilyName(%p) - familyName[%s]",
+                        this, name);
+    return GuardMemory(kObjectTag, kSiteFontNoMemory,
                        [&] { return fontDrawing().SetFontFamilyName(name); });
 }
 
 bool GxTextObject::SetFont(const char* path) {
     if (!requireConstructed(572)) return false;
-    if (!path) return ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, 576);
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "SetFont(%p) - path[%s]", this, path);
+    if (!path) return ReportNativeError(kObjectTag, GXE_ERROR_INVALID_ARGUMENT, 576);
+    __android_log_print(ANDROID_LOG_DEBUG, kObjectTag, "SetFont(%p) - path[%s]", this, path);
     return useFont(path, nullptr, 0);
 }
 
 bool GxTextObject::SetFont(const char* path, char* data, unsigned size) {
     if (!requireConstructed(600)) return false;
-    if (!path) return ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, 604);
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "SetFont2(%p) - path[%s] - size: %d", this, path,
-                        static_cast<int>(size));
+    if (!path) return ReportNativeError(kObjectTag, GXE_ERROR_INVALID_ARGUMENT, 604);
+    __android_log_print(ANDROID_LOG_DEBUG, kObjectTag, "SetFont2(%p) - path[%s] - size: %d", this,
+                        path, static_cast<int>(size));
     return useFont(path, data, size);
 }
 
 bool GxTextObject::useFont(const char* path, char* data, unsigned size) {
-    return GuardMemory(kTag, kSiteFontNoMemory, [&] {
+    return GuardMemory(kObjectTag, kSiteFontNoMemory, [&] {
         GxFontDrawing& drawing = fontDrawing();
         return FontManager::GetInstance().AddMinikinFont(path, data, size, 0, true) &&
                drawing.SetFontPath(path);
@@ -679,7 +683,7 @@ bool GxTextObject::useFont(const char* path, char* data, unsigned size) {
 bool GxTextObject::SetFontFamilies(std::vector<std::shared_ptr<minikin::FontFamily>> families,
                                    int weight) {
     if (!requireConstructed(kSiteFontFamilies)) return false;
-    return GuardMemory(kTag, kSiteFontNoMemory, [&] {
+    return GuardMemory(kObjectTag, kSiteFontNoMemory, [&] {
         fontDrawing().SetFontFamilies(std::move(families), weight);
         return true;
     });
@@ -694,12 +698,12 @@ GxFontDrawing* GxTextObject::GetFont() const {
 bool GxTextObject::SetLineInfo(const List* lines) {
     if (!requireConstructed(636)) return false;
     if (!lines) {
-        __android_log_print(ANDROID_LOG_ERROR, kTag, "SetLineInfo - lineInfo is NULL");
-        return ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, 640);
+        __android_log_print(ANDROID_LOG_ERROR, kObjectTag, "SetLineInfo - lineInfo is NULL");
+        return ReportNativeError(kObjectTag, GXE_ERROR_INVALID_ARGUMENT, 640);
     }
     if (!impl->lineInfoList) {
-        __android_log_print(ANDROID_LOG_ERROR, kTag, "SetLineInfo - M->lineInfo is NULL");
-        return ReportNativeError(kTag, GXE_ERROR_NOT_CONSTRUCTED, 647);
+        __android_log_print(ANDROID_LOG_ERROR, kObjectTag, "SetLineInfo - M->lineInfo is NULL");
+        return ReportNativeError(kObjectTag, GXE_ERROR_NOT_CONSTRUCTED, 647);
     }
     if (lines == impl->lineInfoList.get()) return true;  // these are the object's already
     List& own = *impl->lineInfoList;
@@ -742,7 +746,7 @@ android::Paint GxTextObject::GetPaint() const {
     try {
         return *impl->paint;
     } catch (const std::bad_alloc&) {
-        ReportNativeError(kTag, GXE_ERROR_INVALID_ARGUMENT, kSiteGetPaintNoMemory);
+        ReportNativeError(kObjectTag, GXE_ERROR_INVALID_ARGUMENT, kSiteGetPaintNoMemory);
         return android::Paint();
     }
 }
@@ -753,7 +757,7 @@ const android::Paint& GxTextObject::paint() const {
 
 bool GxTextObject::SetPaint(android::Paint& paint) {
     if (!requireConstructed(730)) return false;
-    return GuardMemory(kTag, kSitePaintNoMemory, [&] {
+    return GuardMemory(kObjectTag, kSitePaintNoMemory, [&] {
         impl->paint = std::make_unique<const android::Paint>(paint);
         return true;
     });

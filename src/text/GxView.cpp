@@ -5,12 +5,12 @@
 namespace GxFontEffect {
 
 namespace {
-constexpr const char* kTag = "GxView";
+constexpr const char* kViewTag = "GxView";
 }  // namespace
 
 bool GxView::SetSize(int w, int h) {
     if (w < 0 || h < 0) {
-        __android_log_print(ANDROID_LOG_ERROR, kTag, "SetSize() - size invalid");
+        __android_log_print(ANDROID_LOG_ERROR, kViewTag, "SetSize() - size invalid");
         return false;
     }
     width = w;
@@ -20,7 +20,7 @@ bool GxView::SetSize(int w, int h) {
 
 bool GxView::SetBitmapWidth(int value) {
     if (value < 0) {
-        __android_log_print(ANDROID_LOG_ERROR, kTag, "SetBitmapWidht() - width[%d] is invalid",
+        __android_log_print(ANDROID_LOG_ERROR, kViewTag, "SetBitmapWidht() - width[%d] is invalid",
                             value);
         return false;
     }
@@ -30,8 +30,8 @@ bool GxView::SetBitmapWidth(int value) {
 
 bool GxView::SetBitmapHeight(int value) {
     if (value < 0) {
-        __android_log_print(ANDROID_LOG_ERROR, kTag, "SetBitmapHeight() - height[%d] is invalid",
-                            value);
+        __android_log_print(ANDROID_LOG_ERROR, kViewTag,
+                            "SetBitmapHeight() - height[%d] is invalid", value);
         return false;
     }
     bitmapSize->bitmapHeight = value;
