@@ -237,18 +237,19 @@ void ScaledFont::measure(const uint16_t* glyphs, unsigned count, float* advances
     }
 }
 
+bool ScaledFont::pictureExtents(uint32_t glyph, hb_glyph_extents_t* extents) const {
+    if (!hasColorBitmaps) return false;
+    const portable::AllocationWatch watch;
+    const bool found = hb_font_get_glyph_extents(hbFont.get(), glyph, extents);
+    // HarfBuzz goes on without the table that it had no memory for.
+    if (watch.failed()) throw std::bad_alloc();
+    return found;
+}
+
 MinikinRect ScaledFont::glyphBounds(uint32_t glyph) const {
     MinikinRect bounds;
     hb_glyph_extents_t extents;
-    const portable::AllocationWatch watch;
-    const bool isPicture =
-        hasColorBitmaps && hb_font_get_glyph_extents(hbFont.get(), glyph, &extents);
-    if (watch.failed()) {
-        // HarfBuzz goes on without the table that it had no memory for.
-        faked.font->file()->discardFace();
-        throw std::bad_alloc();
-    }
-    if (isPicture) {
+    if (pictureExtents(glyph, &extents)) {
         const int64_t left = extents.x_bearing;
         const int64_t top = -static_cast<int64_t>(extents.y_bearing);
         bounds.mLeft = std::round(toPixels(left));

@@ -49,6 +49,9 @@ struct ScaledFont {
     bool outOfMemory = false;  // set when an advance could not be measured
 
 private:
+    // False when the glyph has no picture in the font.
+    bool pictureExtents(uint32_t glyph, hb_glyph_extents_t* extents) const;
+
     // Glyphs measured before, each where its id falls modulo the size. Shaping asks for advances,
     // placing for the boxes of mostly the same glyphs.
     struct MeasuredGlyph {

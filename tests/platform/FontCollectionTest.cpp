@@ -7,19 +7,19 @@
 #include <string>
 #include <vector>
 
+#include "TextLayout.h"
 #include "minikin/LocaleList.h"
 #include "support/Fonts.h"
 
 namespace {
 
+using gxtest::Families;
 using gxtest::loadFont;
 using gxtest::makeFamily;
 using minikin::FamilyVariant;
 using minikin::FontCollection;
 using minikin::FontFamily;
 using minikin::FontStyle;
-
-using Families = std::vector<std::shared_ptr<FontFamily>>;
 
 struct Case {
     Families families;
@@ -31,9 +31,9 @@ struct Case {
 
 std::string runsOf(const Case& c) {
     const FontCollection collection(c.families);
-    const auto items = collection.itemize(
-        minikin::U16StringPiece(reinterpret_cast<const uint16_t*>(c.text.data()), c.text.size()),
-        FontStyle(), minikin::registerLocaleList(c.locales), c.variant);
+    const auto items =
+        collection.itemize(minikin::U16StringPiece(gxtest::unitsOf(c.text), c.text.size()),
+                           FontStyle(), minikin::registerLocaleList(c.locales), c.variant);
     std::ostringstream result;
     for (const FontCollection::Run& run : items) {
         const auto owner =
